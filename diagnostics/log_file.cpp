@@ -1,0 +1,166 @@
+#include "diagnostics/log_file.h"
+
+#include "diagnostics/svc_debug.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kTemporaryFolder[] = L"/tmp";
+constexpr wchar_t kLogName[] = L"/rcplauncher.log";
+
+// The log file's descriptor, -1 until enableLogging succeeds. The launcher never closes it: it is
+// close-on-exec and goes with the process.
+constinit int logFILE = -1;
+
+// Every record written while no log file is open, in order.
+std::string& queue() {
+    static std::string logque;
+    return logque;
+}
+
+void writeFully(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+std::wstring withSlashes(std::wstring path) {
+    std::replace(path.begin(), path.end(), L'\\', L'/');
+    return path;
+}
+
+// A path in the character set of the process's locale, as every other path of the launcher. Empty
+// when it cannot be converted; opening it then fails.
+std::string pathBytes(const std::wstring& path) {
+    const std::size_t length = std::wcstombs(nullptr, path.c_str(), 0);
+    if (length == static_cast<std::size_t>(-1)) {
+        return {};
+    }
+    std::string bytes(length, '\0');
+    std::wcstombs(bytes.data(), path.c_str(), length);
+    return bytes;
+}
+
+// Records are appended, so that a second launcher that empties the file leaves no hole of zeros
+// before the first one's next record. A folder's log is a file of the user's own area: a pipe in
+// its place must not stop the launch, hence non-blocking.
+constexpr int kLogFlags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+// Whether the open file is one that this launcher may write: in the user's own folder any regular
+// file, in the temporary folder only one that is this user's alone. Somebody could have planted a
+// file of his own there, or a second name of one of ours.
+bool mayWrite(int descriptor, bool inTemporaryFolder) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return false;
+    }
+    if (inTemporaryFolder && (status.st_uid != geteuid() || status.st_nlink != 1)) {
+        errno = EPERM;
+        return false;
+    }
+    return true;
+}
+
+int openLog(const std::string& path, bool inTemporaryFolder, int extraFlags) {
+    const int flags = kLogFlags | extraFlags | (inTemporaryFolder ? O_NOFOLLOW : 0);
+    const mode_t mode = inTemporaryFolder ? 0600 : 0666;
+    const int descriptor = open(path.c_str(), flags, mode);
+    if (descriptor < 0) {
+        return -1;
+    }
+    if (!mayWrite(descriptor, inTemporaryFolder) || ftruncate(descriptor, 0) != 0) {
+        const int savedErrno = errno;
+        close(descriptor);
+        errno = savedErrno;
+        return -1;
+    }
+    return descriptor;
+}
+
+// A traced launch keeps its log: the name carries the start time to the millisecond, and a launch
+// that meets an existing name waits a second for the next one.
+int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstring& path) {
+    for (;;) {
+        std::wstring time;
+        getTimeString(time);
+        path = withSlashes(folder + L"/rcplauncher_" + time + L".log");
+        const int descriptor = openLog(pathBytes(path), inTemporaryFolder, O_EXCL);
+        if (descriptor >= 0 || errno != EEXIST) {
+            return descriptor;
+        }
+        sleep(1);
+    }
+}
+
+bool enableLoggingIn(const std::wstring& folder, bool inTemporaryFolder) {
+    std::wstring path = withSlashes(folder + kLogName);
+    const int descriptor = debug ? openFreshLog(folder, inTemporaryFolder, path)
+                                 : openLog(pathBytes(path), inTemporaryFolder, 0);
+    if (descriptor < 0) {
+        fatalErrorA("ZYPRA0019E: Could not open %ls for writing!", path, Then::kReturn,
+                    ErrnoText::kAppend);
+        return false;
+    }
+    logFILE = descriptor;
+    std::string queued = std::exchange(queue(), {});
+    queued += '\n';
+    writeFully(logFILE, queued);
+    return true;
+}
+
+}  // namespace
+
+void writeToLog(std::string_view text) {
+    if (logFILE >= 0) {
+        writeFully(logFILE, text);
+    } else {
+        queue() += text;
+    }
+}
+
+bool logIsOpen() {
+    return logFILE >= 0;
+}
+
+const std::string& logQueue() {
+    return queue();
+}
+
+bool enableLogging(const std::wstring& folder) {
+    return enableLoggingIn(folder, false);
+}
+
+bool dumpLogToTempLocation() {
+    return enableLoggingIn(kTemporaryFolder, true);
+}
+
+void deleteTempLog() {
+    const std::string path = pathBytes(std::wstring(kTemporaryFolder) + kLogName);
+    struct stat status {};
+    if (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+        status.st_uid == geteuid()) {
+        unlink(path.c_str());
+    }
+}
+
+}  // namespace rcp

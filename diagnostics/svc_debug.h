@@ -1,0 +1,114 @@
+// The launcher's only voice: trace records while tracing is on, error records always.
+//
+//   record --> log file open? --yes--> appended to the file at once
+//                  |
+//                  no --> `logque`; emptied into the log file when it is opened, or into the
+//                         temporary log in /tmp when a fatal error comes first
+//
+// Records are plain lines without time stamp. The message id at their start ("ZYPRA", four digits
+// and I for information or E for error) is part of the text. Information goes out through the
+// SvcDebugOut functions and only while `debug` is on; errors go out always.
+#pragma once
+
+#include "diagnostics/format.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace rcp {
+
+/// Bytes of text in one record; longer text is cut there, before its line feed.
+inline constexpr std::size_t kRecordLimit = 4095;
+/// A trace format of this length or more is dropped whole.
+inline constexpr std::size_t kTraceFormatLimit = 1000;
+
+/// Tracing on or off. Set with setDebug.
+extern bool debug;
+
+void setDebug(bool on);
+/// Stores the current state in `saved`, then sets the new one: the form for records that must
+/// appear whatever the user chose. Prefer ForcedTracing, which also restores.
+void setDebug(bool on, bool& saved);
+
+/// Tracing forced on for a scope: the argument dump, the launch parameters, the lock's records.
+class ForcedTracing {
+  public:
+    ForcedTracing() { setDebug(true, saved_); }
+    ~ForcedTracing() { setDebug(saved_); }
+    ForcedTracing(const ForcedTracing&) = delete;
+    ForcedTracing& operator=(const ForcedTracing&) = delete;
+    ForcedTracing(ForcedTracing&&) = delete;
+    ForcedTracing& operator=(ForcedTracing&&) = delete;
+
+  private:
+    bool saved_ = false;
+};
+
+// --- Tracing: nothing is formatted or written while `debug` is off. ---
+
+/// `text` as it stands; percent signs in it mean nothing.
+void SvcDebugOutA(std::string_view text);
+void SvcDebugOutA(std::string_view format, std::string_view argument);
+void SvcDebugOutA(std::string_view format, int argument);
+void SvcDebugOutW(std::wstring_view format, std::wstring_view argument);
+/// The argument dump: message="first, second, ", with the percent signs of the arguments read as
+/// directives ("%%" becomes "%") and an empty line after it.
+void SvcDebugOutW(std::wstring_view message, std::span<const std::wstring> arguments);
+/// The same as SvcDebugOutW; in spite of the name no system error text is added.
+void SvcDebugLastError(std::wstring_view message);
+void SvcDebugLastError(std::wstring_view format, std::wstring_view argument);
+void Output(std::string_view format, std::span<const FormatArgument> arguments);
+
+// --- Errors: written whatever `debug` is. ---
+
+enum class Then { kReturn, kExit };
+enum class ErrnoText { kOmit, kAppend };
+
+/// Writes one error record and returns its text. With ErrnoText::kAppend " : " and the system's
+/// text for the errno of the moment of the call follow.
+std::string fatalError(ErrnoText errnoText, std::string_view format,
+                       std::span<const FormatArgument> arguments = {});
+
+/// One error record; with Then::kExit the process ends with status 255 (exit(3), so what was
+/// registered with atexit(3) runs). `message` is a format without arguments.
+void fatalErrorA(std::string_view message, Then then, ErrnoText errnoText);
+void fatalErrorA(std::string_view format, std::string_view argument, Then then,
+                 ErrnoText errnoText);
+void fatalErrorA(std::string_view format, std::wstring_view argument, Then then,
+                 ErrnoText errnoText);
+void fatalErrorW(std::wstring_view message, Then then, ErrnoText errnoText);
+
+/// The usual ends: a record with the system error text, then exit(3) with status 255.
+[[noreturn]] void fatal(std::string_view format);
+[[noreturn]] void fatal(std::string_view format, std::wstring_view argument);
+[[noreturn]] void fatal(std::string_view format, long argument);
+
+/// The usual report of a failure that the launch survives: a record without system error text.
+void report(std::string_view format, std::wstring_view argument = {});
+
+/// " Failed with error N: text" for the current errno.
+void GetLastErrorMsg(std::string& out);
+void GetLastErrorMsg(std::wstring& out);
+
+// --- The log file. ---
+
+/// Opens the log in `folder` ("rcplauncher.log"; "rcplauncher_TIME.log", a new file of its own,
+/// while tracing is on) and empties the queue into it. False, with one error record queued, when it
+/// cannot be opened.
+bool enableLogging(const std::wstring& folder);
+/// enableLogging for the temporary folder /tmp. Everybody can write there, so only a regular file
+/// of this user's own is used, never through a link; otherwise the queue stays where it is.
+bool dumpLogToTempLocation();
+/// Removes this user's temporary log of an earlier launch.
+void deleteTempLog();
+/// Local time as YYYYMMDD_HHMMSS_mmm.
+void getTimeString(std::wstring& out);
+
+/// What has been written while no log file was open. For tests.
+const std::string& logQueue();
+
+/// From now on running out of memory ends the process with a record instead of an exception.
+void installOutOfMemoryReport();
+
+}  // namespace rcp

@@ -1,0 +1,69 @@
+#include "launcher/core/argument_checks.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/platform_lock.h"
+
+#include <wchar.h>
+
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+struct ForbiddenText {
+    std::wstring_view text;
+    const char* message;
+};
+
+// The search paths of the JVM decide which code runs; only the installation may set them.
+constexpr ForbiddenText kForbiddenTexts[] = {
+    {L"jvm.library.path",
+     "ZYPRA0190E: rcplauncher invoked with arg containing \"jvm.library.path\" - not allowed."},
+    {L"java.library.path",
+     "ZYPRA0191E: rcplauncher invoked with arg containing \"java.library.path\" - not allowed."},
+    {L"java.home",
+     "ZYPRA0192E: rcplauncher invoked with arg containing \"java.home\" - not allowed."},
+};
+
+}  // namespace
+
+void validateIfUrlHandlerLaunch(const Arguments& arguments) {
+    if (!hasOption(L"-maxargcnt", arguments)) {
+        return;
+    }
+    const std::size_t count = arguments.size() - (isRestart(arguments) ? 1 : 0);
+    const std::wstring* expected = optionValue(L"-maxargcnt", arguments);
+    if ((expected == nullptr ? 0 : wcstoul(expected->c_str(), nullptr, 10)) != count) {
+        fatal(
+            "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument "
+            "count.");
+    }
+}
+
+void validateThatDoubleQuotesNotUsed(const Arguments& arguments) {
+    for (const std::wstring& argument : arguments) {
+        if (argument.find(L'"') != std::wstring::npos) {
+            fatal("ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument.");
+        }
+    }
+}
+
+void validateNoJavaLibraryPath(const Arguments& arguments) {
+    for (const std::wstring& argument : arguments) {
+        for (const ForbiddenText& forbidden : kForbiddenTexts) {
+            if (argument.find(forbidden.text) != std::wstring::npos) {
+                fatal(forbidden.message);
+            }
+        }
+    }
+}
+
+void validateInstallerState(const Arguments& arguments) {
+    if (hasOption(L"-provManifest", arguments) && !isMainProcess()) {
+        fatalErrorA("ZYPRA0122E: Attempting to install while process %ls is running.",
+                    std::to_wstring(pid), Then::kExit, ErrnoText::kOmit);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,30 @@
+// The launcher's own command line and the questions asked of it.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rcp {
+
+/// The launcher's arguments, the program path first.
+using Arguments = std::vector<std::wstring>;
+
+/// The index of the first argument from index 1 on that equals `option` exactly, or -1. The program
+/// path is never compared.
+int findOption(std::wstring_view option, const Arguments& arguments);
+/// Whether findOption finds it.
+bool hasOption(std::wstring_view option, const Arguments& arguments);
+/// The argument behind the first `option`; null when the option is missing or the last argument.
+const std::wstring* optionValue(std::wstring_view option, const Arguments& arguments);
+
+bool isRestart(const Arguments& arguments);      // "-restart"
+bool isResetConfig(const Arguments& arguments);  // "-resetconfig"
+/// "-debug", but never on a restart: a restarted launcher does not trace.
+bool isDebug(const Arguments& arguments);
+bool isInitMUService(const Arguments& arguments);  // "-initMUService"
+bool isDCommandOnly(const Arguments& arguments);   // "-dcommand_only"
+/// No launch is one.
+bool isPipeDaemonCommand();
+
+}  // namespace rcp

@@ -1,0 +1,136 @@
+#include "launcher/core/command_line.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/environment_settings.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/main_options.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/provisioning.h"
+#include "launcher/core/vm_arguments.h"
+#include "launcher/core/vm_choice.h"
+#include "platform/files.h"
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
+
+std::wstring baseLocation(const PropertyList& properties) {
+    const std::wstring* base = findProperty(L"rcp.base.location", properties);
+    if (base == nullptr) {
+        fatal(
+            "ZYPRA0011E: Unable to determine RCP Base Plugin location. If the problem persists, "
+            "reinstall.");
+    }
+    return *base;
+}
+
+// What every shape ends with: the environment that the JVM inherits.
+void settleEnvironment(const PropertyList& properties) {
+    addEnvSetToCommandLine(properties);
+    addLdPreloadToCommandLine(properties);
+    addEnvJavaHighZipfds(properties);
+}
+
+// The JVM's part of a command line for the launcher library.
+void addJvmSection(const LaunchInputs& inputs, bool vmIsEeOrDll) {
+    addVmargsToCommandLine(inputs, vmIsEeOrDll);
+    addDashDToCommandLine(inputs);
+    addXargsToCommandLine(inputs.properties);
+    addClasspathToCommandLine(inputs.properties);
+}
+
+void assembleProvisioning(const LaunchInputs& inputs, bool startedByUser) {
+    addBaseEclipseToCommandLine(inputs.properties);
+    addMainOptionsToCommandLine(inputs);
+    addProvisioningApplication(inputs.properties, startedByUser);
+    const bool vmIsEeOrDll = addVmToCommandLine(inputs);
+    addStartupToCommandLine(inputs.properties, inputs.arguments);
+    addLibpathToCommandLine(inputs.properties);
+    addJvmSection(inputs, vmIsEeOrDll);
+    settleEnvironment(inputs.properties);
+}
+
+void assembleForLauncherLibrary(const LaunchInputs& inputs) {
+    addBaseEclipseToCommandLine(inputs.properties);
+    addMainOptionsToCommandLine(inputs);
+    const bool vmIsEeOrDll = addVmToCommandLine(inputs);
+    addUseDaemonToCommandLine();
+    addStartupToCommandLine(inputs.properties, inputs.arguments);
+    addLibpathToCommandLine(inputs.properties);
+    addJvmSection(inputs, vmIsEeOrDll);
+    settleEnvironment(inputs.properties);
+}
+
+void assembleForJava(const LaunchInputs& inputs) {
+    const bool vmIsEeOrDll = addVmToCommandLine(inputs);
+    addLibpathToCommandLine(inputs.properties);
+    addJvmSection(inputs, vmIsEeOrDll);
+    addMainClassToCommandLine();
+    addMainOptionsToCommandLine(inputs);
+    settleEnvironment(inputs.properties);
+}
+
+}  // namespace
+
+void getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
+    const StandardLocations locations{inputs.workspace, inputs.installDir};
+    replacePlaceholdersInRcpInstallProp(locations, inputs.userProperties);
+    replacePlaceholdersInArgv(locations, inputs.arguments);
+    replacePlaceholdersInVmargMap(locations, inputs.properties, inputs.vmargMap);
+    emptySharedClassesOnNewLevel(inputs);
+    if (kind != LaunchKind::kPlatform) {
+        assembleProvisioning(inputs, kind == LaunchKind::kUserProvisioning);
+    } else if (isDirectJavaShape()) {
+        assembleForJava(inputs);
+    } else {
+        assembleForLauncherLibrary(inputs);
+    }
+}
+
+void addBaseEclipseToCommandLine(const PropertyList& properties) {
+    const std::wstring folder = baseLocation(properties) + kPlatformFolder;
+    std::wstring name;
+    getEclipseExeName(name, properties);
+    const std::wstring program = folder + name;
+    if (!isExecutable(program)) {
+        fatal("ZYPRA0007E: %ls is not executable or does not exist.", program);
+    }
+    addPathToCommandLine(program);
+    const std::wstring library = folder + ECLIPSE_SO_NAME_DEFAULT;
+    if (!exists(library)) {
+        fatal("Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
+              library);
+    }
+    setEclipseSoPath(library);
+}
+
+void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments) {
+    addArgToCommandLine(L"-startup", false);
+    const std::wstring* jar = optionValue(L"-perfJar", arguments);
+    addArgToCommandLine(jar == nullptr ? baseLocation(properties) + L"/launcher.jar" : *jar, true);
+}
+
+void addMainClassToCommandLine() {
+    addArgToCommandLine(L"org.eclipse.core.launcher.Main", true);
+}
+
+void addClasspathToCommandLine(const PropertyList& properties) {
+    if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
+        addArgToCommandLine(L"-cp", false);
+        addArgToCommandLine(baseLocation(properties) + L"/startup.jar", true);
+    } else if (const std::wstring* classPath = findProperty(L"cp", properties)) {
+        addArgToCommandLine(L"-cp", false);
+        addArgToCommandLine(*classPath, true);
+    }
+}
+
+void getEclipseExeName(std::wstring& name, const PropertyList& properties) {
+    const std::wstring* property = findProperty(L"eclipse.name", properties);
+    name = property == nullptr ? L"eclipse" : *property;
+}
+
+void getCmdString(const Arguments& /*arguments*/) {}
+
+}  // namespace rcp

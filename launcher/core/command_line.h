@@ -1,0 +1,38 @@
+// The final order of the command line. getUserCmdString is its table of contents: it calls the
+// pieces in order, and each piece appends its own elements to `launchArgs`.
+#pragma once
+
+#include "launcher/core/launch_inputs.h"
+
+#include <string>
+
+namespace rcp {
+
+enum class LaunchKind {
+    kPlatform,
+    kUserProvisioning,       // a first launch or a new provisioning level
+    kInstallerProvisioning,  // asked for by an installer
+};
+
+/// Fills `launchArgs` and sets the environment of the JVM. Replaces the placeholders in the
+/// per-user list and in the VM argument map. Every failure ends the process.
+void getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
+
+/// The launcher executable, first element, and the launcher library's path. Ends the process when
+/// the base location is unknown or either file is missing.
+void addBaseEclipseToCommandLine(const PropertyList& properties);
+/// "-startup" and the startup jar: the argument behind "-perfJar", or launcher.jar of the base
+/// location.
+void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments);
+/// The main class of the direct Java shape.
+void addMainClassToCommandLine();
+/// "-cp" and the class path, if there is one.
+void addClasspathToCommandLine(const PropertyList& properties);
+
+/// The value of "eclipse.name", or "eclipse".
+void getEclipseExeName(std::wstring& name, const PropertyList& properties);
+
+/// Does nothing; the interface keeps it.
+void getCmdString(const Arguments& arguments);
+
+}  // namespace rcp

@@ -1,0 +1,74 @@
+#include "launcher/core/hand_off_tools.h"
+
+#include "diagnostics/svc_debug.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <utility>
+
+namespace rcp {
+
+NarrowArguments::NarrowArguments(std::span<const std::wstring> arguments) {
+    texts_.reserve(arguments.size());
+    pointers_.reserve(arguments.size() + 1);
+    for (const std::wstring& argument : arguments) {
+        texts_.push_back(toNarrow(argument));
+    }
+    for (std::string& text : texts_) {
+        pointers_.push_back(text.data());
+    }
+    pointers_.push_back(nullptr);
+}
+
+void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
+                        std::string_view end) {
+    const ForcedTracing forced;
+    SvcDebugOutA(begin);
+    for (const std::string& text : arguments.texts()) {
+        SvcDebugOutA("%s", text);
+    }
+    SvcDebugOutA(end);
+}
+
+void reportFailedExec(const std::wstring& program) {
+    fatalErrorA("Error: execv: %ls could not be started", program, Then::kReturn,
+                ErrnoText::kAppend);
+}
+
+Gate::Gate() {
+    if (pipe(ends_.data()) != 0) {
+        ends_ = {-1, -1};
+        return;
+    }
+    for (const int end : ends_) {
+        fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
+}
+
+Gate::~Gate() {
+    closeEnd(0);
+    closeEnd(1);
+}
+
+void Gate::open() {
+    closeEnd(0);
+    closeEnd(1);
+}
+
+void Gate::wait() {
+    closeEnd(1);
+    char unused = 0;
+    while (ends_[0] >= 0 && read(ends_[0], &unused, 1) < 0 && errno == EINTR) {
+    }
+}
+
+void Gate::closeEnd(std::size_t end) {
+    if (ends_[end] >= 0) {
+        close(std::exchange(ends_[end], -1));
+    }
+}
+
+}  // namespace rcp

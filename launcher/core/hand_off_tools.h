@@ -1,0 +1,61 @@
+// What both hand-offs, to the platform and to the provisioning application, need.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rcp {
+
+/// The launch arguments in narrow form, as execv(3) and the launcher library take them. Owns the
+/// texts; data() is a null-terminated array of pointers to them.
+class NarrowArguments {
+  public:
+    explicit NarrowArguments(std::span<const std::wstring> arguments);
+    NarrowArguments(const NarrowArguments&) = delete;
+    NarrowArguments& operator=(const NarrowArguments&) = delete;
+    NarrowArguments(NarrowArguments&&) = delete;
+    NarrowArguments& operator=(NarrowArguments&&) = delete;
+    ~NarrowArguments() = default;
+
+    [[nodiscard]] int count() const { return static_cast<int>(texts_.size()); }
+    [[nodiscard]] char** data() { return pointers_.data(); }
+    [[nodiscard]] const std::vector<std::string>& texts() const { return texts_; }
+
+  private:
+    std::vector<std::string> texts_;
+    std::vector<char*> pointers_;
+};
+
+/// Logs `begin`, one argument a line, and `end`, whether tracing is on or not.
+void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
+                        std::string_view end);
+
+/// One E record with the path and the system error text.
+void reportFailedExec(const std::wstring& program);
+
+/// A gate between parent and child: a close-on-exec pipe that nothing is ever written to. The child
+/// waits at it until the parent has opened it, replaced its image or ended, each of which closes
+/// the parent's end. Without descriptors for a pipe the gate is open from the start.
+class Gate {
+  public:
+    Gate();
+    ~Gate();
+    Gate(const Gate&) = delete;
+    Gate& operator=(const Gate&) = delete;
+    Gate(Gate&&) = delete;
+    Gate& operator=(Gate&&) = delete;
+
+    /// In the parent.
+    void open();
+    /// In the child.
+    void wait();
+
+  private:
+    void closeEnd(std::size_t end);
+    std::array<int, 2> ends_{-1, -1};
+};
+
+}  // namespace rcp

@@ -1,0 +1,20 @@
+// The initial configuration: until the user's first configuration is complete, every launch runs
+// with
+// "-config initial".
+#pragma once
+
+#include "launcher/core/arguments.h"
+#include "launcher/core/property_list.h"
+
+namespace rcp {
+
+/// Whether the installation has numbered "config.initial." arguments and the property that they
+/// name behind "-initialCompleteFlag" is not yet "true..." in the per-user list. Ends the process
+/// when the numbers have a gap or the flag is missing.
+bool isInitialRequired(const PropertyList& properties, const PropertyList& userProperties);
+
+/// The arguments of a launch with the initial configuration: the program path, "-config initial",
+/// and of `arguments` only what decides where and how the platform runs.
+Arguments initialArguments(const Arguments& arguments);
+
+}  // namespace rcp

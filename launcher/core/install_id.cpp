@@ -1,0 +1,108 @@
+#include "launcher/core/install_id.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/property_file.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <stdio.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kKey[] = L"rcp.install.id";
+
+bool lock(int descriptor) {
+    while (flock(descriptor, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Whether the last line of the file lacks its line feed; what is appended would become part of it.
+bool lastLineIsOpen(int descriptor, off_t size) {
+    char last = '\n';
+    return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+}
+
+// Appends the id as a line of its own. A line that cannot be written whole is taken back.
+bool appendLine(int descriptor, const std::wstring& id) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    std::string line = lastLineIsOpen(descriptor, status.st_size) ? "\n" : "";
+    line += toNarrow(kKey + (L"=" + id) + L"\n");
+    const ssize_t written = write(descriptor, line.data(), line.size());
+    if (written == static_cast<ssize_t>(line.size())) {
+        return true;
+    }
+    const int savedErrno = written < 0 ? errno : ENOSPC;
+    if (written > 0 && ftruncate(descriptor, status.st_size) != 0) {
+        report("Error: getInstallID: an incomplete line stays in the property file.");
+    }
+    errno = savedErrno;
+    return false;
+}
+
+// The id in the file as it is now: another launcher may have appended one meanwhile.
+std::wstring storedId(const std::wstring& propertyFile) {
+    PropertyList stored;
+    getProperties(propertyFile, stored);
+    const std::wstring* id = findProperty(kKey, stored);
+    return id == nullptr ? std::wstring() : *id;
+}
+
+std::wstring makeInstallId(const std::wstring& propertyFile) {
+    Stream stream;
+    open_file(stream, propertyFile, L"a+");
+    if (!stream || !lock(fileno(stream.get()))) {
+        fatal("ZYPRA0017E: Could not open %ls to append rcp.install.id!", propertyFile);
+    }
+    std::wstring id = storedId(propertyFile);
+    if (!id.empty()) {
+        return id;
+    }
+    id = getTickString();
+    if (!appendLine(fileno(stream.get()), id)) {
+        fatal("ZYPRA0018E: Error while writing to %ls file.", propertyFile);
+    }
+    return id;
+}
+
+}  // namespace
+
+std::wstring getInstallID(const std::wstring& propertyFile, PropertyList& properties) {
+    if (const std::wstring* id = findProperty(kKey, properties)) {
+        return *id;
+    }
+    if (eConfig != InstallConfiguration::kUserpb) {
+        fatal("ZYPRA0016E: rcp.install.id is required for this configuration!");
+    }
+    std::wstring id = makeInstallId(propertyFile);
+    pushBackProperty(properties, kKey, id);
+    return id;
+}
+
+bool isOldRcpInstallId(const std::wstring& currentId, const std::wstring& directory) {
+    const std::wstring path = osPath(directory + L"/rcpinstall.properties");
+    if (!exists(path)) {
+        return false;
+    }
+    PropertyList stored;
+    getProperties(path, stored);
+    const std::wstring* id = findProperty(kKey, stored);
+    return id != nullptr && !id->empty() && *id != currentId;
+}
+
+}  // namespace rcp

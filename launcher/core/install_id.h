@@ -1,0 +1,20 @@
+// The install id ("rcp.install.id"): which installation this is, and whether the user's area was
+// made by another one.
+#pragma once
+
+#include "launcher/core/property_list.h"
+
+#include <string>
+
+namespace rcp {
+
+/// The install id of the launcher properties. In the "userpb" configuration a missing one is made
+/// and appended to the launcher property file at `propertyFile` and to `properties`; two launchers
+/// that start at once agree on one. In every other configuration a missing one ends the process.
+std::wstring getInstallID(const std::wstring& propertyFile, PropertyList& properties);
+
+/// Whether `directory` holds an "rcpinstall.properties" whose install id is not empty and not
+/// `currentId`.
+bool isOldRcpInstallId(const std::wstring& currentId, const std::wstring& directory);
+
+}  // namespace rcp

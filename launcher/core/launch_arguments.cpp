@@ -1,0 +1,25 @@
+#include "launcher/core/launch_arguments.h"
+
+#include "launcher/core/launch_state.h"
+
+namespace rcp {
+
+std::vector<std::wstring> launchArgs;
+std::wstring eclipseSoPath;
+
+void addArgToCommandLine(const std::wstring& argument, bool /*isValue*/) {
+    if (bRestart && (argument == DEBUGARG || argument == CONSOLEARG)) {
+        return;
+    }
+    launchArgs.push_back(argument);
+}
+
+void addPathToCommandLine(const std::wstring& path) {
+    launchArgs.assign(1, path);
+}
+
+void setEclipseSoPath(const std::wstring& path) {
+    eclipseSoPath = path;
+}
+
+}  // namespace rcp

@@ -1,0 +1,128 @@
+#include "launcher/core/main_options.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/platform_lock.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+enum class CopyRule {
+    kDrop,           // the option alone
+    kDropWithValue,  // the option and the argument behind it
+    kCopyWithValue,
+};
+
+struct OptionRule {
+    std::wstring_view option;
+    CopyRule rule;
+};
+
+// Every other argument is copied as it stands.
+constexpr OptionRule kOptionRules[] = {
+    {L"-data", CopyRule::kDropWithValue},  // the launcher writes its own
+    {L"-configuration", CopyRule::kDropWithValue},
+    {L"-plugincustomization", CopyRule::kCopyWithValue},
+    {L"-application", CopyRule::kCopyWithValue},
+    {L"-product", CopyRule::kCopyWithValue},
+    {L"-personality", CopyRule::kCopyWithValue},
+    {L"-vm", CopyRule::kDropWithValue},
+    {L"-rcp_old_pid", CopyRule::kDropWithValue},
+    {L"-restart", CopyRule::kDrop},
+    {L"-resetconfig", CopyRule::kDrop},
+};
+
+const OptionRule* ruleFor(std::wstring_view argument) {
+    for (const OptionRule& rule : kOptionRules) {
+        if (rule.option == argument) {
+            return &rule;
+        }
+    }
+    return nullptr;
+}
+
+// The user's arguments in front of "-vmargs", which is never taken for an option's value.
+void copyUserOptions(const Arguments& arguments) {
+    const int separator = findOption(L"-vmargs", arguments);
+    const std::size_t end = separator < 0 ? arguments.size() : static_cast<std::size_t>(separator);
+    for (std::size_t i = 1; i < end; ++i) {
+        const OptionRule* rule = ruleFor(arguments[i]);
+        if (rule == nullptr) {
+            addArgToCommandLine(arguments[i], true);
+        } else if (rule->rule == CopyRule::kDropWithValue) {
+            ++i;
+        } else if (rule->rule == CopyRule::kCopyWithValue) {
+            addArgToCommandLine(arguments[i], false);
+            if (++i < end) {
+                addArgToCommandLine(arguments[i], true);
+            }
+        }
+    }
+}
+
+void addOption(const std::wstring& option, const std::wstring& value) {
+    addArgToCommandLine(option, false);
+    addArgToCommandLine(value, true);
+}
+
+// An option that the user gave anywhere, behind "-vmargs" too, is not added again.
+void addFromProperty(const std::wstring& option, const std::wstring* value,
+                     const Arguments& arguments) {
+    if (value != nullptr && !hasOption(option, arguments)) {
+        addOption(option, *value);
+    }
+}
+
+void addPluginCustomization(const LaunchInputs& inputs) {
+    if (hasOption(L"-plugincustomization", inputs.arguments)) {
+        return;
+    }
+    const std::wstring* property = findProperty(L"plugincustomization", inputs.properties);
+    const std::wstring value = property == nullptr ? std::wstring() : *property;
+    const std::wstring path = osPath(value);
+    if (!exists(path)) {
+        fatal("ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
+    }
+    addOption(L"-plugincustomization", path);
+}
+
+}  // namespace
+
+void addMainOptionsToCommandLine(const LaunchInputs& inputs) {
+    const Arguments& arguments = inputs.arguments;
+    if (isDirectJavaShape()) {
+        addArgToCommandLine(L"-nosplash", false);
+    }
+    if (!isDebug(arguments)) {
+        addArgToCommandLine(L"--launcher.suppressErrors", false);
+    }
+    copyUserOptions(arguments);
+    if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
+        fatal("ZYPRA0005E: Couldn't find the rcp.install.id property!");
+    }
+    addOption(L"-data", inputs.workspace);
+    addOption(L"-configuration", inputs.configuration);
+    addFromProperty(L"-application", findProperty(L"application", inputs.properties), arguments);
+    addPluginCustomization(inputs);
+    const std::wstring* product = findProperty(L"product", inputs.userProperties);
+    if (product == nullptr) {
+        product = findProperty(L"product", inputs.properties);
+    }
+    addFromProperty(L"-product", product, arguments);
+    addFromProperty(L"-personality", findProperty(L"personality", inputs.properties), arguments);
+}
+
+void addUseDaemonToCommandLine() {
+    if (!isMainProcess()) {
+        addOption(L"-useDaemon", std::to_wstring(pid));
+    }
+}
+
+}  // namespace rcp

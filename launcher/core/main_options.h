@@ -1,0 +1,17 @@
+// The platform options of the command line.
+#pragma once
+
+#include "launcher/core/launch_inputs.h"
+
+namespace rcp {
+
+/// Appends the platform options: the user's own, less those that the launcher decides, then
+/// "-data", "-configuration", and from the properties whatever of "-application",
+/// "-plugincustomization", "-product" and "-personality" the user did not give. Ends the process
+/// without "rcp.install.id" and when the plug-in customization file is missing.
+void addMainOptionsToCommandLine(const LaunchInputs& inputs);
+
+/// Appends "-useDaemon" and the main process id unless this is the main process.
+void addUseDaemonToCommandLine();
+
+}  // namespace rcp

@@ -1,0 +1,170 @@
+#include "launcher/core/placeholders.h"
+
+#include "diagnostics/svc_debug.h"
+#include "platform/environment.h"
+#include "platform/text.h"
+
+#include <utility>
+
+namespace rcp {
+namespace {
+
+// No real value comes near these. They end the expansion of values that bring themselves back, and
+// bound the time that a hostile one can take.
+constexpr int kMostReplacements = 4096;
+constexpr std::size_t kLongestGrowth = std::size_t{1024} * 1024;
+
+void turnSlashes(StandardLocations& locations) {
+    convertBS2S(locations.workspace);
+    convertBS2S(locations.installDir);
+}
+
+void traceModification(const std::wstring& before, const std::wstring& after) {
+    if (debug) {
+        SvcDebugOutW(L"ZYPRA0071I: Modified prop_contents %s", before + L" => " + after);
+    }
+}
+
+bool getEnvironmentValue(std::wstring_view rest, std::wstring& value) {
+    const std::size_t comma = rest.find(L',');
+    if (getEnv(std::wstring(rest.substr(0, comma)), value) != nullptr) {
+        return true;
+    }
+    if (comma == std::wstring_view::npos) {
+        return false;
+    }
+    value = rest.substr(comma + 1);
+    return true;
+}
+
+}  // namespace
+
+void replaceEvery(std::wstring& text, std::wstring_view placeholder, const std::wstring& value) {
+    std::size_t found = text.find(placeholder);
+    if (found == std::wstring::npos) {
+        return;
+    }
+    std::wstring out;
+    std::size_t at = 0;
+    for (; found != std::wstring::npos; found = text.find(placeholder, at)) {
+        out.append(text, at, found - at);
+        out += value;
+        at = found + placeholder.size();
+    }
+    out.append(text, at);
+    text = std::move(out);
+}
+
+void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir) {
+    const std::wstring_view placeholder = kRcpHomePlaceholder;
+    const std::size_t found = text.find(placeholder);
+    if (found != std::wstring::npos) {
+        text.replace(found, placeholder.size(), installDir);
+    }
+}
+
+void replaceStdPlaceholders(const StandardLocations& locations, std::wstring& text) {
+    replaceEvery(text, kRcpHomePlaceholder, locations.installDir);
+    replaceEvery(text, L"${workspace.location}", locations.workspace);
+    replaceEvery(text, L"${rcp.data}", locations.workspace);
+}
+
+std::size_t findLastPlaceholder(const std::wstring& text, std::size_t limit, std::size_t& end,
+                                std::wstring& name) {
+    const std::size_t begin = text.rfind(L"${", limit);
+    if (begin == std::wstring::npos) {
+        return begin;
+    }
+    end = text.find(L'}', begin + 2);
+    if (end == std::wstring::npos) {
+        return end;
+    }
+    name.assign(text, begin + 2, end - begin - 2);
+    return begin;
+}
+
+bool getPlaceholderValue(const std::wstring& name, std::wstring& value,
+                         const PropertyList& properties) {
+    const std::wstring_view view = name;
+    if (view.starts_with(L"env.")) {
+        if (getEnvironmentValue(view.substr(4), value)) {
+            return true;
+        }
+    } else if (view.starts_with(L"prop.")) {
+        if (const std::wstring* found = findProperty(view.substr(5), properties)) {
+            value = *found;
+            return true;
+        }
+    }
+    value = L"${" + name + L"}";
+    return false;
+}
+
+bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties) {
+    const std::size_t longest = text.size() + kLongestGrowth;
+    bool allResolved = true;
+    std::size_t limit = text.size();
+    std::size_t end = 0;
+    std::wstring name;
+    std::wstring value;
+    for (int replacements = 0;; ++replacements) {
+        const std::size_t begin = findLastPlaceholder(text, limit, end, name);
+        if (begin == std::wstring::npos) {
+            return allResolved;
+        }
+        if (replacements == kMostReplacements || text.size() > longest) {
+            return false;
+        }
+        if (getPlaceholderValue(name, value, properties)) {
+            const std::wstring before = debug ? text : std::wstring();
+            text.replace(begin, end + 1 - begin, value);
+            traceModification(before, text);
+            limit = begin + value.size();
+        } else {
+            allResolved = false;
+            limit = begin;
+        }
+        // The limit is the last character in front of here; there is none at the very start.
+        if (limit == 0) {
+            return allResolved;
+        }
+        --limit;
+    }
+}
+
+void replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
+                            const PropertyList& properties) {
+    if (text.find(L"${") == std::wstring::npos) {
+        return;
+    }
+    replaceStdPlaceholders(locations, text);
+    std::wstring copy = text;
+    if (!replaceUserPlaceholders(copy, properties)) {
+        fatal("ZYPRA0088E: property substitution is invalid (%ls)", text);
+    }
+    text = std::move(copy);
+}
+
+void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties) {
+    turnSlashes(locations);
+    for (Property& entry : properties.entries()) {
+        replaceAllPlaceholders(locations, entry.value, properties);
+    }
+}
+
+void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyList& properties,
+                                   VmArgumentMap& vmargMap) {
+    turnSlashes(locations);
+    for (auto& [key, argument] : vmargMap) {
+        replaceAllPlaceholders(locations, argument.text, properties);
+    }
+}
+
+void replacePlaceholdersInArgv(StandardLocations locations, Arguments& arguments) {
+    turnSlashes(locations);
+    for (std::wstring& argument : arguments) {
+        replaceStdPlaceholders(locations, argument);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,231 @@
+#include "launcher/core/platform_lock.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/lock_content.h"
+#include "launcher/core/process_check.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace rcp {
+
+long pid = 0;
+
+namespace {
+
+constexpr int kLongestWaitSeconds = 20;
+constexpr wchar_t kLineFormat[] = L" %2024[^\n]\n";
+
+std::wstring lockFilePath;
+std::wstring pipeFilePath;
+std::wstring mainPidFilePath;
+std::wstring pipename;
+bool bDirtyShutdown = false;
+int lockFILE = -1;  // open from locateLockFile to the end of the launcher
+
+bool writeAtStart(std::string_view text) {
+    return pwrite(lockFILE, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size());
+}
+
+std::string contentOfLockFile() {
+    std::array<char, 256> buffer{};
+    const ssize_t length = pread(lockFILE, buffer.data(), buffer.size(), 0);
+    return {buffer.data(), static_cast<std::size_t>(length < 0 ? 0 : length)};
+}
+
+void takeLock() {
+    while (flock(lockFILE, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            fatal("ZYPRA0053E: Error locking platform lock file. ");
+        }
+    }
+}
+
+void traceWithTime(std::wstring_view format) {
+    if (debug) {
+        std::wstring time;
+        getTimeString(time);
+        SvcDebugOutW(format, time);
+    }
+}
+
+// The old platform has not ended in time: its id is cleared, so that this launcher becomes the main
+// one. Under the lock and only while the id is still the old one's: another launcher may have
+// recorded its own platform meanwhile.
+void giveOldPlatformUp(long oldPid) {
+    report(
+        "ZYPRA0013E: Existing platform has not shutdown within allotted time. Invalidating the "
+        "lockfile for new launch.");
+    takeLock();
+    const LockContent content = parseLockContent(contentOfLockFile());
+    if (content.kind == LockContent::kNumber && content.number == oldPid) {
+        invalidateLockFile();
+    }
+}
+
+// On a restart the old platform is still shutting down.
+void waitForOldPlatform(const Arguments& arguments, const std::wstring& processMarker) {
+    const std::wstring* value = optionValue(L"-rcp_old_pid", arguments);
+    const long oldPid = value == nullptr ? 0 : oldProcessId(*value);
+    sysSleep(1);
+    for (int waited = 0; isMainProcessRunning(processMarker) && pid == oldPid;) {
+        sysSleep(1);
+        if (++waited == kLongestWaitSeconds) {
+            giveOldPlatformUp(oldPid);
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+void locateLockFile(const Arguments& arguments, const std::wstring& workspace,
+                    const std::wstring& processMarker) {
+    const ForcedTracing forced;
+    lockFilePath = workspace + L"/.rcp.lock";
+    pipeFilePath = workspace + L"/.pipe";
+    mainPidFilePath = workspace + L"/.rcp.main";
+    createAndOpenLockFile();
+    if (isRestart(arguments)) {
+        waitForOldPlatform(arguments, processMarker);
+    }
+    lockLockFile(workspace + L"/.sid", processMarker);
+}
+
+void createAndOpenLockFile() {
+    const std::string path = toNarrow(lockFilePath);
+    closeLockFile();
+    lockFILE = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
+    if (lockFILE < 0) {
+        const int savedErrno = errno;
+        const FormatArgument arguments[] = {static_cast<long>(savedErrno)};
+        fatalError(ErrnoText::kOmit, "ZYPRA0199E: CreateLockFile failed. errno=%d", arguments);
+        errno = savedErrno;
+        fatal("ZYPRA0054E: Error locating platform lock file");
+    }
+    struct stat status {};
+    if (fstat(lockFILE, &status) != 0 || !S_ISREG(status.st_mode)) {
+        errno = EINVAL;
+        fatal("ZYPRA0054E: Error locating platform lock file");
+    }
+}
+
+void lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker) {
+    takeLock();
+    traceWithTime(L"ZYPRA0303I: lock file captured @ %s");
+    if (isMainProcessRunning(processMarker)) {
+        SvcDebugOutA("ZYPRA0305I: We are daemon process");
+        return;
+    }
+    SvcDebugOutA("ZYPRA0304I: We are main process");
+    setMainProcess(true);
+    if (exists(sidPath)) {
+        deleteFile(sidPath);
+    }
+}
+
+void unlockLockFile() {
+    if (lockFILE < 0) {
+        return;
+    }
+    if (flock(lockFILE, LOCK_UN) != 0) {
+        fatal("ZYPRA0070E: Error unlocking platform lock file. ");
+    }
+    traceWithTime(L"ZYPRA0306I: lock file released @ %s");
+}
+
+void closeLockFile() {
+    if (lockFILE >= 0) {
+        close(std::exchange(lockFILE, -1));
+    }
+}
+
+void invalidateLockFile() {
+    if (!writeAtStart(kClearedLockContent)) {
+        report("ZYPRA0052E: Unable to invalidate platform lock file");
+    }
+}
+
+bool isMainProcessRunning(const std::wstring& processMarker) {
+    if (lockFILE < 0 || !exists(lockFilePath)) {
+        return false;
+    }
+    report("ZYPRA0090E: Existing platform lock file found - checking validity.");
+    const LockContent content = parseLockContent(contentOfLockFile());
+    switch (content.kind) {
+        case LockContent::kNothing:
+            report("ZYPRA0091E: No data in the platform lock file.");
+            return false;
+        case LockContent::kOther:
+            errno = 0;
+            fatal("ZYPRA0092E: Error reading platform lock file.");
+        case LockContent::kNumber:
+            break;
+    }
+    pid = content.number;
+    return isPlatformProcess(pid, processMarker);
+}
+
+void populateLockFile(int processId) {
+    if (!isMainProcess()) {
+        return;
+    }
+    populateMainPidFile(static_cast<unsigned long>(processId));
+    if (!writeAtStart(lockContentFor(processId))) {
+        report("ZYPRA0051E: Unable to write to platform lock file");
+    }
+}
+
+void populateMainPidFile(unsigned long processId) {
+    Stream stream;
+    open_file(stream, mainPidFilePath, L"w+");
+    if (!stream) {
+        report("ZYPRA00XXI: Unable to open rcp.main file");
+        return;
+    }
+    const int written = fprintf(stream.get(), "%lu    ", processId);
+    if (written < 0 || fflush(stream.get()) != 0) {
+        report("ZYPRA00XXI: Unable to write pid to rcp.main file");
+    }
+}
+
+bool getPipeName(std::wstring& name) {
+    Stream stream;
+    if (exists(pipeFilePath)) {
+        open_file(stream, pipeFilePath, L"r");
+    }
+    if (!stream || readFile(*stream, kLineFormat, pipename) != 1) {
+        return false;
+    }
+    name = pipename;
+    return true;
+}
+
+const std::wstring& getLockFilePath() {
+    return lockFilePath;
+}
+const std::wstring& getPipeFilePath() {
+    return pipeFilePath;
+}
+const std::wstring& getMainPidFilePath() {
+    return mainPidFilePath;
+}
+
+bool isDirtyShutdown() {
+    return bDirtyShutdown;
+}
+
+}  // namespace rcp

@@ -1,0 +1,113 @@
+#include "launcher/core/platform_xml.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/user_files.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <stdio.h>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kLineFormat[] = L"%2024[^\n]\n";
+
+// A feature's placeholders. A line is the feature's when it holds the id; the version is filled in
+// only there. The messages share a text, the number tells which feature.
+struct Feature {
+    const wchar_t* idPlaceholder;
+    const wchar_t* versionPlaceholder;
+    const wchar_t* idProperty;
+    const wchar_t* versionProperty;
+    const char* missingMessage;
+};
+
+constexpr Feature kFeatures[] = {
+    {L"${jvm.feature.id}", L"${jvm.feature.version}", L"jvm.feature.id", L"jvm.feature.version",
+     "ZYPRA0101E: Error while copying platform.xml to user specific platform.xml file."},
+    {L"${jvm.parent.feature.id}", L"${jvm.parent.feature.version}", L"jvm.parent.feature.id",
+     L"jvm.parent.feature.version",
+     "ZYPRA0102E: Error while copying platform.xml to user specific platform.xml file."},
+};
+
+constexpr char kCopyFailed[] =
+    "ZYPRA0103E: Error while copying platform.xml to user specific platform.xml file.";
+
+void fillIn(const Feature& feature, std::wstring& line, const PropertyList& properties) {
+    const std::wstring* id = findProperty(feature.idProperty, properties);
+    const std::wstring* version = findProperty(feature.versionProperty, properties);
+    if (id == nullptr || version == nullptr) {
+        report(feature.missingMessage);
+        return;
+    }
+    replaceEvery(line, feature.idPlaceholder, *id);
+    replaceEvery(line, feature.versionPlaceholder, *version);
+}
+
+void writePlatformXml(const std::wstring& master, const std::wstring& target,
+                      const PropertyList& properties, bool bareFeatures) {
+    Stream from;
+    open_file(from, master, L"r");
+    if (!from) {
+        report("ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
+        return;
+    }
+    WholeFile file(target);
+    if (!file.open()) {
+        report("ZYPRA0139E: Unable to open platform.xml for writing.\"%s\"", target);
+        return;
+    }
+    std::wstring line;
+    while (readFile(*from, kLineFormat, line) != EOF) {
+        if (!file.write(toNarrow(platformXmlLine(line, properties, bareFeatures)) + "\n")) {
+            report(kCopyFailed);
+        }
+    }
+    if (ferror(from.get()) != 0 || !file.commit()) {
+        report(kCopyFailed);
+    }
+    userFirstLaunch = true;
+}
+
+}  // namespace
+
+std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, bool bareFeatures) {
+    for (const Feature& feature : kFeatures) {
+        if (line.find(feature.idPlaceholder) == std::wstring::npos) {
+            continue;
+        }
+        if (bareFeatures) {
+            line = L"<feature>";
+        } else {
+            fillIn(feature, line, properties);
+        }
+    }
+    return line;
+}
+
+bool createPlatformXML(const std::wstring& configuration, const std::wstring& base,
+                       const PropertyList& properties, bool bareFeatures) {
+    if (eConfig == InstallConfiguration::kUserpb) {
+        return false;
+    }
+    const std::wstring update = osPath(configuration + L"/org.eclipse.update");
+    if (!isDirectory(update)) {
+        userFirstLaunch = true;
+        if (!ensureDirectory(update)) {
+            fatal("ZYPRA0039E: Unable to create %ls directory.", update);
+        }
+    }
+    const std::wstring target = update + L"/platform.xml";
+    const std::wstring* managed = findProperty(L"update.policy.managed", properties);
+    if (!exists(target) && (managed == nullptr || *managed != L"false")) {
+        writePlatformXml(getCoreFileLocation(base, L"platform.xml"), target, properties,
+                         bareFeatures);
+    }
+    return true;
+}
+
+}  // namespace rcp

@@ -1,0 +1,83 @@
+#include "launcher/core/process_check.h"
+
+#include "launcher/core/launch_state.h"
+#include "platform/process.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <regex.h>
+#include <signal.h>
+
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace rcp {
+namespace {
+
+class BasicRegex {
+  public:
+    explicit BasicRegex(const std::string& pattern)
+        : isValid_(regcomp(&regex_, pattern.c_str(), REG_NOSUB) == 0) {}
+    ~BasicRegex() {
+        if (isValid_) {
+            regfree(&regex_);
+        }
+    }
+    BasicRegex(const BasicRegex&) = delete;
+    BasicRegex& operator=(const BasicRegex&) = delete;
+    BasicRegex(BasicRegex&&) = delete;
+    BasicRegex& operator=(BasicRegex&&) = delete;
+
+    [[nodiscard]] bool matches(const std::string& line) const {
+        return isValid_ && regexec(&regex_, line.c_str(), 0, nullptr, 0) == 0;
+    }
+
+  private:
+    regex_t regex_{};
+    bool isValid_;
+};
+
+bool isAlive(long processId) {
+    if (processId <= 0 || processId > std::numeric_limits<pid_t>::max()) {
+        return false;
+    }
+    return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
+}
+
+// The process's own line. No heading, and never cut at a terminal's width.
+std::string listProcess(long processId) {
+    const std::optional<ProgramResult> listing =
+        runProgram({"ps", "hww", std::to_string(processId)});
+    return listing && listing->succeeded ? listing->output : std::string();
+}
+
+}  // namespace
+
+bool isPlatformProcess(long processId, const std::wstring& name) {
+    const std::string pattern = toNarrow(name);
+    return isAlive(processId) && !pattern.empty() &&
+           listingShowsPlatform(listProcess(processId), pattern, !invokeDylib);
+}
+
+bool listingShowsPlatform(std::string_view listing, const std::string& name, bool needsBase) {
+    if (name.empty()) {
+        return false;
+    }
+    const BasicRegex nameRegex(name);
+    const BasicRegex baseRegex("rcp.base");
+    while (!listing.empty()) {
+        const std::size_t end = listing.find('\n');
+        const std::string line(listing.substr(0, end));
+        if (nameRegex.matches(line) && (!needsBase || baseRegex.matches(line))) {
+            return true;
+        }
+        if (end == std::string_view::npos) {
+            break;
+        }
+        listing.remove_prefix(end + 1);
+    }
+    return false;
+}
+
+}  // namespace rcp

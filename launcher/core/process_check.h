@@ -1,0 +1,19 @@
+// Whether a process id names the running platform: the process is alive, and the system's process
+// listing shows it as the platform.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace rcp {
+
+/// Whether the process is alive and its listing matches `name` (and "rcp.base" for the execv
+/// hand-off, whose process has its own command line). Ids of 0 or less and those too large for a
+/// process id are never signalled and never the platform.
+bool isPlatformProcess(long processId, const std::wstring& name);
+
+/// Whether some line of `listing` matches `name` and, when `needsBase`, "rcp.base", each as a basic
+/// regular expression as grep(1) takes it. An empty name matches nothing.
+bool listingShowsPlatform(std::string_view listing, const std::string& name, bool needsBase);
+
+}  // namespace rcp

@@ -1,0 +1,152 @@
+#include "launcher/core/property_file.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/data_path.h"
+#include "launcher/core/property_text.h"
+#include "platform/files.h"
+
+#include <stdio.h>
+
+#include <memory>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kLineFormat[] = L" %2024[^\n]\n";
+constexpr wchar_t kByteOrderMark = 0xFEFF;
+
+bool isSeparator(wchar_t character) {
+    return character == L'=' || character == L':' || character == L' ' || character == L'\t';
+}
+
+// Characters in front of which a backslash is dropped by the reader itself. It protects nothing: in
+// front of the value "\:" still separates.
+bool isEscapable(wchar_t character) {
+    return character == L':' || character == L'#' || character == L' ' || character == L'=';
+}
+
+// An entry while its lines are read:
+//
+//            separator                    any other character
+//   KEY -----------------> VALUE, eligible --------------------> VALUE, begun
+//    ^                       ^   |  (further separators go)           |
+//    |                       |   |                                    |
+//    |  line without "\" end |   '--- next line of a continued entry <'
+//    '----- entry done ------'
+//
+// Every line starts eligible, so a separator at the start of a continuation line goes too. Only a
+// character of the value ends a pending continuation: an entry continued inside its key goes on
+// until its value begins.
+class Entry {
+  public:
+    // Takes one line; true when the entry is complete.
+    bool addLine(const std::wstring& line) {
+        if (!continues_) {
+            inValue_ = false;
+            if (line.size() >= 2) {
+                isOption_ = line.starts_with(L"-X");
+            }
+        }
+        bool separatorEligible = true;
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            const wchar_t character = line[i];
+            const wchar_t next = i + 1 < line.size() ? line[i + 1] : L'\0';
+            if (character == L'\\' && i + 1 == line.size()) {
+                continues_ = true;
+            } else if ((character == L'\\' && isEscapable(next)) || character == L'\n' ||
+                       character == L'\r') {
+                continue;
+            } else if (separatorEligible && isSeparator(character)) {
+                inValue_ = true;
+                if (isOption_) {
+                    value += character;
+                }
+            } else if (inValue_) {
+                if (character == L'\\' && next == L'\\') {
+                    value += L'\\';
+                    ++i;
+                }
+                continues_ = false;
+                separatorEligible = false;
+                value += character;
+            } else {
+                key += character;
+            }
+        }
+        return !continues_;
+    }
+
+    void clear() {
+        key.clear();
+        value.clear();
+    }
+
+    [[nodiscard]] bool isEmpty() const { return key.empty() && value.empty() && !continues_; }
+
+    std::wstring key;
+    std::wstring value;
+
+  private:
+    bool continues_ = false;
+    bool inValue_ = false;
+    bool isOption_ = false;  // a JVM option such as -Xname:value keeps its separator in the value
+};
+
+Property finish(Entry& entry, const PropertyOrigin& origin) {
+    FilterProp(entry.key);
+    SvcDebugOutW(L"ZYPRA0023I:   attrib = \"%s\"", entry.key);
+    FilterValue(entry.value);
+    if (entry.key.starts_with(L"rcp.data")) {
+        entry.value = getDataPath(entry.key, entry.value);
+    }
+    SvcDebugOutW(L"ZYPRA0024I:   value  = \"%s\"", entry.value);
+    Property property{entry.key, entry.value, origin};
+    entry.clear();
+    return property;
+}
+
+void reportUnreadableLine(const std::wstring& path, std::size_t line) {
+    const FormatArgument arguments[] = {std::wstring_view(path), static_cast<unsigned long>(line)};
+    fatalError(ErrnoText::kOmit, "Error: getProperties: %ls: line %lu is no text and is left out.",
+               arguments);
+}
+
+}  // namespace
+
+void getProperties(const std::wstring& path, PropertyList& list) {
+    Stream stream;
+    open_file(stream, path, L"r");
+    if (!stream) {
+        fatal("ZYPRA0096E: Unable to load %ls file!", path);
+    }
+    const auto file = std::make_shared<const std::wstring>(path);
+    PropertyOrigin origin{file, 0};
+    LinePosition position;
+    Entry entry;
+    std::wstring line;
+    while (readFile(*stream, kLineFormat, line, &position) != EOF) {
+        if (line.empty()) {
+            reportUnreadableLine(path, position.line);
+            continue;
+        }
+        if (position.line == 1 && line.starts_with(kByteOrderMark)) {
+            line.erase(0, 1);
+        }
+        SvcDebugOutW(L"ZYPRA0032I: Prop Line = \"%s\"", line);
+        if (line.starts_with(L'#')) {
+            continue;
+        }
+        if (entry.isEmpty()) {
+            origin.line = position.line;
+        }
+        if (entry.addLine(line)) {
+            list.append(finish(entry, origin));
+        }
+    }
+    if (ferror(stream.get()) != 0) {
+        fatal("ZYPRA0096E: Unable to load %ls file!", path);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,16 @@
+// The reader of the launcher's property files: "rcplauncher.properties", "jvm.properties", the
+// per-user "rcpinstall.properties" and "args.properties". The format is close to Java's; where it
+// differs, installations rely on the difference.
+#pragma once
+
+#include "launcher/core/property_list.h"
+
+#include <string>
+
+namespace rcp {
+
+/// Appends the entries of the file at `path` to `list`. A file that cannot be opened or read ends
+/// the process; every text is a property file, so nothing in one is an error.
+void getProperties(const std::wstring& path, PropertyList& list);
+
+}  // namespace rcp

@@ -1,0 +1,166 @@
+#include "launcher/core/provisioning.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/command_line.h"
+#include "launcher/core/hand_off_tools.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/platform_lock.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/removal.h"
+#include "platform/text.h"
+
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <optional>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kLevel[] = L"provisioning.manifest.version";
+constexpr wchar_t kSharedClassesKey[] = L"vmarg.Dshare";
+
+bool isNewLevel(const LaunchInputs& inputs) {
+    return isNewProvisioningLevel(findProperty(kLevel, inputs.userProperties),
+                                  findProperty(kLevel, inputs.properties));
+}
+
+bool isEnabled(const LaunchInputs& inputs) {
+    const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
+    if (enabled == nullptr || *enabled != L"true") {
+        return false;
+    }
+    return eConfig == InstallConfiguration::kUser || eConfig == InstallConfiguration::kMultiuser ||
+           eConfig == InstallConfiguration::kLockdown;
+}
+
+// Whether emptying `directory` would take the installation or the user's own area with it.
+bool holdsMoreThanSharedClasses(const std::wstring& directory, const LaunchInputs& inputs) {
+    const std::optional<std::string> emptied = resolvedPath(toNarrow(directory));
+    if (!emptied || *emptied == "/") {
+        return true;
+    }
+    std::wstring home;
+    getUserHome(home);
+    for (const std::wstring& keep :
+         {home, inputs.workspace, inputs.configuration, inputs.installDir}) {
+        const std::optional<std::string> kept = resolvedPath(toNarrow(keep));
+        if (kept && (*kept + "/").starts_with(*emptied + "/")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+bool isNewProvisioningLevel(const std::wstring* userLevel, const std::wstring* platformLevel) {
+    if (userLevel == nullptr) {
+        return true;
+    }
+    return platformLevel != nullptr && *userLevel != *platformLevel;
+}
+
+bool isISMPProvisioning(const Arguments& arguments) {
+    return hasOption(L"-rcpLauncherWait", arguments) && hasOption(L"-provManifest", arguments);
+}
+
+void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
+    if (vmargMap.erase(kSharedClassesKey) == 0) {
+        SvcDebugOutA(
+            "ZYPRA0121I: \"vmarg.Dshare\" shared classes property was not detected. No special "
+            "action needed while provisioning");
+        return;
+    }
+    vmargMap[kSharedClassesKey].text = L"-Xshareclasses=none";
+    SvcDebugOutA(
+        "ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting -Xsharedclasses=none "
+        "while provisioning");
+}
+
+void checkForProvisioning(LaunchInputs& inputs) {
+    if (!isEnabled(inputs)) {
+        return;
+    }
+    if (isNewLevel(inputs)) {
+        userFirstLaunch = true;
+    }
+    const bool startedByInstaller = isISMPProvisioning(inputs.arguments);
+    if (!userFirstLaunch && !startedByInstaller) {
+        return;
+    }
+    defeateSharedClassesInProvisioning(inputs.vmargMap);
+    SvcDebugOutA(
+        "ZYPRA0076I: Detected platform initial launch or user initial launch. Executing platform "
+        "provisioning.");
+    getUserCmdString(inputs, startedByInstaller ? LaunchKind::kInstallerProvisioning
+                                                : LaunchKind::kUserProvisioning);
+    doProvisioning();
+    unlockLockFile();
+    exit(0);
+}
+
+void doProvisioning() {
+    NarrowArguments command(launchArgs);
+    logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
+                       "ZYPRA0130I: ===== End Provisioning Parameters =====");
+    Gate gate;
+    const pid_t child = fork();
+    if (child == 0) {
+        // Holds the lock until the parent has recorded the id: only then may the next launcher
+        // look.
+        waitpid(getpid(), nullptr, 0);
+        gate.wait();
+        return;
+    }
+    populateLockFile(child);
+    gate.open();
+    execv(command.data()[0], command.data());
+    reportFailedExec(launchArgs.front());
+}
+
+void addProvisioningApplication(const PropertyList& properties, bool startedByUser) {
+    const std::wstring* application = findProperty(L"provisioning.application", properties);
+    if (application == nullptr) {
+        fatalErrorA(
+            "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
+            "property is missing.",
+            Then::kExit, ErrnoText::kOmit);
+        return;
+    }
+    addArgToCommandLine(L"-application", false);
+    addArgToCommandLine(*application, true);
+    if (startedByUser) {
+        addArgToCommandLine(L"-userProvLaunch", false);
+    }
+}
+
+void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
+    const std::wstring* property =
+        findProperty(L"jvm.shareclasses.fullpath", inputs.userProperties);
+    if (property == nullptr || !isNewLevel(inputs)) {
+        return;
+    }
+    const std::wstring directory = osPath(*property);
+    if (!isDirectory(directory)) {
+        return;
+    }
+    if (holdsMoreThanSharedClasses(directory, inputs)) {
+        report("Error: jvm.shareclasses.fullpath: %ls is no directory of shared classes alone.",
+               directory);
+        return;
+    }
+    std::wstring problems;
+    if (!removeDirectoryContents(directory, problems)) {
+        fatal(
+            "\nZYPRA0086I begin: Information collected while removing shared classes directory\n"
+            "%ls\nZYPRA0087I end: Unable to remove all files in the shared classes directory.",
+            problems);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,39 @@
+// Provisioning: on a first launch, at a new provisioning level, or when an installer asks for it,
+// an application that installs or updates features runs before the user's client starts.
+#pragma once
+
+#include "launcher/core/launch_inputs.h"
+
+#include <string>
+
+namespace rcp {
+
+/// Whether the user's provisioning level differs from the platform's. A missing user level is new;
+/// a user level without a platform level is not, because there is nothing to provision.
+bool isNewProvisioningLevel(const std::wstring* userLevel, const std::wstring* platformLevel);
+
+/// Whether an installer started this launch: both "-rcpLauncherWait" and "-provManifest" are given.
+bool isISMPProvisioning(const Arguments& arguments);
+
+/// Returns when no provisioning is due. Otherwise assembles the provisioning command line, replaces
+/// the process with it and never returns.
+void checkForProvisioning(LaunchInputs& inputs);
+
+/// Switches the shared classes option off for a provisioning launch, if it is there: the classes
+/// change under it.
+void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap);
+
+/// Replaces the process with the command in `launchArgs`, having recorded the id of a forked child
+/// as the main process. Returns in the child, and in the parent when execv(3) failed.
+void doProvisioning();
+
+/// Appends "-application", the provisioning application and, when a user's launch asked for it,
+/// "-userProvLaunch". Ends the process when no application is configured.
+void addProvisioningApplication(const PropertyList& properties, bool startedByUser);
+
+/// At a new provisioning level empties the JVM's shared classes directory
+/// ("jvm.shareclasses.fullpath"); what cannot be emptied ends the process. A directory that is or
+/// holds the user's area or the installation is left alone.
+void emptySharedClassesOnNewLevel(const LaunchInputs& inputs);
+
+}  // namespace rcp

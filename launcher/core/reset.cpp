@@ -1,0 +1,229 @@
+#include "launcher/core/reset.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/java_properties.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/property_file.h"
+#include "launcher/core/user_files.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/removal.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kUpdateFolder[] = L"/org.eclipse.update";
+constexpr const wchar_t* kKeptFiles[] = {L"registry", L"bookmarks.xml"};
+
+std::wstring updateDirectory(const std::wstring& configuration) {
+    return osPath(configuration + kUpdateFolder);
+}
+
+std::wstring pathOf(const CopyPlace& place) {
+    return osPath(place.name.empty() ? place.directory : place.directory + L"/" + place.name);
+}
+
+std::wstring savedName(const std::wstring& name) {
+    return name + L".old";
+}
+
+void saveFile(const std::wstring& name, const std::wstring& workspace,
+              const std::wstring& configuration) {
+    handleCopy({workspace, savedName(name)}, {updateDirectory(configuration), name}, false, false);
+}
+
+void saveKeptFiles(const std::wstring& workspace, const std::wstring& configuration) {
+    for (const wchar_t* name : kKeptFiles) {
+        saveFile(name, workspace, configuration);
+    }
+}
+
+// Steps 2 to 4; `message` tells which of the two callers failed.
+void rebuildConfiguration(const std::wstring& workspace, const std::wstring& configuration,
+                          const char* message) {
+    const std::wstring path = osPath(configuration);
+    handleDirMove(path + L"bak", path, true);
+    const std::wstring update = updateDirectory(configuration);
+    if (!ensureDirectory(update)) {
+        fatal(message, update);
+    }
+    for (const wchar_t* name : kKeptFiles) {
+        handleFileMove({update, name}, {workspace, savedName(name)}, false);
+    }
+}
+
+// A free name beside `path` for what is to be removed: the smallest numbered one that does not
+// exist. Those that do are left from removals that did not finish and are removed now.
+std::wstring deleteMeName(const std::wstring& path) {
+    std::uint32_t chosen = 1;
+    for (std::uint32_t k = 5; k >= 1; --k) {
+        std::wstring name = path + L"deleteme";
+        addHexDigits(name, k);
+        if (!exists(name)) {
+            chosen = k;
+            continue;
+        }
+        std::wstring problems;
+        if (!removeDirectoryAndContents(name, problems)) {
+            SvcDebugOutW(L"%s", problems);
+        }
+    }
+    std::wstring name = path + L"deleteme";
+    addHexDigits(name, chosen);
+    return name;
+}
+
+// Moved away first, so that the target's name is free at once however long the removal takes.
+void clearDirectory(const std::wstring& path) {
+    const std::wstring name = deleteMeName(path);
+    if (!moveFile(path, name)) {
+        fatal("ZYPRA0112E: Can't move file/dir  '%ls'", path);
+    }
+    std::wstring problems;
+    if (!removeDirectoryAndContents(name, problems)) {
+        SvcDebugOutW(L"%s", problems);
+    }
+}
+
+void clearTarget(const std::wstring& path) {
+    if (!exists(path)) {
+        return;
+    }
+    if (isDirectory(path)) {
+        clearDirectory(path);
+    } else if (!deleteFile(path)) {
+        fatal("ZYPRA0111E: Can't delete old copy of file '%ls'", path);
+    }
+}
+
+// --- Reset directories ---
+
+std::wstring resetPropertiesFile(const std::wstring& configuration, const std::wstring& base) {
+    const std::wstring ownFile = osPath(configuration + L"/rcpinstall.properties");
+    if (exists(ownFile)) {
+        return ownFile;
+    }
+    std::wstring coreFile = getCoreFileLocation(base, L"rcpinstall.properties");
+    if (!exists(coreFile)) {
+        fatal("ZYPRA0106E: Unable to locate %ls file.", coreFile);
+    }
+    return coreFile;
+}
+
+// Whether a value names something below the folder it is appended to: relative, with an element
+// that is a name, and without "..".
+bool namesEntryBelow(const std::wstring& value) {
+    if (value.empty() || value.front() == L'/' || value.front() == L'\\') {
+        return false;
+    }
+    bool hasName = false;
+    for (std::size_t at = 0; at <= value.size();) {
+        const std::size_t end = std::min(value.find_first_of(L"/\\", at), value.size());
+        const std::wstring_view element = std::wstring_view(value).substr(at, end - at);
+        if (element == L"..") {
+            return false;
+        }
+        hasName |= !element.empty() && element != L".";
+        at = end + 1;
+    }
+    return hasName;
+}
+
+// A link on the way could lead anywhere; what it leads to is nobody's to remove here.
+bool isReallyBelow(const std::wstring& path, const std::wstring& folder) {
+    const std::optional<std::string> realPath = resolvedPath(toNarrow(path));
+    const std::optional<std::string> realFolder = resolvedPath(toNarrow(folder));
+    return realPath && realFolder && realPath->starts_with(*realFolder + "/");
+}
+
+void removePluginDirectory(const std::wstring& plugins, const std::wstring& value) {
+    const std::wstring directory = osPath(plugins + L"/" + value);
+    const bool isSafe =
+        namesEntryBelow(value) && (!exists(directory) || isReallyBelow(directory, plugins));
+    if (!isSafe) {
+        report("Error: resetMetaDataDirs: '%ls' does not name a directory of a plug-in.", value);
+        return;
+    }
+    std::wstring problems;
+    if (exists(directory) && !removeDirectoryAndContents(directory, problems)) {
+        fatal(
+            "\nZYPRA0107E begin: Error removing metadata plugin directory\n%ls\n"
+            "ZYPRA0108E end: Unable to remove all files in the metadata plugin directory. Please "
+            "correct the problems listed above",
+            problems);
+    }
+}
+
+}  // namespace
+
+void createReusableWorkspace(const std::wstring& workspace, const std::wstring& configuration) {
+    saveFile(L"platform.xml", workspace, configuration);
+    saveKeptFiles(workspace, configuration);
+    rebuildConfiguration(workspace, configuration, "ZYPRA0044E: Unable to create %ls directory.");
+}
+
+void resetWorkspace(const std::wstring& workspace, const std::wstring& configuration,
+                    const std::wstring& base) {
+    saveKeptFiles(workspace, configuration);
+    resetMetaDataDirs(workspace, configuration, base);
+    rebuildConfiguration(workspace, configuration, "ZYPRA0045E: Unable to create %ls directory.");
+}
+
+void resetMetaDataDirs(const std::wstring& workspace, const std::wstring& configuration,
+                       const std::wstring& base) {
+    PropertyList properties;
+    getProperties(resetPropertiesFile(configuration, base), properties);
+    const std::wstring plugins = osPath(workspace + L"/.metadata/.plugins");
+    for (const Property* property : findProperties(L"resetDir.", properties)) {
+        removePluginDirectory(plugins, property->value);
+    }
+}
+
+void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required, bool move) {
+    const std::wstring to = pathOf(target);
+    const std::wstring from = pathOf(source);
+    if (!exists(from)) {
+        if (required) {
+            fatal("ZYPRA0109E: Unable to locate '%ls' for copying", from);
+        }
+        SvcDebugOutW(L"ZYPRA0110I: '%s' not found", from);
+        return;
+    }
+    clearTarget(to);
+    if (move) {
+        if (!moveFile(from, to)) {
+            fatal("ZYPRA0141E: Can't move file/dir  '%ls'", from);
+        }
+    } else if (!copyFile(from, to)) {
+        fatal("ZYPRA0113E: Can't copy file  '%ls'", from);
+    }
+}
+
+void handleFileMove(const CopyPlace& target, const CopyPlace& source, bool required) {
+    handleCopy(target, source, required, true);
+}
+
+void handleDirMove(const std::wstring& target, const std::wstring& source, bool required) {
+    handleCopy({target, L""}, {source, L""}, required, true);
+}
+
+void getRestartExe(std::wstring& executable, const Arguments& arguments,
+                   const PropertyList& properties, const std::wstring& rcpHome) {
+    const std::wstring* name = optionValue(L"-config", arguments);
+    if (name == nullptr) {
+        return;
+    }
+    const std::wstring key = L"config." + *name + L".restartExe." + getOS();
+    if (const std::wstring* value = findProperty(key, properties)) {
+        executable = *value;
+        replaceFirstRcpHome(executable, rcpHome);
+        convertToOsSeparator(executable);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,101 @@
+#include "launcher/core/startup_arguments.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/java_properties.h"
+#include "launcher/core/placeholders.h"
+#include "platform/environment.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <vector>
+
+namespace rcp {
+namespace {
+
+// The three write failures carry one text under three ids, so that the id tells which line failed.
+constexpr char kArgumentFailed[] = "ZYPRA0020E: Error writing to %ls file.";
+constexpr char kCountFailed[] = "ZYPRA0116E: Error writing to %ls file.";
+constexpr char kLibraryPathFailed[] = "ZYPRA0117E: Error writing to %ls file.";
+
+bool writeLine(WholeFile& file, const std::wstring& key, const std::wstring& value) {
+    std::wstring line;
+    convWcharTo8859_1(key, value, line);
+    return file.write(toNarrow(line + L"\n"));
+}
+
+std::wstring programPath(const Arguments& arguments, const std::wstring* restartExe) {
+    if (restartExe != nullptr && !restartExe->empty()) {
+        return *restartExe;
+    }
+    std::wstring path;
+    getLauncherPath(path, arguments.front());
+    return path;
+}
+
+// The workspace as the restarted launcher must find it, whatever its working directory.
+std::wstring absoluteWorkspace(std::wstring value, const PropertyList& properties,
+                               const std::wstring& installDir) {
+    replaceFirstRcpHome(value, installDir);
+    const std::wstring before = value;
+    if (!replaceUserPlaceholders(value, properties)) {
+        fatal("ZYPRA0088E: property substitution is invalid (%ls)", before);
+    }
+    std::wstring absolute;
+    convert_from_relative_location(value, absolute);
+    return absolute;
+}
+
+// The arguments to record, in order.
+std::vector<std::wstring> recordedArguments(const Arguments& arguments,
+                                            const std::wstring* restartExe,
+                                            const PropertyList& properties,
+                                            const std::wstring& installDir) {
+    const int restart = findOption(L"-restart", arguments);
+    const int resetConfig = findOption(L"-resetconfig", arguments);
+    const int oldPid = findOption(L"-rcp_old_pid", arguments);
+    const int data = findOption(L"-data", arguments);
+    std::vector<std::wstring> recorded{programPath(arguments, restartExe)};
+    for (int i = 1; i < static_cast<int>(arguments.size()); ++i) {
+        const std::wstring& argument = arguments[static_cast<std::size_t>(i)];
+        if (i == restart || i == resetConfig) {
+            continue;
+        }
+        if (i == oldPid) {
+            ++i;
+        } else if (data >= 0 && i == data + 1) {
+            recorded.push_back(absoluteWorkspace(argument, properties, installDir));
+        } else {
+            recorded.push_back(argument);
+        }
+    }
+    return recorded;
+}
+
+}  // namespace
+
+void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
+                      const std::wstring* restartExe, const PropertyList& properties,
+                      const std::wstring& installDir) {
+    const std::wstring path = osPath(configuration + L"/args.properties");
+    WholeFile file(path);
+    if (!file.open()) {
+        fatal("ZYPRA0097E: Could not open %ls for writing!", path);
+    }
+    const auto recorded = recordedArguments(arguments, restartExe, properties, installDir);
+    for (std::size_t i = 0; i < recorded.size(); ++i) {
+        if (!writeLine(file, L"arg" + std::to_wstring(i), recorded[i])) {
+            fatal(kArgumentFailed, path);
+        }
+    }
+    if (!writeLine(file, L"argc", std::to_wstring(recorded.size()))) {
+        fatal(kCountFailed, path);
+    }
+    std::wstring libraryPath;
+    getEnv(L"DYLD_LIBRARY_PATH", libraryPath);
+    if (!writeLine(file, L"com.ovr.rcp.core.internal.librarypath", libraryPath) || !file.commit()) {
+        fatal(kLibraryPathFailed, path);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,50 @@
+// The user's private copies of two of the installation's files, made once in the configuration
+// directory and never merged again: "config.ini" as it stands, and "rcpinstall.properties" with the
+// lines for other operating systems left out and the launcher's current values appended.
+#pragma once
+
+#include "launcher/core/property_list.h"
+
+#include <optional>
+#include <string>
+
+namespace rcp {
+
+/// The installation's master copy of a file: base/config/<folder of the install configuration>/name
+/// when it exists, else base/name. A configuration without folder gives two slashes in a row.
+std::wstring getCoreFileLocation(const std::wstring& base, const std::wstring& name);
+
+/// Makes the user's "config.ini" unless there is one. Failure ends the process.
+void createConfigIni(const std::wstring& configuration, const std::wstring& base);
+
+/// Makes the user's "rcpinstall.properties" unless there is one, and returns its path.
+std::wstring createRCPInstallProps(const std::wstring& configuration, const std::wstring& base,
+                                   const PropertyList& properties);
+
+/// Writes the per-user form of the copy at `copy` to `target`, by way of `target` + ".new". Returns
+/// -1 when one of the files cannot be opened or the result cannot be put in place, else 0.
+int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
+                                const PropertyList& properties);
+
+/// Decides line by line what of the master copy the user gets. An entry is dropped whole, its
+/// continuation lines included:
+///
+///            filter drops the key, line continues
+///   ENTRY ------------------------------------------> DROPPING --- line does not continue ---.
+///     |  ^                                               '---- line continues: stay ----'    |
+///     |  '-- line does not continue -- CONTINUING                                            |
+///     '---- kept and continues ------------^                      ENTRY <--------------------'
+class UserFileFilter {
+  public:
+    /// Whether the line is written; its key may lose the qualifier for this operating system.
+    bool keeps(std::wstring& line);
+
+  private:
+    bool isDropping_ = false;
+    bool isContinuing_ = false;
+};
+
+/// The lines appended to the user's file; empty optional when a required value is missing.
+std::optional<std::wstring> userFileBlock(const PropertyList& properties);
+
+}  // namespace rcp

@@ -1,0 +1,136 @@
+#include "launcher/core/vm_arguments.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/workspace.h"
+#include "platform/text.h"
+
+#include <algorithm>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t VMFIXARG_PROPERTY[] = L"vmfix.noconsole";
+
+// What the user put behind "-vmargs". A "-vm" there is a choice of the launcher's, not a JVM
+// option.
+void addUserVmargs(const Arguments& arguments) {
+    const int separator = findOption(L"-vmargs", arguments);
+    if (separator < 0) {
+        return;
+    }
+    for (auto i = static_cast<std::size_t>(separator) + 1; i < arguments.size(); ++i) {
+        if (arguments[i] == L"-vm") {
+            ++i;
+        } else {
+            addArgToCommandLine(arguments[i], true);
+        }
+    }
+}
+
+void addConsoleFix(const LaunchInputs& inputs) {
+    const auto fixes = findProperties(VMFIXARG_PROPERTY, inputs.properties);
+    if (fixes.empty()) {
+        return;
+    }
+    constexpr std::wstring_view kPlaceholder = L"${workspace.location}";
+    std::wstring fix = fixes.front()->value;
+    const std::size_t found = fix.find(kPlaceholder);
+    if (found != std::wstring::npos) {
+        fix.replace(found, kPlaceholder.size(), inputs.workspace);
+    }
+    convertToOsSeparator(fix);
+    if (!fix.empty()) {
+        addArgToCommandLine(fix, true);
+    }
+}
+
+// The terminator that setArgProperty leaves at the end is not part of the argument.
+void addSystemProperty(const std::wstring& key, const std::wstring& value) {
+    std::wstring item;
+    setArgProperty(item, key, value);
+    addArgToCommandLine(item.c_str(), false);
+}
+
+void addPropertyDefinitions(const PropertyList& properties) {
+    for (const Property* property : findProperties(L"-D", properties)) {
+        std::wstring item;
+        setArgProperty(item, property->key, property->value);
+        item.pop_back();
+        SvcDebugOutW(L"ZYPRA0075I: commandArg  = \"%s\"", item);
+        addArgToCommandLine(item, false);
+    }
+}
+
+// The position of the second element equal to `option`.
+Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view option) {
+    const auto first = std::find(arguments.begin(), arguments.end(), option);
+    return first == arguments.end() ? first : std::find(first + 1, arguments.end(), option);
+}
+
+}  // namespace
+
+void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll) {
+    if (!isDirectJavaShape()) {
+        addArgToCommandLine(L"-vmargs", false);
+    }
+    addUserVmargs(inputs.arguments);
+    const bool hasConsole = hasOption(CONSOLEARG, inputs.arguments) && !isRestart(inputs.arguments);
+    if (!hasConsole && !vmIsEeOrDll) {
+        addConsoleFix(inputs);
+    }
+    for (const auto& [key, argument] : inputs.vmargMap) {
+        if (!argument.text.empty()) {
+            addArgToCommandLine(argument.text, true);
+        }
+    }
+}
+
+void addDashDToCommandLine(const LaunchInputs& inputs) {
+    addSystemProperty(L"-Drcp.home", inputs.installDir);
+    addSystemProperty(L"-Drcp.data", inputs.workspace);
+    if (const std::wstring* splash = findProperty(L"osgi.splashPath", inputs.userProperties)) {
+        addSystemProperty(L"-Dosgi.splashPath", *splash);
+    }
+    const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
+    if (installId == nullptr) {
+        fatal("ZYPRA0036E: Couldn't find the rcp.install.id property!");
+    }
+    addSystemProperty(L"-Dcom.ovr.rcp.install.id", *installId);
+    const std::wstring configuration = installConfigurationName();
+    if (configuration.empty()) {
+        fatal("ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
+    }
+    addSystemProperty(L"-Drcp.install.config", configuration);
+    addPropertyDefinitions(inputs.properties);
+    addSystemProperty(L"-Drcp.osgi.install.area", osPath(inputs.installDir + L"/rcp/eclipse"));
+}
+
+void addXargsToCommandLine(const PropertyList& properties) {
+    for (const Property* property : findProperties(L"-X", properties)) {
+        addArgToCommandLine(property->key + property->value, true);
+    }
+    if (const std::wstring* prepend = findProperty(L"Xbootclasspath.prepend", properties)) {
+        addArgToCommandLine(L"-Xbootclasspath/p:" + *prepend, false);
+    }
+    if (const std::wstring* append = findProperty(L"Xbootclasspath.append", properties)) {
+        addArgToCommandLine(L"-Xbootclasspath/a:" + *append, false);
+    }
+}
+
+void removeDuplicateSingles(Arguments& arguments, std::wstring_view option) {
+    const auto second = secondOccurrence(arguments, option);
+    if (second != arguments.end()) {
+        arguments.erase(second);
+    }
+}
+
+void removeDuplicatePairs(Arguments& arguments, std::wstring_view option) {
+    const auto second = secondOccurrence(arguments, option);
+    if (second != arguments.end()) {
+        arguments.erase(second, std::min(second + 2, arguments.end()));
+    }
+}
+
+}  // namespace rcp

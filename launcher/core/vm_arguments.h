@@ -1,0 +1,28 @@
+// The JVM arguments of the command line.
+#pragma once
+
+#include "launcher/core/launch_inputs.h"
+
+#include <string_view>
+
+namespace rcp {
+
+/// Appends the JVM section: "-vmargs" (not in the direct Java shape), what the user put behind
+/// "-vmargs" less any "-vm" pair, the console fix argument, and the VM argument map in key order.
+/// `vmIsEeOrDll` is what addVmToCommandLine returned.
+void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll);
+
+/// Appends the "-D" system properties. Ends the process without "rcp.install.id" and for an
+/// unrecognised install configuration.
+void addDashDToCommandLine(const LaunchInputs& inputs);
+
+/// Appends the "-X" properties and the boot class path.
+void addXargsToCommandLine(const PropertyList& properties);
+
+/// Removes the second occurrence of `option`; the first and any third stay, so one call removes at
+/// most one duplicate.
+void removeDuplicateSingles(Arguments& arguments, std::wstring_view option);
+/// The same with the argument behind the removed option.
+void removeDuplicatePairs(Arguments& arguments, std::wstring_view option);
+
+}  // namespace rcp

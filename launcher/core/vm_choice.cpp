@@ -1,0 +1,221 @@
+#include "launcher/core/vm_choice.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/property_file.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <algorithm>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kFileName[] = L"jvm.properties";
+constexpr std::wstring_view kPluginFolder = L"/eclipse/plugins/";
+constexpr wchar_t kJavaHome[] = L"${prop.java.home}";
+constexpr char kNoVmMessage[] = "ZYPRA0002E: vm must be specified with -vm argument!";
+
+void traceAlways(std::wstring_view format, std::wstring_view argument) {
+    const ForcedTracing forced;
+    SvcDebugOutW(format, argument);
+}
+
+// The JVM's path; empty when the launcher library is to find one itself.
+std::wstring chosenVm(const LaunchInputs& inputs) {
+    if (isVmOverride(inputs.arguments)) {
+        const std::wstring* value = optionValue(L"-vm", inputs.arguments);
+        if (value == nullptr || value->empty()) {
+            fatal(kNoVmMessage);
+        }
+        return *value;
+    }
+    const std::wstring* property = findProperty(L"vm", inputs.properties);
+    return property == nullptr ? std::wstring() : *property;
+}
+
+// The same choice, made before the placeholders in arguments are replaced.
+std::wstring vmForProperties(const PropertyList& properties, const Arguments& arguments) {
+    if (isVmOverride(arguments)) {
+        const std::wstring* value = optionValue(L"-vm", arguments);
+        if (value == nullptr || value->empty()) {
+            fatal("ZYPRA0079E: -vm on command line must be followed by a valid jvm path.");
+        }
+        return *value;
+    }
+    const std::wstring* property = findProperty(L"vm", properties);
+    return property == nullptr ? std::wstring() : *property;
+}
+
+void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
+    if (const std::wstring* given = findProperty(L"java.home", properties)) {
+        std::wstring home = *given;
+        getJvmHome(location.jvm, home);
+        replaceValue(L"java.home", home, properties);
+        return;
+    }
+    std::wstring home;
+    getJvmHome(location.jvm, home);
+    if (location.isDefault && !home.empty()) {
+        pushBackProperty(properties, L"java.home", home);
+    }
+}
+
+void settleLibraryPath(PropertyList& properties) {
+    const std::wstring* given = findProperty(L"jvm.library.path", properties);
+    if (given != nullptr && !given->empty()) {
+        std::wstring path = *given;
+        fixUpJvmLibPath(path);
+        replaceValue(L"jvm.library.path", path, properties);
+    }
+}
+
+}  // namespace
+
+bool addVmToCommandLine(const LaunchInputs& inputs) {
+    if (hasOption(L"-rcpLauncherWait", inputs.arguments)) {
+        setWaitMode();
+    }
+    const std::wstring vm = chosenVm(inputs);
+    if (vm.empty()) {
+        if (isDirectJavaShape()) {
+            fatal(kNoVmMessage);  // or an option would become the program
+        }
+        return false;
+    }
+    if (isDirectJavaShape()) {
+        addPathToCommandLine(vm);
+    } else {
+        addArgToCommandLine(L"-vm", false);
+        addArgToCommandLine(vm, true);
+    }
+    return endsIn(vm, L".ee") || endsIn(vm, L".dll");
+}
+
+JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
+                                           const std::wstring& installDir) {
+    JvmPropertyLocation location;
+    std::wstring root;
+    location.jvm = vmForProperties(properties, arguments);
+    bool found = false;
+    if (location.jvm.empty()) {
+        traceAlways(L"ZYPRA0119I: VM specified is \"%s\"", L"external JVM");
+    } else {
+        replaceFirstRcpHome(location.jvm, installDir);
+        convertBS2S(location.jvm);
+        traceAlways(L"ZYPRA0021I: VM specified is \"%s\"", location.jvm);
+        found = getStandardJvmPropertyRoot(location.jvm, root, location.isDefault) ||
+                getInstallJvmPropertyRoot(location.jvm, root);
+    }
+    location.isDefault = !found;
+    if (!found) {
+        root = installDir + L"/rcp/deploy/";
+        convertBS2S(root);
+    }
+    pushBackProperty(properties, L"jvm.root", root);
+    location.file = root + kFileName;
+    return location;
+}
+
+bool getStandardJvmPropertyRoot(const std::wstring& jvm, std::wstring& root, bool& isDefault) {
+    const std::size_t folder = jvm.find(kPluginFolder);
+    if (folder == std::wstring::npos) {
+        return false;
+    }
+    const std::size_t end = jvm.find(L'/', folder + kPluginFolder.size());
+    if (end == std::wstring::npos) {
+        return false;
+    }
+    root = jvm.substr(0, end + 1);
+    isDefault = !jvmPropExists(root);
+    return !isDefault;
+}
+
+bool getInstallJvmPropertyRoot(const std::wstring& jvm, std::wstring& root) {
+    const std::size_t last = jvm.rfind(L'/');
+    if (last == std::wstring::npos || last == 0) {
+        return false;
+    }
+    const std::size_t second = jvm.rfind(L'/', last - 1);
+    if (second == std::wstring::npos) {
+        return false;
+    }
+    root = jvm.substr(0, second + 1);
+    return jvmPropExists(root);
+}
+
+bool jvmPropExists(const std::wstring& root) {
+    return exists(osPath(root + kFileName));
+}
+
+void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location) {
+    traceAlways(L"ZYPRA0077I: loading jvm.properties at \"%s\"", location.file);
+    if (exists(location.file)) {
+        getProperties(location.file, inputs.properties);
+        insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    } else {
+        traceAlways(
+            L"ZYPRA0125I: No jvm.properties file was loaded. A default file should be at \"%s\"",
+            L"${rcp.home}/rcp/deploy");
+    }
+    settleJavaHome(inputs.properties, location);
+    settleLibraryPath(inputs.properties);
+}
+
+void getJvmHome(const std::wstring& jvm, std::wstring& home) {
+    const std::size_t found = jvm.find(L"jvm/bin");
+    if (found != std::wstring::npos && found > 0) {
+        home = jvm.substr(0, found - 1);
+    }
+}
+
+void fixUpJvmLibPath(std::wstring& libraryPath) {
+    convertBS2S(libraryPath);
+    std::wstring fixed;
+    std::size_t at = 0;
+    while (at < libraryPath.size()) {
+        const std::size_t end = std::min(libraryPath.find(L':', at), libraryPath.size());
+        const std::wstring element = libraryPath.substr(at, end - at);
+        at = end + 1;
+        if (element.empty()) {
+            continue;
+        }
+        if (!fixed.empty()) {
+            fixed += L':';
+        }
+        if (element.find(kJavaHome) == std::wstring::npos) {
+            fixed += kJavaHome;
+            fixed += L'/';
+        }
+        fixed += element;
+    }
+    libraryPath = fixed;
+}
+
+bool endsIn(std::wstring_view text, std::wstring_view suffix) {
+    const std::size_t position = text.size() - suffix.size();
+    return text.find(suffix, position) == position;
+}
+
+bool isVmOverride(const Arguments& arguments) {
+    return hasOption(L"-vm", arguments);
+}
+
+bool isJavaw(const std::wstring& jvm, const std::wstring& name) {
+    if (!exists(jvm)) {
+        fatal("ZYPRA0003E: Specified vm (%ls) does not exist!", jvm);
+    }
+    return jvm.ends_with(name);
+}
+
+void replaceJavaExecutableName(std::wstring& jvm, const std::wstring& name,
+                               const std::wstring& replacement) {
+    if (jvm.ends_with(name)) {
+        jvm.replace(jvm.size() - name.size(), name.size(), replacement);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,122 @@
+#include "launcher/core/workspace.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/placeholders.h"
+#include "platform/environment.h"
+#include "platform/install_location.h"
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kServiceWorkspace[] = L"/eclipse/.workspace";
+constexpr wchar_t kServiceConfiguration[] = L"/eclipse/.config";
+constexpr wchar_t kMuServiceWorkspace[] = L"/eclipse/.muservice";
+constexpr wchar_t kMuServiceConfiguration[] = L"/eclipse/.muservice/.config";
+constexpr wchar_t kConfiguration[] = L"/.config";
+constexpr wchar_t kDefaultFolder[] = L"/OVR/RCP/";
+
+void dropTrailingSeparator(std::wstring& path) {
+    if (path.ends_with(L'/') || path.ends_with(L'\\')) {
+        path.pop_back();
+    }
+}
+
+std::wstring workspaceFromArgument(std::wstring value, const PropertyList& properties,
+                                   const std::wstring& rcpHome) {
+    dropTrailingSeparator(value);
+    replaceFirstRcpHome(value, rcpHome);
+    replaceUserPlaceholders(value, properties);
+    std::wstring absolute;
+    convert_from_relative_location(value, absolute);
+    return absolute;
+}
+
+// Whether "${rcp.home}" is all that is left in a text whose user placeholders were replaced.
+bool onlyRcpHomeIsLeft(std::wstring text, const PropertyList& properties) {
+    replaceStdPlaceholders({.workspace = L"${workspace.location}", .installDir = L"/"}, text);
+    return replaceUserPlaceholders(text, properties);
+}
+
+std::wstring workspaceFromProperty(const std::wstring& property, const PropertyList& properties,
+                                   const std::wstring& rcpHome) {
+    std::wstring value = property;
+    const bool resolved = replaceUserPlaceholders(value, properties);
+    const bool valid = resolved || onlyRcpHomeIsLeft(value, properties);
+    std::wstring path = value;
+    dropTrailingSeparator(path);
+    // An empty path would put the user's area below the root of the file system.
+    if (!valid || path.empty()) {
+        fatal("ZYPRA0099E: rcp.data property is invalid (%ls)", value);
+    }
+    replaceFirstRcpHome(path, rcpHome);
+    replaceUserPlaceholders(path, properties);
+    return path;
+}
+
+std::wstring defaultWorkspace(const PropertyList& properties) {
+    const std::wstring* installId = findProperty(L"rcp.install.id", properties);
+    if (installId == nullptr) {
+        fatal("ZYPRA0035E: Couldn't find the rcp.install.id property!");
+    }
+    std::wstring user;
+    if (getEnv(L"USER", user) == nullptr) {
+        fatal("ZYPRA0037E: Couldn't find the user name!");
+    }
+    std::wstring home;
+    getUserHome(home);
+    if (!home.starts_with(L'/')) {
+        fatal("Error: getWorkspaceLocation: HOME does not name a directory (%ls).", home);
+    }
+    return home + kDefaultFolder + *installId + L"/" + user;
+}
+
+}  // namespace
+
+bool getWorkspaceLocation(std::wstring& workspace, const PropertyList& properties,
+                          const Arguments& arguments, const std::wstring& rcpHome) {
+    if (eConfig == InstallConfiguration::kService) {
+        workspace = rcpHome + kServiceWorkspace;
+        return true;
+    }
+    if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
+        workspace = rcpHome + kMuServiceWorkspace;
+        return true;
+    }
+    if (const std::wstring* argument = optionValue(L"-data", arguments)) {
+        workspace = workspaceFromArgument(*argument, properties, rcpHome);
+        return true;
+    }
+    if (const std::wstring* property = findProperty(L"rcp.data", properties)) {
+        workspace = workspaceFromProperty(*property, properties, rcpHome);
+        return true;
+    }
+    workspace = defaultWorkspace(properties);
+    return false;
+}
+
+std::wstring configurationFor(const std::wstring& workspace, const std::wstring& rcpHome) {
+    switch (eConfig) {
+        case InstallConfiguration::kService:
+            return rcpHome + kServiceConfiguration;
+        case InstallConfiguration::kMultiuserServiceInit:
+            return rcpHome + kMuServiceConfiguration;
+        default:
+            return workspace + kConfiguration;
+    }
+}
+
+bool getConfigurationLocation(std::wstring& configuration, const PropertyList& properties,
+                              const Arguments& arguments, const std::wstring& rcpHome) {
+    std::wstring workspace;
+    const bool isGiven = getWorkspaceLocation(workspace, properties, arguments, rcpHome);
+    configuration = configurationFor(workspace, rcpHome);
+    return isGiven || isServiceConfig();
+}
+
+void setArgProperty(std::wstring& result, const std::wstring& key, const std::wstring& value) {
+    result = key + L"=" + value;
+    result += L'\0';
+}
+
+}  // namespace rcp

@@ -1,0 +1,147 @@
+#include "launcher/hand_off.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/platform_lock.h"
+#include "platform/platform.h"
+#include "platform/text.h"
+
+#include <dlfcn.h>
+#include <stdio.h>
+#include <strings.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace rcp {
+
+char** userVMarg = nullptr;
+
+namespace {
+
+using SetInitialArgs = void (*)(int argc, char** argv, char* library);
+using Run = int (*)(int argc, char** argv, char** vmArgs);
+
+[[noreturn]] void libraryFailed(const std::string& path, const char* reason) {
+    const FormatArgument arguments[] = {std::string_view(path),
+                                        std::string_view(reason == nullptr ? "" : reason)};
+    const std::string text =
+        expandFormat("Error: invokeEclipseDylib: %s cannot be used: %s", arguments);
+    fatalErrorA("%s", text, Then::kExit, ErrnoText::kOmit);
+    _exit(255);  // not reached
+}
+
+void* entryPoint(void* library, const char* name, const std::string& path) {
+    void* symbol = dlsym(library, name);
+    if (symbol == nullptr) {
+        libraryFailed(path, dlerror());
+    }
+    return symbol;
+}
+
+// The child: the only holder of the lock from the hand-off on.
+void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArguments, pid_t parent,
+                  Gate& gate) {
+    // A parent that has died already must not be recorded as process 1, which took the child over.
+    if (getppid() == parent) {
+        populateLockFile(parent);
+    }
+    gate.wait();
+    unlockLockFile();
+    if (hasOption(L"-rcpLauncherWait", arguments) ||
+        haveLaunchOption("-console", launchArguments.texts())) {
+        waitpid(parent, nullptr, 0);  // not our child: answers at once
+    }
+}
+
+// The parent. In the direct Java shape there is no library, whatever the hand-off.
+void becomePlatform(NarrowArguments& launchArguments, Gate& gate) {
+    closeLockFile();
+    if (invokeDylib && !eclipseSoPath.empty()) {
+        gate.open();
+        invokeEclipseDylib(launchArguments);
+        return;
+    }
+    execv(launchArguments.data()[0], launchArguments.data());
+    reportFailedExec(launchArgs.front());
+}
+
+}  // namespace
+
+void launchEclipse(const Arguments& arguments) {
+    NarrowArguments launchArguments(launchArgs);
+    logLaunchArguments("ZYPRA0132I: ===== Begin Launch Parameters =====", launchArguments,
+                       "ZYPRA0133I: ===== End Launch Parameters =====");
+    Gate gate;
+    const pid_t self = getpid();
+    const pid_t child = fork();
+    if (child == 0) {
+        watchHandOff(arguments, launchArguments, self, gate);
+        return;
+    }
+    if (child < 0) {
+        unlockLockFile();  // nobody else will
+    }
+    becomePlatform(launchArguments, gate);
+}
+
+void invokeEclipseDylib(NarrowArguments& arguments) {
+    std::string path = toNarrow(eclipseSoPath);
+    void* library = dlopen(path.c_str(), RTLD_NOW);
+    if (library == nullptr) {
+        libraryFailed(path, dlerror());
+    }
+    const auto setInitialArgs =
+        reinterpret_cast<SetInitialArgs>(entryPoint(library, "setInitialArgs", path));
+    const auto run = reinterpret_cast<Run>(entryPoint(library, "run", path));
+
+    // The library keeps the first list, to start the program again if it must, and takes options
+    // out of the second: each gets an array of its own.
+    std::vector<char*> initial(arguments.data(), arguments.data() + arguments.count() + 1);
+    setInitialArgs(arguments.count(), initial.data(), path.data());
+    int count = arguments.count();
+    parseArgs(count, arguments.data(), 1);
+    run(count, arguments.data(), userVMarg);
+}
+
+void parseArgs(int& argc, char** argv, int mode) {
+    argv[argc] = nullptr;
+    for (int i = 0; i < argc; ++i) {
+        if (strcasecmp(argv[i], "-vmargs") == 0) {
+            if (mode == 1) {
+                userVMarg = &argv[i + 1];
+            }
+            argv[i] = nullptr;
+            argc = i;
+        }
+    }
+}
+
+bool haveLaunchOption(const std::string& option, const std::vector<std::string>& arguments) {
+    return std::find(arguments.begin(), arguments.end(), option) != arguments.end();
+}
+
+void initInvokeDylib(const PropertyList& properties) {
+    const std::string path = platform::executablePathAsStarted();
+    if (path.substr(path.rfind('/') + 1) != "rcplauncher") {
+        invokeDylib = true;
+        return;
+    }
+    if (const std::wstring* value = findProperty(L"invoke.eclipse.dylib", properties)) {
+        invokeDylib = *value == L"1";
+        return;
+    }
+    invokeDylib = isInProcessVersion(platform::productVersion());
+}
+
+bool isInProcessVersion(const std::string& version) {
+    unsigned major = 0;
+    unsigned minor = 0;
+    unsigned patch = 0;
+    sscanf(version.c_str(), "%u.%u.%u", &major, &minor, &patch);
+    return major == 10 && minor == 15;
+}
+
+}  // namespace rcp

@@ -1,0 +1,170 @@
+#include "launcher/rcp_launcher_main.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/property_file.h"
+#include "launcher/hand_off.h"
+#include "launcher/startup.h"
+#include "platform/install_location.h"
+#include "platform/platform.h"
+#include "platform/process.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <locale.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <exception>
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kDefaultJvmLocation[] = L"/Applications/ZUN Velmo.app/jre";
+constexpr wchar_t kDefaultExtensionPath[] = L"/Contents/Home/lib/ext";
+constexpr wchar_t kDefaultLibraryPath[] = L"/Contents/Home/lib/jli/libjli.dylib";
+constexpr char kDefaultJavaHome[] = "/Applications/ZUN Velmo.app/jre/Contents/Home";
+
+// The property's value, or `otherwise` when it is missing or empty.
+std::wstring valueOr(const wchar_t* key, const wchar_t* otherwise, const PropertyList& properties) {
+    const std::wstring* value = findProperty(key, properties);
+    return value == nullptr || value->empty() ? otherwise : *value;
+}
+
+std::wstring jvmLocation(const PropertyList& properties) {
+    return valueOr(L"jvm.location", kDefaultJvmLocation, properties);
+}
+
+[[noreturn]] void localeFailed() {
+    fatal("ZYPRA0182E: Set locale error!");
+}
+
+Arguments wideArguments(int argc, char** argv) {
+    Arguments arguments;
+    arguments.reserve(static_cast<std::size_t>(argc) + 3);
+    for (int i = 0; i < argc; ++i) {
+        arguments.emplace_back(chartowcs(argv[i]).get());
+    }
+    if (arguments.empty()) {
+        // Started without even a name: the path that the system knows stands in.
+        arguments.push_back(toWide(platform::executablePathAsStarted()));
+    }
+    return arguments;
+}
+
+// What the launcher's own properties decide before the start-up sequence reads them again.
+void applyInstallation(Arguments& arguments) {
+    std::wstring installDir;
+    getInstallDir(installDir, arguments);
+    PropertyList properties;
+    getProperties(installDir + L"/rcp/rcplauncher.properties", properties);
+    initInvokeDylib(properties);
+    if (!bRestart) {
+        rewriteExtensionDirectories(arguments, properties);
+        appendVm(arguments, properties);
+    }
+}
+
+void dumpArguments(const Arguments& arguments) {
+    const ForcedTracing forced;
+    SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
+}
+
+void launch(int argc, char** argv) {
+    if (!isJREPluginInstalled() && GetJavaHome().empty()) {
+        quitWithNoJavaWarning();
+    }
+    setCharacterLocale();
+    Arguments arguments = wideArguments(argc, argv);
+    bRestart = isRestart(arguments);
+    applyInstallation(arguments);
+    setDebug(isDebug(arguments));
+    dumpArguments(arguments);
+    doVersionCheck(arguments);
+    startup(arguments);
+    addArgToCommandLine(L"-Dfile.encoding=UTF-8", false);
+    addArgToCommandLine(L"-XstartOnFirstThread", false);
+    launchEclipse(arguments);
+}
+
+// Nothing below should throw. If something does, what was recorded so far is not lost.
+[[noreturn]] void endUnexpectedly(std::string_view reason) {
+    fatalErrorA("Error: startup: unexpected failure: %s", reason, Then::kExit, ErrnoText::kOmit);
+    _exit(255);  // not reached
+}
+
+}  // namespace
+
+int runLauncher(int argc, char** argv) {
+    installOutOfMemoryReport();
+    try {
+        launch(argc, argv);
+    } catch (const std::exception& exception) {
+        endUnexpectedly(exception.what());
+    } catch (...) {
+        endUnexpectedly("unknown");
+    }
+    return 0;
+}
+
+void setCharacterLocale() {
+    const char* name = setlocale(LC_CTYPE, "");
+    if (name == nullptr) {
+        localeFailed();
+    }
+    if (std::strcmp(name, "C") == 0 && setlocale(LC_CTYPE, platform::kUtf8LocaleName) == nullptr) {
+        localeFailed();
+    }
+}
+
+void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& properties) {
+    const std::wstring suffix =
+        L":" + jvmLocation(properties) + valueOr(L"jvm.extpath", kDefaultExtensionPath, properties);
+    const auto isMatch = [](const std::wstring& argument) {
+        return argument.starts_with(L"-Djava.ext.dirs");
+    };
+    std::wstring last;
+    for (const std::wstring& argument : arguments) {
+        if (isMatch(argument)) {
+            last = argument + suffix;
+        }
+    }
+    for (std::wstring& argument : arguments) {
+        if (isMatch(argument)) {
+            argument = last;
+        }
+    }
+}
+
+void appendVm(Arguments& arguments, const PropertyList& properties) {
+    arguments.emplace_back(L"-vm");
+    arguments.push_back(jvmLocation(properties) +
+                        valueOr(L"jvm.libpath", kDefaultLibraryPath, properties));
+}
+
+void doVersionCheck(const Arguments& arguments) {
+    if (arguments.size() == 2 && hasOption(L"-version", arguments)) {
+        fatal("ZYPRA0031I:   version = \"%ls\"", kVersion);
+    }
+}
+
+void setSemVersion(const wchar_t* /*version*/) {}
+
+bool isJREPluginInstalled() {
+    return true;
+}
+
+std::string GetJavaHome() {
+    const std::string_view home = kDefaultJavaHome;
+    return std::string(home.substr(0, home.find('\n')));
+}
+
+void quitWithNoJavaWarning() {
+    runProgram({std::string(kDefaultJavaHome) + "/bin/java"});
+    exit(1);
+}
+
+}  // namespace rcp

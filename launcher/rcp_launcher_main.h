@@ -1,0 +1,39 @@
+// Process entry: what main does around the start-up sequence and the hand-off.
+#pragma once
+
+#include "launcher/core/arguments.h"
+#include "launcher/core/property_list.h"
+
+namespace rcp {
+
+/// The version of the launcher.
+inline constexpr wchar_t kVersion[] = L"20211117.0921";
+
+/// The whole launch, from the process's arguments to the hand-off. Returns the exit status of main.
+int runLauncher(int argc, char** argv);
+
+/// Sets the character-type locale from the environment, UTF-8 where it asks for "C". Failure ends
+/// the process.
+void setCharacterLocale();
+
+/// Behind every "-Djava.ext.dirs..." argument: ":", the JVM location and the extension folder. When
+/// several match, all become the text made for the last one.
+void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& properties);
+/// Appends "-vm" and the JVM of the properties, as if the user had given them.
+void appendVm(Arguments& arguments, const PropertyList& properties);
+
+/// With "-version" as the only argument: a record with the version, and the process ends.
+void doVersionCheck(const Arguments& arguments);
+
+/// Does nothing; nothing calls it.
+void setSemVersion(const wchar_t* version);
+
+/// Always true: the JVM is part of the installation.
+bool isJREPluginInstalled();
+/// The Java home of the default installation, cut at its first line feed.
+std::string GetJavaHome();
+/// Starts the default installation's Java, which tells the user what is wrong, and ends the process
+/// with status 1.
+[[noreturn]] void quitWithNoJavaWarning();
+
+}  // namespace rcp

@@ -1,0 +1,211 @@
+#include "launcher/startup.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/core/argument_checks.h"
+#include "launcher/core/command_line.h"
+#include "launcher/core/config_extensions.h"
+#include "launcher/core/initial_configuration.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/install_id.h"
+#include "launcher/core/launch_inputs.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/platform_lock.h"
+#include "launcher/core/platform_xml.h"
+#include "launcher/core/property_file.h"
+#include "launcher/core/provisioning.h"
+#include "launcher/core/reset.h"
+#include "launcher/core/startup_arguments.h"
+#include "launcher/core/user_files.h"
+#include "launcher/core/vm_choice.h"
+#include "launcher/core/workspace.h"
+#include "platform/bundle_metadata.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+
+#include <stdlib.h>
+
+#include <string>
+
+namespace rcp {
+namespace {
+
+// Makes a directory of the user's area unless it is there. `message` carries the step's number.
+void ensure(const std::wstring& directory, const char* message) {
+    if (isDirectory(directory)) {
+        return;
+    }
+    userFirstLaunch = true;
+    if (!ensureDirectory(directory)) {
+        fatal(message, directory);
+    }
+}
+
+// The base location with its "${rcp.home}" replaced; stored back, so that every later step sees the
+// real path.
+std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& propertyFile) {
+    const std::wstring* property = findProperty(L"rcp.base.location", inputs.properties);
+    if (property == nullptr) {
+        fatal("ZYPRA0050E: rcp.base.location property is missing from %ls", propertyFile);
+    }
+    std::wstring base = *property;
+    replaceEvery(base, kRcpHomePlaceholder, inputs.installDir);
+    replaceValue(L"rcp.base.location", base, inputs.properties);
+    return base;
+}
+
+// The installation's properties and what of the arguments decides how they are read.
+std::wstring readInstallation(const Arguments& arguments, LaunchInputs& inputs) {
+    getInstallDir(inputs.installDir, arguments);
+    const std::wstring propertyFile = inputs.installDir + L"/rcp/rcplauncher.properties";
+    getProperties(propertyFile, inputs.properties);
+    inputs.arguments =
+        addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap, inputs.installDir);
+    insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    setDebug(isDebug(inputs.arguments));
+    SetInstallConfiguration(inputs.properties, false);
+    getInstallID(propertyFile, inputs.properties);
+    return settleBaseLocation(inputs, propertyFile);
+}
+
+void prepareWorkspace(LaunchInputs& inputs) {
+    getWorkspaceLocation(inputs.workspace, inputs.properties, inputs.arguments, inputs.installDir);
+    convertToOsSeparator(inputs.workspace);
+    inputs.configuration = osPath(configurationFor(inputs.workspace, inputs.installDir));
+    ensure(inputs.workspace, "ZYPRA0083E: Unable to create %ls directory.");
+}
+
+void checkArguments(const Arguments& arguments) {
+    validateIfUrlHandlerLaunch(arguments);
+    validateThatDoubleQuotesNotUsed(arguments);
+    validateNoJavaLibraryPath(arguments);
+}
+
+void openLog(const std::wstring& workspace) {
+    std::wstring folder;
+    getLogLocation(folder, workspace);
+    ensure(folder, "ZYPRA0084E: Unable to create %ls directory.");
+    if (!enableLogging(folder)) {
+        dumpLogToTempLocation();
+        exit(-1);
+    }
+    deleteTempLog();
+}
+
+// Reuse after another installation, or the reset the user asked for. Only the main launcher moves
+// the configuration area: under a daemon a platform is running in it.
+void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
+    if (userFirstLaunch) {
+        return;
+    }
+    const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
+    const bool isOld = isOldRcpInstallId(*installId, inputs.configuration);
+    const bool isAsked = isResetConfig(inputs.arguments);
+    if (!isOld && !isAsked) {
+        return;
+    }
+    if (!isMainProcess()) {
+        report("Error: startup: %ls is in use by the running platform and is not renewed.",
+               inputs.configuration);
+    } else if (isOld) {
+        createReusableWorkspace(inputs.workspace, inputs.configuration);
+    } else {
+        resetWorkspace(inputs.workspace, inputs.configuration, base);
+    }
+}
+
+// The folders in which the user's own extensions are installed, and the installation's link file,
+// which always wins.
+void prepareExtensions(const LaunchInputs& inputs) {
+    const std::wstring applications = inputs.workspace + L"/applications/eclipse";
+    ensure(osPath(applications + L"/features"), "ZYPRA0094E: Unable to create %ls directory.");
+    ensure(osPath(applications + L"/plugins"), "ZYPRA0095E: Unable to create %ls directory.");
+    const std::wstring shared = osPath(inputs.installDir + L"/shared/eclipse/.eclipseextension");
+    if (exists(shared)) {
+        copyFile(shared, osPath(applications + L"/.eclipseextension"));
+    }
+}
+
+// For a later restart. `arguments` are the launcher's own, before "-config" is replaced by what it
+// stands for: the restarted launcher replaces it itself.
+void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
+    if (!isMainProcess() || isRestart(arguments)) {
+        return;
+    }
+    std::wstring restartExe;
+    getRestartExe(restartExe, arguments, inputs.properties, inputs.installDir);
+    writeStartupArgs(arguments, inputs.configuration, &restartExe, inputs.properties,
+                     inputs.installDir);
+}
+
+void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
+    createConfigIni(inputs.configuration, base);
+    const std::wstring userFile =
+        createRCPInstallProps(inputs.configuration, base, inputs.properties);
+    getProperties(userFile, inputs.userProperties);
+    std::wstring workspace = inputs.workspace;
+    convertBS2S(workspace);
+    SvcDebugOutW(L"ZYPRA0077I: Velmo workspaceLocation is -  \"%s\"", workspace);
+    inputs.properties.append({L"velmo.workspace.loc", workspace, {}});
+    inputs.userProperties.append({L"velmo.workspace.loc", workspace, {}});
+    insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
+    const std::wstring argsFile = osPath(inputs.configuration + L"/args.properties");
+    if (exists(argsFile)) {
+        getProperties(argsFile, inputs.properties);
+        insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    }
+}
+
+void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
+    const std::wstring* identifier = getBundleIdentifier(inputs.arguments);
+    if (identifier == nullptr) {
+        return;
+    }
+    std::wstring path = base + L"/macosx/x86/Info.plist";
+    replaceUserPlaceholders(path, inputs.properties);
+    updateInfoPlist(path, *identifier);
+}
+
+// Until the first configuration is complete the launch runs with it instead of its own arguments.
+void switchToInitialConfiguration(LaunchInputs& inputs) {
+    if (isInitialRequired(inputs.properties, inputs.userProperties)) {
+        inputs.arguments =
+            addConfigExtentionsToArg(initialArguments(inputs.arguments), inputs.properties,
+                                     inputs.vmargMap, inputs.installDir);
+    }
+}
+
+}  // namespace
+
+void startup(const Arguments& arguments) {
+    LaunchInputs inputs;
+    const std::wstring base = readInstallation(arguments, inputs);
+    prepareWorkspace(inputs);
+    checkArguments(inputs.arguments);
+
+    getMainProcessName(mainProcessName, inputs.properties);
+    locateLockFile(inputs.arguments, inputs.workspace, mainProcessName);
+    openLog(inputs.workspace);
+    waitForDeletionOfDebugFile();
+    validateInstallerState(inputs.arguments);
+
+    ensure(inputs.configuration, "ZYPRA0093E: Unable to create %ls directory.");
+    renewUserArea(inputs, base);
+    prepareExtensions(inputs);
+    recordArguments(arguments, inputs);
+    readUserFiles(inputs, base);
+    const JvmPropertyLocation jvmProperties =
+        getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
+    loadJvmProperties(inputs, jvmProperties);
+    createPlatformXML(inputs.configuration, base, inputs.properties, jvmProperties.isDefault);
+    updateBundle(inputs, base);
+
+    if (isMainProcess()) {
+        checkForProvisioning(inputs);
+    }
+    switchToInitialConfiguration(inputs);
+    getUserCmdString(inputs, LaunchKind::kPlatform);
+}
+
+}  // namespace rcp

@@ -1,0 +1,156 @@
+#include "platform/files.h"
+
+#include "platform/text.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+struct OpenMode {
+    std::wstring_view name;
+    const char* stream;  // the mode for fdopen(3)
+    int flags;
+};
+
+constexpr OpenMode kOpenModes[] = {
+    {L"r", "r", O_RDONLY},
+    {L"rb", "rb", O_RDONLY},
+    {L"r+", "r+", O_RDWR},
+    {L"w", "w", O_WRONLY | O_CREAT | O_TRUNC},
+    {L"w+", "w+", O_RDWR | O_CREAT | O_TRUNC},
+    {L"a+", "a+", O_RDWR | O_CREAT | O_APPEND},
+};
+
+const OpenMode* findMode(std::wstring_view name) {
+    for (const OpenMode& mode : kOpenModes) {
+        if (mode.name == name) {
+            return &mode;
+        }
+    }
+    return nullptr;
+}
+
+struct FreeMemory {
+    void operator()(char* memory) const { free(memory); }
+};
+
+bool isRegular(int descriptor) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    if (S_ISREG(status.st_mode)) {
+        return true;
+    }
+    errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    return false;
+}
+
+}  // namespace
+
+bool existsA(const std::string& path) {
+    // Non-blocking, so that a pipe without a writer answers at once.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0) {
+        return false;
+    }
+    close(descriptor);
+    return true;
+}
+
+bool exists(const std::wstring& path) {
+    return existsA(toNarrow(path));
+}
+
+bool isDirectory(const std::wstring& path) {
+    struct stat status {};
+    return lstat(toNarrow(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool isExecutable(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && (status.st_mode & S_IXUSR) != 0;
+}
+
+bool isExecutable(const std::wstring& path) {
+    return isExecutable(toNarrow(path));
+}
+
+std::optional<std::string> resolvedPath(const std::string& path) {
+    const std::unique_ptr<char, FreeMemory> resolved(realpath(path.c_str(), nullptr));
+    return resolved ? std::optional<std::string>(resolved.get()) : std::nullopt;
+}
+
+void open_file(Stream& stream, const std::wstring& path, const std::wstring& mode) {
+    stream.reset();
+    const OpenMode* openMode = findMode(mode);
+    if (openMode == nullptr) {
+        errno = EINVAL;
+        return;
+    }
+    const int descriptor =
+        open(toNarrow(path).c_str(), openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
+    if (descriptor < 0) {
+        return;
+    }
+    if (isRegular(descriptor)) {
+        stream.reset(fdopen(descriptor, openMode->stream));
+    }
+    if (!stream) {
+        const int savedErrno = errno;
+        close(descriptor);
+        errno = savedErrno;
+    }
+}
+
+void open_wfile(Stream& stream, const std::wstring& path, const std::wstring& mode) {
+    open_file(stream, path, mode);
+}
+
+bool createDirectory(const std::wstring& path) {
+    return mkdir(toNarrow(path).c_str(), 0775) == 0;
+}
+
+bool mkdirs(const std::wstring& path) {
+    std::wstring working = L"/";
+    bool made = true;
+    std::size_t at = 0;
+    while (at < path.size()) {
+        const std::size_t end = std::min(path.find_first_of(L"/\\", at), path.size());
+        if (end > at) {
+            working.append(path, at, end - at);
+            made = createDirectory(working);
+            working += L'/';
+        }
+        at = end + 1;
+    }
+    return made;
+}
+
+bool ensureDirectory(const std::wstring& path) {
+    if (mkdirs(path)) {
+        return true;
+    }
+    const int savedErrno = errno;
+    const bool isThere = isDirectory(path);
+    errno = savedErrno;
+    return isThere;
+}
+
+bool moveFile(const std::wstring& source, const std::wstring& destination) {
+    return rename(toNarrow(source).c_str(), toNarrow(destination).c_str()) == 0;
+}
+
+bool deleteFile(const std::wstring& path) {
+    return unlink(toNarrow(path).c_str()) == 0;
+}
+
+}  // namespace rcp

@@ -1,0 +1,122 @@
+#include "platform/install_location.h"
+
+#include "diagnostics/svc_debug.h"
+#include "platform/bundle_metadata.h"
+#include "platform/files.h"
+#include "platform/platform.h"
+#include "platform/text.h"
+#include "platform/working_directory.h"
+
+#include <errno.h>
+
+namespace rcp {
+namespace {
+
+[[noreturn]] void cannotTellExecutable() {
+    fatal("ZYPRA0184E: Getting executable path failed! errno = %d", static_cast<long>(errno));
+}
+
+std::string executableAsStarted() {
+    std::string path = platform::executablePathAsStarted();
+    if (path.empty()) {
+        cannotTellExecutable();
+    }
+    return path;
+}
+
+template <typename Text>
+Text folderOf(const Text& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == Text::npos ? Text() : path.substr(0, slash);
+}
+
+}  // namespace
+
+void read_executable_path(std::string& path) {
+    const std::optional<std::string> resolved = resolvedPath(executableAsStarted());
+    if (!resolved) {
+        cannotTellExecutable();
+    }
+    path = *resolved;
+    SvcDebugOutA("%s", path);
+}
+
+void read_mlauncher_path(std::string& path) {
+    const std::string plist = folderOf(executableAsStarted()) + "/rcplauncher.plist";
+    if (existsA(plist)) {
+        const auto list = createPropertiesListFromFile(toWide(plist));
+        if (list && list->isDictionary()) {
+            const std::optional<std::string> configured = list->stringForKey("mlauncher.path");
+            if (configured && isExecutable(*configured)) {
+                path = *configured;
+                return;
+            }
+        }
+    }
+    read_executable_path(path);
+}
+
+void getLauncherPath(std::wstring& path, const std::wstring& /*argument*/) {
+    std::string narrow;
+    read_mlauncher_path(narrow);
+    path = toWide(narrow);
+}
+
+std::wstring findCommand(const std::wstring& /*programName*/) {
+    std::string path;
+    read_executable_path(path);
+    return toWide(folderOf(path));
+}
+
+std::optional<std::wstring> getRCPDirectory(std::span<const std::wstring> arguments) {
+    std::wstring folder = findCommand(arguments.empty() ? std::wstring() : arguments[0]);
+    if (!isDirectory(folder)) {
+        return std::nullopt;
+    }
+    return folder;
+}
+
+void getInstallDir(std::wstring& directory, std::span<const std::wstring> arguments) {
+    directory.clear();
+    const std::optional<std::wstring> folder = getRCPDirectory(arguments);
+    if (!folder) {
+        fatal("ZYPRA0049E: Unable to locate the platform's installation directory");
+    }
+    directory = *folder;
+    const std::wstring parent = folderOf(*folder);
+    if (folder->substr(parent.size()) == L"/rcp" && isDirectory(parent)) {
+        directory = parent;
+    }
+    const std::wstring siblingPlatform = directory + L"/../Eclipse";
+    if (exists(siblingPlatform)) {
+        directory = siblingPlatform;
+    }
+}
+
+void convert_from_relative_location(const std::wstring& path, std::wstring& absolute) {
+    if (path.starts_with(L"/") || path.starts_with(L"\\\\")) {
+        absolute = path;
+        return;
+    }
+    if (path.starts_with(L"${")) {
+        fatal("ZYPRA0301E: Starts with placeholder. This should be translated");
+    }
+    const std::string base = platform::workingDirectory();
+    if (base.empty()) {
+        fatal("ZYPRA0800E: Unable to get working directory.");
+    }
+    if (!base.starts_with("/")) {
+        fatal("ZYPRA0801E: Getting file system representation for rcplauncher URL failed!");
+    }
+    const std::string relative = toNarrow(path);
+    std::optional<std::string> joined;
+    if (!relative.empty()) {
+        joined = platform::absolutePath(base, relative);
+    }
+    if (!joined) {
+        fatal("ZYPRA0302E: Unable to convert relative workspace path to a full path");
+    }
+    absolute = toWide(*joined);
+}
+
+}  // namespace rcp

@@ -1,0 +1,130 @@
+#include "platform/preload.h"
+
+#include "diagnostics/svc_debug.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kLinkPrefix[] = L"/tmp/ovr.rcp.";
+constexpr wchar_t kPreloadVariable[] = L"LD_PRELOAD";
+
+enum class Entry { kMissing, kOwnLink, kForeign, kOther };
+
+// What stands at the link's name. The entry itself is looked at, so a link to a missing library is
+// seen too.
+Entry entryAt(const std::string& path) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0) {
+        return Entry::kMissing;
+    }
+    if (status.st_uid != geteuid() && status.st_uid != 0) {
+        return Entry::kForeign;
+    }
+    return S_ISLNK(status.st_mode) ? Entry::kOwnLink : Entry::kOther;
+}
+
+// Makes the name free for a link to `library`, or leaves the link that is already right. False when
+// an entry of another user stays in the way.
+bool clearWay(const std::string& linkPath, const std::string& library) {
+    const Entry entry = entryAt(linkPath);
+    if (entry == Entry::kMissing) {
+        return true;
+    }
+    SvcDebugOutA("setPreload(): link path already exists.");
+    if (entry == Entry::kOwnLink) {
+        std::string target;
+        readsymln(target, linkPath);
+        SvcDebugOutA("setPreload(): existing link is to: %s", target);
+        if (target == library) {
+            return true;
+        }
+    }
+    SvcDebugOutA("setPreload(): removing existing link ...");
+    return unlink(linkPath.c_str()) == 0 || entry != Entry::kForeign;
+}
+
+// "USER", which becomes part of a file name.
+std::wstring userName() {
+    std::wstring user;
+    if (getEnv(L"USER", user) == nullptr || user.find(L'/') != std::wstring::npos) {
+        fatal("ZYPRA0006E: Couldn't find the user name!");
+    }
+    return user;
+}
+
+std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualifier) {
+    const std::size_t slash = library.rfind(L'/');
+    if (slash == std::wstring::npos) {
+        fatal("ZYPRA0189E: Couldn't find filename for library.preload property");
+    }
+    const std::wstring fileName = library.substr(slash + 1);
+    SvcDebugOutW(L"setPreload():library name = %s", fileName);
+    std::wstring path = kLinkPrefix + userName() + L"." + qualifier + L"." + fileName;
+    SvcDebugOutW(L"setPreload():linkPath=%s", path);
+    return path;
+}
+
+void setVariable(const std::wstring& value) {
+    setEnv(kPreloadVariable, value, true);
+    SvcDebugOutW(L"setPreload():setting LD_PRELOAD=%s", value);
+}
+
+}  // namespace
+
+void readsymln(std::string& target, const std::string& link) {
+    std::string buffer(1024, '\0');
+    for (;;) {
+        const ssize_t length = readlink(link.c_str(), buffer.data(), buffer.size());
+        if (length < 0) {
+            fatal("ZYPRA0184E: Getting command path failed! errno = %d", static_cast<long>(errno));
+        }
+        if (static_cast<std::size_t>(length) < buffer.size()) {
+            target.assign(buffer, 0, static_cast<std::size_t>(length));
+            return;
+        }
+        buffer.resize(buffer.size() * 2);
+    }
+}
+
+void setPreload(const std::wstring& library, const std::wstring& qualifier) {
+    if (library.find(L' ') == std::wstring::npos) {
+        setVariable(library);
+        return;
+    }
+    SvcDebugOutW(L"setPreload():found property: library.preload=%s", library);
+    const std::string libraryPath = toNarrow(library);
+    if (!existsA(libraryPath)) {
+        return;
+    }
+    const std::wstring wideLinkPath = linkPathFor(library, qualifier);
+    const std::string linkPath = toNarrow(wideLinkPath);
+    if (!clearWay(linkPath, libraryPath)) {
+        report("Error: setPreload: %ls belongs to another user and is not preloaded.",
+               wideLinkPath);
+        return;
+    }
+    if (entryAt(linkPath) == Entry::kMissing) {
+        SvcDebugOutA("setPreload(): creating new link ...");
+        const int result = symlink(libraryPath.c_str(), linkPath.c_str());
+        SvcDebugOutA("setPreload(): symlink() result = %d", result);
+    }
+    if (entryAt(linkPath) == Entry::kForeign) {
+        report("Error: setPreload: %ls belongs to another user and is not preloaded.",
+               wideLinkPath);
+        return;
+    }
+    setVariable(wideLinkPath);
+    std::wstring readBack;
+    getEnv(kPreloadVariable, readBack);
+    SvcDebugOutW(L"setPreload():getenv LD_PRELOAD=%s", readBack);
+}
+
+}  // namespace rcp

@@ -1,0 +1,28 @@
+// The library preload link, and the helpers of a locked-down deployment that end the user's
+// session.
+#pragma once
+
+#include <string>
+
+namespace rcp {
+
+/// Sets "LD_PRELOAD" to `library`. The variable holds a list separated by blanks, so a path with a
+/// blank is given a name without one: a symbolic link in /tmp,
+///
+///   /tmp/ovr.rcp.USER.QUALIFIER.FILENAME
+///
+/// that is made, kept or replaced as needed. A path with a blank that does not exist leaves the
+/// variable untouched, and so does a link of that name that belongs to another user and cannot be
+/// removed: its owner could point it anywhere.
+void setPreload(const std::wstring& library, const std::wstring& qualifier);
+
+/// The target of the symbolic link at `link`. Ends the process when it cannot be read.
+void readsymln(std::string& target, const std::string& link);
+
+/// The result of the entry point "logoff" of the deployment library "./lockdown.so". Without
+/// library or entry point the desktop session is ended and the process exits with status 1.
+bool logoff();
+/// Writes the shutdown request file, then logoff(). False when the file cannot be written.
+bool shutdown();
+
+}  // namespace rcp

@@ -1,0 +1,149 @@
+#include "platform/process.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+extern char** environ;  // environ(7)
+
+namespace rcp {
+namespace {
+
+class Pipe {
+  public:
+    Pipe() {
+        if (pipe(ends_.data()) == 0) {
+            fcntl(ends_[0], F_SETFD, FD_CLOEXEC);
+            fcntl(ends_[1], F_SETFD, FD_CLOEXEC);
+        }
+    }
+    ~Pipe() {
+        closeEnd(0);
+        closeEnd(1);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    Pipe(Pipe&&) = delete;
+    Pipe& operator=(Pipe&&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return ends_[0] >= 0; }
+    [[nodiscard]] int readEnd() const { return ends_[0]; }
+    [[nodiscard]] int writeEnd() const { return ends_[1]; }
+    void closeWriteEnd() { closeEnd(1); }
+
+  private:
+    void closeEnd(std::size_t end) {
+        if (ends_[end] >= 0) {
+            close(std::exchange(ends_[end], -1));
+        }
+    }
+    std::array<int, 2> ends_{-1, -1};
+};
+
+// Variables that change what a listing looks like; the reader of its lines wants it plain and
+// whole.
+bool changesListings(std::string_view variable) {
+    constexpr std::string_view kNames[] = {
+        "COLUMNS=",   "LINES=",   "PS_FORMAT=",         "PS_PERSONALITY=",
+        "PS_COLORS=", "CMD_ENV=", "I_WANT_A_BROKEN_PS="};
+    for (const std::string_view name : kNames) {
+        if (variable.starts_with(name)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::vector<char*> plainEnvironment() {
+    std::vector<char*> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        if (!changesListings(*variable)) {
+            variables.push_back(*variable);
+        }
+    }
+    variables.push_back(nullptr);
+    return variables;
+}
+
+class FileActions {
+  public:
+    FileActions() { posix_spawn_file_actions_init(&actions_); }
+    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+    FileActions(FileActions&&) = delete;
+    FileActions& operator=(FileActions&&) = delete;
+
+    void useNullDevice(int descriptor, int flags) {
+        posix_spawn_file_actions_addopen(&actions_, descriptor, "/dev/null", flags, 0);
+    }
+    void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&actions_, from, to); }
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+  private:
+    posix_spawn_file_actions_t actions_{};
+};
+
+std::string readToEnd(int descriptor) {
+    std::string text;
+    std::array<char, 4096> buffer;
+    for (;;) {
+        const ssize_t length = read(descriptor, buffer.data(), buffer.size());
+        if (length > 0) {
+            text.append(buffer.data(), static_cast<std::size_t>(length));
+        } else if (length == 0 || errno != EINTR) {
+            return text;
+        }
+    }
+}
+
+bool waitForSuccess(pid_t process) {
+    int status = 0;
+    while (waitpid(process, &status, 0) < 0) {
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+}  // namespace
+
+std::optional<ProgramResult> runProgram(const std::vector<std::string>& arguments) {
+    Pipe output;
+    if (!output.isOpen() || arguments.empty()) {
+        return std::nullopt;
+    }
+    FileActions actions;
+    actions.useNullDevice(STDIN_FILENO, O_RDONLY);
+    actions.duplicate(output.writeEnd(), STDOUT_FILENO);
+    actions.useNullDevice(STDERR_FILENO, O_WRONLY);
+
+    std::vector<std::string> copies = arguments;  // posix_spawn(3) takes them as writable
+    std::vector<char*> argv;
+    argv.reserve(copies.size() + 1);
+    for (std::string& argument : copies) {
+        argv.push_back(argument.data());
+    }
+    argv.push_back(nullptr);
+
+    pid_t process = 0;
+    if (posix_spawnp(&process, argv[0], actions.get(), nullptr, argv.data(),
+                     plainEnvironment().data()) != 0) {
+        return std::nullopt;
+    }
+    output.closeWriteEnd();
+    ProgramResult result;
+    result.output = readToEnd(output.readEnd());
+    result.succeeded = waitForSuccess(process);
+    return result;
+}
+
+}  // namespace rcp

@@ -1,0 +1,94 @@
+// readFile: the launcher's line scanner. It reads as the C library would with the same scan format,
+// but never stalls on an empty line and never splits a character.
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <stdio.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+// What a format asks for: a leading blank, and the number in "%<N>[^\n]\n".
+struct ScanFormat {
+    bool skipsLeadingBlanks = false;
+    std::size_t limit = 0;
+};
+
+ScanFormat parseFormat(std::wstring_view format) {
+    ScanFormat parsed;
+    parsed.skipsLeadingBlanks = format.starts_with(L' ');
+    for (const wchar_t character : format.substr(std::min(format.find(L'%') + 1, format.size()))) {
+        if (character < L'0' || character > L'9') {
+            break;
+        }
+        parsed.limit = parsed.limit * 10 + static_cast<std::size_t>(character - L'0');
+    }
+    return parsed;
+}
+
+// isspace(3) for bytes below 128 and false for all others, which belong to UTF-8 characters.
+bool isBlank(int byte) {
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
+}
+
+void skipBlanks(std::FILE& stream, LinePosition& position) {
+    int byte = getc_unlocked(&stream);
+    while (isBlank(byte)) {
+        position.lineFeeds += byte == '\n' ? 1 : 0;
+        byte = getc_unlocked(&stream);
+    }
+    if (byte != EOF) {
+        ungetc(byte, &stream);
+    }
+}
+
+// Bytes of the UTF-8 character that `lead` begins; 1 for everything that begins none.
+std::size_t characterLength(int lead) {
+    if (lead >= 0xF0) {
+        return 4;
+    }
+    if (lead >= 0xE0) {
+        return 3;
+    }
+    return lead >= 0xC0 ? 2 : 1;
+}
+
+}  // namespace
+
+int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
+             LinePosition* position) {
+    const ScanFormat scan = parseFormat(format);
+    LinePosition unused;
+    LinePosition& passed = position == nullptr ? unused : *position;
+    out.clear();
+    if (scan.skipsLeadingBlanks) {
+        skipBlanks(stream, passed);
+    }
+    std::string line;
+    int byte = getc_unlocked(&stream);
+    if (byte == '\n') {
+        ++passed.lineFeeds;
+        skipBlanks(stream, passed);
+        byte = getc_unlocked(&stream);
+    }
+    if (byte == EOF) {
+        return EOF;
+    }
+    passed.line = passed.lineFeeds + 1;
+    while (byte != EOF && byte != '\n' &&
+           (line.empty() || line.size() + characterLength(byte) <= scan.limit)) {
+        line += static_cast<char>(byte);
+        byte = getc_unlocked(&stream);
+    }
+    if (byte != EOF) {
+        ungetc(byte, &stream);
+    }
+    skipBlanks(stream, passed);
+    chartowstr(line.c_str(), out);
+    return 1;
+}
+
+}  // namespace rcp

@@ -1,0 +1,30 @@
+// Removal of directory trees. A removal never stops at the first failure: it goes on and returns
+// the whole list of failures as text, one line each, for the caller to report.
+//
+// A symbolic link to a directory is never entered: its target belongs to somebody else. The link
+// itself is reported like a directory that cannot be removed.
+#pragma once
+
+#include <string>
+
+namespace rcp {
+
+/// Deletes the regular files in the tree below `directory` whose names contain `pattern`.
+/// Directories on the way are removed too when nothing is left in them and reported when something
+/// is. Appends to `errors`; true when nothing failed at the top level.
+bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
+                                        std::wstring& errors);
+
+/// Deletes everything below `directory` and keeps the directory. The wide form sets `errors`, the
+/// narrow ones append to it. `indentation` stands in front of each line and grows by two blanks a
+/// level; `pattern` "*" is every file, any other a substring of the file's name.
+bool removeDirectoryContents(const std::wstring& directory, std::wstring& errors);
+bool removeDirectoryContents(const std::string& directory, std::string& errors,
+                             const std::string& indentation);
+bool removeDirectoryContents(const std::string& directory, const std::string& pattern,
+                             std::string& errors, const std::string& indentation);
+
+/// Deletes everything below `directory`, then `directory` itself.
+bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& errors);
+
+}  // namespace rcp

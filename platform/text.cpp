@@ -1,0 +1,110 @@
+#include "platform/text.h"
+
+#include "diagnostics/svc_debug.h"
+
+#include <stdlib.h>
+#include <wchar.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace rcp {
+namespace {
+
+constexpr auto kNotConvertible = static_cast<std::size_t>(-1);
+
+}  // namespace
+
+void freeString(wchar_t* buffer) {
+    free(buffer);
+}
+
+WideBuffer newString(std::size_t n) {
+    WideBuffer buffer(static_cast<wchar_t*>(calloc(n + 1, sizeof(wchar_t))));
+    if (!buffer) {
+        std::wstring reason;
+        GetLastErrorMsg(reason);
+        fatal("ZYPRA0004E: newString malloc failed. %ls", reason);
+    }
+    return buffer;
+}
+
+WideBuffer mallocString(std::size_t n) {
+    WideBuffer buffer;
+    if (n < SIZE_MAX / sizeof(wchar_t)) {
+        buffer.reset(static_cast<wchar_t*>(malloc((n + 1) * sizeof(wchar_t))));
+    }
+    if (!buffer) {
+        fatal("ZYPRA0004E: mallocString malloc failed!");
+    }
+    return buffer;
+}
+
+wchar_t* initMemString(wchar_t* destination, const wchar_t* source) {
+    return wcscat(destination, source);
+}
+
+void convertBS2S(std::wstring& text) {
+    std::replace(text.begin(), text.end(), L'\\', L'/');
+}
+
+void convertS2BS(std::wstring& text) {
+    std::replace(text.begin(), text.end(), L'/', L'\\');
+}
+
+void convertToOsSeparator(std::wstring& path) {
+    convertBS2S(path);
+}
+
+std::wstring osPath(std::wstring path) {
+    convertToOsSeparator(path);
+    return path;
+}
+
+std::size_t wcstochar(std::string& out, const wchar_t* text) {
+    const std::size_t length = wcstombs(nullptr, text, 0);
+    if (length == kNotConvertible) {
+        out.clear();
+        return 0;
+    }
+    std::string converted(length, '\0');
+    wcstombs(converted.data(), text, length);
+    out = std::move(converted);
+    return length;
+}
+
+std::size_t wstrtocs(std::string& out, const std::wstring& text) {
+    return wcstochar(out, text.c_str());
+}
+
+WideBuffer chartowcs(const char* text) {
+    const std::size_t measured = mbstowcs(nullptr, text, 0);
+    const std::size_t length = measured == kNotConvertible ? 0 : measured;
+    WideBuffer buffer = newString(length);
+    mbstowcs(buffer.get(), text, length);
+    return buffer;
+}
+
+const wchar_t* chartowstr(const char* text, std::wstring& out) {
+    const std::size_t measured = mbstowcs(nullptr, text, 0);
+    const std::size_t length = measured == kNotConvertible ? 0 : measured;
+    const WideBuffer buffer = mallocString(length);
+    mbstowcs(buffer.get(), text, length);
+    buffer[length] = L'\0';
+    out.assign(buffer.get(), length);
+    return out.c_str();
+}
+
+std::string toNarrow(const std::wstring& text) {
+    std::string out;
+    wstrtocs(out, text);
+    return out;
+}
+
+std::wstring toWide(const std::string& text) {
+    std::wstring out;
+    chartowstr(text.c_str(), out);
+    return out;
+}
+
+}  // namespace rcp

@@ -1,0 +1,157 @@
+#include "platform/whole_file.h"
+
+#include "platform/text.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
+
+// Opens `path` and locks it. The former holder of the lock renames or removes the name, so the file
+// that was waited for may no longer be the one of that name: then the next one is opened.
+int openAndLock(const char* path) {
+    for (;;) {
+        const int descriptor =
+            ::open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+        if (descriptor < 0) {
+            return -1;
+        }
+        struct stat status {};
+        int locked = 0;
+        do {
+            locked = flock(descriptor, LOCK_EX);
+        } while (locked != 0 && errno == EINTR);
+        if (locked == 0 && fstat(descriptor, &status) == 0) {
+            if (!S_ISREG(status.st_mode)) {
+                errno = EINVAL;
+            } else if (status.st_nlink == 0) {
+                close(descriptor);
+                continue;
+            } else if (status.st_size == 0 || ftruncate(descriptor, 0) == 0) {
+                return descriptor;
+            }
+        }
+        const int savedErrno = errno;
+        close(descriptor);
+        errno = savedErrno;
+        return -1;
+    }
+}
+
+}  // namespace
+
+TemporaryName* TemporaryName::claimed_ = nullptr;
+
+void TemporaryName::claim() {
+    if (isClaimed_) {
+        return;
+    }
+    static const bool isRegistered = std::atexit(removeAll) == 0;
+    (void)isRegistered;
+    next_ = std::exchange(claimed_, this);
+    isClaimed_ = true;
+}
+
+void TemporaryName::release() {
+    for (TemporaryName** link = &claimed_; *link != nullptr; link = &(*link)->next_) {
+        if (*link == this) {
+            *link = next_;
+            break;
+        }
+    }
+    isClaimed_ = false;
+}
+
+void TemporaryName::remove() {
+    if (isClaimed_) {
+        unlink(path_.c_str());
+        release();
+    }
+}
+
+void TemporaryName::removeAll() {
+    while (claimed_ != nullptr) {
+        claimed_->remove();
+    }
+}
+
+WholeFile::WholeFile(std::wstring target, const std::wstring& suffix)
+    : target_(std::move(target)),
+      targetBytes_(toNarrow(target_)),
+      temporary_(toNarrow(target_ + suffix)) {}
+
+// The name goes while the lock is still held: the next launcher must find it gone or its own.
+WholeFile::~WholeFile() {
+    temporary_.remove();
+    closeAndForget();
+}
+
+bool WholeFile::open() {
+    descriptor_ = openAndLock(temporary_.path().c_str());
+    if (descriptor_ < 0) {
+        return false;
+    }
+    temporary_.claim();
+    return true;
+}
+
+bool WholeFile::write(std::string_view bytes) {
+    buffer_ += bytes;
+    return buffer_.size() < kBufferLimit || flush();
+}
+
+bool WholeFile::flush() {
+    std::string_view rest = buffer_;
+    while (!rest.empty() && firstError_ == 0) {
+        const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
+        if (written < 0 && errno != EINTR) {
+            firstError_ = errno;
+        } else if (written > 0) {
+            rest.remove_prefix(static_cast<std::size_t>(written));
+        }
+    }
+    buffer_.clear();
+    errno = firstError_;
+    return firstError_ == 0;
+}
+
+bool WholeFile::keepPermissionsOfTarget() const {
+    struct stat status {};
+    if (stat(targetBytes_.c_str(), &status) != 0) {
+        return errno == ENOENT;
+    }
+    return fchmod(descriptor_, status.st_mode & 07777U) == 0;
+}
+
+bool WholeFile::commit() {
+    if (descriptor_ < 0 || !flush() || !keepPermissionsOfTarget() ||
+        rename(temporary_.path().c_str(), targetBytes_.c_str()) != 0) {
+        const int savedErrno = errno;
+        temporary_.remove();
+        closeAndForget();
+        errno = savedErrno;
+        return false;
+    }
+    temporary_.release();
+    closeAndForget();
+    return true;
+}
+
+void WholeFile::closeAndForget() {
+    if (descriptor_ >= 0) {
+        close(std::exchange(descriptor_, -1));
+    }
+    buffer_.clear();
+}
+
+}  // namespace rcp

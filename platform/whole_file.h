@@ -1,0 +1,78 @@
+// Files that appear whole or not at all. The content is written under a temporary name beside the
+// target and renamed over it as the last step, so a launch that is killed or runs out of disk
+// leaves the old file (or none), never half of one.
+//
+// The temporary name is always the same, target + suffix. What a killed launch left under it is
+// therefore taken over by the next one instead of piling up. Two launchers that write the same file
+// take turns: each locks the temporary file before it touches it. A launch that ends by itself, by
+// a fatal error too, leaves no temporary name behind.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace rcp {
+
+/// A name in the file system that is removed when this object ends, and by exit(3) when it does not
+/// get that far.
+class TemporaryName {
+  public:
+    explicit TemporaryName(std::string path) : path_(std::move(path)) {}
+    TemporaryName(const TemporaryName&) = delete;
+    TemporaryName& operator=(const TemporaryName&) = delete;
+    TemporaryName(TemporaryName&&) = delete;
+    TemporaryName& operator=(TemporaryName&&) = delete;
+    ~TemporaryName() { remove(); }
+
+    /// From now on the name is ours to remove.
+    void claim();
+    /// The name is somebody else's from now on (it was renamed).
+    void release();
+    /// Removes the name if it is claimed.
+    void remove();
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+  private:
+    static void removeAll();
+
+    std::string path_;
+    bool isClaimed_ = false;
+    TemporaryName* next_ = nullptr;  // all claimed ones, for removeAll
+
+    static TemporaryName* claimed_;
+};
+
+class WholeFile {
+  public:
+    explicit WholeFile(std::wstring target, const std::wstring& suffix = L".tmp");
+    WholeFile(const WholeFile&) = delete;
+    WholeFile& operator=(const WholeFile&) = delete;
+    WholeFile(WholeFile&&) = delete;
+    WholeFile& operator=(WholeFile&&) = delete;
+    /// Removes the temporary file unless it was committed.
+    ~WholeFile();
+
+    /// Opens the temporary file, empty. False, with errno set, when that fails.
+    bool open();
+    /// Appends bytes. False, with errno set, when they cannot be written; commit then fails too.
+    bool write(std::string_view bytes);
+    /// Writes what is left and puts the file in place, with the permissions of the file it replaces
+    /// (a new one gets 0666 less the umask). False, with errno set, when any write or the rename
+    /// failed; the target is then untouched.
+    bool commit();
+
+  private:
+    bool flush();
+    bool keepPermissionsOfTarget() const;
+    void closeAndForget();
+
+    std::wstring target_;
+    std::string targetBytes_;
+    TemporaryName temporary_;
+    std::string buffer_;
+    int descriptor_ = -1;
+    int firstError_ = 0;
+};
+
+}  // namespace rcp

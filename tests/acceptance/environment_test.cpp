@@ -1,0 +1,219 @@
+// The environment that the JVM inherits, the library preload included.
+#include "checks.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace acceptance {
+
+namespace {
+
+namespace files = std::filesystem;
+
+TEST(Environment, IsTheUsersOwnButForTheFileDescriptorsOfTheZipReader) {
+    Installation velmo;
+    velmo.environment["SOME"] = "thing";
+    auto expected = velmo.environment;
+    expected["JAVA_HIGH_ZIPFDS"] = "500";
+    EXPECT_EQ(velmo.start().environment, expected);
+}
+
+TEST(Environment, IsTheSameInTheLaunchersProcess) {
+    Installation velmo;
+    velmo.set("invoke.eclipse.dylib", "1").set("env.set.FOO", "bar");
+    auto expected = velmo.environment;
+    expected["JAVA_HIGH_ZIPFDS"] = "500";
+    expected["FOO"] = "bar";
+    EXPECT_EQ(velmo.start().environment, expected);
+}
+
+TEST(Environment, ZipReaderValueOverwritesTheInheritedOne) {
+    Installation velmo;
+    velmo.environment["JAVA_HIGH_ZIPFDS"] = "7";
+    EXPECT_EQ(velmo.start().variable("JAVA_HIGH_ZIPFDS"), "500");
+    velmo.set("env.JAVA_HIGH_ZIPFDS", "900");
+    EXPECT_EQ(velmo.start().variable("JAVA_HIGH_ZIPFDS"), "900");
+    velmo.set("env.JAVA_HIGH_ZIPFDS", "");
+    EXPECT_EQ(velmo.start().variable("JAVA_HIGH_ZIPFDS"), "");
+}
+
+TEST(Environment, ZipReaderValueComesAfterTheOtherSettings) {
+    Installation velmo;
+    velmo.set("env.set.JAVA_HIGH_ZIPFDS", "1");
+    EXPECT_EQ(velmo.start().variable("JAVA_HIGH_ZIPFDS"), "500");
+}
+
+TEST(Environment, VariablesAreSetAndRemoved) {
+    Installation velmo;
+    velmo.environment["OLD"] = "1";
+    velmo.environment["GONE"] = "1";
+    velmo.set("env.set.OLD", "2").set("env.set.NEW", "a b").set("env.set.EMPTY", "");
+    velmo.set("env.set.UMLAUT", "ä").set("env.unset.GONE", "ignored").set("env.unset.NEVER", "");
+    const Report platform = velmo.start();
+    EXPECT_EQ(platform.variable("OLD"), "2");
+    EXPECT_EQ(platform.variable("NEW"), "a b");
+    EXPECT_EQ(platform.variable("EMPTY"), "");
+    EXPECT_EQ(platform.variable("UMLAUT"), "ä");
+    EXPECT_EQ(platform.variable("GONE"), "(unset)");
+    EXPECT_EQ(platform.variable("NEVER"), "(unset)");
+}
+
+TEST(Environment, VariableThatIsBothRemovedAndSetIsSet) {
+    Installation velmo;
+    velmo.environment["FOO"] = "old";
+    velmo.set("env.set.FOO", "bar").set("env.unset.FOO", "");
+    EXPECT_EQ(velmo.start().variable("FOO"), "bar");
+}
+
+TEST(Environment, LaterOfTwoSettingsOverwrites) {
+    Installation velmo;
+    velmo.addLine("env.set.FOO=one").addLine("env.set.FOO=two");
+    EXPECT_EQ(velmo.start().variable("FOO"), "two");
+}
+
+TEST(Environment, KeysWithoutANameAreSkipped) {
+    Installation velmo;
+    velmo.set("env.set.", "x").set("env.set", "x").set("env.unset.", "x").set("env.unset", "x");
+    auto expected = velmo.environment;
+    expected["JAVA_HIGH_ZIPFDS"] = "500";
+    EXPECT_EQ(velmo.start().environment, expected);
+}
+
+TEST(Environment, WithoutPropertiesTheLibraryPathIsLeftAlone) {
+    Installation velmo;
+    EXPECT_EQ(velmo.start().variable("DYLD_LIBRARY_PATH"), "(unset)");
+    velmo.environment["DYLD_LIBRARY_PATH"] = "/inherited";
+    EXPECT_EQ(velmo.start().variable("DYLD_LIBRARY_PATH"), "/inherited");
+}
+
+TEST(Environment, LibraryPathIsJoinedInOrder) {
+    const char* const internal = "com.ovr.rcp.core.internal.librarypath";
+    const struct {
+        const char* prepend;
+        const char* middle;
+        const char* append;
+        const char* path;
+    } cases[] = {
+        {"/p", "/i", "/a", "/p:/i:/a"},       {"/p", nullptr, "/a", "/p:/a"},
+        {nullptr, nullptr, "/a", "/a"},       {"/p", nullptr, nullptr, "/p"},
+        {nullptr, "/i", nullptr, "/i"},       {nullptr, "/i", "/a", "/i:/a"},
+        {"", nullptr, "/a", ":/a"},           {"/p", "", "/a", "/p:/a"},
+        {"/p:/q", "/i", nullptr, "/p:/q:/i"},
+    };
+    for (const auto& each : cases) {
+        Installation velmo;
+        if (each.prepend != nullptr) {
+            velmo.set("library.path.prepend", each.prepend);
+        }
+        if (each.middle != nullptr) {
+            velmo.set(internal, each.middle);
+        }
+        if (each.append != nullptr) {
+            velmo.set("library.path.append", each.append);
+        }
+        EXPECT_EQ(velmo.start().variable("DYLD_LIBRARY_PATH"), each.path);
+    }
+}
+
+TEST(Environment, RecordedLibraryPathStandsInTheMiddle) {
+    Installation velmo;
+    velmo.environment["DYLD_LIBRARY_PATH"] = "/one:/two";
+    velmo.set("library.path.prepend", "/p").set("library.path.append", "/a");
+    EXPECT_EQ(velmo.start().variable("DYLD_LIBRARY_PATH"), "/p:/one:/two:/a");
+    EXPECT_TRUE(hasLine(readFile(velmo.configuration() + "/args.properties"),
+                        "com.ovr.rcp.core.internal.librarypath=/one\\:/two"));
+    velmo.environment["DYLD_LIBRARY_PATH"] = "/other";
+    EXPECT_EQ(velmo.start({"-restart"}).variable("DYLD_LIBRARY_PATH"), "/p:/one:/two:/a");
+}
+
+class Preload : public testing::Test {
+  protected:
+    void SetUp() override { NEEDS_PRIVATE_TMP(); }
+
+    std::string preloaded() { return velmo.start().variable("LD_PRELOAD"); }
+
+    std::string library(const std::string& folder) {
+        const std::string name = velmo.write(folder + "/libhook.so", "");
+        velmo.set("library.preload", name);
+        return name;
+    }
+
+    Installation velmo;
+    const std::string link = "/tmp/ovr.rcp.ann.abc123.libhook.so";
+    const std::string realLink = velmo.tmp + "/ovr.rcp.ann.abc123.libhook.so";
+};
+
+TEST_F(Preload, NothingHappensWithoutTheProperty) {
+    velmo.environment["LD_PRELOAD"] = "";
+    EXPECT_EQ(preloaded(), "");
+}
+
+TEST_F(Preload, PathWithoutABlankIsUsedAsItIsEvenWhenNothingIsThere) {
+    velmo.set("library.preload", "/not/there.so");
+    EXPECT_EQ(preloaded(), "/not/there.so");
+    EXPECT_TRUE(files::is_empty(velmo.tmp));
+}
+
+TEST_F(Preload, PathWithABlankGetsALink) {
+    const std::string name = library("some folder");
+    EXPECT_EQ(preloaded(), link);
+    EXPECT_EQ(files::read_symlink(realLink), name);
+}
+
+TEST_F(Preload, LinkIsKeptWhileItPointsToTheLibraryAndReplacedOtherwise) {
+    library("some folder");
+    EXPECT_EQ(preloaded(), link);
+    struct stat before = {};
+    struct stat after = {};
+    ASSERT_EQ(lstat(realLink.c_str(), &before), 0);
+    EXPECT_EQ(preloaded(), link);
+    ASSERT_EQ(lstat(realLink.c_str(), &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    const std::string other = library("other folder");
+    EXPECT_EQ(preloaded(), link);
+    EXPECT_EQ(files::read_symlink(realLink), other);
+}
+
+TEST_F(Preload, DanglingLinkIsReplaced) {
+    files::create_symlink("/not/there", realLink);
+    const std::string name = library("some folder");
+    EXPECT_EQ(preloaded(), link);
+    EXPECT_EQ(files::read_symlink(realLink), name);
+}
+
+TEST_F(Preload, MissingLibraryWithABlankLeavesTheVariableAlone) {
+    velmo.set("library.preload", "/not there/libhook.so");
+    EXPECT_EQ(preloaded(), "(unset)");
+    EXPECT_TRUE(files::is_empty(velmo.tmp));
+}
+
+TEST_F(Preload, LinkIsNamedForUserAndInstallation) {
+    const std::string name = library("some folder");
+    velmo.environment["USER"] = "bob";
+    velmo.set("rcp.install.id", "other.id");
+    EXPECT_EQ(preloaded(), "/tmp/ovr.rcp.bob.other.id.libhook.so");
+    EXPECT_EQ(files::read_symlink(velmo.tmp + "/ovr.rcp.bob.other.id.libhook.so"), name);
+}
+
+TEST_F(Preload, PathWithoutAFolderIsFatal) {
+    velmo.write("folder/lib hook.so", "");
+    velmo.set("library.preload", "lib hook.so");
+    expectLateFatal(velmo.launch(),
+                    "ZYPRA0189E: Couldn't find filename for library.preload property");
+}
+
+TEST_F(Preload, UserNameIsNeededAndIsNoPath) {
+    library("some folder");
+    velmo.workspace = velmo.path("ws");
+    const Texts arguments = {"-data", velmo.workspace};
+    velmo.environment["USER"] = "a/b";
+    expectLateFatal(velmo.launch(arguments), "ZYPRA0006E: Couldn't find the user name!");
+    velmo.environment.erase("USER");
+    expectLateFatal(velmo.launch(arguments), "ZYPRA0006E: Couldn't find the user name!");
+}
+
+}  // namespace
+
+}  // namespace acceptance

@@ -1,0 +1,226 @@
+#include "process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+#ifdef __linux__
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#endif
+
+namespace acceptance {
+
+namespace {
+
+constexpr int kSetUpFailed = 126;
+
+#ifdef __linux__
+
+bool writeFile(const char* path, const std::string& text) {
+    const int file = open(path, O_WRONLY | O_CLOEXEC);
+    const bool written =
+        file != -1 && write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    if (file != -1) {
+        close(file);
+    }
+    return written;
+}
+
+bool enterMountNamespace() {
+    if (unshare(CLONE_NEWNS) == 0) {
+        return true;
+    }
+    const std::string user = std::to_string(getuid());
+    const std::string group = std::to_string(getgid());
+    return unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && writeFile("/proc/self/setgroups", "deny") &&
+           writeFile("/proc/self/uid_map", user + " " + user + " 1\n") &&
+           writeFile("/proc/self/gid_map", group + " " + group + " 1\n");
+}
+
+// Puts `folder` in the place of /tmp, for this process and its children. When the folder itself
+// lies below /tmp (a build in a scratch folder), the part of /tmp that holds it stays visible.
+bool enterPrivateTmp(const std::string& folder) {
+    if (!enterMountNamespace() || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+        return false;
+    }
+    if (folder.starts_with("/tmp/")) {
+        const std::string part = folder.substr(5, folder.find('/', 5) - 5);
+        const std::string visible = folder + "/" + part;
+        if ((mkdir(visible.c_str(), 0755) != 0 && errno != EEXIST) ||
+            mount(("/tmp/" + part).c_str(), visible.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+            return false;
+        }
+    }
+    return mount(folder.c_str(), "/tmp", nullptr, MS_BIND | MS_REC, nullptr) == 0;
+}
+
+std::string findPrivateTmpObstacle() {
+    std::string folder = ACCEPTANCE_FOLDER "/probe-XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr) {
+        return "no folder to try it with";
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(enterPrivateTmp(folder) ? 0 : errno);
+    }
+    int status = -1;
+    const bool ended = child != -1 && waitpid(child, &status, 0) == child && WIFEXITED(status);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    if (!ended) {
+        return "no process could be started to try it";
+    }
+    return WEXITSTATUS(status) == 0
+               ? ""
+               : std::string("mount namespace: ") + std::strerror(WEXITSTATUS(status));
+}
+
+// Processes that lose their parent become children of the test, which can then wait for them.
+void adoptOrphans() {
+    (void)prctl(PR_SET_CHILD_SUBREAPER, 1);
+}
+
+#else
+
+bool enterPrivateTmp(const std::string&) {
+    return false;
+}
+
+std::string findPrivateTmpObstacle() {
+    return "this system has no mount namespaces";
+}
+
+void adoptOrphans() {}
+
+#endif
+
+[[noreturn]] void giveUp(const char* what) {
+    const std::string text = std::string("set-up failed: ") + what + ": " + std::strerror(errno);
+    (void)!write(STDERR_FILENO, text.data(), text.size());
+    _exit(kSetUpFailed);
+}
+
+[[noreturn]] void becomeProgram(const Command& command, char* const* arguments,
+                                char* const* environment, bool withPrivateTmp) {
+    (void)setpgid(0, 0);
+    const int output = open(command.output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (output == -1 || dup2(output, STDOUT_FILENO) == -1 || dup2(output, STDERR_FILENO) == -1) {
+        giveUp("output file");
+    }
+    if (withPrivateTmp && !enterPrivateTmp(command.privateTmp)) {
+        giveUp("private /tmp");
+    }
+    const int input = open("/dev/null", O_RDONLY);
+    if (input == -1 || dup2(input, STDIN_FILENO) == -1) {
+        giveUp("/dev/null");
+    }
+    for (int descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) {
+        (void)close(descriptor);
+    }
+    const rlimit noCore = {0, 0};
+    (void)setrlimit(RLIMIT_CORE, &noCore);
+    (void)umask(022);
+    if (chdir(command.folder.c_str()) != 0) {
+        giveUp("working directory");
+    }
+    (void)execve(command.program.c_str(), arguments, environment);
+    giveUp(command.program.c_str());
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (std::string& text : texts) {
+        result.push_back(text.data());
+    }
+    result.push_back(nullptr);
+    return result;
+}
+
+}  // namespace
+
+const std::string& privateTmpObstacle() {
+    static const std::string obstacle = findPrivateTmpObstacle();
+    return obstacle;
+}
+
+Process::Process(const Command& command) {
+    adoptOrphans();
+    const bool withPrivateTmp = !command.privateTmp.empty() && privateTmpObstacle().empty();
+    std::vector<std::string> arguments = command.arguments;
+    std::vector<std::string> environment;
+    for (const auto& [name, value] : command.environment) {
+        environment.push_back(name + "=" + value);
+    }
+    std::vector<char*> argumentPointers = pointers(arguments);
+    std::vector<char*> environmentPointers = pointers(environment);
+    pid_ = fork();
+    if (pid_ == 0) {
+        becomeProgram(command, argumentPointers.data(), environmentPointers.data(), withPrivateTmp);
+    }
+    if (pid_ == -1) {
+        throw std::runtime_error("no process could be started");
+    }
+    (void)setpgid(pid_, pid_);
+}
+
+Process::~Process() {
+    if (!ended_ || !groupIsGone()) {
+        killGroup();
+        (void)wait(std::chrono::seconds(10));
+    }
+}
+
+bool Process::running() {
+    int status = 0;
+    if (!ended_ && waitpid(pid_, &status, WNOHANG) == pid_) {
+        ended_ = true;
+        ending_.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        ending_.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    }
+    return !ended_;
+}
+
+bool Process::groupIsGone() const {
+    while (waitpid(-pid_, nullptr, WNOHANG) > 0) {
+    }
+    return kill(-pid_, 0) == -1 && errno == ESRCH;
+}
+
+void Process::killGroup() const {
+    (void)kill(-pid_, SIGKILL);
+    (void)kill(pid_, SIGKILL);
+}
+
+void Process::killProgram() const {
+    (void)kill(pid_, SIGKILL);
+}
+
+Ending Process::wait(std::chrono::milliseconds limit) {
+    auto end = std::chrono::steady_clock::now() + limit;
+    while (running() || !groupIsGone()) {
+        if (std::chrono::steady_clock::now() > end) {
+            if (ending_.timedOut) {
+                break;  // killed, and still there
+            }
+            ending_.timedOut = true;
+            killGroup();
+            end += std::chrono::seconds(10);
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(500));
+    }
+    return ending_;
+}
+
+}  // namespace acceptance
