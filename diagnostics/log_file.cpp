@@ -53,7 +53,7 @@ std::string pathBytes(const std::wstring& path) {
         return {};
     }
     std::string bytes(length, '\0');
-    std::wcstombs(bytes.data(), path.c_str(), length);
+    (void)std::wcstombs(bytes.data(), path.c_str(), length);
     return bytes;
 }
 
@@ -103,7 +103,11 @@ int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstrin
     for (;;) {
         std::wstring time;
         getTimeString(time);
-        path = withSlashes(folder + L"/rcplauncher_" + time + L".log");
+        path = folder;
+        path += L"/rcplauncher_";
+        path += time;
+        path += L".log";
+        path = withSlashes(path);
         const int descriptor = openLog(pathBytes(path), inTemporaryFolder, O_EXCL);
         if (descriptor >= 0 || errno != EEXIST) {
             return descriptor;

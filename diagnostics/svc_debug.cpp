@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace rcp {
 
@@ -50,12 +51,25 @@ std::string err_doit(ErrnoText errnoText, int savedErrno, std::string_view forma
     return text;
 }
 
-[[noreturn]] void endProcess() {
+void endProcess() {
     if (!logIsOpen()) {
         dumpLogToTempLocation();
     }
     exit(-1);
 }
+
+constinit EndFunction endFunction = &endProcess;
+
+// Set while a fatal error is reported. A replaced end leaves by an exception, which clears it.
+class Reporting {
+  public:
+    Reporting() { reportingFatalError = true; }
+    ~Reporting() { reportingFatalError = false; }
+    Reporting(const Reporting&) = delete;
+    Reporting& operator=(const Reporting&) = delete;
+    Reporting(Reporting&&) = delete;
+    Reporting& operator=(Reporting&&) = delete;
+};
 
 void reportAndMaybeEnd(std::string_view format, std::span<const FormatArgument> arguments,
                        Then then, ErrnoText errnoText) {
@@ -67,9 +81,9 @@ void reportAndMaybeEnd(std::string_view format, std::span<const FormatArgument> 
     if (reportingFatalError) {
         _exit(255);
     }
-    reportingFatalError = true;
+    const Reporting reporting;
     err_doit(errnoText, savedErrno, format, arguments);
-    endProcess();
+    endFunction();
 }
 
 void runOutOfMemory();
@@ -202,6 +216,10 @@ void fatal(std::string_view format, long argument) {
 
 void report(std::string_view format, std::wstring_view argument) {
     fatalErrorA(format, argument, Then::kReturn, ErrnoText::kOmit);
+}
+
+EndFunction setEndFunction(EndFunction function) {
+    return std::exchange(endFunction, function);
 }
 
 void GetLastErrorMsg(std::string& out) {

@@ -84,6 +84,12 @@ void fatalErrorW(std::wstring_view message, Then then, ErrnoText errnoText);
 [[noreturn]] void fatal(std::string_view format, std::wstring_view argument);
 [[noreturn]] void fatal(std::string_view format, long argument);
 
+using EndFunction = void (*)();
+/// Replaces what ends the process behind a fatal error's record and returns the former function, so
+/// that a fuzzer can go on with its next input. The replacement leaves by an exception; it must not
+/// return.
+EndFunction setEndFunction(EndFunction function);
+
 /// The usual report of a failure that the launch survives: a record without system error text.
 void report(std::string_view format, std::wstring_view argument = {});
 

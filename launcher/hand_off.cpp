@@ -8,12 +8,12 @@
 #include "platform/text.h"
 
 #include <dlfcn.h>
-#include <stdio.h>
 #include <strings.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 
 namespace rcp {
 
@@ -41,13 +41,11 @@ void* entryPoint(void* library, const char* name, const std::string& path) {
     return symbol;
 }
 
-// The child: the only holder of the lock from the hand-off on.
+// The child: the only holder of the lock from the hand-off on. The parent's id was taken before the
+// fork: asked for afterwards, that of a parent that has died already would be process 1's.
 void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArguments, pid_t parent,
                   Gate& gate) {
-    // A parent that has died already must not be recorded as process 1, which took the child over.
-    if (getppid() == parent) {
-        populateLockFile(parent);
-    }
+    populateLockFile(parent);
     gate.wait();
     unlockLockFile();
     if (hasOption(L"-rcpLauncherWait", arguments) ||
@@ -137,10 +135,13 @@ void initInvokeDylib(const PropertyList& properties) {
 }
 
 bool isInProcessVersion(const std::string& version) {
+    const char* const end = version.data() + version.size();
     unsigned major = 0;
     unsigned minor = 0;
-    unsigned patch = 0;
-    sscanf(version.c_str(), "%u.%u.%u", &major, &minor, &patch);
+    const char* dot = std::from_chars(version.data(), end, major).ptr;
+    if (dot != end && *dot == '.') {
+        std::from_chars(dot + 1, end, minor);
+    }
     return major == 10 && minor == 15;
 }
 

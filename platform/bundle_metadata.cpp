@@ -22,7 +22,7 @@ std::optional<std::string> readBytes(const std::wstring& path) {
         return std::nullopt;
     }
     std::string bytes;
-    std::array<char, 16 * 1024> buffer;
+    std::array<char, 16384> buffer;
     std::size_t length = 0;
     while ((length = fread(buffer.data(), 1, buffer.size(), stream.get())) > 0) {
         bytes.append(buffer.data(), length);

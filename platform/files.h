@@ -11,7 +11,7 @@
 namespace rcp {
 
 struct CloseStream {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
+    void operator()(std::FILE* stream) const { (void)std::fclose(stream); }
 };
 /// An owned standard stream.
 using Stream = std::unique_ptr<std::FILE, CloseStream>;

@@ -41,7 +41,7 @@ void skipBlanks(std::FILE& stream, LinePosition& position) {
         byte = getc_unlocked(&stream);
     }
     if (byte != EOF) {
-        ungetc(byte, &stream);
+        (void)ungetc(byte, &stream);
     }
 }
 
@@ -84,7 +84,7 @@ int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
         byte = getc_unlocked(&stream);
     }
     if (byte != EOF) {
-        ungetc(byte, &stream);
+        (void)ungetc(byte, &stream);
     }
     skipBlanks(stream, passed);
     chartowstr(line.c_str(), out);

@@ -110,7 +110,8 @@ bool removeDirectoryContents(const std::string& directory, const std::string& pa
     }
     open.reset();  // one open directory at a time, however deep the tree
     for (const std::string& name : names) {
-        succeeded &= removeEntry(directory + "/" + name, name, pattern, errors, indentation);
+        succeeded &= removeEntry(std::string(directory).append("/").append(name), name, pattern,
+                                 errors, indentation);
     }
     return succeeded;
 }

@@ -7,9 +7,6 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstring>
-
 namespace rcp {
 namespace {
 
@@ -18,8 +15,8 @@ constexpr char kRequestFile[] = "/tmp/obx_shutdown";
 
 // The request is one record of two fixed fields, the rest of each filled with zeros.
 struct ShutdownRequest {
-    std::array<char, 256> command{};
-    std::array<char, 256> argument{};
+    char command[256];
+    char argument[256];
 };
 
 [[noreturn]] void endDesktopSession() {
@@ -29,9 +26,7 @@ struct ShutdownRequest {
 
 // Everybody can write in /tmp, so a link planted under the name is never followed.
 bool writeShutdownRequest() {
-    ShutdownRequest request;
-    std::strcpy(request.command.data(), "shutdown");
-    std::strcpy(request.argument.data(), "1");
+    const ShutdownRequest request{"shutdown", "1"};
     const int descriptor = open(
         kRequestFile, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
     if (descriptor < 0) {

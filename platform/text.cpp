@@ -68,7 +68,7 @@ std::size_t wcstochar(std::string& out, const wchar_t* text) {
         return 0;
     }
     std::string converted(length, '\0');
-    wcstombs(converted.data(), text, length);
+    (void)wcstombs(converted.data(), text, length);
     out = std::move(converted);
     return length;
 }
@@ -81,7 +81,7 @@ WideBuffer chartowcs(const char* text) {
     const std::size_t measured = mbstowcs(nullptr, text, 0);
     const std::size_t length = measured == kNotConvertible ? 0 : measured;
     WideBuffer buffer = newString(length);
-    mbstowcs(buffer.get(), text, length);
+    (void)mbstowcs(buffer.get(), text, length);
     return buffer;
 }
 
@@ -89,7 +89,7 @@ const wchar_t* chartowstr(const char* text, std::wstring& out) {
     const std::size_t measured = mbstowcs(nullptr, text, 0);
     const std::size_t length = measured == kNotConvertible ? 0 : measured;
     const WideBuffer buffer = mallocString(length);
-    mbstowcs(buffer.get(), text, length);
+    (void)mbstowcs(buffer.get(), text, length);
     buffer[length] = L'\0';
     out.assign(buffer.get(), length);
     return out.c_str();

@@ -104,7 +104,7 @@ void clearTarget(const std::wstring& path) {
 // --- Reset directories ---
 
 std::wstring resetPropertiesFile(const std::wstring& configuration, const std::wstring& base) {
-    const std::wstring ownFile = osPath(configuration + L"/rcpinstall.properties");
+    std::wstring ownFile = osPath(configuration + L"/rcpinstall.properties");
     if (exists(ownFile)) {
         return ownFile;
     }

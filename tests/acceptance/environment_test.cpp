@@ -197,6 +197,36 @@ TEST_F(Preload, LinkIsNamedForUserAndInstallation) {
     EXPECT_EQ(files::read_symlink(velmo.tmp + "/ovr.rcp.bob.other.id.libhook.so"), name);
 }
 
+TEST_F(Preload, LinkOfAnotherUserThatCannotBeRemovedIsNeverPreloaded) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can play two users";
+    }
+    library("some folder");
+    velmo.giveTo(12345);
+    ASSERT_EQ(chown(velmo.tmp.c_str(), 0, 0), 0);  // as /tmp: anyone's, with the sticky bit
+    files::create_symlink("/evil.so", realLink);
+    ASSERT_EQ(lchown(realLink.c_str(), 54321, 54321), 0);
+    velmo.environment["LD_PRELOAD"] = "";
+    const Launch launch = velmo.launch();
+    ASSERT_TRUE(launch.platform.has_value()) << launch.log << launch.temporaryLog << launch.output;
+    EXPECT_EQ(launch.platform->variable("LD_PRELOAD"), "");
+    EXPECT_EQ(files::read_symlink(realLink), "/evil.so");
+    EXPECT_NE(launch.log.find(link), std::string::npos) << "one record tells why";
+}
+
+TEST_F(Preload, OwnLinkIsReplacedAlsoInAFolderOfRoot) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can play two users";
+    }
+    const std::string name = library("some folder");
+    velmo.giveTo(12345);
+    ASSERT_EQ(chown(velmo.tmp.c_str(), 0, 0), 0);
+    files::create_symlink("/old.so", realLink);
+    ASSERT_EQ(lchown(realLink.c_str(), 12345, 12345), 0);
+    EXPECT_EQ(preloaded(), link);
+    EXPECT_EQ(files::read_symlink(realLink), name);
+}
+
 TEST_F(Preload, PathWithoutAFolderIsFatal) {
     velmo.write("folder/lib hook.so", "");
     velmo.set("library.preload", "lib hook.so");

@@ -171,6 +171,17 @@ TEST(HandOff, FailedExecLeavesOneRecordAndStatusZero) {
                      "Error: execv: " + program + " could not be started : Exec format error");
 }
 
+TEST(HandOff, PlainJavaThatIsNotThereLeavesOneRecordAndStatusZero) {
+    Installation velmo;
+    velmo.useServiceConfiguration();
+    const Launch launch = velmo.launch({"-vm", "/not/there/java"});
+    EXPECT_EQ(launch.status, 0);
+    EXPECT_FALSE(launch.platform.has_value());
+    expectBareRecord(launch.log,
+                     "Error: execv: /not/there/java could not be started : No such "
+                     "file or directory");
+}
+
 // The library cannot be used: path and the loader's reason are in the log.
 void expectUnusable(const Installation& velmo, const std::string& library,
                     const std::string& reason) {

@@ -88,8 +88,8 @@ TEST(InstallLocation, ExecutableStartedByARelativePathIsFound) {
 
 TEST(InstallLocation, BlanksAndNonAsciiLettersInThePathAreKept) {
     Installation velmo;
-    moveTo(velmo, "Meine Größe %20 #1", "Meine Größe %20 #1");
-    EXPECT_TRUE(velmo.start().has("-Drcp.home=" + velmo.path("Meine Größe %20 #1")));
+    moveTo(velmo, "Meine Größe %20 #1 %n%s", "Meine Größe %20 #1 %n%s");
+    EXPECT_TRUE(velmo.start().has("-Drcp.home=" + velmo.path("Meine Größe %20 #1 %n%s")));
 }
 
 TEST(InstallLocation, PathLongerThanAnyFixedBufferIsFound) {
@@ -199,6 +199,13 @@ TEST_F(BundleMetadata, WithoutTheOptionNothingIsTouched) {
     const std::string text = plist("CFBundleIdentifier", "com.ovr.old");
     const std::string info = place(text);
     velmo.start();
+    EXPECT_EQ(readFile(info), text);
+}
+
+TEST_F(BundleMetadata, OptionWithoutAValueIsIgnored) {
+    const std::string text = plist("CFBundleIdentifier", "com.ovr.old");
+    const std::string info = place(text);
+    EXPECT_TRUE(velmo.start({"-restart", "-bundleIdentifier"}).has("-bundleIdentifier"));
     EXPECT_EQ(readFile(info), text);
 }
 

@@ -18,15 +18,6 @@ namespace files = std::filesystem;
 
 namespace {
 
-std::string makeRoot() {
-    files::create_directories(ACCEPTANCE_FOLDER);
-    std::string root = ACCEPTANCE_FOLDER "/XXXXXX";
-    if (mkdtemp(root.data()) == nullptr) {
-        throw std::runtime_error("no folder below " ACCEPTANCE_FOLDER);
-    }
-    return files::canonical(root);
-}
-
 // Set-ups of the sanitizers and of coverage reach the launcher; nothing else of ours does.
 void passOn(std::map<std::string, std::string>& environment, const char* name) {
     if (const char* value = std::getenv(name)) {
@@ -63,8 +54,22 @@ bool fileExists(const std::string& path) {
     return files::exists(files::symlink_status(path));
 }
 
+TemporaryFolder::TemporaryFolder() {
+    files::create_directories(ACCEPTANCE_FOLDER);
+    path_ = files::canonical(ACCEPTANCE_FOLDER).string() + "/XXXXXX";
+    if (mkdtemp(path_.data()) == nullptr) {
+        throw std::runtime_error("no folder below " ACCEPTANCE_FOLDER);
+    }
+    (void)chmod(path_.c_str(), 0755);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    files::remove_all(path_, ignored);
+}
+
 Installation::Installation()
-    : root(makeRoot()),
+    : root(tree_.path()),
       home(root + "/Velmo"),
       rcp(home + "/rcp"),
       base(rcp + "/eclipse/plugins/com.ovr.rcp.base"),
@@ -100,9 +105,15 @@ Installation::Installation()
     }
 }
 
-Installation::~Installation() {
-    std::error_code ignored;
-    files::remove_all(root, ignored);
+void Installation::giveTo(uid_t user) {
+    user_ = user;
+    for (const auto& entry : files::recursive_directory_iterator(root)) {
+        // The programs may be hard links of the built ones: those keep their owner.
+        if (!entry.is_regular_file() || entry.hard_link_count() == 1) {
+            (void)lchown(entry.path().c_str(), user, static_cast<gid_t>(user));
+        }
+    }
+    (void)lchown(root.c_str(), user, static_cast<gid_t>(user));
 }
 
 Installation& Installation::set(const std::string& key, const std::string& value) {
@@ -190,6 +201,7 @@ Command Installation::command(const Texts& arguments, const std::string& report,
     result.folder = folder;
     result.privateTmp = tmp;
     result.output = output;
+    result.user = user_;
     return result;
 }
 

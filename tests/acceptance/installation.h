@@ -25,6 +25,20 @@ struct Launch {
     std::string output;              ///< what was written to the terminal
 };
 
+/// A new folder of its own, removed with all that is in it.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
 class Installation;
 
 /// A launch whose platform stays up until it is told to end.
@@ -61,9 +75,9 @@ class StayingLaunch {
     std::string output_;
 };
 
-/// Makes the tree when it is created and removes it, with all that the launches left in it, when it
-/// goes. As created it holds exactly what a launch needs to succeed: the launcher's property file
-/// has three entries (rcp.install.id, rcp.base.location, plugincustomization).
+/// Makes the tree when it is created; it goes with all that the launches left in it. As created it
+/// holds exactly what a launch needs to succeed: the launcher's property file has three entries
+/// (rcp.install.id, rcp.base.location, plugincustomization).
 ///
 ///     root/Velmo/rcp/rcplauncher, rcplauncher.properties
 ///     root/Velmo/rcp/eclipse/plugins/com.ovr.rcp.base/   launcher.jar, plugin_customization.ini,
@@ -73,11 +87,14 @@ class StayingLaunch {
 class Installation {
   public:
     Installation();
-    ~Installation();
     Installation(const Installation&) = delete;
     Installation& operator=(const Installation&) = delete;
 
-    const std::string root;
+  private:
+    const TemporaryFolder tree_;
+
+  public:
+    const std::string& root;
     const std::string home;       ///< root/Velmo: the installation directory, "${rcp.home}"
     const std::string rcp;        ///< root/Velmo/rcp
     const std::string base;       ///< "rcp.base.location"
@@ -125,6 +142,9 @@ class Installation {
     /// The names in the workspace's log folder.
     [[nodiscard]] Texts logNames() const;
 
+    /// Gives the whole tree to another user, as whom the launches run from now on (root only).
+    void giveTo(uid_t user);
+
     static constexpr std::chrono::seconds kLimit{40};
 
   private:
@@ -135,6 +155,7 @@ class Installation {
                                  const std::string& output) const;
     void writePropertyFiles() const;
 
+    std::optional<uid_t> user_;
     std::vector<std::string> lines_;
     std::vector<std::string> installLines_;
     mutable std::string writtenProperties_;

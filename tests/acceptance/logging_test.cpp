@@ -1,10 +1,12 @@
 // The launcher's only voice: its log in the workspace and the temporary one in /tmp.
 #include "checks.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <regex>
 
 namespace acceptance {
@@ -104,6 +106,12 @@ TEST(Logging, RecordsAreWrittenAsUtf8) {
     EXPECT_TRUE(hasLine(launch.log, "日本"));
 }
 
+TEST(Logging, ArgumentThatIsNoTextLosesNoRecord) {
+    Installation velmo;
+    const Launch launch = velmo.launch({"-one", "\xff", "-two"});
+    EXPECT_TRUE(hasLine(launch.log, argumentDump(velmo, "-one, , -two, "))) << launch.log;
+}
+
 TEST(Logging, TracingRunHasALogOfItsOwnNamedByItsStart) {
     Installation velmo;
     velmo.start();
@@ -136,6 +144,29 @@ TEST(Logging, TracingShowsWhatTheLauncherReads) {
         hasLine(log, "ZYPRA0077I: Velmo workspaceLocation is -  \"" + velmo.workspace + "\""));
     EXPECT_TRUE(hasLine(log, "ZYPRA0075I: commandArg  = \"-Dfoo=bar\""));
 }
+
+#ifdef __linux__
+TEST(Logging, LogIsOpenForAppendingSoThatASecondLauncherLeavesNoHole) {
+    Installation velmo;
+    velmo.set("invoke.eclipse.dylib", "1");
+    StayingLaunch launch = velmo.startStaying();
+    const Report platform = launch.platform();
+    std::string details;
+    for (const auto& [descriptor, target] : platform.descriptors) {
+        if (target == velmo.workspace + "/logs/rcplauncher.log") {
+            std::ifstream file("/proc/" + std::to_string(platform.pid) + "/fdinfo/" +
+                               std::to_string(descriptor));
+            std::getline(file, details);  // pos:
+            std::getline(file, details);
+        }
+    }
+    ASSERT_TRUE(details.starts_with("flags:")) << details;
+    const unsigned long flags = std::stoul(details.substr(6), nullptr, 8);
+    EXPECT_NE(flags & static_cast<unsigned long>(O_APPEND), 0U) << details;
+    EXPECT_NE(flags & static_cast<unsigned long>(O_CLOEXEC), 0U) << details;
+    EXPECT_EQ(launch.finish().status, 0);
+}
+#endif
 
 TEST(Logging, RestartNeverTraces) {
     Installation velmo;

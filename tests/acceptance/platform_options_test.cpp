@@ -150,6 +150,16 @@ TEST(PlatformOptions, StartupJarIsTheBaseLocationsUnlessOneIsGiven) {
     expectList({"-perfJar", "/perf.jar"}, platform.between("--launcher.suppressErrors", "-data"));
 }
 
+TEST(PlatformOptions, OptionsWithoutTheirValueAtTheEndAreSurvived) {
+    for (const char* option : {"-perfJar", "-application", "-plugincustomization", "-rcp_old_pid",
+                               "-configuration", "-product"}) {
+        Installation velmo;
+        const Report platform = velmo.start({"-restart", option});
+        EXPECT_TRUE(platform.has("-startup")) << option;
+        EXPECT_EQ(platform.after("-data"), velmo.workspace) << option;
+    }
+}
+
 TEST(PlatformOptions, JvmArgumentsByNameStayAmongTheCopiedOptions) {
     Installation velmo;
     const Report platform = velmo.start({"vmarg.x=-Dx=1"});

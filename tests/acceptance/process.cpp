@@ -126,6 +126,10 @@ void adoptOrphans() {}
     if (input == -1 || dup2(input, STDIN_FILENO) == -1) {
         giveUp("/dev/null");
     }
+    if (command.user &&
+        (setgid(static_cast<gid_t>(*command.user)) != 0 || setuid(*command.user) != 0)) {
+        giveUp("user");
+    }
     for (int descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) {
         (void)close(descriptor);
     }

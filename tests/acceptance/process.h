@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,10 @@ struct Command {
     std::string program;                 ///< the file to execute
     std::vector<std::string> arguments;  ///< all of them, the program's name included
     std::map<std::string, std::string> environment;
-    std::string folder;      ///< working directory
-    std::string privateTmp;  ///< the folder that the program sees as /tmp
-    std::string output;      ///< file that takes standard output and standard error
+    std::string folder;         ///< working directory
+    std::string privateTmp;     ///< the folder that the program sees as /tmp
+    std::string output;         ///< file that takes standard output and standard error
+    std::optional<uid_t> user;  ///< another user to run it as (root only)
 };
 
 /// How a program ended: `signal` is 0 when it ended by itself, `status` is -1 when it did not.

@@ -81,6 +81,20 @@ TEST(Startup, SecondLaunchChangesNothingButLogAndProcessIds) {
     EXPECT_EQ(before, after);
 }
 
+TEST(Startup, TwoFirstLaunchesAtTheSameMomentMakeOnePlatform) {
+    Installation velmo;
+    StayingLaunch one = velmo.startStaying();
+    StayingLaunch two = velmo.startStaying();
+    const Report first = one.platform();
+    const Report second = two.platform();
+    EXPECT_NE(first.has("-useDaemon"), second.has("-useDaemon"));
+    const Report& daemon = first.has("-useDaemon") ? first : second;
+    const Report& main = first.has("-useDaemon") ? second : first;
+    EXPECT_EQ(daemon.after("-useDaemon"), std::to_string(main.pid));
+    EXPECT_EQ(one.finish().status, 0);
+    EXPECT_EQ(two.finish().status, 0);
+}
+
 TEST(Startup, NoTemporaryFileIsLeftInTheUsersArea) {
     Installation velmo;
     StayingLaunch launch = velmo.startStaying();
