@@ -57,10 +57,9 @@ std::string pathBytes(const std::wstring& path) {
     return bytes;
 }
 
-// Records are appended, so that a second launcher that empties the file leaves no hole of zeros
-// before the first one's next record. A folder's log is a file of the user's own area: a pipe in
-// its place must not stop the launch, hence non-blocking.
-constexpr int kLogFlags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+// A folder's log is a file of the user's own area: a pipe in its place must not stop the launch,
+// hence non-blocking.
+constexpr int kLogFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 
 // Whether the open file is one that this launcher may write: in the user's own folder any regular
 // file, in the temporary folder only one that is this user's alone. Somebody could have planted a
@@ -78,23 +77,35 @@ bool mayWrite(int descriptor, bool inTemporaryFolder) {
         errno = EPERM;
         return false;
     }
-    return true;
+    // One of an earlier launch may be readable for others.
+    return !inTemporaryFolder || fchmod(descriptor, 0600) == 0;
 }
 
-int openLog(const std::string& path, bool inTemporaryFolder, int extraFlags) {
+int openLog(const char* path, bool inTemporaryFolder, int extraFlags) {
     const int flags = kLogFlags | extraFlags | (inTemporaryFolder ? O_NOFOLLOW : 0);
     const mode_t mode = inTemporaryFolder ? 0600 : 0666;
-    const int descriptor = open(path.c_str(), flags, mode);
+    const int descriptor = open(path, flags, mode);
     if (descriptor < 0) {
         return -1;
     }
-    if (!mayWrite(descriptor, inTemporaryFolder) || ftruncate(descriptor, 0) != 0) {
+    if (!mayWrite(descriptor, inTemporaryFolder)) {
         const int savedErrno = errno;
         close(descriptor);
         errno = savedErrno;
         return -1;
     }
     return descriptor;
+}
+
+// The log becomes `text`. What an earlier launch left is written over and then cut off: a file that
+// was emptied first would be sent to the disk as soon as it is closed, while the platform starts.
+// Later records are appended, so that a second launcher that does this leaves no hole of zeros
+// before the first one's next record.
+void startLog(int descriptor, std::string_view text) {
+    writeFully(descriptor, text);
+    (void)ftruncate(descriptor, lseek(descriptor, 0, SEEK_CUR));
+    fcntl(descriptor, F_SETFL, O_APPEND | O_NONBLOCK);
+    logFILE = descriptor;
 }
 
 // A traced launch keeps its log: the name carries the start time to the millisecond, and a launch
@@ -108,7 +119,7 @@ int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstrin
         path += time;
         path += L".log";
         path = withSlashes(path);
-        const int descriptor = openLog(pathBytes(path), inTemporaryFolder, O_EXCL);
+        const int descriptor = openLog(pathBytes(path).c_str(), inTemporaryFolder, O_EXCL);
         if (descriptor >= 0 || errno != EEXIST) {
             return descriptor;
         }
@@ -119,16 +130,15 @@ int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstrin
 bool enableLoggingIn(const std::wstring& folder, bool inTemporaryFolder) {
     std::wstring path = withSlashes(folder + kLogName);
     const int descriptor = debug ? openFreshLog(folder, inTemporaryFolder, path)
-                                 : openLog(pathBytes(path), inTemporaryFolder, 0);
+                                 : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
     if (descriptor < 0) {
         fatalErrorA("ZYPRA0019E: Could not open %ls for writing!", path, Then::kReturn,
                     ErrnoText::kAppend);
         return false;
     }
-    logFILE = descriptor;
     std::string queued = std::exchange(queue(), {});
     queued += '\n';
-    writeFully(logFILE, queued);
+    startLog(descriptor, queued);
     return true;
 }
 
@@ -139,6 +149,17 @@ void writeToLog(std::string_view text) {
         writeFully(logFILE, text);
     } else {
         queue() += text;
+    }
+}
+
+void writeLastWords(std::string_view text) {
+    if (logFILE >= 0) {
+        writeFully(logFILE, text);
+        return;
+    }
+    const int descriptor = openLog("/tmp/rcplauncher.log", true, 0);
+    if (descriptor >= 0) {
+        startLog(descriptor, text);
     }
 }
 

@@ -10,6 +10,10 @@ namespace rcp {
 /// system refuses is lost; there is nobody left to tell.
 void writeToLog(std::string_view text);
 
+/// The same without any memory of its own: the queue stays behind, and where no log file is open
+/// the temporary log becomes the text alone.
+void writeLastWords(std::string_view text);
+
 /// Whether a log file is open.
 bool logIsOpen();
 

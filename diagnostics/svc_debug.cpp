@@ -79,6 +79,8 @@ void reportAndMaybeEnd(std::string_view format, std::span<const FormatArgument> 
         return;
     }
     if (reportingFatalError) {
+        // Only exhausted memory fails while it is being reported.
+        writeLastWords("ZYPRA0004E: malloc failed!\n");
         _exit(255);
     }
     const Reporting reporting;
@@ -156,6 +158,18 @@ void SvcDebugOutW(std::wstring_view message, std::span<const std::wstring> argum
     // The line feed is part of the text, so the record's own leaves an empty line behind the dump.
     line += "\"\n";
     writeRecord(expandFormat(line));
+}
+
+void SvcDebugOutRecords(std::span<const std::string_view> texts) {
+    if (!debug) {
+        return;
+    }
+    std::string records;
+    for (const std::string_view text : texts) {
+        records += cutAtCharacter(text, kRecordLimit);
+        records += '\n';
+    }
+    writeToLog(records);
 }
 
 void SvcDebugLastError(std::wstring_view message) {

@@ -55,6 +55,9 @@ void SvcDebugOutW(std::wstring_view format, std::wstring_view argument);
 /// The argument dump: message="first, second, ", with the percent signs of the arguments read as
 /// directives ("%%" becomes "%") and an empty line after it.
 void SvcDebugOutW(std::wstring_view message, std::span<const std::wstring> arguments);
+/// Every text a record of its own as it stands, all in one write to the log: a launch has dozens of
+/// parameters.
+void SvcDebugOutRecords(std::span<const std::string_view> texts);
 /// The same as SvcDebugOutW; in spite of the name no system error text is added.
 void SvcDebugLastError(std::wstring_view message);
 void SvcDebugLastError(std::wstring_view format, std::wstring_view argument);

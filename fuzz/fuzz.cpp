@@ -103,8 +103,8 @@ const std::string& folder() {
 
 std::wstring fileWith(std::string_view bytes) {
     static const int file = memfd_create("input", MFD_CLOEXEC);
-    require(ftruncate(file, 0) == 0 && pwrite(file, bytes.data(), bytes.size(), 0) ==
-                                           static_cast<ssize_t>(bytes.size()),
+    require(ftruncate(file, 0) == 0 &&
+                pwrite(file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()),
             "the input can be written");
     return L"/proc/self/fd/" + std::to_wstring(file);
 }

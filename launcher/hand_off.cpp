@@ -58,8 +58,7 @@ void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArgum
 void becomePlatform(NarrowArguments& launchArguments, Gate& gate) {
     closeLockFile();
     if (invokeDylib && !eclipseSoPath.empty()) {
-        gate.open();
-        invokeEclipseDylib(launchArguments);
+        invokeEclipseDylib(launchArguments, gate);
         return;
     }
     execv(launchArguments.data()[0], launchArguments.data());
@@ -85,7 +84,7 @@ void launchEclipse(const Arguments& arguments) {
     becomePlatform(launchArguments, gate);
 }
 
-void invokeEclipseDylib(NarrowArguments& arguments) {
+void invokeEclipseDylib(NarrowArguments& arguments, Gate& gate) {
     std::string path = toNarrow(eclipseSoPath);
     void* library = dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) {
@@ -101,6 +100,7 @@ void invokeEclipseDylib(NarrowArguments& arguments) {
     setInitialArgs(arguments.count(), initial.data(), path.data());
     int count = arguments.count();
     parseArgs(count, arguments.data(), 1);
+    gate.open();
     run(count, arguments.data(), userVMarg);
 }
 

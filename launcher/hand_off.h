@@ -27,9 +27,10 @@ extern char** userVMarg;
 /// launcher's own.
 void launchEclipse(const Arguments& arguments);
 
-/// Loads the library at `eclipseSoPath` and runs the platform in this process. The result of "run"
-/// is ignored. A library that cannot be loaded or lacks an entry point ends the process.
-void invokeEclipseDylib(NarrowArguments& arguments);
+/// Loads the library at `eclipseSoPath`, opens the gate and runs the platform in this process. The
+/// result of "run" is ignored. A library that cannot be loaded or lacks an entry point ends the
+/// process with the gate still closed: until then no platform is there that others could find.
+void invokeEclipseDylib(NarrowArguments& arguments, Gate& gate);
 
 /// Cuts `argv` at the first "-vmargs" (in any letter case): sets it to null and `argc` to its
 /// index, and with `mode` 1 `userVMarg` to what stands behind. `argv[argc]` is null afterwards in

@@ -9,6 +9,7 @@
 #include "platform/install_location.h"
 #include "platform/platform.h"
 #include "platform/process.h"
+#include "platform/standard_streams.h"
 #include "platform/text.h"
 
 #include <errno.h>
@@ -79,7 +80,7 @@ void launch(int argc, char** argv) {
     }
     setCharacterLocale();
     Arguments arguments = wideArguments(argc, argv);
-    bRestart = isRestart(arguments);
+    bRestart = haveLaunchOption("-restart", {argv, argv + argc});
     applyInstallation(arguments);
     setDebug(isDebug(arguments));
     dumpArguments(arguments);
@@ -99,6 +100,7 @@ void launch(int argc, char** argv) {
 }  // namespace
 
 int runLauncher(int argc, char** argv) {
+    openMissingStandardStreams();
     installOutOfMemoryReport();
     try {
         launch(argc, argv);

@@ -16,6 +16,7 @@
 #include "launcher/core/provisioning.h"
 #include "launcher/core/reset.h"
 #include "launcher/core/startup_arguments.h"
+#include "launcher/core/unfinished_files.h"
 #include "launcher/core/user_files.h"
 #include "launcher/core/vm_choice.h"
 #include "launcher/core/workspace.h"
@@ -191,6 +192,9 @@ void startup(const Arguments& arguments) {
     validateInstallerState(inputs.arguments);
 
     ensure(inputs.configuration, "ZYPRA0093E: Unable to create %ls directory.");
+    if (isMainProcess()) {
+        removeUnfinishedFiles(inputs.workspace, inputs.configuration);
+    }
     renewUserArea(inputs, base);
     prepareExtensions(inputs);
     recordArguments(arguments, inputs);

@@ -40,7 +40,7 @@ std::optional<std::string> readBytes(const std::wstring& path) {
 
 const std::wstring* getBundleIdentifier(std::span<const std::wstring> arguments) {
     for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
-        if (arguments[i] == L"-bundleIdentifier") {
+        if (arguments[i] == L"-bundleIdentifier" && arguments[i + 1] != L"-vmargs") {
             return &arguments[i + 1];
         }
     }

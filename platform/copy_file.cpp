@@ -9,8 +9,8 @@
 #include <stdio.h>
 #include <wchar.h>
 
+#include <array>
 #include <string_view>
-#include <vector>
 
 namespace rcp {
 namespace {
@@ -42,6 +42,23 @@ class TextCheck {
     mbstate_t state_{};
 };
 
+using Buffer = std::array<char, std::size_t{16} * 1024>;
+
+// Whether the destination is a copy of the source already. Only told of short files, and every
+// launch copies one; the source is at its start again afterwards.
+bool isCopied(std::FILE& source, const std::wstring& destination, Buffer& buffer) {
+    const std::size_t length = fread(buffer.data(), 1, buffer.size(), &source);
+    const bool isWhole = length < buffer.size() && ferror(&source) == 0;
+    clearerr(&source);
+    // What was read so far would be missing from the copy.
+    if (fseek(&source, 0, SEEK_SET) != 0) {
+        fatal("ZYPRA0193E: Did not encounter EOF while copying file contents");
+    }
+    const std::string_view text(buffer.data(), length);
+    TextCheck check;
+    return isWhole && holdsText(destination, text) && check.accept(text) && check.isComplete();
+}
+
 }  // namespace
 
 bool copyFile(const std::wstring& source, const std::wstring& destination) {
@@ -50,12 +67,15 @@ bool copyFile(const std::wstring& source, const std::wstring& destination) {
     if (!from) {
         fatal("ZYPRA0190E: Unable to open source file %ls to be copied", source);
     }
+    Buffer buffer;
+    if (isCopied(*from, destination, buffer)) {
+        return true;
+    }
     WholeFile to(destination);
     if (!to.open()) {
         fatal("ZYPRA0191E: Unable to open destination file %ls to be copied to", destination);
     }
     TextCheck check;
-    std::vector<char> buffer(std::size_t{64} * 1024);
     std::size_t length = 0;
     while ((length = fread(buffer.data(), 1, buffer.size(), from.get())) > 0) {
         const std::string_view piece(buffer.data(), length);

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -72,6 +73,25 @@ std::vector<char*> plainEnvironment() {
     return variables;
 }
 
+// SIGCHLD as the system delivers it by default. Whoever started the launcher may have left it
+// ignored; then no child can be waited for, and a running platform would look like none.
+class DefaultChildSignal {
+  public:
+    DefaultChildSignal() {
+        struct sigaction action {};
+        action.sa_handler = SIG_DFL;
+        sigaction(SIGCHLD, &action, &former_);
+    }
+    ~DefaultChildSignal() { sigaction(SIGCHLD, &former_, nullptr); }
+    DefaultChildSignal(const DefaultChildSignal&) = delete;
+    DefaultChildSignal& operator=(const DefaultChildSignal&) = delete;
+    DefaultChildSignal(DefaultChildSignal&&) = delete;
+    DefaultChildSignal& operator=(DefaultChildSignal&&) = delete;
+
+  private:
+    struct sigaction former_ {};
+};
+
 class FileActions {
   public:
     FileActions() { posix_spawn_file_actions_init(&actions_); }
@@ -134,6 +154,7 @@ std::optional<ProgramResult> runProgram(const std::vector<std::string>& argument
     }
     argv.push_back(nullptr);
 
+    const DefaultChildSignal childSignal;
     pid_t process = 0;
     if (posix_spawnp(&process, argv[0], actions.get(), nullptr, argv.data(),
                      plainEnvironment().data()) != 0) {

@@ -7,11 +7,20 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace rcp {
 namespace {
 
 constexpr auto kNotConvertible = static_cast<std::size_t>(-1);
+
+// ASCII is the same in every character set that a locale can have here, and nearly every text is
+// ASCII: it need not go through the C library's converters.
+template <typename Char>
+bool isAscii(std::basic_string_view<Char> text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](Char character) { return character >= 0 && character < 0x80; });
+}
 
 }  // namespace
 
@@ -62,6 +71,10 @@ std::wstring osPath(std::wstring path) {
 }
 
 std::size_t wcstochar(std::string& out, const wchar_t* text) {
+    if (const std::wstring_view view = text; isAscii(view)) {
+        out.assign(view.begin(), view.end());
+        return out.size();
+    }
     const std::size_t length = wcstombs(nullptr, text, 0);
     if (length == kNotConvertible) {
         out.clear();
@@ -78,6 +91,11 @@ std::size_t wstrtocs(std::string& out, const std::wstring& text) {
 }
 
 WideBuffer chartowcs(const char* text) {
+    if (const std::string_view view = text; isAscii(view)) {
+        WideBuffer buffer = newString(view.size());
+        std::copy(view.begin(), view.end(), buffer.get());
+        return buffer;
+    }
     const std::size_t measured = mbstowcs(nullptr, text, 0);
     const std::size_t length = measured == kNotConvertible ? 0 : measured;
     WideBuffer buffer = newString(length);
@@ -86,6 +104,10 @@ WideBuffer chartowcs(const char* text) {
 }
 
 const wchar_t* chartowstr(const char* text, std::wstring& out) {
+    if (const std::string_view view = text; isAscii(view)) {
+        out.assign(view.begin(), view.end());
+        return out.c_str();
+    }
     const std::size_t measured = mbstowcs(nullptr, text, 0);
     const std::size_t length = measured == kNotConvertible ? 0 : measured;
     const WideBuffer buffer = mallocString(length);

@@ -17,6 +17,12 @@ namespace {
 
 constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 
+// Whether the open file is still the one of that name.
+bool isNamed(const struct stat& file, const char* path) {
+    struct stat named {};
+    return lstat(path, &named) == 0 && named.st_ino == file.st_ino && named.st_dev == file.st_dev;
+}
+
 // Opens `path` and locks it. The former holder of the lock renames or removes the name, so the file
 // that was waited for may no longer be the one of that name: then the next one is opened.
 int openAndLock(const char* path) {
@@ -34,7 +40,7 @@ int openAndLock(const char* path) {
         if (locked == 0 && fstat(descriptor, &status) == 0) {
             if (!S_ISREG(status.st_mode)) {
                 errno = EINVAL;
-            } else if (status.st_nlink == 0) {
+            } else if (!isNamed(status, path)) {
                 close(descriptor);
                 continue;
             } else if (status.st_size == 0 || ftruncate(descriptor, 0) == 0) {
@@ -83,6 +89,23 @@ void TemporaryName::removeAll() {
     while (claimed_ != nullptr) {
         claimed_->remove();
     }
+}
+
+bool holdsText(const std::wstring& path, std::string_view text) {
+    const int descriptor =
+        open(toNarrow(path).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    struct stat status {};
+    bool isSame = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+                  status.st_size == static_cast<off_t>(text.size());
+    if (isSame) {
+        std::string found(text.size(), '\0');
+        isSame = read(descriptor, found.data(), found.size()) == status.st_size && found == text;
+    }
+    close(descriptor);
+    return isSame;
 }
 
 WholeFile::WholeFile(std::wstring target, const std::wstring& suffix)

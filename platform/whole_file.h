@@ -43,6 +43,10 @@ class TemporaryName {
     static TemporaryName* claimed_;
 };
 
+/// Whether the file at `path`, itself and not through a link, holds exactly `text`. What is there
+/// already need not be written again: replacing a file is the dearest thing a launch does.
+bool holdsText(const std::wstring& path, std::string_view text);
+
 class WholeFile {
   public:
     explicit WholeFile(std::wstring target, const std::wstring& suffix = L".tmp");

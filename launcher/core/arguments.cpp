@@ -19,7 +19,10 @@ bool hasOption(std::wstring_view option, const Arguments& arguments) {
 const std::wstring* optionValue(std::wstring_view option, const Arguments& arguments) {
     const int index = findOption(option, arguments);
     const std::size_t value = static_cast<std::size_t>(index) + 1;
-    return index < 0 || value >= arguments.size() ? nullptr : &arguments[value];
+    if (index < 0 || value >= arguments.size() || arguments[value] == L"-vmargs") {
+        return nullptr;
+    }
+    return &arguments[value];
 }
 
 bool isRestart(const Arguments& arguments) {

@@ -16,6 +16,10 @@ NarrowArguments::NarrowArguments(std::span<const std::wstring> arguments) {
     pointers_.reserve(arguments.size() + 1);
     for (const std::wstring& argument : arguments) {
         texts_.push_back(toNarrow(argument));
+        if (texts_.back().empty() && !argument.empty()) {
+            report("Error: the launch argument '%ls' is no text of this locale and becomes empty.",
+                   argument);
+        }
     }
     for (std::string& text : texts_) {
         pointers_.push_back(text.data());
@@ -26,11 +30,10 @@ NarrowArguments::NarrowArguments(std::span<const std::wstring> arguments) {
 void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
                         std::string_view end) {
     const ForcedTracing forced;
-    SvcDebugOutA(begin);
-    for (const std::string& text : arguments.texts()) {
-        SvcDebugOutA("%s", text);
-    }
-    SvcDebugOutA(end);
+    std::vector<std::string_view> records{begin};
+    records.insert(records.end(), arguments.texts().begin(), arguments.texts().end());
+    records.push_back(end);
+    SvcDebugOutRecords(records);
 }
 
 void reportFailedExec(const std::wstring& program) {

@@ -19,9 +19,15 @@ void turnSlashes(StandardLocations& locations) {
     convertBS2S(locations.installDir);
 }
 
+// What of a text can show in a record. A value that brings itself back is traced thousands of times
+// while it grows; all of it each time would take minutes.
+std::wstring traced(const std::wstring& text) {
+    return debug ? text.substr(0, kRecordLimit) : std::wstring();
+}
+
 void traceModification(const std::wstring& before, const std::wstring& after) {
     if (debug) {
-        SvcDebugOutW(L"ZYPRA0071I: Modified prop_contents %s", before + L" => " + after);
+        SvcDebugOutW(L"ZYPRA0071I: Modified prop_contents %s", before + L" => " + traced(after));
     }
 }
 
@@ -116,7 +122,7 @@ bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties)
             return false;
         }
         if (getPlaceholderValue(name, value, properties)) {
-            const std::wstring before = debug ? text : std::wstring();
+            const std::wstring before = traced(text);
             text.replace(begin, end + 1 - begin, value);
             traceModification(before, text);
             limit = begin + value.size();

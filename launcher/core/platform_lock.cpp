@@ -193,12 +193,12 @@ void populateMainPidFile(unsigned long processId) {
     Stream stream;
     open_file(stream, mainPidFilePath, L"w+");
     if (!stream) {
-        report("ZYPRA00XXI: Unable to open rcp.main file");
+        SvcDebugOutA("ZYPRA00XXI: Unable to open rcp.main file");
         return;
     }
     const int written = fprintf(stream.get(), "%lu    ", processId);
     if (written < 0 || fflush(stream.get()) != 0) {
-        report("ZYPRA00XXI: Unable to write pid to rcp.main file");
+        SvcDebugOutA("ZYPRA00XXI: Unable to write pid to rcp.main file");
     }
 }
 

@@ -8,6 +8,7 @@
 #include <stdio.h>
 
 #include <memory>
+#include <set>
 #include <utility>
 
 namespace rcp {
@@ -106,9 +107,14 @@ Property finish(Entry& entry, const PropertyOrigin& origin) {
     return property;
 }
 
+// One record a file: the launcher reads some files twice, and one line is enough to find the cause.
 void reportUnreadableLine(const std::wstring& path, std::size_t line) {
+    static std::set<std::wstring> reported;
+    if (!reported.insert(path).second) {
+        return;
+    }
     const FormatArgument arguments[] = {std::wstring_view(path), static_cast<unsigned long>(line)};
-    fatalError(ErrnoText::kOmit, "Error: getProperties: %ls: line %lu is no text and is left out.",
+    fatalError(ErrnoText::kOmit, "Error: getProperties: %ls: line %lu (the first such line) is no text and is left out.",
                arguments);
 }
 
@@ -131,7 +137,11 @@ void getProperties(const std::wstring& path, PropertyList& list) {
             continue;
         }
         if (position.line == 1 && line.starts_with(kByteOrderMark)) {
-            line.erase(0, 1);
+            // With the white space that the scanner could not see behind the mark.
+            line.erase(0, line.find_first_not_of(L" \t\r", 1));
+            if (line.empty()) {
+                continue;
+            }
         }
         SvcDebugOutW(L"ZYPRA0032I: Prop Line = \"%s\"", line);
         if (line.starts_with(L'#')) {

@@ -18,10 +18,15 @@ constexpr char kArgumentFailed[] = "ZYPRA0020E: Error writing to %ls file.";
 constexpr char kCountFailed[] = "ZYPRA0116E: Error writing to %ls file.";
 constexpr char kLibraryPathFailed[] = "ZYPRA0117E: Error writing to %ls file.";
 
-bool writeLine(WholeFile& file, const std::wstring& key, const std::wstring& value) {
+struct Line {
+    std::string text;
+    const char* failed;  // the message when it cannot be written
+};
+
+Line makeLine(const std::wstring& key, const std::wstring& value, const char* failed) {
     std::wstring line;
     convWcharTo8859_1(key, value, line);
-    return file.write(toNarrow(line + L"\n"));
+    return {toNarrow(line + L"\n"), failed};
 }
 
 std::wstring programPath(const Arguments& arguments, const std::wstring* restartExe) {
@@ -54,7 +59,7 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
     const int restart = findOption(L"-restart", arguments);
     const int resetConfig = findOption(L"-resetconfig", arguments);
     const int oldPid = findOption(L"-rcp_old_pid", arguments);
-    const int data = findOption(L"-data", arguments);
+    const std::wstring* data = optionValue(L"-data", arguments);
     std::vector<std::wstring> recorded{programPath(arguments, restartExe)};
     for (int i = 1; i < static_cast<int>(arguments.size()); ++i) {
         const std::wstring& argument = arguments[static_cast<std::size_t>(i)];
@@ -63,7 +68,7 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
         }
         if (i == oldPid) {
             ++i;
-        } else if (data >= 0 && i == data + 1) {
+        } else if (&argument == data) {
             recorded.push_back(absoluteWorkspace(argument, properties, installDir));
         } else {
             recorded.push_back(argument);
@@ -72,28 +77,48 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
     return recorded;
 }
 
+std::vector<Line> makeLines(const std::vector<std::wstring>& recorded) {
+    std::vector<Line> lines;
+    for (std::size_t i = 0; i < recorded.size(); ++i) {
+        lines.push_back(makeLine(L"arg" + std::to_wstring(i), recorded[i], kArgumentFailed));
+    }
+    lines.push_back(makeLine(L"argc", std::to_wstring(recorded.size()), kCountFailed));
+    std::wstring libraryPath;
+    getEnv(L"DYLD_LIBRARY_PATH", libraryPath);
+    lines.push_back(
+        makeLine(L"com.ovr.rcp.core.internal.librarypath", libraryPath, kLibraryPathFailed));
+    return lines;
+}
+
+bool isWritten(const std::wstring& path, const std::vector<Line>& lines) {
+    std::string text;
+    for (const Line& line : lines) {
+        text += line.text;
+    }
+    return holdsText(path, text);
+}
+
 }  // namespace
 
 void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
                       const std::wstring* restartExe, const PropertyList& properties,
                       const std::wstring& installDir) {
     const std::wstring path = osPath(configuration + L"/args.properties");
+    const std::vector<Line> lines =
+        makeLines(recordedArguments(arguments, restartExe, properties, installDir));
+    if (isWritten(path, lines)) {
+        return;
+    }
     WholeFile file(path);
     if (!file.open()) {
         fatal("ZYPRA0097E: Could not open %ls for writing!", path);
     }
-    const auto recorded = recordedArguments(arguments, restartExe, properties, installDir);
-    for (std::size_t i = 0; i < recorded.size(); ++i) {
-        if (!writeLine(file, L"arg" + std::to_wstring(i), recorded[i])) {
-            fatal(kArgumentFailed, path);
+    for (const Line& line : lines) {
+        if (!file.write(line.text)) {
+            fatal(line.failed, path);
         }
     }
-    if (!writeLine(file, L"argc", std::to_wstring(recorded.size()))) {
-        fatal(kCountFailed, path);
-    }
-    std::wstring libraryPath;
-    getEnv(L"DYLD_LIBRARY_PATH", libraryPath);
-    if (!writeLine(file, L"com.ovr.rcp.core.internal.librarypath", libraryPath) || !file.commit()) {
+    if (!file.commit()) {
         fatal(kLibraryPathFailed, path);
     }
 }

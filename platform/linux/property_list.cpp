@@ -1,8 +1,10 @@
 // Linux: property lists through libplist. The library is loaded when a list is really to be read
 // and never linked: hardly any start on Linux meets such a file, and every start would pay for it.
+#include "diagnostics/svc_debug.h"
 #include "platform/linux/utf8.h"
 #include "platform/platform.h"
 #include "platform/property_list_guard.h"
+#include "platform/text.h"
 
 #include <dlfcn.h>
 #include <plist/plist.h>
@@ -16,8 +18,8 @@ namespace rcp::platform {
 
 namespace {
 
-// The name carries the interface's version: later ones changed calls used here.
-constexpr const char* kLibraryName = "libplist-2.0.so.3";
+// The name carries the version of the interface that the header, found by the build, describes.
+constexpr const char* kLibraryName = RCP_LIBPLIST;
 
 /// The calls used here, each with the type that the library's header gives it. None may be made
 /// unless all were found.
@@ -54,6 +56,10 @@ Library load() {
                        resolve(handle, "plist_get_string_ptr", library.text) &&
                        resolve(handle, "plist_new_string", library.newText) &&
                        resolve(handle, "plist_free", library.free);
+    if (!library.complete) {
+        report("Error: property lists cannot be read: %ls cannot be loaded.",
+               toWide(kLibraryName));
+    }
     return library;
 }
 

@@ -29,6 +29,12 @@ bool hasKey(const std::string& line, const std::string& key) {
     return line.starts_with(key + "=");
 }
 
+#ifdef __APPLE__
+constexpr const char* kUtf8Locale = "en_US.UTF-8";
+#else
+constexpr const char* kUtf8Locale = "C.UTF-8";
+#endif
+
 std::string joinLines(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) {
@@ -98,7 +104,7 @@ Installation::Installation()
     set("rcp.base.location", "${rcp.home}/rcp/eclipse/plugins/com.ovr.rcp.base");
     set("plugincustomization", base + "/plugin_customization.ini");
     environment = {
-        {"LANG", "C.UTF-8"}, {"PATH", "/usr/bin:/bin"}, {"HOME", userHome}, {"USER", userName}};
+        {"LANG", kUtf8Locale}, {"PATH", "/usr/bin:/bin"}, {"HOME", userHome}, {"USER", userName}};
     for (const char* name :
          {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "LLVM_PROFILE_FILE"}) {
         passOn(environment, name);
@@ -195,6 +201,11 @@ Command Installation::command(const Texts& arguments, const std::string& report,
     Command result;
     result.program = program;
     result.arguments = {programName.value_or(program)};
+    if (!wrapper.empty()) {
+        result.program = wrapper.front();
+        result.arguments = wrapper;
+        result.arguments.push_back(program);
+    }
     result.arguments.insert(result.arguments.end(), arguments.begin(), arguments.end());
     result.environment = environment;
     result.environment["RCP_STANDIN_REPORT"] = report;
@@ -282,6 +293,10 @@ Report StayingLaunch::platform() {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return parseReport(readFile(report_));
+}
+
+std::optional<Report> StayingLaunch::reported() const {
+    return fileExists(report_) ? std::optional(parseReport(readFile(report_))) : std::nullopt;
 }
 
 void StayingLaunch::waitUntilRecorded() {

@@ -48,6 +48,10 @@ class StayingLaunch {
     ~StayingLaunch();
     /// Waits until the platform is up; fails the test when it does not come.
     Report platform();
+    /// The platform's report if there is one by now.
+    [[nodiscard]] std::optional<Report> reported() const;
+    /// The file of the report; written when the platform comes up.
+    [[nodiscard]] const std::string& reportFile() const { return report_; }
     /// Waits until the platform is up and its process id stands in the workspace: a platform that
     /// ends at once may be gone before it is recorded.
     void waitUntilRecorded();
@@ -113,6 +117,9 @@ class Installation {
     std::optional<std::string> programName;
     std::string folder;
     std::map<std::string, std::string> environment;
+    /// A program that runs the launcher (a tracer, a limit) with its own arguments; the launcher's
+    /// follow.
+    Texts wrapper;
 
     /// One line `key=value` of rcplauncher.properties: replaces the first with that key, or is
     /// added at the end.

@@ -17,6 +17,10 @@ namespace files = std::filesystem;
 
 const std::regex kTimedName("rcplauncher_[0-9]{8}_[0-9]{6}_[0-9]{3}\\.log");
 
+const char* const kNoJvmProperties =
+    "ZYPRA0125I: No jvm.properties file was loaded. A default file should be at "
+    "\"${rcp.home}/rcp/deploy\"";
+
 std::string argumentDump(const Installation& velmo, const std::string& given = "") {
     return "ZYPRA0030I: rcplauncher main arguments=\"" + velmo.program + ", " + given + "-vm, " +
            kDefaultJvm + ", \"";
@@ -52,8 +56,7 @@ TEST(Logging, WithoutTracingTheLogHoldsErrorsAndForcedRecordsOnly) {
         "",
         std::string("ZYPRA0021I: VM specified is \"") + kDefaultJvm + "\"",
         "ZYPRA0077I: loading jvm.properties at \"" + velmo.home + "/rcp/deploy/jvm.properties\"",
-        "ZYPRA0125I: No jvm.properties file was loaded. A default file should be at "
-        "\"${rcp.home}/rcp/deploy\"",
+        kNoJvmProperties,
         "ZYPRA0132I: ===== Begin Launch Parameters =====",
     };
     expected.insert(expected.end(), launch.platform->arguments.begin(),

@@ -68,6 +68,8 @@ bool enterPrivateTmp(const std::string& folder) {
 
 std::string findPrivateTmpObstacle() {
     std::string folder = ACCEPTANCE_FOLDER "/probe-XXXXXX";
+    std::error_code notMade;
+    std::filesystem::create_directories(ACCEPTANCE_FOLDER, notMade);
     if (mkdtemp(folder.data()) == nullptr) {
         return "no folder to try it with";
     }
@@ -145,6 +147,7 @@ void adoptOrphans() {}
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         result.push_back(text.data());
     }
@@ -165,7 +168,8 @@ Process::Process(const Command& command) {
     std::vector<std::string> arguments = command.arguments;
     std::vector<std::string> environment;
     for (const auto& [name, value] : command.environment) {
-        environment.push_back(name + "=" + value);
+        environment.push_back(name);
+        environment.back().append("=").append(value);
     }
     std::vector<char*> argumentPointers = pointers(arguments);
     std::vector<char*> environmentPointers = pointers(environment);

@@ -59,7 +59,8 @@ Report parseReport(const std::string& text) {
     for (const Json& variable : json["environment"].list) {
         const size_t equals = variable.text.find('=');
         const std::string name = variable.text.substr(0, equals);
-        if (!name.starts_with("RCP_STANDIN_")) {
+        // Those of the stand-in, and one that macOS gives to every process.
+        if (!name.starts_with("RCP_STANDIN_") && name != "__CF_USER_TEXT_ENCODING") {
             report.environment[name] =
                 equals == std::string::npos ? "" : variable.text.substr(equals + 1);
         }

@@ -22,7 +22,7 @@ struct Report {
     long runArgc = -1;                 ///< the second entry point's count ...
     Texts runArguments;                ///< ... and arguments
     std::optional<Texts> vmArguments;  ///< its third argument; none for a null pointer
-    std::map<std::string, std::string> environment;  ///< without the stand-in's own variables
+    std::map<std::string, std::string> environment;  ///< without what the tests add
     std::map<int, std::string> descriptors;          ///< open ones, with what they refer to
 
     /// Position of the first argument equal to `argument`, or -1.

@@ -122,6 +122,20 @@ TEST_F(UserFiles, OtherInstallIdReusesTheWorkspace) {
     EXPECT_TRUE(hasLine(own("rcpinstall.properties"), "rcp.install.id=new"));
 }
 
+TEST_F(UserFiles, PersonalBuilderWithoutAnInstallIdGetsOneAndKeepsIt) {
+    velmo.unset("rcp.install.id").set("install.configuration", "userpb");
+    velmo.workspace = velmo.path("ws");
+    const Texts arguments = {"-data", velmo.workspace};
+    const Report platform = velmo.start(arguments);
+    const std::string properties = readFile(velmo.rcp + "/rcplauncher.properties");
+    const Texts lines = splitLines(properties);
+    ASSERT_TRUE(lines.back().starts_with("rcp.install.id=")) << properties;
+    EXPECT_TRUE(platform.has("-Dcom.ovr." + lines.back()));
+    EXPECT_TRUE(velmo.start(arguments).has("-Dcom.ovr." + lines.back()));
+    EXPECT_EQ(readFile(velmo.rcp + "/rcplauncher.properties"), properties);
+    EXPECT_FALSE(fileExists(velmo.configuration() + "/org.eclipse.update/platform.xml"));
+}
+
 TEST_F(UserFiles, BackslashesOfAWorkspaceAreTurnedBeforeItIsMade) {
     velmo.workspace = velmo.path("turned/ws");
     velmo.start({"-data", velmo.root + "\\turned\\ws"});

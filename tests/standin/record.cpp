@@ -80,6 +80,17 @@ bool writeAll(int file, const char* bytes, size_t size) {
     return true;
 }
 
+// 60 seconds at the longest.
+void waitWhileThere(const char* marker) {
+    if (marker == nullptr || *marker == '\0') {
+        return;
+    }
+    const timespec pause = {0, 10L * 1000 * 1000};
+    for (int round = 0; round < 6000 && access(marker, F_OK) == 0; ++round) {
+        (void)nanosleep(&pause, nullptr);
+    }
+}
+
 }  // namespace
 
 Text::~Text() {
@@ -184,14 +195,19 @@ void deliver(const Text& report) {
 }
 
 void stay() {
-    const char* marker = getenv("RCP_STANDIN_STAY");
-    if (marker == nullptr || *marker == '\0') {
+    waitWhileThere(getenv("RCP_STANDIN_STAY"));
+}
+
+void hold() {
+    const char* marker = getenv("RCP_STANDIN_HOLD");
+    if (marker == nullptr || *marker == '\0' || access(marker, F_OK) != 0) {
         return;
     }
-    const timespec pause = {0, 10L * 1000 * 1000};
-    for (int round = 0; round < 6000 && access(marker, F_OK) == 0; ++round) {
-        (void)nanosleep(&pause, nullptr);
-    }
+    Text reached;
+    reached.add(marker);
+    reached.add(".reached");
+    (void)close(open(reached.data(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    waitWhileThere(marker);
 }
 
 }  // namespace standin

@@ -27,6 +27,7 @@ STANDIN_EXPORT void setInitialArgs(int argc, char** argv, char* library) {
     text.addList(argv);
     text.add(",\n  \"library\": ");
     text.addQuoted(library == nullptr ? "" : library);
+    standin::hold();
 }
 #endif
 

@@ -47,7 +47,7 @@ class LauncherTest : public ::testing::Test {
 
 }  // namespace rcp::test
 
-/// The statement must end the process with status 255 and leave `record` in the temporary log.
+/// The statement must end the process with status 255 and leave a record that matches `record`.
 #define EXPECT_FATAL(statement, record) \
     EXPECT_EXIT(                        \
         {                               \
@@ -57,6 +57,6 @@ class LauncherTest : public ::testing::Test {
         ::testing::ExitedWithCode(255), record)
 
 namespace rcp::test {
-/// From now on log records go to the standard error stream too, at exit: for EXPECT_FATAL.
+/// From now on log records go to the standard error stream, at exit: for EXPECT_FATAL.
 void logToStderr();
 }  // namespace rcp::test

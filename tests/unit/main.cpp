@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
+#include <utility>
 
 #ifdef __linux__
 #include <sched.h>
@@ -23,7 +25,9 @@
 #include "launcher/core/launch_state.h"
 #include "launcher/core/platform_lock.h"
 #include "launcher/hand_off.h"
+#include "platform/platform.h"
 #include "platform/text.h"
+#include "tests/unit/probe.h"
 
 namespace rcp::test {
 namespace {
@@ -120,10 +124,19 @@ bool hasPrivateTmp() {
     return privateTmp;
 }
 
+// The log is a new one, so that neither a log of another test nor one that is left in /tmp can be
+// taken for the statement's.
 void logToStderr() {
+    static TestFolder* folder = new TestFolder();
+    static std::streamoff begin = 0;
+    const bool isTracing = std::exchange(debug, false);
+    enableLogging(folder->wide());
+    debug = isTracing;
+    begin = static_cast<std::streamoff>(folder->read("rcplauncher.log").size());
     const auto show = [] {
-        std::ifstream log("/tmp/rcplauncher.log");
-        std::cerr << log.rdbuf() << std::flush;
+        std::cerr << folder->read("rcplauncher.log").substr(static_cast<std::size_t>(begin))
+                  << std::flush;
+        delete std::exchange(folder, nullptr);
     };
     std::atexit(show);
 }
@@ -131,8 +144,11 @@ void logToStderr() {
 }  // namespace rcp::test
 
 int main(int argc, char** argv) {
+    setlocale(LC_CTYPE, rcp::platform::kUtf8LocaleName);
+    if (const std::optional<int> status = rcp::test::answerProbe(argc, argv)) {
+        return *status;
+    }
     testing::InitGoogleTest(&argc, argv);
-    setlocale(LC_CTYPE, "C.UTF-8");
     const bool isDiscovery = testing::GTEST_FLAG(list_tests);
     if (!isDiscovery) {
         rcp::test::enterPrivateTmp();

@@ -1,0 +1,260 @@
+#!/usr/bin/python3
+"""Measures what a start costs, prints one table and writes bench/results.json in the build folder.
+
+usage: run.py BUILD_FOLDER
+The figures worth comparing are the ratios: every round of a comparison starts each program once, and
+a ratio is the median over the rounds of one program's time over another's.
+"""
+import datetime
+import json
+import os
+import pathlib
+import platform
+import re
+import resource
+import shutil
+import subprocess
+import sys
+
+ROUNDS = 600
+JVM_ROUNDS = 100
+GROWTH_ROUNDS = 40
+SIZES = [10, 100, 1000, 10_000, 100_000]
+
+source = pathlib.Path(__file__).resolve().parent.parent
+build = pathlib.Path(sys.argv[1]).resolve()
+work = build / "bench" / "work"
+measure_program = build / "bench" / "bench_measure"
+rows = []
+results = {}
+
+
+def environment(home):
+    return {"LANG": "C.UTF-8", "PATH": "/usr/bin:/bin", "HOME": str(home), "USER": "ann"}
+
+
+def run(*command, home=work / "home", **options):
+    return subprocess.run([str(word) for word in command], env=environment(home), check=True,
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, **options).stdout
+
+
+def measure(rounds, contenders, *options, home=work / "home"):
+    words = []
+    for name, command in contenders.items():
+        words += ["--", name, *command]
+    return json.loads(run(measure_program, rounds, *options, *words, home=home))
+
+
+def row(name, text, goal=None, reached=None):
+    rows.append((name, text, goal or "", {None: "", True: "yes", False: "NO"}[reached]))
+
+
+def at_most(name, value, limit, form="{:.2f}"):
+    row(name, form.format(value), "at most " + form.format(limit), value <= limit)
+
+
+def make_installation(folder, *options):
+    subprocess.run([source / "scripts/make-sample", folder, build / "rcplauncher", *options],
+                   check=True)
+    return folder / "rcp/rcplauncher"
+
+
+def launched(home):
+    """The command line that the last launch handed over, from its log."""
+    log = (home / "workspace/ann/logs/rcplauncher.log").read_text()
+    return re.search(r"Begin Launch Parameters =====\n(.*)\nZYPRA0133I", log, re.S)[1].split("\n")
+
+
+# --- A later and a first launch, against the floor and a start script ------------------------------
+
+def whole_launches():
+    installation = work / "exec/Velmo"
+    launcher = make_installation(installation, "--mode", "exec",
+                                 "--stand-in", build / "tests/standin")
+    script = shutil.copy(source / "bench/start.sh", installation / "rcp")
+    home, script_home, first = work / "home", work / "script-home", work / "first"
+    for folder in (home, script_home):
+        folder.mkdir()
+    run(launcher, "-config", "sample")
+    contenders = {
+        "floor": [build / "bench/bench_floor", *launched(home)],
+        "later launch": [launcher, "-config", "sample"],
+        "first launch": ["--remove", first, f"HOME={first}", launcher, "-config", "sample"],
+    }
+    figures = measure(ROUNDS, contenders)
+    results["whole launches"] = figures
+    floor = figures["floor"]
+    row("floor: execv of the stand-in", f"{floor['median_us'] / 1000:.2f} ms")
+    at_most("later launch / floor", figures["later launch"]["ratio"], 1.5)
+    at_most("first launch / floor", figures["first launch"]["ratio"], 2.5)
+    times = measure(ROUNDS, {"later launch": contenders["later launch"],
+                             "start script": [f"HOME={script_home}", script, "-config", "sample"]})
+    results["start script"] = times
+    ratio = times["start script"]["ratio"]
+    row("start script / later launch", f"{ratio:.2f}", "at least 3.00", ratio >= 3)
+    at_most("later launch / floor, processor time",
+            figures["later launch"]["processor_us"] / floor["processor_us"], 1.5)
+    at_most("later launch, peak memory (MiB)", figures["later launch"]["peak_kib"] / 1024, 6)
+    counts(launcher)
+
+
+def counts(launcher):
+    """What the launcher itself does up to the hand-off; its helper process does not count."""
+    trace = work / "trace"
+    run("strace", "-o", trace, launcher, "-config", "sample")
+    calls = [line for line in trace.read_text().splitlines() if re.match(r"\w+\(", line)]
+    hand_off = [i for i, line in enumerate(calls) if line.startswith("execve(")][1]
+    results["system calls"] = hand_off
+    at_most("later launch, system calls", hand_off, 250, "{:d}")
+    profile = work / "callgrind.out"
+    run("valgrind", "--tool=callgrind", "--dump-before=execve", f"--callgrind-out-file={profile}",
+        launcher, "-config", "sample", stderr=subprocess.DEVNULL)
+    totals = re.search(r"^totals: (\d+)", (work / "callgrind.out.1").read_text(), re.M)
+    results["instructions"] = int(totals[1])
+    at_most("later launch, instructions (million)", int(totals[1]) / 1e6, 6)
+
+
+# --- The first line of Java ------------------------------------------------------------------------
+
+def make_jar(jdk):
+    """The program, with the class by which the launcher library talks to Java."""
+    classes = work / "classes"
+    classes.mkdir()
+    run(jdk / "bin/javac", "--release", "11", "-d", classes, source / "bench/java/Main.java")
+    run(jdk / "bin/jar", "--extract", "--file", "/usr/share/java/equinox-launcher.jar",
+        "org/eclipse/equinox/launcher/JNIBridge.class", cwd=classes)
+    jar = work / "input/main.jar"
+    jar.parent.mkdir()
+    run(jdk / "bin/jar", "--create", "--file", jar, "--main-class", "Main", "-C", classes, ".")
+    return jar
+
+
+def make_jpackage_image(jdk, jar, options):
+    """An application image of the same jar and options, with the same JRE."""
+    if not shutil.which("objcopy") or not (jdk / "bin/jpackage").exists():
+        return None
+    words = []
+    for option in options:
+        words += ["--java-options", '"' + option + '"']
+    run(jdk / "bin/jpackage", "--type", "app-image", "--input", jar.parent, "--main-jar", jar.name,
+        "--main-class", "Main", "--name", "app", "--dest", work / "image",
+        "--add-modules", "java.base", *words)
+    settings = work / "image/app/lib/app/app.cfg"
+    settings.write_text(settings.read_text().replace(
+        "[Application]\n", f"[Application]\napp.runtime={jdk}\n", 1))
+    return work / "image/app/bin/app"
+
+
+def first_line_of_java():
+    try:
+        launcher = make_installation(work / "java/Velmo", "--mode", "in-process")
+    except subprocess.CalledProcessError:
+        row("first line of Java", "left out: no JDK with Equinox")
+        return
+    jdk = (work / "java/Velmo/jre/bin/java").resolve().parent.parent
+    jar = make_jar(jdk)
+    base = work / "java/Velmo/rcp/eclipse/plugins/com.ovr.rcp.base"
+    for name in ("launcher.jar", "startup.jar"):
+        shutil.copy(jar, base / name)
+    home = work / "java-home"
+    home.mkdir()
+    run(launcher, "-nosplash", home=home)
+    command = launched(home)
+    options = command[command.index("-vmargs") + 1:command.index("-cp")] + [
+        word for word in command[command.index("-cp") + 2:] if word != "-XstartOnFirstThread"]
+    contenders = {
+        "java -cp": [jdk / "bin/java", *options, "-cp", jar, "Main"],
+        "launcher": [launcher, "-nosplash"],
+    }
+    figures = measure(JVM_ROUNDS, contenders, "--first-line", home=home)
+    results["first line of Java"] = figures
+    row("java -cp, first line of main", f"{figures['java -cp']['median_us'] / 1000:.1f} ms")
+    at_most("launcher / java -cp", figures["launcher"]["ratio"], 1.03)
+    image = make_jpackage_image(jdk, jar, options)
+    if image is None:
+        row("jpackage / launcher", "left out: no jpackage")
+        return
+    figures = measure(JVM_ROUNDS, {"launcher": contenders["launcher"], "jpackage": [image]},
+                      "--first-line", home=home)
+    results["jpackage"] = figures
+    ratio = figures["jpackage"]["ratio"]
+    row("jpackage / launcher", f"{ratio:.2f}", "above 1.00", ratio > 1)
+
+
+# --- Growth ----------------------------------------------------------------------------------------
+
+GROWING_LINES = {
+    "properties": lambda i: f"property.number.{i}=value of {i}",
+    "config.N.i entries": lambda i: f"config.many.{i}=-entry{i}",
+    "VM arguments": lambda i: f"vmarg.number.{i}=-Dnumber.{i}=value",
+}
+
+
+def grown_installation(kind, size):
+    folder = work / "growth" / re.sub(r"\W", "", kind) / str(size) / "Velmo"
+    launcher = make_installation(folder, "--mode", "exec", "--stand-in", build / "tests/standin")
+    if kind in GROWING_LINES:
+        with open(folder / "rcp/rcplauncher.properties", "a") as file:
+            file.writelines(GROWING_LINES[kind](i) + "\n" for i in range(1, size + 1))
+    arguments = ["-config", "many"] if kind == "config.N.i entries" else []
+    if kind == "arguments":
+        arguments = [f"-word{i}" for i in range(1, size + 1)]
+    return [f"HOME={folder.parent}", launcher, *arguments]
+
+
+def per_entry_row(name, times):
+    """`times`: nanoseconds an entry by size. Small sizes are the fixed part and do not count."""
+    counted = [time for size, time in times.items() if size >= 100]
+    factor = max(counted) / max(min(counted), 1e-9)
+    results.setdefault("nanoseconds per entry", {})[name] = times
+    row(name, "  ".join(f"{time:7.0f}" for time in times.values()) + f"   x{factor:.1f}",
+        "at most x2.0", factor <= 2)
+
+
+def growth():
+    row("nanoseconds per entry of", "  ".join(f"{size:7d}" for size in SIZES))
+    for kind in [*GROWING_LINES, "arguments"]:
+        contenders = {str(size): grown_installation(kind, size) for size in [0, *SIZES]}
+        figures = measure(GROWTH_ROUNDS, contenders)
+        results["launch with " + kind] = figures
+        nothing = figures["0"]["median_us"]
+        per_entry_row("launch: " + kind, {
+            size: (figures[str(size)]["median_us"] - nothing) * 1000 / size for size in SIZES})
+    out = work / "functions.json"
+    run(build / "bench/bench_functions", f"--benchmark_out={out}", "--benchmark_out_format=json",
+        stderr=subprocess.DEVNULL)
+    functions = {}
+    for entry in json.loads(out.read_text())["benchmarks"]:
+        name, size = entry["name"].split("/")[:2]
+        functions.setdefault(name, {})[int(size)] = entry["per_entry"] * 1e9
+    for name, times in functions.items():
+        per_entry_row(name, times)
+
+
+def machine():
+    model = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
+    return (f"{model[1] if model else platform.machine()}, {os.cpu_count()} cores, "
+            f"Linux {platform.release()}, load {os.getloadavg()[0]:.1f}")
+
+
+def main():
+    shutil.rmtree(work, ignore_errors=True)
+    work.mkdir(parents=True)
+    # A hundred thousand arguments do not fit into what the usual stack allows.
+    resource.setrlimit(resource.RLIMIT_STACK,
+                       (64 << 20, resource.getrlimit(resource.RLIMIT_STACK)[1]))
+    results["date"] = datetime.datetime.now().isoformat(timespec="minutes")
+    results["machine"] = machine()
+    whole_launches()
+    first_line_of_java()
+    growth()
+    results["table"] = rows
+    (build / "bench/results.json").write_text(json.dumps(results, indent=2) + "\n")
+    print(f"\n{results['date']}, {results['machine']}")
+    widths = [max(len(cells[column]) for cells in rows) for column in range(3)]
+    for name, text, goal, reached in rows:
+        print(f"{name:{widths[0]}}  {text:>{widths[1]}}  {goal:{widths[2]}}  {reached}".rstrip())
+    shutil.rmtree(work, ignore_errors=True)
+
+
+main()

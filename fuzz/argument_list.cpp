@@ -1,0 +1,153 @@
+// The argument list: configuration extensions, platform options, JVM arguments.
+//
+// Input: the number of the launcher's own arguments, those arguments, then the extension's values
+// as config.x.1, config.x.2, ... An empty value is a property with an empty value.
+#include "fuzz/fuzz.h"
+#include "launcher/core/config_extensions.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/main_options.h"
+#include "launcher/core/vm_arguments.h"
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+using namespace rcp;
+using rcp::fuzz::require;
+
+using Counts = std::map<std::wstring, std::size_t>;
+
+Counts countsOf(const Arguments& arguments) {
+    Counts counts;
+    for (const std::wstring& argument : arguments) {
+        ++counts[argument];
+    }
+    return counts;
+}
+
+bool isSubsequence(const Arguments& part, const Arguments& whole) {
+    auto at = whole.begin();
+    for (const std::wstring& argument : part) {
+        at = std::find(at, whole.end(), argument);
+        if (at == whole.end()) {
+            return false;
+        }
+        ++at;
+    }
+    return true;
+}
+
+// Options of which a repetition may go, with or without the argument behind it.
+bool mayHaveRepetitions(const Arguments& arguments) {
+    constexpr std::wstring_view kOptions[] = {L"-vm",          L"-data",    L"-plugincustomization",
+                                              L"-application", L"-product", L"-personality",
+                                              L"-nl",          L"-dir",     L"-console",
+                                              L"-debug",       L"-pb4l"};
+    return std::any_of(std::begin(kOptions), std::end(kOptions), [&](std::wstring_view option) {
+        return std::count(arguments.begin(), arguments.end(), option) > 1;
+    });
+}
+
+// The extension's values up to the first that is missing; empty ones count for nothing.
+Arguments usedValues(const Arguments& values) {
+    Arguments used;
+    std::copy_if(values.begin(), values.end(), std::back_inserter(used),
+                 [](const std::wstring& value) { return !value.empty(); });
+    return used;
+}
+
+void checkExtension(const Arguments& arguments, const Arguments& values,
+                    const Arguments& extended) {
+    require(!extended.empty() && extended[0] == arguments[0], "the program stays in front");
+    const int config = findOption(L"-config", arguments);
+    const std::wstring* name = optionValue(L"-config", arguments);
+    if (name == nullptr) {
+        require(extended == arguments, "without an extension the arguments stay");
+        return;
+    }
+    Arguments own = arguments;
+    own.erase(own.begin() + config, own.begin() + config + 2);
+    const Arguments added = *name == L"x" ? usedValues(values) : Arguments();
+    Arguments both = own;
+    both.insert(both.end(), added.begin(), added.end());
+    const Counts most = countsOf(both);
+    for (const auto& [argument, count] : countsOf(extended)) {
+        const auto found = most.find(argument);
+        require(found != most.end() && count <= found->second, "no argument comes from nowhere");
+    }
+    if (mayHaveRepetitions(both)) {
+        return;
+    }
+    const bool hasSeparator = hasOption(L"-vmargs", own);
+    const auto dropped = hasSeparator ? std::count(added.begin(), added.end(), L"-vmargs") : 0;
+    require(extended.size() == both.size() - static_cast<std::size_t>(dropped),
+            "no argument is lost");
+    require(isSubsequence(own, extended), "the launcher's own arguments keep their order");
+}
+
+// Arguments that are nobody's option nor value and stand in front of "-vmargs" are all handed on.
+void checkMainOptions(const LaunchInputs& inputs) {
+    Arguments plain;
+    for (std::size_t i = 1; i < inputs.arguments.size() && inputs.arguments[i] != L"-vmargs"; ++i) {
+        const bool isBehindOption = inputs.arguments[i - 1].starts_with(L"-");
+        if (!inputs.arguments[i].starts_with(L"-") && (i == 1 || !isBehindOption)) {
+            plain.push_back(inputs.arguments[i]);
+        }
+    }
+    require(isSubsequence(plain, launchArgs), "every argument of the user's is handed on");
+    const auto data = std::find(launchArgs.rbegin(), launchArgs.rend(), inputs.workspace);
+    require(data != launchArgs.rend(), "the workspace is handed on");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::Fields fields(data, size);
+    const std::size_t count = fields.number() % 16;
+    const Arguments all = fields.texts();
+    const auto split = all.begin() + static_cast<std::ptrdiff_t>(std::min(count, all.size()));
+    Arguments arguments = {L"/rcp/rcplauncher"};
+    arguments.insert(arguments.end(), all.begin(), split);
+    const Arguments values(split, all.end());
+
+    LaunchInputs inputs;
+    inputs.workspace = L"/home/ann/workspace";
+    inputs.configuration = L"/home/ann/workspace/.config";
+    inputs.installDir = L"/nowhere";
+    inputs.properties.append({L"rcp.install.id", L"abc123", {}});
+    inputs.properties.append({L"plugincustomization", L"/dev/null", {}});
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        inputs.properties.append({L"config.x." + std::to_wstring(i + 1), values[i], {}});
+    }
+    (void)SetInstallConfiguration(inputs.properties, false);
+    const bool ended = fuzz::endsProcess([&] {
+        inputs.arguments = addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap,
+                                                    inputs.installDir);
+    });
+    if (ended) {
+        const auto isVmarg = [](const std::wstring& text) { return text.starts_with(L"vmarg."); };
+        require(std::any_of(all.begin(), all.end(), isVmarg), "only a bad vmarg ends the process");
+        return 0;
+    }
+    checkExtension(arguments, values, inputs.arguments);
+
+    bRestart = isRestart(inputs.arguments);
+    addPathToCommandLine(L"/eclipse");
+    addMainOptionsToCommandLine(inputs);
+    checkMainOptions(inputs);
+    addVmargsToCommandLine(inputs, true);
+    addDashDToCommandLine(inputs);
+    addXargsToCommandLine(inputs.properties);
+    require(launchArgs.front() == L"/eclipse", "the program is the first element");
+    require(launchArgs.size() <= inputs.arguments.size() + inputs.vmargMap.size() + 20,
+            "the list has a bound");
+    for (const auto& [key, argument] : inputs.vmargMap) {
+        require(argument.text.empty() || argument.text == L"-debug" ||
+                    argument.text == L"-console" || hasOption(argument.text, launchArgs),
+                "no JVM argument is lost");
+    }
+    return 0;
+}

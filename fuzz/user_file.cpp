@@ -1,0 +1,121 @@
+// The key filter, and the per-user rewriting of a whole file.
+//
+// Input: the file, install id, JVM location, base location, install configuration, locale.
+#include "diagnostics/svc_debug.h"
+#include "fuzz/fuzz.h"
+#include "launcher/core/property_text.h"
+#include "launcher/core/user_files.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+using namespace rcp;
+using rcp::fuzz::require;
+
+constexpr std::size_t kLongestLine = 2024;
+
+std::wstring withoutLeadingBlanks(std::wstring text) {
+    text.erase(0, std::min(text.find_first_not_of(L' '), text.size()));
+    return text;
+}
+
+// A kept line is the line, less blanks in front and perhaps less its key's last part.
+bool isKeptFormOf(const std::wstring& kept, const std::wstring& line) {
+    const std::wstring plain = withoutLeadingBlanks(line);
+    if (kept == line || kept == plain) {
+        return true;
+    }
+    const std::size_t equal = static_cast<std::size_t>(
+        std::mismatch(kept.begin(), kept.end(), plain.begin(), plain.end()).first - kept.begin());
+    const std::size_t removed = plain.size() - std::min(kept.size(), plain.size());
+    for (std::size_t dot = 0; dot <= equal; ++dot) {
+        if (plain.compare(dot, 7, L".macosx") == 0 &&
+            plain.substr(0, dot) + plain.substr(dot + removed) == kept) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void checkKeyFilter(const std::wstring& line) {
+    std::wstring kept = line;
+    if (processFilterKey(kept)) {
+        const bool isForeign = line.find(L".win32") != std::wstring::npos ||
+                               line.find(L".linux") != std::wstring::npos;
+        require(isForeign, "only keys of other systems are dropped");
+        return;
+    }
+    require(isKeptFormOf(kept, line), "a kept line loses no more than its qualifier");
+}
+
+// Every line goes through the filter once; what it keeps is the beginning of the user's file.
+std::string keptLines(const std::string& file) {
+    std::string kept;
+    UserFileFilter filter;
+    std::istringstream lines(file);
+    for (std::string line; std::getline(lines, line);) {
+        std::wstring text = toWide(line);
+        if (filter.keeps(text)) {
+            kept += toNarrow(text) + "\n";
+        }
+    }
+    return kept;
+}
+
+// Files whose lines the reader gives back as they stand.
+bool isPlain(const std::string& file) {
+    std::istringstream lines(file);
+    for (std::string line; std::getline(lines, line);) {
+        const bool isText =
+            std::all_of(line.begin(), line.end(), [](char c) { return c >= ' ' && c <= '~'; });
+        if (line.empty() || line[0] == ' ' || line.size() > kLongestLine || !isText) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::Fields fields(data, size);
+    const std::string file = fields.bytes();
+    PropertyList properties;
+    for (const wchar_t* key : {L"rcp.install.id", L"jvm.location", L"rcp.base.location",
+                               L"install.configuration", L"com.ovr.rcp.core.locale"}) {
+        const std::wstring value = fields.text();
+        if (!value.empty()) {
+            properties.append({key, value, {}});
+        }
+    }
+
+    std::istringstream lines(file);
+    for (std::string line; std::getline(lines, line);) {
+        checkKeyFilter(fuzz::wide(line));
+    }
+
+    const std::optional<std::wstring> block = userFileBlock(properties);
+    require(block.has_value() == (findProperty(L"rcp.install.id", properties) != nullptr &&
+                                  findProperty(L"rcp.base.location", properties) != nullptr),
+            "a block is made from the two required values");
+    const std::string target = fuzz::folder() + "/rcpinstall.properties";
+    const bool ended = fuzz::endsProcess([&] {
+        require(fixUserRCPInstallProperties(fuzz::fileWith(file), toWide(target), properties) == 0,
+                "the file is written");
+    });
+    require(ended != block.has_value(), "without a block the process ends");
+    if (!ended) {
+        const std::string written = fuzz::contentOf(target);
+        const std::string end = expandFormat(toNarrow(*block));
+        require(written.ends_with(end), "the block ends the file");
+        if (isPlain(file)) {
+            require(written == keptLines(file) + end, "no line is lost, no other is added");
+        }
+    }
+    fuzz::requireLinearTime(fuzz::wide(file),
+                            [](const std::wstring& large) { (void)keptLines(toNarrow(large)); });
+    return 0;
+}

@@ -1,0 +1,12 @@
+// What a launch that was killed may have left on the way to its place.
+#pragma once
+
+#include <string>
+
+namespace rcp {
+
+/// Removes the temporary names of every file that a launch writes into the user's area. Only the
+/// main launcher may do so: no other launch of the same workspace is at work meanwhile.
+void removeUnfinishedFiles(const std::wstring& workspace, const std::wstring& configuration);
+
+}  // namespace rcp

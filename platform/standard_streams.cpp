@@ -1,0 +1,29 @@
+#include "platform/standard_streams.h"
+
+#include "diagnostics/svc_debug.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace rcp {
+
+void openMissingStandardStreams() {
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) {
+            continue;
+        }
+        // The lowest free number is given out first, and all below are in use by now. Not
+        // close-on-exec: it is the platform's stream too.
+        const int opened = open("/dev/null", O_RDWR | O_NOCTTY);  // NOLINT(*-cloexec-*)
+        if (opened < 0) {
+            fatal("Error: openMissingStandardStreams: /dev/null cannot be opened");
+        }
+        if (opened > STDERR_FILENO) {
+            close(opened);
+        }
+    }
+}
+
+}  // namespace rcp

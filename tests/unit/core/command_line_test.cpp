@@ -1,0 +1,351 @@
+#include "launcher/core/command_line.h"
+
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/platform_lock.h"
+#include "tests/unit/core/launch_pieces.h"
+
+#include <algorithm>
+
+namespace rcp {
+namespace {
+
+using test::Pairs;
+using test::propertyList;
+using test::ScopedVariable;
+using test::variable;
+using testing::HasSubstr;
+
+// An installation with a launcher executable, its library and a customization file.
+class CommandLine : public test::LauncherTest {
+  protected:
+    CommandLine() {
+        eConfig = InstallConfiguration::kUser;
+        write("base/macosx/x86/eclipse");
+        write("base/macosx/x86/other");
+        folder_.write("base/macosx/x86/eclipse_1615.so", "");
+        folder_.write("c.ini", "");
+    }
+    void write(const std::string& name) const {
+        folder_.write(name, "");
+        std::filesystem::permissions(folder_.path() / name, std::filesystem::perms::owner_exec,
+                                     std::filesystem::perm_options::add);
+    }
+    [[nodiscard]] PropertyList withBase(Pairs properties = {}) const {
+        properties.emplace_back(L"rcp.base.location", folder_.wide("base"));
+        return propertyList(properties);
+    }
+    const std::wstring program_ = folder_.wide("base/macosx/x86/eclipse");
+};
+
+TEST_F(CommandLine, StartsWithTheLauncherExecutable) {
+    launchArgs = {L"-before"};
+    addBaseEclipseToCommandLine(withBase());
+    EXPECT_EQ(launchArgs, Arguments{program_});
+    EXPECT_EQ(eclipseSoPath, folder_.wide("base/macosx/x86/eclipse_1615.so"));
+}
+
+TEST_F(CommandLine, ExecutableMayHaveAnotherName) {
+    addBaseEclipseToCommandLine(withBase({{L"eclipse.name", L"other"}}));
+    EXPECT_EQ(launchArgs, Arguments{folder_.wide("base/macosx/x86/other")});
+    std::wstring name;
+    getEclipseExeName(name, propertyList({{L"eclipse.name", L"a"}, {L"eclipse.name", L"b"}}));
+    EXPECT_EQ(name, L"a");
+    getEclipseExeName(name, {});
+    EXPECT_EQ(name, L"eclipse");
+}
+
+TEST_F(CommandLine, MissingBaseLocationIsFatal) {
+    EXPECT_FATAL(addBaseEclipseToCommandLine({}),
+                 HasSubstr("ZYPRA0011E: Unable to determine RCP Base Plugin location. If the "
+                           "problem persists, reinstall."));
+}
+
+TEST_F(CommandLine, ExecutableMustBeOne) {
+    EXPECT_FATAL(addBaseEclipseToCommandLine(withBase({{L"eclipse.name", L"none"}})),
+                 HasSubstr("ZYPRA0007E: " + folder_.narrow("base/macosx/x86/none") +
+                           " is not executable or does not exist."));
+    EXPECT_FATAL(addBaseEclipseToCommandLine(withBase({{L"eclipse.name", L"eclipse_1615.so"}})),
+                 HasSubstr("ZYPRA0007E"));
+}
+
+TEST_F(CommandLine, LibraryMustExist) {
+    std::filesystem::remove(folder_.path() / "base/macosx/x86/eclipse_1615.so");
+    EXPECT_FATAL(addBaseEclipseToCommandLine(withBase()),
+                 HasSubstr("Error: addBaseEclipseToCommandLine: " +
+                           folder_.narrow("base/macosx/x86/eclipse_1615.so") +
+                           " is not executable or does not exist."));
+}
+
+TEST_F(CommandLine, StartupJarIsTheBasesUnlessAnotherIsNamed) {
+    addStartupToCommandLine(propertyList({{L"rcp.base.location", L"/b"}}), {L"p", L"-perfjar"});
+    EXPECT_EQ(launchArgs, (Arguments{L"-startup", L"/b/launcher.jar"}));
+    launchArgs.clear();
+    addStartupToCommandLine(propertyList({}), {L"p", L"-perfJar", L"/perf.jar"});
+    EXPECT_EQ(launchArgs, (Arguments{L"-startup", L"/perf.jar"}));
+}
+
+TEST_F(CommandLine, MainClassIsTheFrameworks) {
+    addMainClassToCommandLine();
+    EXPECT_EQ(launchArgs, Arguments{L"org.eclipse.core.launcher.Main"});
+}
+
+TEST_F(CommandLine, ClassPathIsThePropertys) {
+    const PropertyList properties =
+        propertyList({{L"cp", L"/a.jar:/b.jar"}, {L"rcp.base.location", L"/b"}});
+    for (const int code : {1, 2, 3, 4, 5, 6, 8}) {
+        eConfig = static_cast<InstallConfiguration>(code);
+        launchArgs.clear();
+        addClasspathToCommandLine(properties);
+        EXPECT_EQ(launchArgs, (Arguments{L"-cp", L"/a.jar:/b.jar"})) << code;
+        launchArgs.clear();
+        addClasspathToCommandLine({});
+        EXPECT_EQ(launchArgs, Arguments{}) << code;
+    }
+}
+
+TEST_F(CommandLine, ClassPathOfTheServiceInitialisationIsTheStartupJar) {
+    SetInstallConfiguration({}, true);
+    addClasspathToCommandLine(propertyList({{L"cp", L"/a.jar"}, {L"rcp.base.location", L"/b"}}));
+    EXPECT_EQ(launchArgs, (Arguments{L"-cp", L"/b/startup.jar"}));
+}
+
+TEST_F(CommandLine, OldInterfaceAppendsNothing) {
+    getCmdString({L"p", L"-x"});
+    EXPECT_EQ(launchArgs, Arguments{});
+}
+
+// The whole list, with every piece present or none.
+class WholeCommandLine : public CommandLine {
+  protected:
+    void prepareEverything() {
+        setMainProcess(false);
+        pid = 4711;
+        inputs_.arguments = {L"p",           L"-x",      L"${rcp.data}/f",
+                             L"-vm",         L"/j/java", L"-data",
+                             L"${rcp.home}", L"-vmargs", L"-Du=${env.HOME}"};
+        inputs_.properties = withBase({{L"rcp.install.id", L"id"},
+                                       {L"plugincustomization", folder_.wide("c.ini")},
+                                       {L"application", L"app"},
+                                       {L"product", L"pro"},
+                                       {L"personality", L"per"},
+                                       {L"provisioning.application", L"prov.app"},
+                                       {L"vmfix.noconsole", L"-Dfix"},
+                                       {L"-Dd", L"1"},
+                                       {L"-Xmx", L"1g"},
+                                       {L"Xbootclasspath.prepend", L"/bp"},
+                                       {L"Xbootclasspath.append", L"/ba"},
+                                       {L"cp", L"/cp"},
+                                       {L"key", L"value"},
+                                       {L"library.path.append", L"/lib"},
+                                       {L"library.preload", L"/preload.so"},
+                                       {L"env.set.LD_PRELOAD", L"/not/this.so"},
+                                       {L"env.set.JAVA_HIGH_ZIPFDS", L"1"},
+                                       {L"env.JAVA_HIGH_ZIPFDS", L"2"}});
+        inputs_.userProperties = propertyList({{L"osgi.splashPath", L"${prop.s}"}, {L"s", L"/s"}});
+        inputs_.vmargMap = test::vmargMap({{L"vmarg.b", L"-Db"}, {L"vmarg.a", L"-Da=${prop.key}"}});
+        finishInputs();
+    }
+    void prepareNothing() {
+        setMainProcess(true);
+        inputs_.arguments = {L"p"};
+        inputs_.properties = withBase({{L"rcp.install.id", L"id"},
+                                       {L"plugincustomization", folder_.wide("c.ini")},
+                                       {L"provisioning.application", L"prov.app"}});
+        finishInputs();
+    }
+    const Arguments& assembled(LaunchKind kind = LaunchKind::kPlatform) {
+        getUserCmdString(inputs_, kind);
+        return launchArgs;
+    }
+    // `front`, the JVM section of everything present, `back`.
+    static Arguments around(Arguments front, const Arguments& back = {}) {
+        const Arguments section = {L"-Du=${env.HOME}",
+                                   L"-Dfix",
+                                   L"-Da=value",
+                                   L"-Db",
+                                   L"-Drcp.home=/home",
+                                   L"-Drcp.data=/ws",
+                                   L"-Dosgi.splashPath=/s",
+                                   L"-Dcom.ovr.rcp.install.id=id",
+                                   L"-Drcp.install.config=" + installConfigurationName(),
+                                   L"-Dd=1",
+                                   L"-Drcp.osgi.install.area=/home/rcp/eclipse",
+                                   L"-Xmx1g",
+                                   L"-Xbootclasspath/p:/bp",
+                                   L"-Xbootclasspath/a:/ba",
+                                   L"-cp"};
+        front.insert(front.end(), section.begin(), section.end());
+        front.insert(front.end(), back.begin(), back.end());
+        return front;
+    }
+    [[nodiscard]] std::wstring customization() const { return folder_.wide("c.ini"); }
+
+    LaunchInputs inputs_;
+    ScopedVariable libraryPath_{"DYLD_LIBRARY_PATH", "inherited"};
+    ScopedVariable zip_{"JAVA_HIGH_ZIPFDS", "inherited"};
+    ScopedVariable preload_{"LD_PRELOAD"};
+
+  private:
+    void finishInputs() {
+        inputs_.workspace = L"/ws";
+        inputs_.configuration = L"/ws/.config";
+        inputs_.installDir = L"/home";
+    }
+};
+
+TEST_F(WholeCommandLine, ForTheLauncherLibrary) {
+    prepareEverything();
+    EXPECT_EQ(assembled(), around({program_,
+                                   L"--launcher.suppressErrors",
+                                   L"-x",
+                                   L"/ws/f",
+                                   L"-data",
+                                   L"/ws",
+                                   L"-configuration",
+                                   L"/ws/.config",
+                                   L"-application",
+                                   L"app",
+                                   L"-plugincustomization",
+                                   customization(),
+                                   L"-product",
+                                   L"pro",
+                                   L"-personality",
+                                   L"per",
+                                   L"-vm",
+                                   L"/j/java",
+                                   L"-useDaemon",
+                                   L"4711",
+                                   L"-startup",
+                                   folder_.wide("base/launcher.jar"),
+                                   L"-vmargs"},
+                                  {L"/cp"}));
+    EXPECT_EQ(variable("DYLD_LIBRARY_PATH"), "/lib");
+    EXPECT_EQ(variable("LD_PRELOAD"), "/preload.so") << "behind the variables";
+    EXPECT_EQ(variable("JAVA_HIGH_ZIPFDS"), "2") << "last of all";
+}
+
+TEST_F(WholeCommandLine, ForTheLauncherLibraryWithNothingToSay) {
+    for (const int code : {2, 3, 4, 6, 8}) {
+        eConfig = static_cast<InstallConfiguration>(code);
+        prepareNothing();
+        EXPECT_EQ(
+            assembled(),
+            (Arguments{program_, L"--launcher.suppressErrors", L"-data", L"/ws", L"-configuration",
+                       L"/ws/.config", L"-plugincustomization", customization(), L"-startup",
+                       folder_.wide("base/launcher.jar"), L"-vmargs", L"-Drcp.home=/home",
+                       L"-Drcp.data=/ws", L"-Dcom.ovr.rcp.install.id=id",
+                       L"-Drcp.install.config=" + installConfigurationName(),
+                       L"-Drcp.osgi.install.area=/home/rcp/eclipse"}))
+            << code;
+    }
+    EXPECT_EQ(variable("DYLD_LIBRARY_PATH"), "inherited");
+    EXPECT_EQ(variable("LD_PRELOAD"), std::nullopt);
+    EXPECT_EQ(variable("JAVA_HIGH_ZIPFDS"), "500");
+}
+
+TEST_F(WholeCommandLine, ForPlainJava) {
+    const std::pair<InstallConfiguration, std::wstring> classPaths[] = {
+        {InstallConfiguration::kService, L"/cp"},
+        {InstallConfiguration::kMultiuserServiceInit, folder_.wide("base/startup.jar")}};
+    for (const auto& [configuration, classPath] : classPaths) {
+        eConfig = configuration;
+        prepareEverything();
+        EXPECT_EQ(assembled(),
+                  around({L"/j/java"}, {classPath, L"org.eclipse.core.launcher.Main", L"-nosplash",
+                                        L"--launcher.suppressErrors", L"-x", L"/ws/f", L"-data",
+                                        L"/ws", L"-configuration", L"/ws/.config", L"-application",
+                                        L"app", L"-plugincustomization", customization(),
+                                        L"-product", L"pro", L"-personality", L"per"}));
+        EXPECT_EQ(eclipseSoPath, L"") << "no library is needed";
+        EXPECT_EQ(variable("DYLD_LIBRARY_PATH"), "/lib");
+        EXPECT_EQ(variable("LD_PRELOAD"), "/preload.so");
+        EXPECT_EQ(variable("JAVA_HIGH_ZIPFDS"), "2");
+    }
+}
+
+TEST_F(WholeCommandLine, ForPlainJavaWithNothingToSay) {
+    eConfig = InstallConfiguration::kService;
+    prepareNothing();
+    inputs_.properties.append({L"vm", L"/j", {}});
+    EXPECT_EQ(
+        assembled(),
+        (Arguments{L"/j", L"-Drcp.home=/home", L"-Drcp.data=/ws", L"-Dcom.ovr.rcp.install.id=id",
+                   L"-Drcp.install.config=service", L"-Drcp.osgi.install.area=/home/rcp/eclipse",
+                   L"org.eclipse.core.launcher.Main", L"-nosplash", L"--launcher.suppressErrors",
+                   L"-data", L"/ws", L"-configuration", L"/ws/.config", L"-plugincustomization",
+                   customization()}));
+}
+
+TEST_F(WholeCommandLine, ForPlainJavaNeedsAJvm) {
+    eConfig = InstallConfiguration::kService;
+    prepareNothing();
+    EXPECT_FATAL(assembled(), HasSubstr("ZYPRA0002E: vm must be specified with -vm argument!"));
+}
+
+TEST_F(WholeCommandLine, ForProvisioning) {
+    for (const int code : {2, 3, 6}) {
+        eConfig = static_cast<InstallConfiguration>(code);
+        prepareEverything();
+        EXPECT_EQ(assembled(LaunchKind::kUserProvisioning),
+                  around({program_,
+                          L"--launcher.suppressErrors",
+                          L"-x",
+                          L"/ws/f",
+                          L"-data",
+                          L"/ws",
+                          L"-configuration",
+                          L"/ws/.config",
+                          L"-application",
+                          L"app",
+                          L"-plugincustomization",
+                          customization(),
+                          L"-product",
+                          L"pro",
+                          L"-personality",
+                          L"per",
+                          L"-application",
+                          L"prov.app",
+                          L"-userProvLaunch",
+                          L"-vm",
+                          L"/j/java",
+                          L"-startup",
+                          folder_.wide("base/launcher.jar"),
+                          L"-vmargs"},
+                         {L"/cp"}))
+            << code;
+    }
+    EXPECT_EQ(variable("DYLD_LIBRARY_PATH"), "/lib");
+    EXPECT_EQ(variable("LD_PRELOAD"), "/preload.so");
+    EXPECT_EQ(variable("JAVA_HIGH_ZIPFDS"), "2");
+}
+
+TEST_F(WholeCommandLine, ForProvisioningByAnInstallerIsNotTheUsers) {
+    prepareNothing();
+    EXPECT_EQ(
+        assembled(LaunchKind::kInstallerProvisioning),
+        (Arguments{program_, L"--launcher.suppressErrors", L"-data", L"/ws", L"-configuration",
+                   L"/ws/.config", L"-plugincustomization", customization(), L"-application",
+                   L"prov.app", L"-startup", folder_.wide("base/launcher.jar"), L"-vmargs",
+                   L"-Drcp.home=/home", L"-Drcp.data=/ws", L"-Dcom.ovr.rcp.install.id=id",
+                   L"-Drcp.install.config=user", L"-Drcp.osgi.install.area=/home/rcp/eclipse"}));
+}
+
+TEST_F(WholeCommandLine, DescriptionFileSuppressesTheConsoleFix) {
+    prepareEverything();
+    inputs_.arguments[4] = L"/j/default.ee";
+    const Arguments& written = assembled();
+    EXPECT_EQ(std::count(written.begin(), written.end(), L"-Dfix"), 0);
+}
+
+TEST_F(WholeCommandLine, UnresolvedPlaceholdersAreFatalBeforeAnythingIsWritten) {
+    prepareEverything();
+    inputs_.userProperties.append({L"x", L"${prop.key}", {}});
+    EXPECT_FATAL(assembled(),
+                 HasSubstr("ZYPRA0088E: property substitution is invalid (${prop.key})"))
+        << "the user's list does not see the launcher's";
+}
+
+}  // namespace
+}  // namespace rcp

@@ -1,0 +1,152 @@
+#include "launcher/core/hand_off_tools.h"
+
+#include "tests/unit/core/child_process.h"
+#include "tests/unit/core/records.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/resource.h>
+
+namespace rcp {
+namespace {
+
+using namespace std::chrono_literals;
+using test::ChildProcess;
+
+class HandOffTools : public test::LauncherTest {};
+
+TEST_F(HandOffTools, NarrowArgumentsAreTheTextsInOrderAndANullPointer) {
+    const std::vector<std::wstring> wide = {L"/opt/Velmo", L"", L"B\u00FCro", L"two words"};
+    NarrowArguments narrow(wide);
+    ASSERT_EQ(narrow.count(), 4);
+    EXPECT_STREQ(narrow.data()[0], "/opt/Velmo");
+    EXPECT_STREQ(narrow.data()[1], "");
+    EXPECT_STREQ(narrow.data()[2], "B\u00FCro");
+    EXPECT_STREQ(narrow.data()[3], "two words");
+    EXPECT_EQ(narrow.data()[4], nullptr);
+}
+
+TEST_F(HandOffTools, NoArgumentsAreANullPointer) {
+    NarrowArguments narrow({});
+    EXPECT_EQ(narrow.count(), 0);
+    EXPECT_EQ(narrow.data()[0], nullptr);
+}
+
+TEST_F(HandOffTools, ArgumentsAreLoggedOneALineWithoutTracing) {
+    const test::Records records(folder_);
+    const std::vector<std::wstring> wide = {L"/opt/Velmo", L"100%s", L"%n"};
+    logLaunchArguments("begin", NarrowArguments(wide), "end");
+    EXPECT_EQ(records.text().substr(records.text().find("begin")),
+              "begin\n/opt/Velmo\n100%s\n%n\nend\n");
+    EXPECT_FALSE(debug) << "tracing is as before";
+}
+
+TEST_F(HandOffTools, FailedExecIsOneRecordWithPathAndReason) {
+    const test::Records records(folder_);
+    errno = ENOENT;
+    reportFailedExec(L"/opt/nothing");
+    EXPECT_TRUE(records.has("Error: execv: /opt/nothing could not be started : No such file"))
+        << records.text();
+}
+
+// Ends with status 3 once the gate lets it pass.
+int passGate(Gate& gate) {
+    gate.wait();
+    return 3;
+}
+
+TEST_F(HandOffTools, GateHoldsTheChildUntilTheParentOpensIt) {
+    Gate gate;
+    ChildProcess child([&] { return passGate(gate); });
+    EXPECT_FALSE(child.endsWithin(50ms));
+    gate.open();
+    EXPECT_EQ(child.wait(), 3);
+}
+
+// A parent whose child tells through a pipe when it has passed the gate.
+class ParentAndChild {
+  public:
+    explicit ParentAndChild(const std::function<int()>& parentsEnd)
+        : told_(pipe2(ends_, O_CLOEXEC) == 0), parent_([&] {
+              Gate gate;
+              if (fork() == 0) {
+                  gate.wait();
+                  _exit(write(ends_[1], "x", 1) == 1 ? 0 : 1);
+              }
+              return parentsEnd();
+          }) {
+        close(ends_[1]);
+    }
+    ~ParentAndChild() { close(ends_[0]); }
+    ParentAndChild(const ParentAndChild&) = delete;
+    ParentAndChild& operator=(const ParentAndChild&) = delete;
+
+    bool childPassesWithin(int milliseconds) {
+        pollfd passed = {ends_[0], POLLIN, 0};
+        return told_ && poll(&passed, 1, milliseconds) == 1 && (passed.revents & POLLIN) != 0;
+    }
+    ChildProcess& parent() { return parent_; }
+
+  private:
+    int ends_[2] = {-1, -1};
+    bool told_;
+    ChildProcess parent_;
+};
+
+TEST_F(HandOffTools, GateOpensWhenTheParentEnds) {
+    ParentAndChild processes([] { return 0; });
+    EXPECT_TRUE(processes.childPassesWithin(5000));
+}
+
+TEST_F(HandOffTools, GateOpensWhenTheParentIsKilled) {
+    ParentAndChild processes([] {
+        pause();
+        return 0;
+    });
+    EXPECT_FALSE(processes.childPassesWithin(50));
+    processes.parent().end();
+    EXPECT_TRUE(processes.childPassesWithin(5000));
+}
+
+TEST_F(HandOffTools, GateOpensWhenTheParentBecomesAnotherProgram) {
+    ParentAndChild processes([] {
+        execl("/bin/sleep", "sleep", "1000", nullptr);
+        return 127;
+    });
+    EXPECT_TRUE(processes.childPassesWithin(5000));
+    EXPECT_FALSE(processes.parent().endsWithin(0ms));
+}
+
+TEST_F(HandOffTools, GateStaysClosedWhenASignalInterruptsTheWait) {
+    struct sigaction former {};
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    ASSERT_EQ(sigaction(SIGUSR1, &action, &former), 0);
+    Gate gate;
+    ChildProcess child([&] { return passGate(gate); });
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_FALSE(child.endsWithin(10ms));
+        kill(child.pid(), SIGUSR1);
+    }
+    EXPECT_FALSE(child.endsWithin(50ms));
+    gate.open();
+    EXPECT_EQ(child.wait(), 3);
+    sigaction(SIGUSR1, &former, nullptr);
+}
+
+TEST_F(HandOffTools, GateWithoutDescriptorsIsOpen) {
+    ChildProcess child([] {
+        const rlimit none = {0, 0};
+        setrlimit(RLIMIT_NOFILE, &none);
+        Gate gate;
+        gate.wait();
+        gate.open();
+        return 5;
+    });
+    EXPECT_TRUE(child.endsWithin(5s));
+    EXPECT_EQ(child.wait(), 5);
+}
+
+}  // namespace
+}  // namespace rcp

@@ -1,0 +1,55 @@
+// What tests of the platform lock share: a workspace, processes whose listing is the platform's and
+// a look at the lock from outside.
+#pragma once
+
+#include "launcher/core/launch_state.h"
+#include "launcher/core/platform_lock.h"
+#include "tests/unit/core/child_process.h"
+#include "tests/unit/core/records.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <string>
+
+namespace rcp::test {
+
+/// The workspace is the test's folder. The process check looks for this program's own name, so that
+/// the test itself and its forked processes count as platforms.
+class LockTest : public LauncherTest {
+  protected:
+    LockTest() { invokeDylib = true; }
+    ~LockTest() override { closeLockFile(); }
+
+    static constexpr wchar_t kMarker[] = L"unit_core";
+
+    void locate(const Arguments& arguments = {L"rcplauncher"}) const {
+        locateLockFile(arguments, folder_.wide(), kMarker);
+    }
+    void writeLock(const std::string& content) const { folder_.write(".rcp.lock", content); }
+    [[nodiscard]] std::string lockFile() const { return folder_.read(".rcp.lock"); }
+
+    /// Whether somebody holds the lock, as another process sees it.
+    [[nodiscard]] bool isLocked() const {
+        const int file = open(folder_.narrow(".rcp.lock").c_str(), O_RDWR | O_CLOEXEC);
+        const bool isFree = flock(file, LOCK_EX | LOCK_NB) == 0;
+        close(file);
+        return !isFree;
+    }
+    /// This process's descriptor of the lock file; -1 without one.
+    [[nodiscard]] int descriptor() const {
+        struct stat wanted {};
+        stat(folder_.narrow(".rcp.lock").c_str(), &wanted);
+        for (int file = 0; file < 1024; ++file) {
+            struct stat status {};
+            if (fstat(file, &status) == 0 && status.st_ino == wanted.st_ino &&
+                status.st_dev == wanted.st_dev) {
+                return file;
+            }
+        }
+        return -1;
+    }
+};
+
+}  // namespace rcp::test

@@ -1,0 +1,167 @@
+#include "launcher/core/process_check.h"
+
+#include "launcher/core/launch_state.h"
+#include "platform/environment.h"
+#include "tests/unit/core/child_process.h"
+#include "tests/unit/fixture.h"
+
+#include <limits>
+
+namespace rcp {
+namespace {
+
+using test::ChildProcess;
+
+constexpr char kListing[] =
+    "  4711 ?        Sl     0:03 /opt/Velmo/com.ovr.rcp.base_1/macosx/x86/eclipse -data /ws\n";
+
+TEST(Listing, InProcessNeedsTheNameOnly) {
+    EXPECT_TRUE(listingShowsPlatform(kListing, "Velmo", false));
+    EXPECT_FALSE(listingShowsPlatform(kListing, "Vilma", false));
+    EXPECT_FALSE(listingShowsPlatform(kListing, "velmo", false)) << "letter case counts";
+}
+
+TEST(Listing, ExecutedPlatformNeedsItsBaseOnTheSameLine) {
+    EXPECT_TRUE(listingShowsPlatform(kListing, "eclipse", true));
+    EXPECT_FALSE(listingShowsPlatform("1 ? S 0:00 /usr/bin/eclipse\n", "eclipse", true));
+    EXPECT_FALSE(
+        listingShowsPlatform("1 ? S 0:00 eclipse\n1 ? S 0:00 rcp.base\n", "eclipse", true));
+    EXPECT_TRUE(listingShowsPlatform("1 a\n1 ? S 0:00 rcp.base/eclipse", "eclipse", true))
+        << "the last line needs no line feed";
+}
+
+TEST(Listing, DotInTheBaseIsAnyCharacterAsInGrep) {
+    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 rcp-base/eclipse\n", "eclipse", true));
+}
+
+TEST(Listing, NothingListedIsNoPlatform) {
+    EXPECT_FALSE(listingShowsPlatform("", "Velmo", false));
+    EXPECT_FALSE(listingShowsPlatform("\n", "Velmo", false));
+}
+
+TEST(Listing, EmptyNameNeverMatches) {
+    EXPECT_FALSE(listingShowsPlatform(kListing, "", false));
+    EXPECT_FALSE(listingShowsPlatform(kListing, "", true));
+}
+
+TEST(Listing, NameThatBeginsWithAHyphenIsStillAName) {
+    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 rcp.base/-v\n", "-v", true));
+    EXPECT_FALSE(listingShowsPlatform(kListing, "-v", true));
+    EXPECT_FALSE(listingShowsPlatform(kListing, "-e", false));
+}
+
+TEST(Listing, NameIsABasicRegularExpression) {
+    EXPECT_TRUE(listingShowsPlatform(kListing, "V.lmo", false));
+    EXPECT_TRUE(listingShowsPlatform(kListing, "ecl[a-z]*e -data", false));
+    EXPECT_FALSE(listingShowsPlatform(kListing, "Velmo+", false)) << "plus is ordinary";
+    EXPECT_FALSE(listingShowsPlatform(kListing, "Velmo|eclipse", false)) << "so is the bar";
+    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 a+b(c)|d{2}\n", "a+b(c)|d{2}", false));
+}
+
+TEST(Listing, NameThatIsNoRegularExpressionNeverMatches) {
+    for (const char* name : {"[", "\\(", "a\\", "[z-a]"}) {
+        EXPECT_FALSE(listingShowsPlatform("1 ? S 0:00 [ ( a\\ z\n", name, false)) << name;
+    }
+}
+
+TEST(Listing, ShellCharactersInANameMeanNothing) {
+    for (const char* name : {"x; true", "$(true)", "`true`", "x || true", "x > /dev/null"}) {
+        EXPECT_FALSE(listingShowsPlatform(kListing, name, false)) << name;
+    }
+    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 My Client; true\n", "My Client; true", false));
+}
+
+// A running process whose command line is `name` and a number.
+class PlatformProcess : public test::LauncherTest {
+  protected:
+    static ChildProcess start(const std::string& name) { return {"/bin/sleep", name, "1000"}; }
+    // The child's listing changes when it becomes the program.
+    static bool becomes(const ChildProcess& child, const std::wstring& name) {
+        for (int round = 0; round < 400; ++round) {
+            if (isPlatformProcess(child.pid(), name)) {
+                return true;
+            }
+            usleep(5000);
+        }
+        return false;
+    }
+};
+
+TEST_F(PlatformProcess, LiveProcessOfTheNameIsThePlatform) {
+    invokeDylib = true;
+    const ChildProcess child = start("/opt/Velmo/rcp/rcplauncher");
+    EXPECT_TRUE(becomes(child, L"Velmo"));
+    EXPECT_FALSE(isPlatformProcess(child.pid(), L"Vilma"));
+}
+
+TEST_F(PlatformProcess, ExecutedOneNeedsTheBaseToo) {
+    const ChildProcess platform = start("/opt/com.ovr.rcp.base/macosx/x86/eclipse");
+    EXPECT_TRUE(becomes(platform, L"eclipse"));
+    const ChildProcess other = start("/usr/bin/eclipse");
+    invokeDylib = true;
+    ASSERT_TRUE(becomes(other, L"eclipse"));
+    invokeDylib = false;
+    EXPECT_FALSE(isPlatformProcess(other.pid(), L"eclipse"));
+}
+
+TEST_F(PlatformProcess, DeadProcessIsNot) {
+    invokeDylib = true;
+    EXPECT_FALSE(isPlatformProcess(test::deadProcessId(), L"."));
+}
+
+TEST_F(PlatformProcess, IdsThatAreNoProcessIdsAreNot) {
+    invokeDylib = true;
+    const long ids[] = {0,
+                        -1,
+                        -getpid(),
+                        std::numeric_limits<pid_t>::max() + 1L,
+                        (1L << 32) + getpid(),
+                        std::numeric_limits<long>::max(),
+                        std::numeric_limits<long>::min()};
+    for (const long id : ids) {
+        EXPECT_FALSE(isPlatformProcess(id, L".")) << id;
+    }
+}
+
+TEST_F(PlatformProcess, EmptyNameIsNobodys) {
+    invokeDylib = true;
+    EXPECT_FALSE(isPlatformProcess(getpid(), L""));
+}
+
+TEST_F(PlatformProcess, TerminalWidthNeverCutsTheLine) {
+    invokeDylib = true;
+    const ChildProcess child = start("/" + std::string(3000, 'x') + "/TheEnd");
+    const std::string before = getenv("COLUMNS") == nullptr ? "" : getenv("COLUMNS");
+    setenv("COLUMNS", "40", 1);
+    EXPECT_TRUE(becomes(child, L"TheEnd"));
+    before.empty() ? unsetenv("COLUMNS") : setenv("COLUMNS", before.c_str(), 1);
+}
+
+TEST_F(PlatformProcess, ListingIsThePlainOneWhateverTheEnvironmentAsksFor) {
+    invokeDylib = true;
+    const ChildProcess child = start("/opt/Velmo/rcp/rcplauncher");
+    setenv("PS_FORMAT", "pid", 1);
+    EXPECT_TRUE(becomes(child, L"Velmo"));
+    unsetenv("PS_FORMAT");
+}
+
+TEST_F(PlatformProcess, ProcessThatCannotBeListedIsNot) {
+    invokeDylib = true;
+    const ChildProcess child = start("/opt/Velmo/rcp/rcplauncher");
+    ASSERT_TRUE(becomes(child, L"Velmo"));
+    const std::string before = getenv("PATH");
+    setenv("PATH", folder_.narrow().c_str(), 1);
+    EXPECT_FALSE(isPlatformProcess(child.pid(), L"Velmo")) << "there is no ps";
+    setenv("PATH", before.c_str(), 1);
+}
+
+TEST_F(PlatformProcess, NameFromAPropertyNeverReachesAShell) {
+    invokeDylib = true;
+    const std::wstring touch = L"x; touch " + folder_.wide("touched");
+    EXPECT_FALSE(isPlatformProcess(getpid(), touch));
+    EXPECT_FALSE(isPlatformProcess(getpid(), L"$(touch " + folder_.wide("touched") + L")"));
+    EXPECT_FALSE(folder_.has("touched"));
+}
+
+}  // namespace
+}  // namespace rcp

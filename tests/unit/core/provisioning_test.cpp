@@ -1,0 +1,369 @@
+#include "launcher/core/provisioning.h"
+
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "tests/unit/core/lock_fixture.h"
+
+namespace rcp {
+namespace {
+
+using namespace std::chrono_literals;
+using test::ChildProcess;
+using test::Records;
+
+const std::wstring kOne = L"1";
+const std::wstring kTwo = L"2";
+
+TEST(ProvisioningLevel, IsNewWhenTheUserHasNoneOrAnother) {
+    EXPECT_TRUE(isNewProvisioningLevel(nullptr, &kOne));
+    EXPECT_TRUE(isNewProvisioningLevel(nullptr, nullptr));
+    EXPECT_TRUE(isNewProvisioningLevel(&kOne, &kTwo));
+    const std::wstring blank = L"1 ";
+    EXPECT_TRUE(isNewProvisioningLevel(&kOne, &blank)) << "compared exactly";
+    const std::wstring same = L"1";
+    EXPECT_FALSE(isNewProvisioningLevel(&kOne, &same));
+}
+
+TEST(ProvisioningLevel, WithoutAPlatformLevelNothingIsNew) {
+    EXPECT_FALSE(isNewProvisioningLevel(&kOne, nullptr));
+}
+
+TEST(InstallerLaunch, NeedsBothOptionsAnywhere) {
+    EXPECT_TRUE(isISMPProvisioning({L"p", L"-provManifest", L"x", L"-rcpLauncherWait"}));
+    EXPECT_TRUE(isISMPProvisioning({L"p", L"-rcpLauncherWait", L"-provManifest"}));
+    EXPECT_FALSE(isISMPProvisioning({L"p", L"-provManifest"}));
+    EXPECT_FALSE(isISMPProvisioning({L"p", L"-rcpLauncherWait"}));
+    EXPECT_FALSE(isISMPProvisioning({L"-rcpLauncherWait", L"-provManifest"}))
+        << "the program path is no option";
+    EXPECT_FALSE(isISMPProvisioning({L"p", L"-rcplauncherwait", L"-provmanifest"}));
+}
+
+class Provisioning : public test::LockTest {
+  protected:
+    Provisioning() {
+        eConfig = InstallConfiguration::kUser;
+        folder_.write("base/macosx/x86/eclipse",
+                      "#!/bin/sh\necho \"$@\" >\"$0.started\"\nexit 7\n");
+        std::filesystem::permissions(folder_.path() / "base/macosx/x86/eclipse",
+                                     std::filesystem::perms::owner_all);
+        folder_.write("base/macosx/x86/eclipse_1615.so", "");
+        folder_.write("custom.ini", "");
+        set(L"rcp.base.location", folder_.wide("base"));
+        set(L"rcp.install.id", L"abc");
+        set(L"plugincustomization", folder_.wide("custom.ini"));
+        set(L"provisioning", L"true");
+        set(L"provisioning.application", L"com.ovr.provision");
+        set(kLevel, L"2");
+        inputs_.userProperties.append({kLevel, L"2", {}});
+        inputs_.arguments = {L"p"};
+        inputs_.workspace = folder_.wide();
+        inputs_.configuration = folder_.wide(".config");
+        inputs_.installDir = folder_.wide("install");
+    }
+
+    void set(const std::wstring& key, const std::wstring& value) {
+        std::erase_if(inputs_.properties.entries(),
+                      [&](const Property& property) { return property.key == key; });
+        inputs_.properties.append({key, value, {}});
+    }
+    void setUserLevel(const std::wstring& value) {
+        inputs_.userProperties = PropertyList();
+        inputs_.userProperties.append({kLevel, value, {}});
+    }
+    [[nodiscard]] bool isStarted() const { return folder_.has("base/macosx/x86/eclipse.started"); }
+    // Status of the process that asks: 99 when no provisioning is due, 7 when the provisioning
+    // application has taken it over.
+    int check() {
+        ChildProcess launcher([this] {
+            locate();
+            checkForProvisioning(inputs_);
+            return 99;
+        });
+        return launcher.wait();
+    }
+
+    static constexpr wchar_t kLevel[] = L"provisioning.manifest.version";
+    LaunchInputs inputs_;
+};
+
+TEST_F(Provisioning, NotAtTheSameLevel) {
+    EXPECT_EQ(check(), 99);
+    EXPECT_FALSE(isStarted());
+    checkForProvisioning(inputs_);
+    EXPECT_TRUE(launchArgs.empty());
+    EXPECT_FALSE(userFirstLaunch);
+}
+
+TEST_F(Provisioning, OnAFirstLaunch) {
+    userFirstLaunch = true;
+    EXPECT_EQ(check(), 7);
+    EXPECT_TRUE(isStarted());
+}
+
+TEST_F(Provisioning, AtANewLevel) {
+    setUserLevel(L"1");
+    EXPECT_EQ(check(), 7);
+    inputs_.userProperties = PropertyList();
+    EXPECT_EQ(check(), 7) << "a user without a level";
+}
+
+TEST_F(Provisioning, NotWhenThePlatformHasNoLevel) {
+    std::erase_if(inputs_.properties.entries(),
+                  [](const Property& property) { return property.key == kLevel; });
+    EXPECT_EQ(check(), 99);
+}
+
+TEST_F(Provisioning, OnAnInstallersLaunch) {
+    inputs_.arguments = {L"p", L"-rcpLauncherWait", L"-provManifest", L"m"};
+    EXPECT_EQ(check(), 7);
+    inputs_.arguments = {L"p", L"-provManifest", L"m"};
+    EXPECT_EQ(check(), 99);
+    inputs_.arguments = {L"p", L"-rcpLauncherWait"};
+    EXPECT_EQ(check(), 99);
+}
+
+TEST_F(Provisioning, OnlyWhenItIsExactlyTrue) {
+    userFirstLaunch = true;
+    for (const wchar_t* value : {L"True", L"true ", L"TRUE", L"", L"1", L"false"}) {
+        set(L"provisioning", value);
+        EXPECT_EQ(check(), 99) << testing::PrintToString(value);
+    }
+    std::erase_if(inputs_.properties.entries(),
+                  [](const Property& property) { return property.key == L"provisioning"; });
+    EXPECT_EQ(check(), 99);
+    set(L"provisioning", L"true");
+    EXPECT_EQ(check(), 7);
+}
+
+TEST_F(Provisioning, OnlyInConfigurationsThatProvision) {
+    using enum InstallConfiguration;
+    userFirstLaunch = true;
+    for (const InstallConfiguration code : {kUser, kMultiuser, kLockdown}) {
+        eConfig = code;
+        EXPECT_EQ(check(), 7) << static_cast<int>(code);
+    }
+    for (const InstallConfiguration code :
+         {kService, kMultiuserServiceInit, kSerialMultiuser, kUserpb, kUnknown}) {
+        eConfig = code;
+        EXPECT_EQ(check(), 99) << static_cast<int>(code);
+    }
+}
+
+TEST_F(Provisioning, ApplicationStandsBehindTheMainOptions) {
+    launchArgs = {L"program"};
+    addProvisioningApplication(inputs_.properties, true);
+    EXPECT_EQ(launchArgs, (std::vector<std::wstring>{L"program", L"-application",
+                                                     L"com.ovr.provision", L"-userProvLaunch"}));
+    launchArgs = {L"program"};
+    addProvisioningApplication(inputs_.properties, false);
+    EXPECT_EQ(launchArgs,
+              (std::vector<std::wstring>{L"program", L"-application", L"com.ovr.provision"}));
+}
+
+TEST_F(Provisioning, MissingApplicationIsFatalBeforeAnythingIsStarted) {
+    std::erase_if(inputs_.properties.entries(), [](const Property& property) {
+        return property.key == L"provisioning.application";
+    });
+    EXPECT_EQ(check(), 99) << "no provisioning is due";
+    userFirstLaunch = true;
+    EXPECT_FATAL(checkForProvisioning(inputs_),
+                 "provisioning is due, but the provisioning.application property is missing");
+    EXPECT_EQ(check(), 255);
+    EXPECT_FALSE(isStarted());
+    EXPECT_FALSE(folder_.has(".rcp.main")) << "nothing was forked";
+}
+
+TEST_F(Provisioning, BothFilesHoldTheForkedChildsId) {
+    userFirstLaunch = true;
+    ASSERT_EQ(check(), 7);
+    const std::string id = lockFile().substr(0, lockFile().find(' '));
+    EXPECT_GT(std::stol(id), 0);
+    EXPECT_EQ(lockFile(), id + "          ");
+    EXPECT_EQ(folder_.read(".rcp.main"), id + "    ");
+}
+
+TEST_F(Provisioning, SwitchesSharedClassesOff) {
+    const Records records(folder_);
+    debug = true;
+    VmArgumentMap map;
+    map[L"vmarg.Dshare"].text = L"-Xshareclasses:name=velmo";
+    map[L"vmarg.other"].text = L"-Dother";
+    defeateSharedClassesInProvisioning(map);
+    EXPECT_EQ(map.size(), 2U);
+    EXPECT_EQ(map[L"vmarg.Dshare"].text, L"-Xshareclasses=none");
+    EXPECT_EQ(map[L"vmarg.other"].text, L"-Dother");
+    EXPECT_TRUE(
+        records.has("ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting "
+                    "-Xsharedclasses=none while provisioning\n"));
+}
+
+TEST_F(Provisioning, SharedClassesThatAreNotThereStayAbsent) {
+    const Records records(folder_);
+    debug = true;
+    VmArgumentMap map;
+    map[L"vmarg.dshare"].text = L"-Xother";
+    defeateSharedClassesInProvisioning(map);
+    EXPECT_EQ(map.size(), 1U);
+    EXPECT_TRUE(
+        records.has("ZYPRA0121I: \"vmarg.Dshare\" shared classes property was not detected. No "
+                    "special action needed while provisioning\n"));
+}
+
+TEST_F(Provisioning, CommandIsLoggedAndReplacesTheProcess) {
+    const Records records(folder_);
+    launchArgs = {L"/bin/sh", L"-c", L"exit 9"};
+    ChildProcess launcher([&] {
+        doProvisioning();
+        folder_.write("records.new", records.text());  // in the forked child, which goes on
+        std::filesystem::rename(folder_.path() / "records.new", folder_.path() / "records");
+        return 0;
+    });
+    EXPECT_EQ(launcher.wait(), 9);
+    for (int round = 0; !folder_.has("records") && round < 5000; ++round) {
+        usleep(1000);
+    }
+    EXPECT_EQ(folder_.read("records"),
+              "ZYPRA0129I: ===== Begin Provisioning Parameters =====\n/bin/sh\n-c\nexit 9\n"
+              "ZYPRA0130I: ===== End Provisioning Parameters =====\n");
+}
+
+TEST_F(Provisioning, CommandThatCannotBeStartedEndsWithStatusZeroAndAFreeLock) {
+    ChildProcess launcher([this] {
+        locate();
+        userFirstLaunch = true;
+        folder_.write("base/macosx/x86/eclipse", "\x7f nothing");
+        checkForProvisioning(inputs_);
+        return 99;
+    });
+    EXPECT_EQ(launcher.wait(), 0);
+    for (int round = 0; isLocked() && round < 1000; ++round) {
+        usleep(1000);  // the forked child ends on its own
+    }
+    EXPECT_FALSE(isLocked());
+}
+
+class SharedClasses : public Provisioning {
+  protected:
+    SharedClasses() {
+        folder_.write("shared/cache", "classes");
+        folder_.write("shared/deep/er/cache", "classes");
+        setUserLevel(L"1");
+    }
+    void setDirectory(const std::wstring& path) {
+        inputs_.userProperties.append({L"jvm.shareclasses.fullpath", path, {}});
+    }
+    [[nodiscard]] bool isEmptied() const {
+        return folder_.has("shared") && std::filesystem::is_empty(folder_.path() / "shared");
+    }
+};
+
+TEST_F(SharedClasses, AreEmptiedAtANewLevel) {
+    inputs_.workspace = folder_.wide("workspace");
+    setDirectory(folder_.wide("shared"));
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(isEmptied());
+}
+
+TEST_F(SharedClasses, AreKeptAtTheSameLevel) {
+    setUserLevel(L"2");
+    setDirectory(folder_.wide("shared"));
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(folder_.has("shared/deep/er/cache"));
+}
+
+TEST_F(SharedClasses, PathHasEitherSeparator) {
+    std::wstring path = folder_.wide("shared");
+    path[path.rfind(L'/')] = L'\\';
+    setDirectory(path);
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(isEmptied());
+}
+
+TEST_F(SharedClasses, MissingPropertyOrDirectoryChangesNothing) {
+    const Records records(folder_);
+    emptySharedClassesOnNewLevel(inputs_);
+    setDirectory(folder_.wide("missing"));
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(folder_.has("shared/cache"));
+    EXPECT_FALSE(records.has("Error"));
+}
+
+TEST_F(SharedClasses, PropertyOfTheLaunchersOwnListDoesNotCount) {
+    set(L"jvm.shareclasses.fullpath", folder_.wide("shared"));
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(folder_.has("shared/cache"));
+}
+
+TEST_F(SharedClasses, WhatCannotBeRemovedIsFatalWithTheList) {
+    const std::string link = folder_.narrow("shared/link");
+    std::filesystem::create_directory_symlink(folder_.path(), link);  // is not entered
+    setDirectory(folder_.wide("shared"));
+    EXPECT_FATAL(emptySharedClassesOnNewLevel(inputs_),
+                 "\nZYPRA0086I begin: Information collected while removing shared classes "
+                 "directory\n(.*\n)*.*link.*\n(.*\n)*"
+                 "ZYPRA0087I end: Unable to remove all files in the shared classes directory\\.");
+    EXPECT_TRUE(folder_.has("custom.ini"));
+}
+
+TEST_F(SharedClasses, DirectoryThatHoldsTheUsersAreaOrTheInstallationIsLeftAlone) {
+    folder_.write("shared/workspace/.config/keep", "x");
+    folder_.write("shared/install/keep", "x");
+    const Records records(folder_);
+    const std::wstring shared = folder_.wide("shared");
+    const char* before = getenv("HOME");
+    const std::string home = before == nullptr ? "" : before;
+    struct Area {
+        std::wstring LaunchInputs::*member;
+        std::wstring path;
+    };
+    for (const Area& area : {Area{&LaunchInputs::workspace, shared + L"/workspace"},
+                             Area{&LaunchInputs::configuration, shared + L"/workspace/.config"},
+                             Area{&LaunchInputs::installDir, shared + L"/install"}}) {
+        setenv("HOME", folder_.narrow("base").c_str(), 1);
+        LaunchInputs inputs;
+        inputs.properties = inputs_.properties;
+        inputs.*area.member = area.path;
+        for (const std::wstring& path : {shared, shared + L"/", area.path}) {
+            inputs.userProperties = PropertyList();
+            inputs.userProperties.append({L"jvm.shareclasses.fullpath", path, {}});
+            emptySharedClassesOnNewLevel(inputs);
+        }
+    }
+    setenv("HOME", folder_.narrow("shared/install").c_str(), 1);
+    setDirectory(shared);
+    emptySharedClassesOnNewLevel(inputs_);
+    home.empty() ? unsetenv("HOME") : setenv("HOME", home.c_str(), 1);
+    EXPECT_TRUE(folder_.has("shared/workspace/.config/keep"));
+    EXPECT_TRUE(folder_.has("shared/install/keep"));
+    EXPECT_TRUE(records.has("is no directory of shared classes alone"));
+}
+
+// Behind a root of its own: should it ever be emptied, only the test's folder is.
+TEST_F(SharedClasses, RootDirectoryIsLeftAlone) {
+    if (getuid() != 0) {
+        GTEST_SKIP() << "needs a root directory of its own";
+    }
+    inputs_.workspace = inputs_.configuration = inputs_.installDir = L"/missing";
+    setDirectory(L"/");
+    ChildProcess launcher([this] {
+        if (chroot(folder_.narrow().c_str()) != 0 || chdir("/") != 0) {
+            return 2;
+        }
+        setenv("HOME", "/missing", 1);
+        emptySharedClassesOnNewLevel(inputs_);
+        return 0;
+    });
+    EXPECT_EQ(launcher.wait(), 0);
+    EXPECT_TRUE(folder_.has("shared/cache"));
+}
+
+TEST_F(SharedClasses, LinkToTheWorkspaceIsLeftAloneToo) {
+    std::filesystem::create_directory_symlink(folder_.path(), folder_.path() / "shared/link");
+    inputs_.workspace = folder_.wide();
+    setDirectory(folder_.wide("shared/link"));
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(folder_.has("shared/cache"));
+}
+
+}  // namespace
+}  // namespace rcp

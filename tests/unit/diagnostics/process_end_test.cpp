@@ -1,0 +1,71 @@
+// How a fatal error ends the process, and what is left of it when there is no memory at all.
+#include "diagnostics/log_file.h"
+#include "diagnostics/svc_debug.h"
+#include "tests/unit/fixture.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+namespace rcp {
+namespace {
+
+struct Ended {};
+
+[[noreturn]] void end() {
+    throw Ended();
+}
+
+TEST(ProcessEnd, ReplacementIsCalledBehindEveryRecord) {
+    const EndFunction former = setEndFunction(end);
+    const std::size_t before = logQueue().size();
+    EXPECT_THROW(fatal("first"), Ended);
+    EXPECT_THROW(fatal("second"), Ended);
+    setEndFunction(former);
+    const std::string records = logQueue().substr(before);
+    EXPECT_NE(records.find("first : "), std::string::npos);
+    EXPECT_NE(records.find("second : "), std::string::npos);
+}
+
+// What a process leaves in the temporary log; it must end with `status`.
+std::string temporaryLogOf(void (*work)(), int status) {
+    (void)std::remove("/tmp/rcplauncher.log");
+    const pid_t child = fork();
+    if (child == 0) {
+        work();
+        _exit(0);
+    }
+    int ended = -1;
+    EXPECT_EQ(waitpid(child, &ended, 0), child);
+    EXPECT_TRUE(WIFEXITED(ended));
+    EXPECT_EQ(WEXITSTATUS(ended), status);
+    std::ifstream log("/tmp/rcplauncher.log");
+    std::string text{std::istreambuf_iterator<char>(log), std::istreambuf_iterator<char>()};
+    (void)std::remove("/tmp/rcplauncher.log");
+    return text;
+}
+
+TEST(ProcessEnd, LastWordsNeedNoOpenLog) {
+    if (!test::hasPrivateTmp()) {
+        GTEST_SKIP() << "no /tmp of its own";
+    }
+    EXPECT_EQ(temporaryLogOf([] { writeLastWords("last words\n"); }, 0), "last words\n");
+}
+
+TEST(ProcessEnd, FatalErrorInsideAFatalErrorEndsTheProcessAtOnce) {
+    if (!test::hasPrivateTmp()) {
+        GTEST_SKIP() << "no /tmp of its own";
+    }
+    const auto fatalTwice = [] {
+        setEndFunction([] { fatal("again"); });
+        fatal("once");
+    };
+    EXPECT_EQ(temporaryLogOf(fatalTwice, 255), "ZYPRA0004E: malloc failed!\n");
+}
+
+}  // namespace
+}  // namespace rcp

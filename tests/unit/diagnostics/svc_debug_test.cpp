@@ -1,0 +1,306 @@
+// Trace and error records: what is written and when.
+#include "diagnostics/svc_debug.h"
+
+#include "tests/unit/core/records.h"
+
+#include <errno.h>
+#include <gmock/gmock.h>
+
+#include <limits>
+
+namespace rcp {
+namespace {
+
+using test::Records;
+using testing::EndsWith;
+using testing::StartsWith;
+
+/// Collects the records of a test that traces.
+class Tracing : public test::LauncherTest {
+  protected:
+    Tracing() : records_(folder_) { setDebug(true); }
+    ~Tracing() override { setDebug(false); }
+    Records records_;
+};
+
+class Errors : public test::LauncherTest {
+  protected:
+    Errors() : records_(folder_) {}
+    Records records_;
+};
+
+const std::string kLongest(999, 'f');
+
+// --- Tracing ------------------------------------------------------------------------------------
+
+TEST_F(Errors, NothingIsTracedWhileTracingIsOff) {
+    const std::vector<std::wstring> arguments = {L"a"};
+    const FormatArgument values[] = {1L};
+    SvcDebugOutA("text");
+    SvcDebugOutA("%s", "text");
+    SvcDebugOutA("%d", 1);
+    SvcDebugOutW(L"%s", L"text");
+    SvcDebugOutW(L"dump", arguments);
+    SvcDebugLastError(L"text");
+    SvcDebugLastError(L"%s", L"text");
+    Output("%d", values);
+    EXPECT_EQ(records_.text(), "");
+}
+
+TEST_F(Tracing, TextIsOneLineAsItStands) {
+    SvcDebugOutA("100% of %s and %%");
+    EXPECT_EQ(records_.text(), "100% of %s and %%\n");
+}
+
+TEST_F(Tracing, FormatTakesTextOrNumber) {
+    SvcDebugOutA("a = %s", "x%d");
+    SvcDebugOutA("setPreload(): symlink() result = %d", -1);
+    EXPECT_EQ(records_.text(), "a = x%d\nsetPreload(): symlink() result = -1\n");
+}
+
+TEST_F(Tracing, WideFormatTakesWideText) {
+    SvcDebugOutW(L"B\u00FCro \"%s\"", L"\u00E9");
+    EXPECT_EQ(records_.text(), "B\u00FCro \"\u00E9\"\n");
+}
+
+TEST_F(Tracing, WhatCannotBeConvertedDoesNotLoseTheRecord) {
+    const std::wstring bad = {L'a', static_cast<wchar_t>(0xD800), L'b'};
+    SvcDebugOutW(L"text: %s.", bad);
+    EXPECT_EQ(records_.text(), "text: a\uFFFDb.\n");
+}
+
+TEST_F(Tracing, LineFeedInTheTextIsKeptInFrontOfTheRecordsOwn) {
+    SvcDebugOutA("line\n");
+    EXPECT_EQ(records_.text(), "line\n\n");
+}
+
+TEST_F(Tracing, FormatOf999CharactersIsWritten) {
+    SvcDebugOutA(kLongest);
+    SvcDebugOutA(kLongest, "x");
+    SvcDebugOutA(kLongest, 1);
+    SvcDebugOutW(std::wstring(999, L'f'), L"x");
+    Output(kLongest, {});
+    const std::string line = kLongest + "\n";
+    EXPECT_EQ(records_.text(), line + line + line + line + line);
+}
+
+TEST_F(Tracing, FormatOf1000CharactersIsDroppedWhole) {
+    const std::string tooLong(1000, 'f');
+    const std::wstring wideTooLong(1000, L'f');
+    const std::vector<std::wstring> arguments = {L"a"};
+    SvcDebugOutA(tooLong);
+    SvcDebugOutA(tooLong, "x");
+    SvcDebugOutA(tooLong, 1);
+    SvcDebugOutW(wideTooLong, L"x");
+    SvcDebugOutW(wideTooLong, arguments);
+    SvcDebugLastError(wideTooLong);
+    Output(tooLong, {});
+    EXPECT_EQ(records_.text(), "");
+}
+
+TEST_F(Tracing, OnlyTheFormatsLengthCountsNotTheArguments) {
+    SvcDebugOutA("%s", std::string(3000, 'x'));
+    EXPECT_EQ(records_.text(), std::string(3000, 'x') + "\n");
+}
+
+TEST_F(Tracing, LengthOfAWideFormatIsInCharacters) {
+    SvcDebugOutW(std::wstring(999, L'\u00E9'), L"");
+    EXPECT_EQ(records_.text().size(), 2U * 999 + 1);
+}
+
+TEST_F(Tracing, LastErrorAddsNoErrorText) {
+    errno = ENOENT;
+    SvcDebugLastError(L"message %s.");
+    SvcDebugLastError(L"message %s", L"x");
+    EXPECT_EQ(records_.text(), "message .\nmessage x\n");
+}
+
+TEST_F(Tracing, OutputTakesAnyNumberOfArguments) {
+    const FormatArgument values[] = {std::string_view("a"), 1L, std::wstring_view(L"c")};
+    Output("%s %d %ls", values);
+    EXPECT_EQ(records_.text(), "a 1 c\n");
+}
+
+TEST_F(Tracing, DumpListsEveryArgumentAndEndsWithAnEmptyLine) {
+    const std::vector<std::wstring> arguments = {L"a", L"b"};
+    SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
+    EXPECT_EQ(records_.text(), "ZYPRA0030I: rcplauncher main arguments=\"a, b, \"\n\n");
+}
+
+TEST_F(Tracing, DumpOfNoArgumentsIsAPairOfQuotes) {
+    SvcDebugOutW(L"message", std::span<const std::wstring>());
+    EXPECT_EQ(records_.text(), "message=\"\"\n\n");
+}
+
+TEST_F(Tracing, PercentSignsOfDumpedArgumentsAreDirectives) {
+    const std::vector<std::wstring> arguments = {L"100%%", L"%s%n%d", L"50%"};
+    SvcDebugOutW(L"message", arguments);
+    EXPECT_EQ(records_.text(), "message=\"100%, %s%n%d, 50%, \"\n\n");
+}
+
+TEST_F(Tracing, DumpThatIsTooLongIsCutToOneRecord) {
+    const std::vector<std::wstring> arguments = {std::wstring(5000, L'x')};
+    SvcDebugOutW(L"message", arguments);
+    EXPECT_EQ(records_.text().size(), 4096U);
+}
+
+TEST_F(Tracing, RecordIsCutAt4095BytesInFrontOfItsLineFeed) {
+    SvcDebugOutA("%s", std::string(4095, 'x'));
+    SvcDebugOutA("%s", std::string(4096, 'y'));
+    EXPECT_EQ(records_.text(), std::string(4095, 'x') + "\n" + std::string(4095, 'y') + "\n");
+}
+
+TEST_F(Tracing, CutNeverSplitsACharacter) {
+    SvcDebugOutA("%s", std::string(4094, 'x') + "\u00E9");
+    EXPECT_EQ(records_.text(), std::string(4094, 'x') + "\n");
+}
+
+// --- The switch ---------------------------------------------------------------------------------
+
+TEST_F(Errors, SwitchKeepsTheFormerValueWhenAsked) {
+    bool saved = true;
+    setDebug(true, saved);
+    EXPECT_TRUE(debug);
+    EXPECT_FALSE(saved);
+    setDebug(false, saved);
+    EXPECT_FALSE(debug);
+    EXPECT_TRUE(saved);
+    setDebug(saved);
+    EXPECT_TRUE(debug);
+}
+
+TEST_F(Errors, ForcedRecordIsWrittenAndTracingIsAsBefore) {
+    for (const bool before : {false, true}) {
+        setDebug(before);
+        {
+            const ForcedTracing forced;
+            SvcDebugOutA("forced");
+        }
+        EXPECT_EQ(debug, before);
+    }
+    EXPECT_EQ(records_.text(), "forced\nforced\n");
+}
+
+// --- Errors -------------------------------------------------------------------------------------
+
+TEST_F(Errors, ErrorIsWrittenWhileTracingIsOffAndItsTextIsReturned) {
+    const FormatArgument values[] = {std::string_view("x"), 3L};
+    EXPECT_EQ(fatalError(ErrnoText::kOmit, "ZYPRA0000E: %s %d", values), "ZYPRA0000E: x 3");
+    EXPECT_EQ(records_.text(), "ZYPRA0000E: x 3\n");
+}
+
+TEST_F(Errors, SystemErrorTextIsThatOfTheBeginning) {
+    errno = ENOENT;
+    EXPECT_EQ(fatalError(ErrnoText::kAppend, "message"), "message : No such file or directory");
+    errno = EACCES;
+    fatalErrorW(L"wide", Then::kReturn, ErrnoText::kAppend);
+    errno = EEXIST;
+    fatalErrorA("%s", "narrow", Then::kReturn, ErrnoText::kAppend);
+    EXPECT_THAT(records_.text(), EndsWith("wide : Permission denied\nnarrow : File exists\n"));
+}
+
+TEST_F(Errors, ReportThatDoesNotExitReturns) {
+    fatalErrorA("a %% b %s", Then::kReturn, ErrnoText::kOmit);
+    fatalErrorA("%s", "narrow", Then::kReturn, ErrnoText::kOmit);
+    fatalErrorA("ZYPRA0019E: Could not open %ls for writing!", L"/\u00E9", Then::kReturn,
+                ErrnoText::kOmit);
+    fatalErrorW(L"wide \u00E9", Then::kReturn, ErrnoText::kOmit);
+    report("Error: %ls", L"x");
+    EXPECT_EQ(records_.text(),
+              "a % b %s\nnarrow\nZYPRA0019E: Could not open /\u00E9 for writing!\nwide \u00E9\n"
+              "Error: x\n");
+}
+
+TEST_F(Errors, ErrorTextGoesIntoTheRoomThatIsLeft) {
+    errno = ENOENT;
+    const std::string text(4090, 'x');
+    EXPECT_EQ(fatalError(ErrnoText::kAppend, text), text + " : No");
+    errno = ENOENT;
+    EXPECT_EQ(fatalError(ErrnoText::kAppend, std::string(5000, 'y')), std::string(4095, 'y'));
+    EXPECT_EQ(records_.text().size(), 2U * 4096);
+}
+
+TEST_F(Errors, LongFormatOfAnErrorIsNotDropped) {
+    report(std::string(2000, 'x'));
+    EXPECT_EQ(records_.text(), std::string(2000, 'x') + "\n");
+}
+
+TEST_F(Errors, FatalReportEndsWithStatus255) {
+    EXPECT_FATAL((errno = ENOENT, fatal("ZYPRA0096E: Unable to load %ls file!", L"/x")),
+                 "ZYPRA0096E: Unable to load /x file! : No such file or directory\n");
+    EXPECT_FATAL((errno = ENOENT, fatal("errno = %d", 2L)), "errno = 2 : No such file");
+    EXPECT_FATAL(fatalErrorA("plain", Then::kExit, ErrnoText::kOmit), "plain\n");
+    EXPECT_FATAL(fatalErrorA("%s", "narrow", Then::kExit, ErrnoText::kOmit), "narrow\n");
+    EXPECT_FATAL(fatalErrorA("%ls", L"wide", Then::kExit, ErrnoText::kOmit), "wide\n");
+    EXPECT_FATAL(fatalErrorW(L"message", Then::kExit, ErrnoText::kOmit), "message\n");
+}
+
+TEST_F(Errors, FatalErrorWhileOneIsReportedEndsAtOnce) {
+    const std::wstring folder = folder_.wide();
+    EXPECT_EXIT(
+        {
+            enableLogging(folder);
+            std::atexit([] { fatal("second"); });
+            fatal("first");
+        },
+        testing::ExitedWithCode(255), "");
+    EXPECT_THAT(folder_.read("rcplauncher.log"), testing::HasSubstr("first"));
+    EXPECT_THAT(folder_.read("rcplauncher.log"), testing::Not(testing::HasSubstr("second")));
+}
+
+TEST_F(Errors, ReplacedEndIsCalledBehindTheRecordAndReportsWorkAgain) {
+    struct Ended {};
+    const EndFunction before = setEndFunction([] { throw Ended(); });
+    EXPECT_THROW(fatal("first"), Ended);
+    EXPECT_THROW(fatal("second"), Ended);
+    EXPECT_NE(setEndFunction(before), before);
+    EXPECT_TRUE(records_.has("first"));
+    EXPECT_TRUE(records_.has("second"));
+}
+
+TEST_F(Errors, LastErrorMessageNamesNumberAndText) {
+    std::string narrow = "old";
+    errno = ENOENT;
+    GetLastErrorMsg(narrow);
+    EXPECT_EQ(narrow, " Failed with error 2: No such file or directory");
+    std::wstring wide = L"old";
+    errno = EACCES;
+    GetLastErrorMsg(wide);
+    EXPECT_EQ(wide, L" Failed with error 13: Permission denied");
+}
+
+TEST_F(Errors, TimeStringIsDateTimeAndMilliseconds) {
+    std::wstring time = L"old";
+    getTimeString(time);
+    const std::string narrow(time.begin(), time.end());
+    EXPECT_THAT(narrow, testing::MatchesRegex("2[0-9][0-9][0-9][01][0-9][0-3][0-9]_"
+                                              "[0-2][0-9][0-5][0-9][0-6][0-9]_[0-9][0-9][0-9]"));
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kAllocatorEndsTheProcess = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kAllocatorEndsTheProcess = true;
+#else
+constexpr bool kAllocatorEndsTheProcess = false;
+#endif
+#else
+constexpr bool kAllocatorEndsTheProcess = false;
+#endif
+
+TEST_F(Errors, RunningOutOfMemoryEndsWithARecord) {
+    if (kAllocatorEndsTheProcess) {
+        GTEST_SKIP() << "the sanitizer's allocator ends the process itself";
+    }
+    volatile std::size_t tooMuch = std::numeric_limits<std::ptrdiff_t>::max() / 2;
+    EXPECT_FATAL(
+        {
+            installOutOfMemoryReport();
+            ::operator delete(::operator new(tooMuch));
+        },
+        "ZYPRA0004E: malloc failed! : Cannot allocate memory\n");
+}
+
+}  // namespace
+}  // namespace rcp

@@ -1,0 +1,142 @@
+#include "platform/bundle_metadata.h"
+
+#include "platform/text.h"
+#include "tests/unit/core/records.h"
+
+#include <sys/stat.h>
+
+namespace rcp {
+namespace {
+
+using Arguments = std::vector<std::wstring>;
+
+class BundleMetadata : public test::LauncherTest {
+  protected:
+    static std::string list(const std::string& body) {
+        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">" + body +
+               "</plist>";
+    }
+    static std::string withIdentifier(const std::string& identifier) {
+        return list("<dict><key>CFBundleIdentifier</key><string>" + identifier +
+                    "</string><key>CFBundleName</key><string>Velmo \u00FC</string></dict>");
+    }
+    void update(const std::string& content, const std::wstring& identifier) const {
+        folder_.write("Info.plist", content);
+        updateInfoPlist(folder_.wide("Info.plist"), identifier);
+    }
+    [[nodiscard]] std::string content() const { return folder_.read("Info.plist"); }
+    [[nodiscard]] std::optional<std::string> value(const std::string& key) const {
+        const auto parsed = createPropertiesListFromFile(folder_.wide("Info.plist"));
+        return parsed ? parsed->stringForKey(key) : std::nullopt;
+    }
+    void isUntouched(const std::string& before, const std::wstring& identifier) const {
+        folder_.write("Info.plist", before);
+        struct stat first {};
+        struct stat second {};
+        stat(folder_.narrow("Info.plist").c_str(), &first);
+        updateInfoPlist(folder_.wide("Info.plist"), identifier);
+        stat(folder_.narrow("Info.plist").c_str(), &second);
+        EXPECT_EQ(content(), before);
+        EXPECT_EQ(first.st_ino, second.st_ino) << "it is still the same file";
+    }
+};
+
+TEST_F(BundleMetadata, IdentifierIsTheArgumentBehindTheOption) {
+    const Arguments arguments = {L"rcplauncher", L"-bundleIdentifier", L"a.b", L"x"};
+    const std::wstring* found = getBundleIdentifier(arguments);
+    ASSERT_EQ(found, &arguments[2]);
+}
+
+TEST_F(BundleMetadata, EveryArgumentIsLookedAtFromTheFirstOn) {
+    const Arguments arguments = {L"-bundleIdentifier", L"-bundleIdentifier", L"a.b"};
+    EXPECT_EQ(getBundleIdentifier(arguments), &arguments[1]);
+}
+
+TEST_F(BundleMetadata, OptionWithoutAnArgumentBehindItIsNone) {
+    EXPECT_EQ(getBundleIdentifier({}), nullptr);
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier"}), nullptr);
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"-bundleidentifier", L"a", L"-bundleIdentifierX"}),
+              nullptr);
+}
+
+TEST_F(BundleMetadata, EndOfTheOptionsIsNoIdentifier) {
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier", L"-vmargs"}),
+              nullptr);
+}
+
+TEST_F(BundleMetadata, DifferentIdentifierIsReplacedAndTheRestStays) {
+    update(withIdentifier("org.example.client"), L"org.example.\u00FCber");
+    EXPECT_EQ(value("CFBundleIdentifier"), "org.example.\u00FCber");
+    EXPECT_EQ(value("CFBundleName"), "Velmo \u00FC");
+    EXPECT_TRUE(content().starts_with("<?xml"));
+    EXPECT_FALSE(folder_.has("Info.plist.tmp"));
+}
+
+TEST_F(BundleMetadata, MissingIdentifierIsAdded) {
+    update(list("<dict/>"), L"org.example");
+    EXPECT_EQ(value("CFBundleIdentifier"), "org.example");
+}
+
+TEST_F(BundleMetadata, IdentifierOfAnotherKindIsReplaced) {
+    update(list("<dict><key>CFBundleIdentifier</key><true/></dict>"), L"org.example");
+    EXPECT_EQ(value("CFBundleIdentifier"), "org.example");
+}
+
+TEST_F(BundleMetadata, SameIdentifierInAnyLetterCaseLeavesTheFileUntouched) {
+    isUntouched(withIdentifier("org.example.client"), L"org.example.client");
+    isUntouched(withIdentifier("org.example.client"), L"ORG.Example.CLIENT");
+    isUntouched(withIdentifier("org.\u00DCber"), L"ORG.\u00FCBER");
+}
+
+TEST_F(BundleMetadata, WhatIsNoDictionaryIsLeftAlone) {
+    isUntouched(list("<array><string>CFBundleIdentifier</string></array>"), L"org.example");
+    isUntouched("no property list", L"org.example");
+    isUntouched("", L"org.example");
+    isUntouched(std::string(5 << 20, 'x'), L"org.example");
+}
+
+TEST_F(BundleMetadata, MissingFileIsNotMade) {
+    updateInfoPlist(folder_.wide("Info.plist"), L"org.example");
+    EXPECT_FALSE(folder_.has("Info.plist"));
+    EXPECT_FALSE(createPropertiesListFromFile(folder_.wide("Info.plist")).has_value());
+    EXPECT_FALSE(createPropertiesListFromFile(folder_.wide()).has_value());
+}
+
+TEST_F(BundleMetadata, IdentifierThatIsNoTextLeavesTheFileUntouched) {
+    isUntouched(withIdentifier("org.example"), std::wstring(1, static_cast<wchar_t>(0xD800)));
+}
+
+TEST_F(BundleMetadata, RewrittenFileKeepsItsPermissions) {
+    folder_.write("Info.plist", withIdentifier("a"));
+    ASSERT_EQ(chmod(folder_.narrow("Info.plist").c_str(), 0604), 0);
+    updateInfoPlist(folder_.wide("Info.plist"), L"b");
+    struct stat status {};
+    ASSERT_EQ(stat(folder_.narrow("Info.plist").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0604U);
+    EXPECT_EQ(value("CFBundleIdentifier"), "b");
+}
+
+TEST_F(BundleMetadata, FailedWriteIsNotReported) {
+    const test::Records records(folder_);
+    // Something in the place of the temporary file.
+    folder_.write("Info.plist.tmp/file", "");
+    isUntouched(withIdentifier("a"), L"b");
+    EXPECT_EQ(records.text(), "");
+    const auto parsed = createPropertiesListFromFile(folder_.wide("Info.plist"));
+    ASSERT_TRUE(parsed.has_value());
+    EXPECT_FALSE(writePropertyListToFile(*parsed, folder_.wide("missing/Info.plist")));
+}
+
+TEST_F(BundleMetadata, ListIsWrittenAsXml) {
+    folder_.write("Info.plist", withIdentifier("a"));
+    const auto parsed = createPropertiesListFromFile(folder_.wide("Info.plist"));
+    ASSERT_TRUE(parsed.has_value());
+    EXPECT_TRUE(writePropertyListToFile(*parsed, folder_.wide("copy")));
+    EXPECT_TRUE(folder_.read("copy").starts_with("<?xml"));
+    const auto copy = createPropertiesListFromFile(folder_.wide("copy"));
+    ASSERT_TRUE(copy.has_value());
+    EXPECT_EQ(copy->stringForKey("CFBundleIdentifier"), "a");
+}
+
+}  // namespace
+}  // namespace rcp

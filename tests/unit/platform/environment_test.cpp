@@ -1,0 +1,134 @@
+#include "platform/environment.h"
+
+#include "diagnostics/svc_debug.h"
+#include "tests/unit/core/launch_pieces.h"
+#include "tests/unit/core/records.h"
+
+#include <unistd.h>
+
+namespace rcp {
+namespace {
+
+using test::ScopedVariable;
+
+constexpr char kName[] = "RCP_UNIT_\u00C4";
+constexpr wchar_t kWideName[] = L"RCP_UNIT_\u00C4";
+
+class SystemEnvironment : public test::LauncherTest {
+  protected:
+    SystemEnvironment() : records_(folder_) { setDebug(true); }
+    ~SystemEnvironment() override { setDebug(false); }
+    ScopedVariable none_{kName};
+    test::Records records_;
+};
+
+TEST_F(SystemEnvironment, VariableIsReadAndNothingIsRecorded) {
+    const ScopedVariable variable(kName, "v\u00E4lue");
+    std::wstring value = L"old";
+    const wchar_t* const found = getEnv(kWideName, value);
+    EXPECT_EQ(found, value.c_str());
+    EXPECT_EQ(value, L"v\u00E4lue");
+    EXPECT_EQ(records_.text(), "");
+}
+
+TEST_F(SystemEnvironment, EmptyVariableIsSet) {
+    const ScopedVariable variable(kName, "");
+    std::wstring value = L"old";
+    EXPECT_STREQ(getEnv(kWideName, value), L"");
+    EXPECT_EQ(value, L"");
+    EXPECT_EQ(records_.text(), "");
+}
+
+TEST_F(SystemEnvironment, MissingVariableIsNullAndOneTraceRecord) {
+    std::wstring value = L"old";
+    EXPECT_EQ(getEnv(kWideName, value), nullptr);
+    EXPECT_EQ(value, L"");
+    EXPECT_EQ(records_.text(),
+              "ZYPRA0081I:  Environmental variable 'RCP_UNIT_\u00C4' is not set\n\n");
+}
+
+TEST_F(SystemEnvironment, MissingVariableIsNotRecordedWithoutTracing) {
+    setDebug(false);
+    std::wstring value;
+    EXPECT_EQ(getEnv(kWideName, value), nullptr);
+    EXPECT_EQ(records_.text(), "");
+}
+
+TEST_F(SystemEnvironment, SetAnswersFalseWhenItSucceeded) {
+    EXPECT_FALSE(setEnv(kWideName, L"\u00E9", false));
+    EXPECT_EQ(test::variable(kName), "\u00E9");
+    EXPECT_FALSE(setEnv(kWideName, L"second", true));
+    EXPECT_EQ(test::variable(kName), "second");
+}
+
+TEST_F(SystemEnvironment, SetWithoutOverwriteLeavesAnExistingValueAndAnswersFalse) {
+    const ScopedVariable variable(kName, "first");
+    EXPECT_FALSE(setEnv(kWideName, L"second", false));
+    EXPECT_EQ(test::variable(kName), "first");
+}
+
+TEST_F(SystemEnvironment, SetAnswersTrueWhenItFailed) {
+    EXPECT_TRUE(setEnv(L"", L"x", true));
+    EXPECT_TRUE(setEnv(L"A=B", L"x", true));
+}
+
+TEST_F(SystemEnvironment, UnsetAlwaysAnswersTrue) {
+    const ScopedVariable variable(kName, "first");
+    EXPECT_TRUE(unsetEnv(kWideName));
+    EXPECT_EQ(test::variable(kName), std::nullopt);
+    EXPECT_TRUE(unsetEnv(kWideName));
+    EXPECT_TRUE(unsetEnv(L"A=B"));
+}
+
+TEST_F(SystemEnvironment, HomeIsThatOfTheVariable) {
+    const ScopedVariable home("HOME", "/Users/ann");
+    std::wstring out;
+    const wchar_t* const found = getUserHome(out);
+    EXPECT_EQ(found, out.c_str());
+    EXPECT_EQ(out, L"/Users/ann");
+}
+
+TEST_F(SystemEnvironment, MissingHomeIsEmptyAndTraced) {
+    const ScopedVariable home("HOME");
+    std::wstring out = L"old";
+    EXPECT_STREQ(getUserHome(out), L"");
+    EXPECT_EQ(out, L"");
+    EXPECT_EQ(records_.text(), "ZYPRA0081I:  Environmental variable 'HOME' is not set\n\n");
+}
+
+TEST_F(SystemEnvironment, AdministratorIsTheRealUserRootWhateverTheArgument) {
+    EXPECT_EQ(userIsAdmin(L""), getuid() == 0);
+    EXPECT_EQ(userIsAdmin(L"somebody"), getuid() == 0);
+    if (getuid() == 0) {
+        EXPECT_EXIT(
+            {
+                const bool isRoot = userIsAdmin(L"root") && setuid(12345) == 0;
+                _exit(isRoot && !userIsAdmin(L"root") ? 3 : 4);
+            },
+            testing::ExitedWithCode(3), "");
+    }
+}
+
+TEST_F(SystemEnvironment, SystemIsMacosxOnEveryBuild) {
+    EXPECT_STREQ(getOS(), L"macosx");
+}
+
+TEST_F(SystemEnvironment, TickIsTheTimeOfDay) {
+    timeval before{};
+    gettimeofday(&before, nullptr);
+    const timeval tick = getTick();
+    EXPECT_GE(tick.tv_sec, before.tv_sec);
+    EXPECT_GE(tick.tv_usec, 0);
+    EXPECT_LT(tick.tv_usec, 1'000'000);
+}
+
+TEST_F(SystemEnvironment, SleepGivesWhatWasLeft) {
+    EXPECT_EQ(sysSleep(0), 0U);
+    const SleepFunction before = setSleepFunction([](unsigned seconds) { return seconds - 1; });
+    EXPECT_EQ(before, &sleep);
+    EXPECT_EQ(sysSleep(5), 4U);
+    setSleepFunction(before);
+}
+
+}  // namespace
+}  // namespace rcp

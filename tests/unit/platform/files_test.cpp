@@ -1,0 +1,300 @@
+// Single files and directories.
+#include "platform/files.h"
+
+#include "tests/unit/fixture.h"
+#include "tests/unit/probe.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <tuple>
+
+namespace rcp {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Files : public test::LauncherTest {
+  protected:
+    void link(const std::string& target, const std::string& name) const {
+        fs::create_symlink(target, folder_.path() / name);
+    }
+    void makeDirectory(const std::string& name) const {
+        fs::create_directories(folder_.path() / name);
+    }
+    void setMode(const std::string& name, mode_t mode) const {
+        ASSERT_EQ(chmod(folder_.narrow(name).c_str(), mode), 0);
+    }
+    [[nodiscard]] mode_t modeOf(const std::string& name) const {
+        struct stat status {};
+        EXPECT_EQ(stat(folder_.narrow(name).c_str(), &status), 0);
+        return status.st_mode & 07777U;
+    }
+};
+
+// --- Predicates ---------------------------------------------------------------------------------
+
+TEST_F(Files, ExistsIsWhatCanBeOpenedForReading) {
+    folder_.write("\u00FC", "");
+    EXPECT_TRUE(exists(folder_.wide("\u00FC")));
+    EXPECT_TRUE(existsA(folder_.narrow("\u00FC")));
+    EXPECT_FALSE(exists(folder_.wide("missing")));
+    EXPECT_FALSE(existsA(folder_.narrow("missing")));
+    EXPECT_FALSE(exists(L""));
+}
+
+TEST_F(Files, DirectoryExists) {
+    EXPECT_TRUE(exists(folder_.wide()));
+}
+
+TEST_F(Files, DanglingLinkDoesNotExist) {
+    link("missing", "link");
+    EXPECT_FALSE(exists(folder_.wide("link")));
+}
+
+TEST_F(Files, UnreadableFileDoesNotExist) {
+    folder_.write("secret", "x");
+    setMode("secret", 0);
+    setMode("", 0755);
+    const std::string path = folder_.narrow("secret");
+    // Root reads everything, so the question is asked as somebody else.
+    EXPECT_EXIT(
+        {
+            if (geteuid() == 0) {
+                std::ignore = seteuid(12345);
+            }
+            _exit(existsA(path) ? 4 : 3);
+        },
+        testing::ExitedWithCode(3), "");
+}
+
+TEST_F(Files, PipeExistsWithoutAWait) {
+    ASSERT_EQ(mkfifo(folder_.narrow("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(exists(folder_.wide("pipe")));
+}
+
+TEST_F(Files, DirectoryIsTheEntryItself) {
+    folder_.write("file", "");
+    makeDirectory("directory");
+    link("directory", "link");
+    EXPECT_TRUE(isDirectory(folder_.wide("directory")));
+    EXPECT_FALSE(isDirectory(folder_.wide("link"))) << "a link to a directory is none";
+    EXPECT_FALSE(isDirectory(folder_.wide("file")));
+    EXPECT_FALSE(isDirectory(folder_.wide("missing")));
+    EXPECT_FALSE(isDirectory(L""));
+}
+
+TEST_F(Files, ExecutableIsTheOwnersBitAlone) {
+    folder_.write("file", "");
+    for (const auto& [mode, expected] : {std::pair<mode_t, bool>{0100, true},
+                                         {0755, true},
+                                         {0655, false},
+                                         {0011, false},
+                                         {0644, false}}) {
+        setMode("file", mode);
+        EXPECT_EQ(isExecutable(folder_.wide("file")), expected) << mode;
+        EXPECT_EQ(isExecutable(folder_.narrow("file")), expected) << mode;
+    }
+    EXPECT_FALSE(isExecutable(folder_.wide("missing")));
+    EXPECT_FALSE(isExecutable(L""));
+}
+
+TEST_F(Files, LinkToAnExecutableIsExecutable) {
+    folder_.write("file", "");
+    setMode("file", 0700);
+    link("file", "link");
+    EXPECT_TRUE(isExecutable(folder_.wide("link")));
+}
+
+TEST_F(Files, ResolvedPathHasNoLinksAndNoDots) {
+    makeDirectory("directory");
+    folder_.write("directory/file", "");
+    link("directory", "link");
+    const std::string real = fs::canonical(folder_.path()).string() + "/directory/file";
+    EXPECT_EQ(resolvedPath(folder_.narrow("link/../link/./file")), real);
+    EXPECT_EQ(resolvedPath(folder_.narrow("missing")), std::nullopt);
+}
+
+// --- Streams ------------------------------------------------------------------------------------
+
+TEST_F(Files, BothOpenFunctionsOpenAStream) {
+    for (const auto open : {&open_file, &open_wfile}) {
+        folder_.write("file", "old content");
+        Stream stream;
+        open(stream, folder_.wide("file"), L"w+");
+        ASSERT_NE(stream, nullptr);
+        EXPECT_GE(fputs("new", stream.get()), 0);
+        stream.reset();
+        EXPECT_EQ(folder_.read("file"), "new");
+        open(stream, folder_.wide("file"), L"r");
+        ASSERT_NE(stream, nullptr);
+        EXPECT_EQ(fgetc(stream.get()), 'n');
+        EXPECT_EQ(fputc('x', stream.get()), EOF) << "only for reading";
+    }
+}
+
+TEST_F(Files, EveryModeIsThatOfTheStandardLibrary) {
+    for (const wchar_t* mode : {L"r", L"rb", L"r+"}) {
+        Stream stream;
+        open_file(stream, folder_.wide("missing"), mode);
+        EXPECT_EQ(stream, nullptr) << mode;
+    }
+    for (const auto& [mode, expected] : {std::pair<const wchar_t*, const char*>{L"w", "new"},
+                                         {L"w+", "new"},
+                                         {L"a+", "old contentnew"},
+                                         {L"r+", "new content"}}) {
+        folder_.write("file", "old content");
+        Stream stream;
+        open_file(stream, folder_.wide("file"), mode);
+        ASSERT_NE(stream, nullptr) << mode;
+        EXPECT_GE(fputs("new", stream.get()), 0);
+        stream.reset();
+        EXPECT_EQ(folder_.read("file"), expected) << mode;
+    }
+}
+
+TEST_F(Files, FailedOpenGivesNullAndTheReason) {
+    folder_.write("file", "");
+    Stream stream;
+    open_file(stream, folder_.wide("file"), L"r");
+    ASSERT_NE(stream, nullptr);
+    errno = 0;
+    open_file(stream, folder_.wide("missing"), L"r");
+    EXPECT_EQ(stream, nullptr) << "the former stream is closed";
+    EXPECT_EQ(errno, ENOENT);
+    open_file(stream, folder_.wide("file"), L"x");
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST_F(Files, DirectoryOrPipeInAFilesPlaceIsAFailureNeverAWait) {
+    ASSERT_EQ(mkfifo(folder_.narrow("pipe").c_str(), 0600), 0);
+    Stream stream;
+    open_file(stream, folder_.wide(), L"r");
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(errno, EISDIR);
+    open_file(stream, folder_.wide("pipe"), L"r");
+    EXPECT_EQ(stream, nullptr);
+    open_file(stream, folder_.wide("pipe"), L"w");
+    EXPECT_EQ(stream, nullptr);
+}
+
+TEST_F(Files, StreamIsNotInheritedByAnExecutedProgram) {
+    folder_.write("file", "");
+    Stream stream;
+    open_file(stream, folder_.wide("file"), L"r");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_NE(fcntl(fileno(stream.get()), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+// --- Directories --------------------------------------------------------------------------------
+
+TEST_F(Files, DirectoryIsMadeOnlyOnce) {
+    EXPECT_TRUE(createDirectory(folder_.wide("new")));
+    EXPECT_TRUE(isDirectory(folder_.wide("new")));
+    EXPECT_FALSE(createDirectory(folder_.wide("new")));
+    EXPECT_FALSE(createDirectory(folder_.wide("missing/new")));
+}
+
+TEST_F(Files, DirectoryHasMode0775LessTheMask) {
+    const mode_t before = umask(0);
+    EXPECT_TRUE(createDirectory(folder_.wide("open")));
+    umask(022);
+    EXPECT_TRUE(createDirectory(folder_.wide("masked")));
+    umask(before);
+    EXPECT_EQ(modeOf("open"), 0775U);
+    EXPECT_EQ(modeOf("masked"), 0755U);
+}
+
+TEST_F(Files, EveryDirectoryOfAPathIsMade) {
+    EXPECT_TRUE(mkdirs(folder_.wide() + L"//a\\b/\\c/"));
+    EXPECT_TRUE(isDirectory(folder_.wide("a/b/c")));
+}
+
+TEST_F(Files, ExistingPathIsNotMadeAndNotChanged) {
+    folder_.write("a/b/file", "x");
+    EXPECT_FALSE(mkdirs(folder_.wide("a/b")));
+    EXPECT_EQ(folder_.read("a/b/file"), "x");
+    EXPECT_TRUE(mkdirs(folder_.wide("a/b/c"))) << "only the last one counts";
+}
+
+TEST_F(Files, PathWithoutComponentsIsMade) {
+    for (const wchar_t* path : {L"", L"/", L"//\\"}) {
+        EXPECT_TRUE(mkdirs(path)) << path;
+    }
+}
+
+const test::Probe kRelative("relative mkdirs", [](const std::vector<std::string>& arguments) {
+    // A root of the test's own, so that the system's stays clean.
+    if (chroot(arguments.at(0).c_str()) != 0 || chdir("/inside") != 0) {
+        return 77;
+    }
+    return mkdirs(L"a/b") ? 3 : 4;
+});
+
+TEST_F(Files, RelativePathIsMadeFromTheRootOfTheFileSystem) {
+    makeDirectory("inside");
+    const test::ProbeResult result = test::runProbe("relative mkdirs", {folder_.narrow()});
+    if (result.status == 77) {
+        GTEST_SKIP() << "only root can have a root of its own";
+    }
+    EXPECT_EQ(result.status, 3);
+    EXPECT_TRUE(isDirectory(folder_.wide("a/b")));
+    EXPECT_FALSE(exists(folder_.wide("inside/a")));
+}
+
+TEST_F(Files, FileInThePathIsAFailure) {
+    folder_.write("file", "x");
+    EXPECT_FALSE(mkdirs(folder_.wide("file/a")));
+    EXPECT_FALSE(ensureDirectory(folder_.wide("file/a")));
+    EXPECT_FALSE(ensureDirectory(folder_.wide("file")));
+    EXPECT_EQ(folder_.read("file"), "x");
+}
+
+TEST_F(Files, DirectoryThatAnotherLauncherMadeMeanwhileIsEnough) {
+    EXPECT_TRUE(ensureDirectory(folder_.wide("a/b")));
+    EXPECT_TRUE(ensureDirectory(folder_.wide("a/b")));
+}
+
+TEST_F(Files, LinkToADirectoryIsNotEnough) {
+    makeDirectory("directory");
+    link("directory", "link");
+    errno = 0;
+    EXPECT_FALSE(ensureDirectory(folder_.wide("link")));
+    EXPECT_EQ(errno, EEXIST) << "the reason of the failed creation";
+}
+
+// --- Moving and deleting ------------------------------------------------------------------------
+
+TEST_F(Files, MoveRenames) {
+    folder_.write("a", "content");
+    folder_.write("b", "old");
+    EXPECT_TRUE(moveFile(folder_.wide("a"), folder_.wide("b")));
+    EXPECT_EQ(folder_.read("b"), "content");
+    EXPECT_FALSE(folder_.has("a"));
+    EXPECT_FALSE(moveFile(folder_.wide("a"), folder_.wide("b")));
+    EXPECT_EQ(folder_.read("b"), "content");
+}
+
+TEST_F(Files, DirectoryIsMovedWhole) {
+    folder_.write("a/b/c", "content");
+    EXPECT_TRUE(moveFile(folder_.wide("a"), folder_.wide("d")));
+    EXPECT_EQ(folder_.read("d/b/c"), "content");
+}
+
+TEST_F(Files, DeleteUnlinksFilesAndLinksOnly) {
+    folder_.write("file", "");
+    makeDirectory("directory");
+    link("directory", "link");
+    EXPECT_TRUE(deleteFile(folder_.wide("file")));
+    EXPECT_FALSE(folder_.has("file"));
+    EXPECT_FALSE(deleteFile(folder_.wide("file")));
+    EXPECT_TRUE(deleteFile(folder_.wide("link")));
+    EXPECT_FALSE(deleteFile(folder_.wide("directory")));
+    EXPECT_TRUE(folder_.has("directory"));
+}
+
+}  // namespace
+}  // namespace rcp

@@ -1,0 +1,228 @@
+// The library preload link.
+#include "platform/preload.h"
+
+#include "diagnostics/svc_debug.h"
+#include "tests/unit/core/launch_pieces.h"
+#include "tests/unit/core/records.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace rcp {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::ScopedVariable;
+
+/// The links of a user that exists in this process only.
+class Preload : public test::LauncherTest {
+  protected:
+    void SetUp() override {
+        setDebug(true);
+        folder_.write("a library/lib.so", "");
+        ASSERT_FALSE(entryIsThere());
+    }
+    void TearDown() override {
+        setDebug(false);
+        std::error_code ignored;
+        for (const char* qualifier : {"x64", "x86"}) {
+            fs::remove_all(linkPath(qualifier), ignored);
+        }
+    }
+    [[nodiscard]] std::string linkPath(const std::string& qualifier = "x64") const {
+        return "/tmp/ovr.rcp." + user_ + "." + qualifier + ".lib.so";
+    }
+    [[nodiscard]] std::string library() const { return folder_.narrow("a library/lib.so"); }
+    [[nodiscard]] bool entryIsThere() const { return fs::exists(fs::symlink_status(linkPath())); }
+    void set(const std::wstring& qualifier = L"x64") const {
+        setPreload(folder_.wide("a library/lib.so"), qualifier);
+    }
+    static std::optional<std::string> preloaded() { return test::variable("LD_PRELOAD"); }
+
+    const std::string user_ = "unit_tests_" + std::to_string(getpid());
+    ScopedVariable variable_{"LD_PRELOAD"};
+    ScopedVariable name_{"USER", user_};
+    test::Records records_{folder_};
+};
+
+TEST_F(Preload, PathWithoutABlankIsUsedAsItIsEvenWhenNothingIsThere) {
+    const ScopedVariable noUser("USER");
+    setenv("LD_PRELOAD", "/old.so", 1);
+    setPreload(L"/not/there.so", L"x64");
+    EXPECT_EQ(preloaded(), "/not/there.so");
+    EXPECT_EQ(records_.text(), "setPreload():setting LD_PRELOAD=/not/there.so\n");
+    setPreload(L"name.so", L"x64");
+    EXPECT_EQ(preloaded(), "name.so");
+}
+
+TEST_F(Preload, PathWithABlankThatDoesNotExistLeavesTheVariableUntouched) {
+    setPreload(L"/not there/lib.so", L"x64");
+    EXPECT_EQ(preloaded(), std::nullopt);
+    EXPECT_EQ(records_.text(), "setPreload():found property: library.preload=/not there/lib.so\n");
+}
+
+TEST_F(Preload, PathWithABlankGetsALinkWithoutOne) {
+    set();
+    EXPECT_EQ(fs::read_symlink(linkPath()).string(), library());
+    EXPECT_EQ(preloaded(), linkPath());
+    EXPECT_EQ(records_.text(),
+              "setPreload():found property: library.preload=" + library() +
+                  "\nsetPreload():library name = lib.so\nsetPreload():linkPath=" + linkPath() +
+                  "\nsetPreload(): creating new link ...\n"
+                  "setPreload(): symlink() result = 0\n"
+                  "setPreload():setting LD_PRELOAD=" +
+                  linkPath() + "\nsetPreload():getenv LD_PRELOAD=" + linkPath() + "\n");
+}
+
+TEST_F(Preload, SecondRunKeepsTheLink) {
+    set();
+    struct stat first {};
+    ASSERT_EQ(lstat(linkPath().c_str(), &first), 0);
+    unsetenv("LD_PRELOAD");
+    const std::size_t before = records_.text().size();
+    set();
+    struct stat second {};
+    ASSERT_EQ(lstat(linkPath().c_str(), &second), 0);
+    EXPECT_EQ(first.st_ino, second.st_ino);
+    EXPECT_EQ(preloaded(), linkPath());
+    EXPECT_EQ(records_.text().substr(before),
+              "setPreload():found property: library.preload=" + library() +
+                  "\nsetPreload():library name = lib.so\nsetPreload():linkPath=" + linkPath() +
+                  "\nsetPreload(): link path already exists.\n"
+                  "setPreload(): existing link is to: " +
+                  library() + "\nsetPreload():setting LD_PRELOAD=" + linkPath() +
+                  "\nsetPreload():getenv LD_PRELOAD=" + linkPath() + "\n");
+}
+
+TEST_F(Preload, AnotherLibraryReplacesTheLink) {
+    folder_.write("another library/lib.so", "");
+    setPreload(folder_.wide("another library/lib.so"), L"x64");
+    const std::size_t before = records_.text().size();
+    set();
+    EXPECT_EQ(fs::read_symlink(linkPath()).string(), library());
+    const std::string records = records_.text().substr(before);
+    EXPECT_NE(records.find(
+                  "setPreload(): existing link is to: " + folder_.narrow("another library/lib.so") +
+                  "\nsetPreload(): removing existing link ...\n"
+                  "setPreload(): creating new link ...\n"
+                  "setPreload(): symlink() result = 0\n"),
+              std::string::npos)
+        << records;
+}
+
+TEST_F(Preload, DanglingLinkIsReplacedToo) {
+    fs::create_symlink("/not/there any more", linkPath());
+    set();
+    EXPECT_EQ(fs::read_symlink(linkPath()).string(), library());
+    EXPECT_EQ(preloaded(), linkPath());
+}
+
+TEST_F(Preload, EveryQualifierHasALinkOfItsOwn) {
+    set(L"x64");
+    set(L"x86");
+    EXPECT_EQ(preloaded(), linkPath("x86"));
+    EXPECT_TRUE(fs::is_symlink(linkPath("x64")));
+    EXPECT_TRUE(fs::is_symlink(linkPath("x86")));
+}
+
+TEST_F(Preload, EveryUserHasALinkOfHisOwn) {
+    set();
+    const std::string first = *preloaded();
+    const ScopedVariable other("USER", user_ + "_2");
+    set();
+    EXPECT_EQ(preloaded(), "/tmp/ovr.rcp." + user_ + "_2.x64.lib.so");
+    EXPECT_NE(preloaded(), first);
+    fs::remove(*preloaded());
+}
+
+TEST_F(Preload, LinkThatCannotBeMadeIsOnlyTraced) {
+    // A name that is longer than the file system allows.
+    const std::wstring qualifier(300, L'q');
+    set(qualifier);
+    EXPECT_TRUE(records_.has("setPreload(): symlink() result = -1\n"));
+    EXPECT_EQ(preloaded(), "/tmp/ovr.rcp." + user_ + "." + std::string(300, 'q') + ".lib.so");
+}
+
+TEST_F(Preload, LinkOfAnotherUserThatCannotBeRemovedIsNeverPreloaded) {
+    if (geteuid() != 0 || !test::hasPrivateTmp()) {
+        GTEST_SKIP() << "only root can play another user, in a /tmp of its own";
+    }
+    ASSERT_EQ(chmod(folder_.narrow().c_str(), 0755), 0);
+    ASSERT_EQ(chmod("/tmp", 01777), 0);
+    fs::create_symlink(library(), linkPath());
+    ASSERT_EQ(lchown(linkPath().c_str(), 12345, 12345), 0);
+    setDebug(false);
+    EXPECT_EXIT(
+        {
+            test::logToStderr();
+            setenv("LD_PRELOAD", "/old.so", 1);
+            const bool changed = seteuid(12346) == 0;
+            set();
+            const bool isOld = preloaded() == "/old.so";
+            (void)(seteuid(0) == 0);
+            exit(changed && isOld ? 3 : 4);
+        },
+        testing::ExitedWithCode(3),
+        "^\n*Error: setPreload: /tmp/ovr.rcp.*lib.so belongs to another user and is not "
+        "preloaded.\n$");
+}
+
+TEST_F(Preload, LinkOfRootIsTrusted) {
+    if (geteuid() != 0 || !test::hasPrivateTmp()) {
+        GTEST_SKIP() << "only root can make it, in a /tmp of its own";
+    }
+    ASSERT_EQ(chmod(folder_.narrow().c_str(), 0755), 0);
+    ASSERT_EQ(chmod("/tmp", 01777), 0);
+    fs::create_symlink(library(), linkPath());
+    const std::string expected = linkPath();
+    EXPECT_EXIT(
+        {
+            const bool changed = seteuid(12346) == 0;
+            set();
+            _exit(changed && preloaded() == expected ? 3 : 4);
+        },
+        testing::ExitedWithCode(3), "");
+}
+
+TEST_F(Preload, PathWithoutASlashEndsTheProcess) {
+    const fs::path before = fs::current_path();
+    folder_.write("a lib.so", "");
+    fs::current_path(folder_.path());
+    EXPECT_FATAL(setPreload(L"a lib.so", L"x64"),
+                 "ZYPRA0189E: Couldn't find filename for library.preload property");
+    fs::current_path(before);
+}
+
+TEST_F(Preload, MissingUserNameEndsTheProcess) {
+    const ScopedVariable noUser("USER");
+    EXPECT_FATAL(set(), "ZYPRA0006E: Couldn't find the user name!");
+}
+
+TEST_F(Preload, UserNameThatLeadsElsewhereEndsTheProcess) {
+    const ScopedVariable user("USER", "../ann");
+    EXPECT_FATAL(set(), "ZYPRA0006E: Couldn't find the user name!");
+}
+
+TEST_F(Preload, TargetOfALinkOfAnyLengthIsRead) {
+    for (const std::size_t length : {1U, 1023U, 1024U, 1025U, 3000U}) {
+        const std::string target(length, 't');
+        const std::string link = folder_.narrow("link");
+        ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0);
+        std::string read = "old";
+        readsymln(read, link);
+        EXPECT_EQ(read, target);
+        fs::remove(link);
+    }
+}
+
+TEST_F(Preload, TargetOfWhatIsNoLinkEndsTheProcess) {
+    std::string target;
+    EXPECT_FATAL(readsymln(target, folder_.narrow("missing")),
+                 "ZYPRA0184E: Getting command path failed! errno = 2 : No such file");
+    EXPECT_FATAL(readsymln(target, folder_.narrow()),
+                 "ZYPRA0184E: Getting command path failed! errno = 22 : Invalid argument");
+}
+
+}  // namespace
+}  // namespace rcp

@@ -1,0 +1,191 @@
+#include "platform/removal.h"
+
+#include "platform/text.h"
+#include "tests/unit/fixture.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace rcp {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kMissing[] = "  -  Failed with error 2: No such file or directory\n";
+constexpr char kNotADirectory[] = "  -  Failed with error 20: Not a directory\n";
+
+std::string notEmpty() {
+    return "  -  Failed with error " + std::to_string(ENOTEMPTY) + ": Directory not empty\n";
+}
+
+class Removal : public test::LauncherTest {
+  protected:
+    [[nodiscard]] std::string at(const std::string& name) const { return folder_.narrow(name); }
+    bool removeContents(const std::string& name = "tree") {
+        errors_ = L"old";
+        return removeDirectoryContents(folder_.wide(name), errors_);
+    }
+    bool removePattern(const wchar_t* pattern) {
+        return removeFileWithPatternFromDirectory(folder_.wide("tree"), pattern, errors_);
+    }
+    std::wstring errors_;
+};
+
+TEST_F(Removal, ContentsGoAndTheDirectoryStays) {
+    folder_.write("tree/a", "");
+    folder_.write("tree/.hidden", "");
+    folder_.write("tree/b/c/d\u00FC", "");
+    fs::create_directories(folder_.path() / "tree/empty");
+    EXPECT_TRUE(removeContents());
+    EXPECT_EQ(errors_, L"");
+    EXPECT_TRUE(fs::is_empty(folder_.path() / "tree"));
+}
+
+TEST_F(Removal, MissingDirectoryIsAFailureWithOneLine) {
+    EXPECT_FALSE(removeContents("missing"));
+    EXPECT_EQ(toNarrow(errors_), "Error in " + at("missing") + kMissing);
+}
+
+TEST_F(Removal, FileInTheDirectorysPlaceIsAFailure) {
+    folder_.write("file", "x");
+    EXPECT_FALSE(removeContents("file"));
+    EXPECT_EQ(toNarrow(errors_), "Error in " + at("file") + kNotADirectory);
+    EXPECT_TRUE(folder_.has("file"));
+}
+
+TEST_F(Removal, PatternDeletesMatchingFilesInEverySubdirectoryAndReportsTheOthers) {
+    for (const char* name : {"x.log", "x.log.1", "x.txt", "sub/y.log", "sub/keep", "gone/z.log"}) {
+        folder_.write(std::string("tree/") + name, "");
+    }
+    errors_ = L"before\n";
+    EXPECT_FALSE(removePattern(L".log"));
+    EXPECT_EQ(toNarrow(errors_), "before\nCan't delete dir " + at("tree/sub") + notEmpty());
+    EXPECT_FALSE(folder_.has("tree/x.log"));
+    EXPECT_FALSE(folder_.has("tree/x.log.1"));
+    EXPECT_FALSE(folder_.has("tree/sub/y.log"));
+    EXPECT_FALSE(folder_.has("tree/gone")) << "nothing was left in it";
+    EXPECT_TRUE(folder_.has("tree/x.txt"));
+    EXPECT_TRUE(folder_.has("tree/sub/keep"));
+}
+
+TEST_F(Removal, PatternIsASubstringWithoutWildcards) {
+    folder_.write("tree/a.log", "");
+    folder_.write("tree/b*c", "");
+    EXPECT_TRUE(removePattern(L"*c"));
+    EXPECT_TRUE(folder_.has("tree/a.log"));
+    EXPECT_FALSE(folder_.has("tree/b*c"));
+    EXPECT_TRUE(removePattern(L"*"));
+    EXPECT_FALSE(folder_.has("tree/a.log")) << "but a star alone is every file";
+}
+
+TEST_F(Removal, EmptyDirectoriesGoWhateverThePattern) {
+    fs::create_directories(folder_.path() / "tree/a/b");
+    EXPECT_TRUE(removePattern(L".log"));
+    EXPECT_FALSE(folder_.has("tree/a"));
+}
+
+TEST_F(Removal, DeeperFailureShowsThroughItsDirectoryWithGrowingIndentation) {
+    folder_.write("tree/a/b/keep", "");
+    std::string errors = "before\n";
+    EXPECT_FALSE(removeDirectoryContents(at("tree"), ".log", errors, ">"));
+    EXPECT_EQ(errors, "before\n>  Can't delete dir " + at("tree/a/b") + notEmpty() +
+                          ">Can't delete dir " + at("tree/a") + notEmpty());
+}
+
+TEST_F(Removal, EntryThatCannotBeExaminedIsReportedAndTheOthersGo) {
+    fs::create_directories(folder_.path() / "tree");
+    fs::create_symlink("nowhere", folder_.path() / "tree/dangling");
+    folder_.write("tree/a", "");
+    folder_.write("tree/z", "");
+    EXPECT_FALSE(removeContents());
+    EXPECT_EQ(toNarrow(errors_), "Can't stat " + at("tree/dangling") + kMissing);
+    EXPECT_FALSE(folder_.has("tree/a"));
+    EXPECT_FALSE(folder_.has("tree/z"));
+}
+
+TEST_F(Removal, LinkToAFileIsDeletedAndItsTargetStays) {
+    folder_.write("target", "x");
+    fs::create_directories(folder_.path() / "tree");
+    fs::create_symlink(at("target"), folder_.path() / "tree/link");
+    EXPECT_TRUE(removeContents());
+    EXPECT_FALSE(folder_.has("tree/link"));
+    EXPECT_EQ(folder_.read("target"), "x");
+}
+
+TEST_F(Removal, LinkToADirectoryIsReportedAndItsTargetIsLeftAlone) {
+    folder_.write("target/file", "x");
+    fs::create_directories(folder_.path() / "tree");
+    fs::create_directory_symlink(at("target"), folder_.path() / "tree/link");
+    EXPECT_FALSE(removeContents());
+    EXPECT_EQ(toNarrow(errors_), "Can't delete dir " + at("tree/link") + kNotADirectory);
+    EXPECT_TRUE(folder_.has("tree/link"));
+    EXPECT_EQ(folder_.read("target/file"), "x");
+}
+
+TEST_F(Removal, LinkInTheTreesOwnPlaceIsNotEntered) {
+    folder_.write("target/file", "x");
+    fs::create_directory_symlink(at("target"), folder_.path() / "tree");
+    EXPECT_FALSE(removeContents());
+    EXPECT_EQ(toNarrow(errors_).rfind("Error in " + at("tree") + "  -  Failed with error ", 0), 0U);
+    std::wstring errors;
+    EXPECT_FALSE(removeDirectoryAndContents(folder_.wide("tree"), errors));
+    EXPECT_EQ(folder_.read("target/file"), "x");
+}
+
+TEST_F(Removal, FileThatCannotBeDeletedIsReported) {
+    folder_.write("tree/file", "x");
+    // Root deletes everything, so somebody else tries.
+    ASSERT_EQ(chmod(at("").c_str(), 0755), 0);
+    ASSERT_EQ(chmod(at("tree").c_str(), 0555), 0);
+    const std::string tree = at("tree");
+    EXPECT_EXIT(
+        {
+            std::string errors;
+            const bool changed = geteuid() != 0 || seteuid(12345) == 0;
+            const bool removed = removeDirectoryContents(tree, errors, "");
+            fputs(errors.c_str(), stderr);
+            _exit(changed && !removed ? 3 : 4);
+        },
+        testing::ExitedWithCode(3),
+        "^Can't delete file .*/tree/file  -  Failed with error 13: Permission denied\n$");
+    EXPECT_TRUE(folder_.has("tree/file"));
+}
+
+TEST_F(Removal, ManyEntriesAndDeepTreesAreRemoved) {
+    for (int i = 0; i < 2000; ++i) {
+        folder_.write("tree/many/file" + std::to_string(i), "");
+    }
+    std::string deep = "tree";
+    for (int i = 0; i < 300; ++i) {
+        deep += "/deep";
+    }
+    folder_.write(deep + "/file", "");
+    EXPECT_TRUE(removeContents());
+    EXPECT_TRUE(fs::is_empty(folder_.path() / "tree"));
+}
+
+TEST_F(Removal, NarrowFormsAppendToTheText) {
+    folder_.write("tree/a", "");
+    std::string errors = "before\n";
+    EXPECT_TRUE(removeDirectoryContents(at("tree"), errors, "  "));
+    EXPECT_EQ(errors, "before\n");
+    EXPECT_FALSE(removeDirectoryContents(at("missing"), errors, "  "));
+    EXPECT_EQ(errors, "before\n  Error in " + at("missing") + kMissing);
+}
+
+TEST_F(Removal, DirectoryGoesBehindItsContents) {
+    folder_.write("tree/a/b", "");
+    errors_ = L"old";
+    EXPECT_TRUE(removeDirectoryAndContents(folder_.wide("tree"), errors_));
+    EXPECT_EQ(errors_, L"");
+    EXPECT_FALSE(folder_.has("tree"));
+}
+
+TEST_F(Removal, MissingDirectoryIsReportedForItsContentsAndForItself) {
+    EXPECT_FALSE(removeDirectoryAndContents(folder_.wide("missing"), errors_));
+    EXPECT_EQ(toNarrow(errors_), "Error in " + at("missing") + kMissing + "Can't delete dir " +
+                                     at("missing") + kMissing);
+}
+
+}  // namespace
+}  // namespace rcp

@@ -1,0 +1,46 @@
+#include "platform/standard_streams.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace rcp {
+namespace {
+
+bool isNullDevice(int descriptor) {
+    struct stat mine {};
+    struct stat null {};
+    return fstat(descriptor, &mine) == 0 && stat("/dev/null", &null) == 0 &&
+           mine.st_rdev == null.st_rdev && S_ISCHR(mine.st_mode);
+}
+
+// In a process of its own: the streams of this one are still needed.
+TEST(StandardStreams, ClosedOnesBecomeTheNullDeviceAndOthersStay) {
+    for (int closed = 0; closed < 8; ++closed) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const int before = open("/", O_RDONLY | O_CLOEXEC);
+            for (int descriptor = 0; descriptor < 3; ++descriptor) {
+                dup2(before, descriptor);
+                if ((closed & (1 << descriptor)) != 0) {
+                    close(descriptor);
+                }
+            }
+            openMissingStandardStreams();
+            bool isRight = open("/", O_RDONLY | O_CLOEXEC) > 2;
+            for (int descriptor = 0; descriptor < 3; ++descriptor) {
+                isRight &= isNullDevice(descriptor) == ((closed & (1 << descriptor)) != 0);
+                isRight &= (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
+            }
+            _exit(isRight ? 0 : 1);
+        }
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0) << closed;
+    }
+}
+
+}  // namespace
+}  // namespace rcp

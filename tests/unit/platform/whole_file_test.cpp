@@ -1,0 +1,169 @@
+#include "platform/whole_file.h"
+
+#include "tests/unit/core/child_process.h"
+#include "tests/unit/fixture.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace rcp {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WholeFiles : public test::LauncherTest {
+  protected:
+    [[nodiscard]] mode_t modeOf(const std::string& name) const {
+        struct stat status {};
+        EXPECT_EQ(stat(folder_.narrow(name).c_str(), &status), 0);
+        return status.st_mode & 07777U;
+    }
+};
+
+TEST_F(WholeFiles, ContentAppearsWithTheCommitAndNotBefore) {
+    folder_.write("file", "old");
+    WholeFile file(folder_.wide("file"));
+    ASSERT_TRUE(file.open());
+    EXPECT_TRUE(file.write("new "));
+    EXPECT_TRUE(file.write(std::string(200'000, 'x')));
+    EXPECT_EQ(folder_.read("file"), "old");
+    EXPECT_TRUE(folder_.has("file.tmp"));
+    EXPECT_TRUE(file.commit());
+    EXPECT_EQ(folder_.read("file"), "new " + std::string(200'000, 'x'));
+    EXPECT_FALSE(folder_.has("file.tmp"));
+}
+
+TEST_F(WholeFiles, WithoutACommitNothingIsLeft) {
+    folder_.write("file", "old");
+    {
+        WholeFile file(folder_.wide("file"), L".new");
+        ASSERT_TRUE(file.open());
+        EXPECT_TRUE(folder_.has("file.new"));
+        EXPECT_TRUE(file.write("new"));
+    }
+    EXPECT_EQ(folder_.read("file"), "old");
+    EXPECT_FALSE(folder_.has("file.new"));
+}
+
+TEST_F(WholeFiles, ProcessThatEndsInBetweenLeavesNoTemporaryFile) {
+    EXPECT_FATAL(
+        {
+            WholeFile file(folder_.wide("file"));
+            if (file.open() && file.write("half")) {
+                exit(255);
+            }
+        },
+        "");
+    EXPECT_FALSE(folder_.has("file"));
+    EXPECT_FALSE(folder_.has("file.tmp"));
+}
+
+TEST_F(WholeFiles, WhatAKilledLaunchLeftIsTakenOver) {
+    folder_.write("file.tmp", std::string(1000, 'z'));
+    WholeFile file(folder_.wide("file"));
+    ASSERT_TRUE(file.open());
+    EXPECT_TRUE(file.write("new"));
+    EXPECT_TRUE(file.commit());
+    EXPECT_EQ(folder_.read("file"), "new");
+}
+
+TEST_F(WholeFiles, ReplacedFileKeepsItsPermissionsAndANewOneHasTheMasks) {
+    folder_.write("file", "old");
+    ASSERT_EQ(chmod(folder_.narrow("file").c_str(), 0604), 0);
+    const mode_t before = umask(027);
+    for (const char* name : {"file", "other"}) {
+        WholeFile file(folder_.wide(name));
+        EXPECT_TRUE(file.open() && file.write("new") && file.commit());
+    }
+    umask(before);
+    EXPECT_EQ(modeOf("file"), 0604U);
+    EXPECT_EQ(modeOf("other"), 0640U);
+}
+
+TEST_F(WholeFiles, LinkUnderTheTemporaryNameIsNotFollowed) {
+    folder_.write("target", "untouched");
+    fs::create_symlink("target", folder_.path() / "file.tmp");
+    WholeFile file(folder_.wide("file"));
+    EXPECT_FALSE(file.open());
+    EXPECT_EQ(errno, ELOOP);
+    EXPECT_FALSE(file.commit());
+    EXPECT_EQ(folder_.read("target"), "untouched");
+}
+
+TEST_F(WholeFiles, PipeUnderTheTemporaryNameStopsNobody) {
+    ASSERT_EQ(mkfifo(folder_.narrow("file.tmp").c_str(), 0600), 0);
+    WholeFile file(folder_.wide("file"));
+    EXPECT_FALSE(file.open());
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST_F(WholeFiles, FailureSaysWhy) {
+    WholeFile missing(folder_.wide("missing/file"));
+    EXPECT_FALSE(missing.open());
+    EXPECT_EQ(errno, ENOENT);
+    folder_.write("directory/file", "");
+    WholeFile directory(folder_.wide("directory"));
+    ASSERT_TRUE(directory.open());
+    EXPECT_FALSE(directory.commit());
+    EXPECT_TRUE(errno == EISDIR || errno == ENOTEMPTY || errno == EEXIST) << errno;
+    EXPECT_FALSE(folder_.has("directory.tmp"));
+}
+
+TEST_F(WholeFiles, TwoWritersTakeTurns) {
+    const std::wstring path = folder_.wide("file");
+    const std::string sign = folder_.narrow("sign");
+    // Made first: it would share the first writer's lock otherwise.
+    test::ChildProcess second([path, sign] {
+        while (!fs::exists(sign)) {
+            usleep(1000);
+        }
+        WholeFile file(path);
+        return file.open() && file.write("second") && file.commit() ? 0 : 1;
+    });
+    WholeFile first(path);
+    ASSERT_TRUE(first.open());
+    ASSERT_TRUE(first.write("first"));
+    folder_.write("sign", "");
+    EXPECT_FALSE(second.endsWithin(std::chrono::milliseconds(50)));
+    ASSERT_TRUE(first.commit());
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_EQ(folder_.read("file"), "second");
+    EXPECT_FALSE(folder_.has("file.tmp"));
+}
+
+TEST(HoldsText, OnlyTheFileItselfWithExactlyThatText) {
+    const test::TestFolder folder;
+    folder.write("file", "text\n");
+    fs::create_symlink("file", folder.path() / "link");
+    EXPECT_TRUE(holdsText(folder.wide("file"), "text\n"));
+    EXPECT_FALSE(holdsText(folder.wide("file"), "Text\n"));
+    EXPECT_FALSE(holdsText(folder.wide("file"), "text"));
+    EXPECT_FALSE(holdsText(folder.wide("file"), ""));
+    EXPECT_FALSE(holdsText(folder.wide("link"), "text\n"));
+    EXPECT_FALSE(holdsText(folder.wide("missing"), ""));
+    EXPECT_FALSE(holdsText(folder.wide(), ""));
+}
+
+TEST_F(WholeFiles, TemporaryNameIsRemovedOnlyWhileItIsClaimed) {
+    folder_.write("a", "");
+    folder_.write("b", "");
+    folder_.write("c", "");
+    {
+        TemporaryName unclaimed(folder_.narrow("a"));
+        TemporaryName claimed(folder_.narrow("b"));
+        claimed.claim();
+        claimed.claim();
+        TemporaryName released(folder_.narrow("c"));
+        released.claim();
+        released.release();
+    }
+    EXPECT_TRUE(folder_.has("a"));
+    EXPECT_FALSE(folder_.has("b"));
+    EXPECT_TRUE(folder_.has("c"));
+}
+
+}  // namespace
+}  // namespace rcp
