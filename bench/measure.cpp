@@ -2,10 +2,11 @@
 // falls on all of them alike: every round starts each program once, and each is compared with the
 // first one of its own round.
 //
-// usage: measure ROUNDS [--first-line] -- NAME [--remove FOLDER] [VARIABLE=VALUE...] PROGRAM
+// usage: measure ROUNDS [--first-line] -- NAME [--aside FOLDER] [VARIABLE=VALUE...] PROGRAM
 //        [ARGUMENT...] -- NAME ...
 //   --first-line    the clock stops at the first line that the program writes, not at its end
-//   --remove FOLDER FOLDER is removed before each start of this program
+//   --aside FOLDER  FOLDER is renamed before each start of this program, so that it starts without
+//                   one. It is not removed: a file system is slower right after files were.
 //
 // Writes JSON for each program: the median time and the median of the processor time in
 // microseconds, the median and the quartiles of its ratios to the first program, and its peak
@@ -24,7 +25,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,7 +36,8 @@ namespace {
 
 struct Contender {
     std::string name;
-    std::string removed;  // empty: nothing
+    std::string aside;  // empty: nothing
+    int launches = 0;
     std::vector<char*> environment;
     std::vector<char*> command;
     std::vector<double> times;           // microseconds, one a round
@@ -78,10 +79,11 @@ void reapOrphans() {
 
 // One launch.
 void launch(Contender& contender, bool untilFirstLine) {
-    if (!contender.removed.empty()) {
-        std::error_code ignored;
-        std::filesystem::remove_all(contender.removed, ignored);
+    if (!contender.aside.empty()) {
+        const std::string name = contender.aside + "." + std::to_string(contender.launches);
+        (void)std::rename(contender.aside.c_str(), name.c_str());
     }
+    ++contender.launches;
     int ends[2] = {-1, -1};
     posix_spawn_file_actions_t actions{};
     posix_spawn_file_actions_init(&actions);
@@ -167,8 +169,8 @@ std::vector<Contender> readContenders(char** at) {
         Contender contender;
         contender.name = *++at;
         ++at;
-        if (*at != nullptr && std::strcmp(*at, "--remove") == 0 && at[1] != nullptr) {
-            contender.removed = at[1];
+        if (*at != nullptr && std::strcmp(*at, "--aside") == 0 && at[1] != nullptr) {
+            contender.aside = at[1];
             at += 2;
         }
         readEnvironment(at, contender.environment);
@@ -218,7 +220,7 @@ int main(int argc, char** argv) {
     }
     if (contenders.empty()) {
         fail(
-            "usage: measure ROUNDS [--first-line] -- NAME [--remove FOLDER] PROGRAM [ARGUMENT...] "
+            "usage: measure ROUNDS [--first-line] -- NAME [--aside FOLDER] PROGRAM [ARGUMENT...] "
             "-- NAME ...");
     }
     prctl(PR_SET_CHILD_SUBREAPER, 1);

@@ -1,5 +1,6 @@
 #include "diagnostics/format.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <optional>
@@ -61,7 +62,8 @@ std::string formatNumber(const Directive& directive, const FormatArgument& argum
 
 // Empty when the argument is of the other kind than the directive asks for.
 std::optional<std::string> formatOne(const Directive& directive, const FormatArgument& argument) {
-    const bool isNumber = argument.index() >= 2;
+    const bool isNumber =
+        std::holds_alternative<long>(argument) || std::holds_alternative<unsigned long>(argument);
     if (isTextConversion(directive.conversion) == isNumber ||
         directive.shape.size() > kLongestShape) {
         return std::nullopt;

@@ -12,8 +12,8 @@ namespace rcp {
 /// One argument of a message. Wide text is written as UTF-8.
 using FormatArgument = std::variant<std::string_view, std::wstring_view, long, unsigned long>;
 
-/// `format` with its printf(3) directives (%s, %ls, %S, %c-free; %d, %i, %u, %x with flags, width,
-/// precision and length) replaced by `arguments` in order and "%%" by "%". A directive for which no
+/// `format` with its printf(3) directives (%s, %ls, %S; %d, %i, %u, %x, %X with flags, width, precision
+/// and length) replaced by `arguments` in order and "%%" by "%". A directive for which no
 /// argument is left, or whose argument is of the other kind, stays as written.
 std::string expandFormat(std::string_view format, std::span<const FormatArgument> arguments = {});
 

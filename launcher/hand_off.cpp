@@ -5,6 +5,7 @@
 #include "launcher/core/launch_state.h"
 #include "launcher/core/platform_lock.h"
 #include "platform/platform.h"
+#include "platform/signals.h"
 #include "platform/text.h"
 
 #include <dlfcn.h>
@@ -50,13 +51,16 @@ void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArgum
     unlockLockFile();
     if (hasOption(L"-rcpLauncherWait", arguments) ||
         haveLaunchOption("-console", launchArguments.texts())) {
-        waitpid(parent, nullptr, 0);  // not our child: answers at once
+        // Asked for by those who wait for the platform. The parent is no child of this process, so
+        // the answer comes at once; the callers have come to rely on that.
+        waitpid(parent, nullptr, 0);
     }
 }
 
 // The parent. In the direct Java shape there is no library, whatever the hand-off.
 void becomePlatform(NarrowArguments& launchArguments, Gate& gate) {
     closeLockFile();
+    restoreFileSizeSignal();
     if (invokeDylib && !eclipseSoPath.empty()) {
         invokeEclipseDylib(launchArguments, gate);
         return;
@@ -79,6 +83,8 @@ void launchEclipse(const Arguments& arguments) {
         return;
     }
     if (child < 0) {
+        fatalErrorA("Error: fork: the platform's process id is not recorded", Then::kReturn,
+                    ErrnoText::kAppend);
         unlockLockFile();  // nobody else will
     }
     becomePlatform(launchArguments, gate);

@@ -3,12 +3,11 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
-#include "launcher/core/property_file.h"
 #include "launcher/hand_off.h"
 #include "launcher/startup.h"
-#include "platform/install_location.h"
 #include "platform/platform.h"
 #include "platform/process.h"
+#include "platform/signals.h"
 #include "platform/standard_streams.h"
 #include "platform/text.h"
 
@@ -20,6 +19,7 @@
 #include <cstring>
 #include <exception>
 #include <string_view>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -48,6 +48,11 @@ Arguments wideArguments(int argc, char** argv) {
     arguments.reserve(static_cast<std::size_t>(argc) + 3);
     for (int i = 0; i < argc; ++i) {
         arguments.emplace_back(chartowcs(argv[i]).get());
+        if (arguments.back().empty() && *argv[i] != '\0') {
+            const FormatArgument number[] = {static_cast<long>(i)};
+            fatalError(ErrnoText::kOmit, "Error: main: argument %d is no text of this locale.",
+                       number);
+        }
     }
     if (arguments.empty()) {
         // Started without even a name: the path that the system knows stands in.
@@ -56,12 +61,8 @@ Arguments wideArguments(int argc, char** argv) {
     return arguments;
 }
 
-// What the launcher's own properties decide before the start-up sequence reads them again.
-void applyInstallation(Arguments& arguments) {
-    std::wstring installDir;
-    getInstallDir(installDir, arguments);
-    PropertyList properties;
-    getProperties(installDir + L"/rcp/rcplauncher.properties", properties);
+// What the launcher's own properties decide before the start-up sequence.
+void applyProperties(Arguments& arguments, const PropertyList& properties) {
     initInvokeDylib(properties);
     if (!bRestart) {
         rewriteExtensionDirectories(arguments, properties);
@@ -81,11 +82,12 @@ void launch(int argc, char** argv) {
     setCharacterLocale();
     Arguments arguments = wideArguments(argc, argv);
     bRestart = haveLaunchOption("-restart", {argv, argv + argc});
-    applyInstallation(arguments);
+    Installation installation = readInstallation(arguments);
+    applyProperties(arguments, installation.properties);
     setDebug(isDebug(arguments));
     dumpArguments(arguments);
     doVersionCheck(arguments);
-    startup(arguments);
+    startup(arguments, std::move(installation));
     addArgToCommandLine(L"-Dfile.encoding=UTF-8", false);
     addArgToCommandLine(L"-XstartOnFirstThread", false);
     launchEclipse(arguments);
@@ -101,6 +103,7 @@ void launch(int argc, char** argv) {
 
 int runLauncher(int argc, char** argv) {
     openMissingStandardStreams();
+    ignoreFileSizeSignal();
     installOutOfMemoryReport();
     try {
         launch(argc, argv);

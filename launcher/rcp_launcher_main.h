@@ -22,7 +22,8 @@ void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& prope
 /// Appends "-vm" and the JVM of the properties, as if the user had given them.
 void appendVm(Arguments& arguments, const PropertyList& properties);
 
-/// With "-version" as the only argument: a record with the version, and the process ends.
+/// With "-version" as the only argument: a record with the version, and the process ends. A launch
+/// has appended the "-vm" pair by then and never matches.
 void doVersionCheck(const Arguments& arguments);
 
 /// Does nothing; nothing calls it.
@@ -32,8 +33,7 @@ void setSemVersion(const wchar_t* version);
 bool isJREPluginInstalled();
 /// The Java home of the default installation, cut at its first line feed.
 std::string GetJavaHome();
-/// Starts the default installation's Java, which tells the user what is wrong, and ends the process
-/// with status 1.
+/// Starts the default installation's Java once and ends the process with status 1.
 [[noreturn]] void quitWithNoJavaWarning();
 
 }  // namespace rcp

@@ -24,10 +24,12 @@
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
+#include "platform/whole_file.h"
 
 #include <stdlib.h>
 
 #include <string>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -56,11 +58,20 @@ std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& proper
     return base;
 }
 
+std::wstring propertyFileOf(const std::wstring& installDir) {
+    return installDir + L"/rcp/rcplauncher.properties";
+}
+
 // The installation's properties and what of the arguments decides how they are read.
-std::wstring readInstallation(const Arguments& arguments, LaunchInputs& inputs) {
-    getInstallDir(inputs.installDir, arguments);
-    const std::wstring propertyFile = inputs.installDir + L"/rcp/rcplauncher.properties";
-    getProperties(propertyFile, inputs.properties);
+std::wstring applyInstallation(const Arguments& arguments, Installation installation,
+                               LaunchInputs& inputs) {
+    if (debug) {
+        // Read before it was known that this launch is traced, and the trace shows what is read.
+        installation = readInstallation(arguments);
+    }
+    inputs.installDir = std::move(installation.directory);
+    inputs.properties = std::move(installation.properties);
+    const std::wstring propertyFile = propertyFileOf(inputs.installDir);
     inputs.arguments =
         addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap, inputs.installDir);
     insertPropToVmargMap(inputs.vmargMap, inputs.properties);
@@ -100,6 +111,7 @@ void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
     if (userFirstLaunch) {
         return;
     }
+    // There is one: getInstallID has made sure.
     const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
     const bool isOld = isOldRcpInstallId(*installId, inputs.configuration);
     const bool isAsked = isResetConfig(inputs.arguments);
@@ -159,13 +171,12 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
 }
 
 void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
-    const std::wstring* identifier = getBundleIdentifier(inputs.arguments);
-    if (identifier == nullptr) {
-        return;
-    }
     std::wstring path = base + L"/macosx/x86/Info.plist";
     replaceUserPlaceholders(path, inputs.properties);
-    updateInfoPlist(path, *identifier);
+    removeUnfinished(path);  // may be another workspace's at work, unlike the user's own files
+    if (const std::wstring* identifier = getBundleIdentifier(inputs.arguments)) {
+        updateInfoPlist(path, *identifier);
+    }
 }
 
 // Until the first configuration is complete the launch runs with it instead of its own arguments.
@@ -179,9 +190,16 @@ void switchToInitialConfiguration(LaunchInputs& inputs) {
 
 }  // namespace
 
-void startup(const Arguments& arguments) {
+Installation readInstallation(const Arguments& arguments) {
+    Installation installation;
+    getInstallDir(installation.directory, arguments);
+    getProperties(propertyFileOf(installation.directory), installation.properties);
+    return installation;
+}
+
+void startup(const Arguments& arguments, Installation installation) {
     LaunchInputs inputs;
-    const std::wstring base = readInstallation(arguments, inputs);
+    const std::wstring base = applyInstallation(arguments, std::move(installation), inputs);
     prepareWorkspace(inputs);
     checkArguments(inputs.arguments);
 

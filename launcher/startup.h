@@ -2,11 +2,24 @@
 #pragma once
 
 #include "launcher/core/arguments.h"
+#include "launcher/core/property_list.h"
+
+#include <string>
 
 namespace rcp {
 
+/// Where the installation lies, and its own properties.
+struct Installation {
+    std::wstring directory;
+    PropertyList properties;
+};
+
+/// Failure ends the process.
+Installation readInstallation(const Arguments& arguments);
+
 /// Prepares the user's area and fills `launchArgs` (launcher/core/launch_arguments.h). `arguments`
-/// are the launcher's own as process entry extended them. Every failure ends the process.
-void startup(const Arguments& arguments);
+/// are the launcher's own as process entry extended them, `installation` is what process entry has
+/// read. Every failure ends the process.
+void startup(const Arguments& arguments, Installation installation);
 
 }  // namespace rcp

@@ -37,6 +37,16 @@ void open_file(Stream& stream, const std::wstring& path, const std::wstring& mod
 /// The same; both names have their callers.
 void open_wfile(Stream& stream, const std::wstring& path, const std::wstring& mode);
 
+/// On which line of a file a text stands; one position accompanies a stream from its first line on.
+struct LinePosition {
+    std::size_t line = 0;       // of the text returned last, from 1
+    std::size_t lineFeeds = 0;  // passed so far
+};
+
+/// The formats of readFile: property files, and files that are copied line by line.
+inline constexpr wchar_t kPropertyLineFormat[] = L" %2024[^\n]\n";
+inline constexpr wchar_t kCopiedLineFormat[] = L"%2024[^\n]\n";
+
 /// Scans one line with `format`, which is "%<N>[^\n]\n" with or without a leading blank:
 ///
 ///   [blank] skip white space --> take up to N bytes of the line --> skip line feed and white space
@@ -45,14 +55,12 @@ void open_wfile(Stream& stream, const std::wstring& path, const std::wstring& mo
 /// longer than N bytes is cut in front of the UTF-8 character that does not fit; the rest is the
 /// next line. Text behind a NUL byte of a line is dropped. Returns 1, or -1 at the end of the file
 /// and after a read error (tell them apart with std::ferror).
-/// With `position` it also tells on which line of the file the text stands; one position
-/// accompanies a stream from its first line on.
-struct LinePosition {
-    std::size_t line = 0;       // of the text returned last, from 1
-    std::size_t lineFeeds = 0;  // passed so far
-};
 int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
              LinePosition* position = nullptr);
+
+/// Reports that the text on `line` of the file at `path` could not be converted. One record a file:
+/// some files are read twice, and one line is enough to find the cause.
+void reportUnreadableLine(const std::wstring& path, std::size_t line);
 
 /// mkdir(2) with mode 0775. True only when the directory was made now.
 bool createDirectory(const std::wstring& path);

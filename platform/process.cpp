@@ -2,13 +2,16 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <locale.h>
 #include <signal.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -49,29 +52,40 @@ class Pipe {
 };
 
 // Variables that change what a listing looks like; the reader of its lines wants it plain and
-// whole.
+// whole. The locale is given anew: the launcher's own may not be the one that the environment asks
+// for.
 bool changesListings(std::string_view variable) {
     constexpr std::string_view kNames[] = {
-        "COLUMNS=",   "LINES=",   "PS_FORMAT=",         "PS_PERSONALITY=",
-        "PS_COLORS=", "CMD_ENV=", "I_WANT_A_BROKEN_PS="};
-    for (const std::string_view name : kNames) {
-        if (variable.starts_with(name)) {
-            return true;
-        }
-    }
-    return false;
+        "COLUMNS=",   "LINES=",   "PS_FORMAT=", "PS_PERSONALITY=",
+        "PS_COLORS=", "CMD_ENV=", "LC_ALL=",    "I_WANT_A_BROKEN_PS=",
+    };
+    return std::any_of(std::begin(kNames), std::end(kNames),
+                       [variable](std::string_view name) { return variable.starts_with(name); });
 }
 
-std::vector<char*> plainEnvironment() {
-    std::vector<char*> variables;
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-        if (!changesListings(*variable)) {
-            variables.push_back(*variable);
+// The process's environment for a program whose output is read.
+class PlainEnvironment {
+  public:
+    PlainEnvironment() {
+        for (char** variable = environ; *variable != nullptr; ++variable) {
+            if (!changesListings(*variable)) {
+                variables_.push_back(*variable);
+            }
         }
+        variables_.push_back(locale_.data());
+        variables_.push_back(nullptr);
     }
-    variables.push_back(nullptr);
-    return variables;
-}
+    PlainEnvironment(const PlainEnvironment&) = delete;
+    PlainEnvironment& operator=(const PlainEnvironment&) = delete;
+    PlainEnvironment(PlainEnvironment&&) = delete;
+    PlainEnvironment& operator=(PlainEnvironment&&) = delete;
+    ~PlainEnvironment() = default;
+    char* const* data() { return variables_.data(); }
+
+  private:
+    std::string locale_ = std::string("LC_ALL=") + setlocale(LC_CTYPE, nullptr);
+    std::vector<char*> variables_;
+};
 
 // SIGCHLD as the system delivers it by default. Whoever started the launcher may have left it
 // ignored; then no child can be waited for, and a running platform would look like none.
@@ -155,9 +169,10 @@ std::optional<ProgramResult> runProgram(const std::vector<std::string>& argument
     argv.push_back(nullptr);
 
     const DefaultChildSignal childSignal;
+    PlainEnvironment environment;
     pid_t process = 0;
-    if (posix_spawnp(&process, argv[0], actions.get(), nullptr, argv.data(),
-                     plainEnvironment().data()) != 0) {
+    if (posix_spawnp(&process, argv[0], actions.get(), nullptr, argv.data(), environment.data()) !=
+        0) {
         return std::nullopt;
     }
     output.closeWriteEnd();

@@ -14,7 +14,8 @@ struct ProgramResult {
 };
 
 /// Runs the program that `arguments[0]` names (found through PATH when it has no "/") and waits for
-/// it. Its standard input and error are the null device. Empty optional when it cannot be started.
+/// it. Its standard input and error are the null device; its environment is ours less what changes the
+/// form of a listing, with our locale. Empty optional when it cannot be started.
 std::optional<ProgramResult> runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace rcp

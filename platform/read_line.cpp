@@ -1,11 +1,13 @@
 // readFile: the launcher's line scanner. It reads as the C library would with the same scan format,
 // but never stalls on an empty line and never splits a character.
+#include "diagnostics/svc_debug.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
 #include <stdio.h>
 
 #include <algorithm>
+#include <set>
 #include <string_view>
 
 namespace rcp {
@@ -89,6 +91,18 @@ int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
     skipBlanks(stream, passed);
     chartowstr(line.c_str(), out);
     return 1;
+}
+
+void reportUnreadableLine(const std::wstring& path, std::size_t line) {
+    static std::set<std::wstring> reported;
+    if (reported.insert(path).second) {
+        const FormatArgument arguments[] = {std::wstring_view(path),
+                                            static_cast<unsigned long>(line)};
+        fatalError(
+            ErrnoText::kOmit,
+            "Error: readFile: %ls: line %lu (the first such line) is no text and is left out.",
+            arguments);
+    }
 }
 
 }  // namespace rcp

@@ -41,7 +41,9 @@ Directory openDirectory(const std::string& path) {
     }
     Directory directory(fdopendir(descriptor));
     if (!directory) {
+        const int savedErrno = errno;
         close(descriptor);
+        errno = savedErrno;
     }
     return directory;
 }

@@ -2,7 +2,7 @@
 // the whole list of failures as text, one line each, for the caller to report.
 //
 // A symbolic link to a directory is never entered: its target belongs to somebody else. The link
-// itself is reported like a directory that cannot be removed.
+// itself is reported like a directory that cannot be removed, and so is a link that leads nowhere.
 #pragma once
 
 #include <string>

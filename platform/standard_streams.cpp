@@ -2,10 +2,9 @@
 
 #include "diagnostics/svc_debug.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 namespace rcp {
 

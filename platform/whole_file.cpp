@@ -1,5 +1,6 @@
 #include "platform/whole_file.h"
 
+#include "platform/file_lock.h"
 #include "platform/text.h"
 
 #include <errno.h>
@@ -17,40 +18,47 @@ namespace {
 
 constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 
-// Whether the open file is still the one of that name.
-bool isNamed(const struct stat& file, const char* path) {
-    struct stat named {};
-    return lstat(path, &named) == 0 && named.st_ino == file.st_ino && named.st_dev == file.st_dev;
+// Opens the temporary file. What a killed launch left under its name may be no file that can be
+// written, or not with these permissions; the name is ours, so it goes.
+int openTemporary(const char* path) {
+    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int descriptor = ::open(path, kFlags, 0666);
+    if (descriptor >= 0 || (errno != EACCES && errno != ELOOP) || unlink(path) != 0) {
+        return descriptor;
+    }
+    return ::open(path, kFlags, 0666);
 }
 
-// Opens `path` and locks it. The former holder of the lock renames or removes the name, so the file
-// that was waited for may no longer be the one of that name: then the next one is opened.
+// Whether the locked file is ours to write, emptied. `isStale` when it has lost its name meanwhile:
+// the former holder of the lock renames or removes it.
+bool takeOver(int descriptor, const char* path, bool& isStale) {
+    struct stat status {};
+    if (!lockExclusively(descriptor) || fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    isStale = !isNamed(descriptor, path);
+    if (isStale || !S_ISREG(status.st_mode)) {
+        errno = EINVAL;
+        return false;
+    }
+    return status.st_size == 0 || ftruncate(descriptor, 0) == 0;
+}
+
+// Opens `path` and locks it; a file that lost its name while its lock was waited for is given up
+// for the next one.
 int openAndLock(const char* path) {
     for (;;) {
-        const int descriptor =
-            ::open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
-        if (descriptor < 0) {
-            return -1;
-        }
-        struct stat status {};
-        int locked = 0;
-        do {
-            locked = flock(descriptor, LOCK_EX);
-        } while (locked != 0 && errno == EINTR);
-        if (locked == 0 && fstat(descriptor, &status) == 0) {
-            if (!S_ISREG(status.st_mode)) {
-                errno = EINVAL;
-            } else if (!isNamed(status, path)) {
-                close(descriptor);
-                continue;
-            } else if (status.st_size == 0 || ftruncate(descriptor, 0) == 0) {
-                return descriptor;
-            }
+        const int descriptor = openTemporary(path);
+        bool isStale = false;
+        if (descriptor < 0 || takeOver(descriptor, path, isStale)) {
+            return descriptor;
         }
         const int savedErrno = errno;
         close(descriptor);
         errno = savedErrno;
-        return -1;
+        if (!isStale) {
+            return -1;
+        }
     }
 }
 
@@ -106,6 +114,18 @@ bool holdsText(const std::wstring& path, std::string_view text) {
     }
     close(descriptor);
     return isSame;
+}
+
+void removeUnfinished(const std::wstring& target) {
+    const std::string path = toNarrow(target + L".tmp");
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        return;
+    }
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0 && isNamed(descriptor, path)) {
+        unlink(path.c_str());
+    }
+    close(descriptor);
 }
 
 WholeFile::WholeFile(std::wstring target, const std::wstring& suffix)

@@ -47,6 +47,10 @@ class TemporaryName {
 /// already need not be written again: replacing a file is the dearest thing a launch does.
 bool holdsText(const std::wstring& path, std::string_view text);
 
+/// Removes what a killed launch left under the temporary name of `target`, unless another launcher
+/// is writing it just now.
+void removeUnfinished(const std::wstring& target);
+
 class WholeFile {
   public:
     explicit WholeFile(std::wstring target, const std::wstring& suffix = L".tmp");

@@ -1,9 +1,9 @@
 // The working directory as text of any length: getcwd(3) with a buffer that grows.
 #include "platform/working_directory.h"
 
+#include <errno.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstddef>
 
 namespace rcp::platform {

@@ -18,8 +18,11 @@ bool hasOption(std::wstring_view option, const Arguments& arguments) {
 
 const std::wstring* optionValue(std::wstring_view option, const Arguments& arguments) {
     const int index = findOption(option, arguments);
+    if (index < 0) {
+        return nullptr;
+    }
     const std::size_t value = static_cast<std::size_t>(index) + 1;
-    if (index < 0 || value >= arguments.size() || arguments[value] == L"-vmargs") {
+    if (value == arguments.size() || arguments[value] == L"-vmargs") {
         return nullptr;
     }
     return &arguments[value];

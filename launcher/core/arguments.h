@@ -15,8 +15,8 @@ using Arguments = std::vector<std::wstring>;
 int findOption(std::wstring_view option, const Arguments& arguments);
 /// Whether findOption finds it.
 bool hasOption(std::wstring_view option, const Arguments& arguments);
-/// The argument behind the first `option`; null when the option is missing or has none. "-vmargs" ends
-/// the options and is never a value.
+/// The argument behind the first `option`; null when the option is missing or has none. "-vmargs"
+/// ends the options and is never a value.
 const std::wstring* optionValue(std::wstring_view option, const Arguments& arguments);
 
 bool isRestart(const Arguments& arguments);      // "-restart"

@@ -1,5 +1,4 @@
-// The initial configuration: until the user's first configuration is complete, every launch runs
-// with
+// The initial configuration: until the user's first configuration is complete, every launch runs with
 // "-config initial".
 #pragma once
 

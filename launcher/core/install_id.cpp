@@ -4,12 +4,12 @@
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_state.h"
 #include "launcher/core/property_file.h"
+#include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
 #include <errno.h>
 #include <stdio.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,15 +19,6 @@ namespace rcp {
 namespace {
 
 constexpr wchar_t kKey[] = L"rcp.install.id";
-
-bool lock(int descriptor) {
-    while (flock(descriptor, LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // Whether the last line of the file lacks its line feed; what is appended would become part of it.
 bool lastLineIsOpen(int descriptor, off_t size) {
@@ -66,7 +57,7 @@ std::wstring storedId(const std::wstring& propertyFile) {
 std::wstring makeInstallId(const std::wstring& propertyFile) {
     Stream stream;
     open_file(stream, propertyFile, L"a+");
-    if (!stream || !lock(fileno(stream.get()))) {
+    if (!stream || !lockExclusively(fileno(stream.get()))) {
         fatal("ZYPRA0017E: Could not open %ls to append rcp.install.id!", propertyFile);
     }
     std::wstring id = storedId(propertyFile);
@@ -74,7 +65,10 @@ std::wstring makeInstallId(const std::wstring& propertyFile) {
         return id;
     }
     id = getTickString();
-    if (!appendLine(fileno(stream.get()), id)) {
+    const int descriptor = fileno(stream.get());
+    // A file that ends inside a continued entry takes the first line into that entry.
+    if (!appendLine(descriptor, id) ||
+        (storedId(propertyFile) != id && !appendLine(descriptor, id))) {
         fatal("ZYPRA0018E: Error while writing to %ls file.", propertyFile);
     }
     return id;

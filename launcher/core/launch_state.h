@@ -1,4 +1,4 @@
-// The process-wide flags of a launch. Each only ever moves away from its initial value once.
+// The process-wide flags of a launch.
 #pragma once
 
 #include "launcher/core/arguments.h"

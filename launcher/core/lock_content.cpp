@@ -9,9 +9,8 @@ LockContent parseLockContent(std::string_view content) {
     const std::string text(content.substr(0, content.find('\0')));
     const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
     if (begin == std::string::npos) {
-        return {content.empty() || text.size() == content.size() ? LockContent::kNothing
-                                                                 : LockContent::kOther,
-                0};
+        // Behind the blanks of a shorter text there is a NUL, which is no blank and no number.
+        return {text.size() == content.size() ? LockContent::kNothing : LockContent::kOther, 0};
     }
     char* end = nullptr;
     const long number = strtol(text.c_str(), &end, 10);  // saturates beyond its range

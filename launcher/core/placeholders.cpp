@@ -144,7 +144,7 @@ void replaceAllPlaceholders(const StandardLocations& locations, std::wstring& te
         return;
     }
     replaceStdPlaceholders(locations, text);
-    std::wstring copy = text;
+    std::wstring copy = text;  // the message names the text as it was
     if (!replaceUserPlaceholders(copy, properties)) {
         fatal("ZYPRA0088E: property substitution is invalid (%ls)", text);
     }
@@ -153,9 +153,8 @@ void replaceAllPlaceholders(const StandardLocations& locations, std::wstring& te
 
 void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties) {
     turnSlashes(locations);
-    for (Property& entry : properties.entries()) {
-        replaceAllPlaceholders(locations, entry.value, properties);
-    }
+    properties.forEachValue(
+        [&](std::wstring& value) { replaceAllPlaceholders(locations, value, properties); });
 }
 
 void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyList& properties,

@@ -5,6 +5,7 @@
 #include "launcher/core/lock_content.h"
 #include "launcher/core/process_check.h"
 #include "platform/environment.h"
+#include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -16,7 +17,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -27,30 +27,43 @@ long pid = 0;
 namespace {
 
 constexpr int kLongestWaitSeconds = 20;
-constexpr wchar_t kLineFormat[] = L" %2024[^\n]\n";
 
 std::wstring lockFilePath;
 std::wstring pipeFilePath;
 std::wstring mainPidFilePath;
 std::wstring pipename;
 bool bDirtyShutdown = false;
-int lockFILE = -1;  // open from locateLockFile to the end of the launcher
+int lockFILE = -1;  // open from locateLockFile until closeLockFile
 
 bool writeAtStart(std::string_view text) {
     return pwrite(lockFILE, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size());
 }
 
+// A file that cannot be read must not count as empty: that would make this launcher the main one
+// beside a running platform.
 std::string contentOfLockFile() {
     std::array<char, 256> buffer{};
-    const ssize_t length = pread(lockFILE, buffer.data(), buffer.size(), 0);
-    return {buffer.data(), static_cast<std::size_t>(length < 0 ? 0 : length)};
+    ssize_t length = 0;
+    do {
+        length = pread(lockFILE, buffer.data(), buffer.size(), 0);
+    } while (length < 0 && errno == EINTR);
+    if (length < 0) {
+        fatal("ZYPRA0092E: Error reading platform lock file.");
+    }
+    return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
+// Somebody may have removed the workspace while this launcher waited. A lock on the file that is
+// gone keeps nobody out, so the one that is there now is locked instead.
 void takeLock() {
-    while (flock(lockFILE, LOCK_EX) != 0) {
-        if (errno != EINTR) {
+    for (;;) {
+        if (!lockExclusively(lockFILE)) {
             fatal("ZYPRA0053E: Error locking platform lock file. ");
         }
+        if (isNamed(lockFILE, toNarrow(lockFilePath))) {
+            return;
+        }
+        createAndOpenLockFile();
     }
 }
 
@@ -117,10 +130,12 @@ void createAndOpenLockFile() {
         fatal("ZYPRA0054E: Error locating platform lock file");
     }
     struct stat status {};
-    if (fstat(lockFILE, &status) != 0 || !S_ISREG(status.st_mode)) {
-        errno = EINVAL;
-        fatal("ZYPRA0054E: Error locating platform lock file");
+    const bool isKnown = fstat(lockFILE, &status) == 0;
+    if (isKnown && S_ISREG(status.st_mode)) {
+        return;
     }
+    errno = isKnown ? EINVAL : errno;
+    fatal("ZYPRA0054E: Error locating platform lock file");
 }
 
 void lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker) {
@@ -207,7 +222,7 @@ bool getPipeName(std::wstring& name) {
     if (exists(pipeFilePath)) {
         open_file(stream, pipeFilePath, L"r");
     }
-    if (!stream || readFile(*stream, kLineFormat, pipename) != 1) {
+    if (!stream || readFile(*stream, kPropertyLineFormat, pipename) != 1) {
         return false;
     }
     name = pipename;

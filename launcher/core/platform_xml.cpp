@@ -14,8 +14,6 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kLineFormat[] = L"%2024[^\n]\n";
-
 // A feature's placeholders. A line is the feature's when it holds the id; the version is filled in
 // only there. The messages share a text, the number tells which feature.
 struct Feature {
@@ -62,7 +60,12 @@ void writePlatformXml(const std::wstring& master, const std::wstring& target,
         return;
     }
     std::wstring line;
-    while (readFile(*from, kLineFormat, line) != EOF) {
+    LinePosition position;
+    while (readFile(*from, kCopiedLineFormat, line, &position) != EOF) {
+        if (line.empty()) {
+            reportUnreadableLine(master, position.line);
+            continue;
+        }
         if (!file.write(toNarrow(platformXmlLine(line, properties, bareFeatures)) + "\n")) {
             report(kCopyFailed);
         }

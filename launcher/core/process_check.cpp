@@ -1,5 +1,6 @@
 #include "launcher/core/process_check.h"
 
+#include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_state.h"
 #include "platform/process.h"
 #include "platform/text.h"
@@ -7,6 +8,7 @@
 #include <errno.h>
 #include <regex.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <limits>
 #include <optional>
@@ -38,17 +40,22 @@ class BasicRegex {
     bool isValid_;
 };
 
+// The launcher itself is not the platform that it looks for, though its own command line may look
+// like it: where process ids start anew, in a container or after a reboot, a stale one can be ours.
 bool isAlive(long processId) {
-    if (processId <= 0 || processId > std::numeric_limits<pid_t>::max()) {
+    if (processId <= 0 || processId > std::numeric_limits<pid_t>::max() || processId == getpid()) {
         return false;
     }
     return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
 }
 
-// The process's own line. No heading, and never cut at a terminal's width.
+// The process's own line, never cut at a terminal's width; a heading would match no name.
 std::string listProcess(long processId) {
     const std::optional<ProgramResult> listing =
         runProgram({"ps", "hww", std::to_string(processId)});
+    if (!listing) {
+        report("Error: process check: ps cannot be started; no platform is taken to run.");
+    }
     return listing && listing->succeeded ? listing->output : std::string();
 }
 
@@ -69,7 +76,8 @@ bool listingShowsPlatform(std::string_view listing, const std::string& name, boo
     while (!listing.empty()) {
         const std::size_t end = listing.find('\n');
         const std::string line(listing.substr(0, end));
-        if (nameRegex.matches(line) && (!needsBase || baseRegex.matches(line))) {
+        const bool hasEnded = line.find("<defunct>") != std::string::npos;  // not yet waited for
+        if (!hasEnded && nameRegex.matches(line) && (!needsBase || baseRegex.matches(line))) {
             return true;
         }
         if (end == std::string_view::npos) {

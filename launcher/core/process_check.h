@@ -13,7 +13,8 @@ namespace rcp {
 bool isPlatformProcess(long processId, const std::wstring& name);
 
 /// Whether some line of `listing` matches `name` and, when `needsBase`, "rcp.base", each as a basic
-/// regular expression as grep(1) takes it. An empty name matches nothing.
+/// regular expression as grep(1) takes it. An empty name matches nothing, and the line of a process
+/// that has ended but was not yet waited for matches nothing.
 bool listingShowsPlatform(std::string_view listing, const std::string& name, bool needsBase);
 
 }  // namespace rcp

@@ -8,13 +8,11 @@
 #include <stdio.h>
 
 #include <memory>
-#include <set>
 #include <utility>
 
 namespace rcp {
 namespace {
 
-constexpr wchar_t kLineFormat[] = L" %2024[^\n]\n";
 constexpr wchar_t kByteOrderMark = 0xFEFF;
 
 bool isSeparator(wchar_t character) {
@@ -107,17 +105,6 @@ Property finish(Entry& entry, const PropertyOrigin& origin) {
     return property;
 }
 
-// One record a file: the launcher reads some files twice, and one line is enough to find the cause.
-void reportUnreadableLine(const std::wstring& path, std::size_t line) {
-    static std::set<std::wstring> reported;
-    if (!reported.insert(path).second) {
-        return;
-    }
-    const FormatArgument arguments[] = {std::wstring_view(path), static_cast<unsigned long>(line)};
-    fatalError(ErrnoText::kOmit, "Error: getProperties: %ls: line %lu (the first such line) is no text and is left out.",
-               arguments);
-}
-
 }  // namespace
 
 void getProperties(const std::wstring& path, PropertyList& list) {
@@ -131,7 +118,7 @@ void getProperties(const std::wstring& path, PropertyList& list) {
     LinePosition position;
     Entry entry;
     std::wstring line;
-    while (readFile(*stream, kLineFormat, line, &position) != EOF) {
+    while (readFile(*stream, kPropertyLineFormat, line, &position) != EOF) {
         if (line.empty()) {
             reportUnreadableLine(path, position.line);
             continue;

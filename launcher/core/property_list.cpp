@@ -26,6 +26,13 @@ PropertyList& PropertyList::operator=(const PropertyList& other) {
     return *this;
 }
 
+PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
+    entries_ = std::exchange(other.entries_, {});
+    index_ = std::exchange(other.index_, {});
+    indexed_ = std::exchange(other.indexed_, 0);
+    return *this;
+}
+
 void PropertyList::append(Property property) {
     entries_.push_back(std::move(property));
 }

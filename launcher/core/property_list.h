@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace rcp {
@@ -27,10 +28,11 @@ struct Property {
 class PropertyList {
   public:
     PropertyList() = default;
+    // The index views keys of its own list's entries: a copy makes another, a move takes it along.
     PropertyList(const PropertyList& other) : entries_(other.entries_) {}
     PropertyList& operator=(const PropertyList& other);
-    PropertyList(PropertyList&&) noexcept = default;
-    PropertyList& operator=(PropertyList&&) noexcept = default;
+    PropertyList(PropertyList&& other) noexcept { *this = std::move(other); }
+    PropertyList& operator=(PropertyList&& other) noexcept;
     ~PropertyList() = default;
 
     void append(Property property);
@@ -42,7 +44,13 @@ class PropertyList {
     /// Takes every entry whose key begins with `prefix` out of the list, in order.
     std::vector<Property> extract(std::wstring_view prefix);
 
-    [[nodiscard]] std::deque<Property>& entries() { return entries_; }
+    /// Calls `change` with every value, which it may change. Keys stay: look-ups depend on them.
+    template <typename Change>
+    void forEachValue(Change change) {
+        for (Property& entry : entries_) {
+            change(entry.value);
+        }
+    }
     [[nodiscard]] const std::deque<Property>& entries() const { return entries_; }
 
   private:

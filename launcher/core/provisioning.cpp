@@ -10,6 +10,7 @@
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/removal.h"
+#include "platform/signals.h"
 #include "platform/text.h"
 
 #include <stdlib.h>
@@ -119,6 +120,7 @@ void doProvisioning() {
     }
     populateLockFile(child);
     gate.open();
+    restoreFileSizeSignal();
     execv(command.data()[0], command.data());
     reportFailedExec(launchArgs.front());
 }

@@ -57,13 +57,19 @@ void rebuildConfiguration(const std::wstring& workspace, const std::wstring& con
     }
 }
 
-// A free name beside `path` for what is to be removed: the smallest numbered one that does not
-// exist. Those that do are left from removals that did not finish and are removed now.
+std::wstring numberedName(const std::wstring& path, std::uint32_t number) {
+    std::wstring name = path + L"deleteme";
+    addHexDigits(name, number);
+    return name;
+}
+
+// A free name beside `path` for what is to be removed: the smallest of five numbered ones that does
+// not exist, else the first. Those that do exist are left from removals that did not finish and are
+// removed now. One that cannot be removed must not stop every later reset: then the count goes on.
 std::wstring deleteMeName(const std::wstring& path) {
     std::uint32_t chosen = 1;
     for (std::uint32_t k = 5; k >= 1; --k) {
-        std::wstring name = path + L"deleteme";
-        addHexDigits(name, k);
+        const std::wstring name = numberedName(path, k);
         if (!exists(name)) {
             chosen = k;
             continue;
@@ -73,9 +79,10 @@ std::wstring deleteMeName(const std::wstring& path) {
             SvcDebugOutW(L"%s", problems);
         }
     }
-    std::wstring name = path + L"deleteme";
-    addHexDigits(name, chosen);
-    return name;
+    while (exists(numberedName(path, chosen))) {
+        ++chosen;
+    }
+    return numberedName(path, chosen);
 }
 
 // Moved away first, so that the target's name is free at once however long the removal takes.

@@ -26,12 +26,14 @@ void resetWorkspace(const std::wstring& workspace, const std::wstring& configura
 void resetMetaDataDirs(const std::wstring& workspace, const std::wstring& configuration,
                        const std::wstring& base);
 
-/// Copies or moves directory/name to directory/name, replacing the target; an empty name stands for
-/// the directory itself. A missing source ends the process only when it is `required`.
+/// A file of a directory; an empty name stands for the directory itself.
 struct CopyPlace {
     std::wstring directory;
     std::wstring name;
 };
+
+/// Copies or moves `source` to `target`, replacing what is there. A missing source ends the process
+/// only when it is `required`; every other failure always does.
 void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required, bool move);
 void handleFileMove(const CopyPlace& target, const CopyPlace& source, bool required);
 void handleDirMove(const std::wstring& target, const std::wstring& source, bool required);

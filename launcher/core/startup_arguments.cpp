@@ -13,7 +13,8 @@
 namespace rcp {
 namespace {
 
-// The three write failures carry one text under three ids, so that the id tells which line failed.
+// The three write failures carry one text under three ids, so that the id tells which line failed. The
+// lines of an ordinary launch fit one write, whose failure shows with the last of them.
 constexpr char kArgumentFailed[] = "ZYPRA0020E: Error writing to %ls file.";
 constexpr char kCountFailed[] = "ZYPRA0116E: Error writing to %ls file.";
 constexpr char kLibraryPathFailed[] = "ZYPRA0117E: Error writing to %ls file.";

@@ -16,8 +16,6 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kLineFormat[] = L"%2024[^\n]\n";
-
 // The folder of the master copies, below "config".
 std::wstring_view coreFileFolder() {
     switch (eConfig) {
@@ -75,7 +73,7 @@ std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList
 void copyLines(std::FILE& copy, WholeFile& file) {
     UserFileFilter filter;
     std::wstring line;
-    while (readFile(copy, kLineFormat, line) != EOF) {
+    while (readFile(copy, kCopiedLineFormat, line) != EOF) {
         if (filter.keeps(line) && !file.write(toNarrow(line) + "\n")) {
             report(
                 "ZYPRA0001E: Error while copying base rcpinstall.properties to user specific "

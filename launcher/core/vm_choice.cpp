@@ -24,25 +24,14 @@ void traceAlways(std::wstring_view format, std::wstring_view argument) {
     SvcDebugOutW(format, argument);
 }
 
-// The JVM's path; empty when the launcher library is to find one itself.
-std::wstring chosenVm(const LaunchInputs& inputs) {
-    if (isVmOverride(inputs.arguments)) {
-        const std::wstring* value = optionValue(L"-vm", inputs.arguments);
-        if (value == nullptr || value->empty()) {
-            fatal(kNoVmMessage);
-        }
-        return *value;
-    }
-    const std::wstring* property = findProperty(L"vm", inputs.properties);
-    return property == nullptr ? std::wstring() : *property;
-}
-
-// The same choice, made before the placeholders in arguments are replaced.
-std::wstring vmForProperties(const PropertyList& properties, const Arguments& arguments) {
+// The JVM's path; empty when the launcher library is to find one itself. `missingMessage` tells where
+// it was asked for.
+std::wstring chosenVm(const PropertyList& properties, const Arguments& arguments,
+                      const char* missingMessage) {
     if (isVmOverride(arguments)) {
         const std::wstring* value = optionValue(L"-vm", arguments);
         if (value == nullptr || value->empty()) {
-            fatal("ZYPRA0079E: -vm on command line must be followed by a valid jvm path.");
+            fatal(missingMessage);
         }
         return *value;
     }
@@ -79,7 +68,7 @@ bool addVmToCommandLine(const LaunchInputs& inputs) {
     if (hasOption(L"-rcpLauncherWait", inputs.arguments)) {
         setWaitMode();
     }
-    const std::wstring vm = chosenVm(inputs);
+    const std::wstring vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
     if (vm.empty()) {
         if (isDirectJavaShape()) {
             fatal(kNoVmMessage);  // or an option would become the program
@@ -99,7 +88,9 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
                                            const std::wstring& installDir) {
     JvmPropertyLocation location;
     std::wstring root;
-    location.jvm = vmForProperties(properties, arguments);
+    location.jvm =
+        chosenVm(properties, arguments,
+                 "ZYPRA0079E: -vm on command line must be followed by a valid jvm path.");
     bool found = false;
     if (location.jvm.empty()) {
         traceAlways(L"ZYPRA0119I: VM specified is \"%s\"", L"external JVM");

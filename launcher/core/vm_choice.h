@@ -1,11 +1,12 @@
 // The choice of the JVM, and the jvm.properties file beside it.
 //
-//   JVM: "-vm VALUE" on the command line --> property "vm" --> none (the launcher library finds
-//   one)
+//   JVM             "-vm VALUE" on the command line
+//                   else property "vm"
+//                   else none: the launcher library finds one
 //
-//   jvm.properties: the plug-in folder of a JVM inside /eclipse/plugins/ --> two levels above the
-//   JVM
-//                   executable --> the installation's rcp/deploy (the default root)
+//   jvm.properties  in the plug-in's folder, of a JVM inside /eclipse/plugins/
+//                   else two levels above the JVM's executable
+//                   else in the installation's rcp/deploy, the default root
 #pragma once
 
 #include "launcher/core/launch_inputs.h"

@@ -12,9 +12,8 @@ namespace rcp {
 /// The workspace, by the first rule that applies:
 ///
 ///   service configurations     a folder of the installation
-///   "-data" with a value       the value: one trailing separator dropped, the first "${rcp.home}"
-///   and
-///                              the user placeholders replaced, made absolute
+///   "-data" with a value       the value, one trailing separator dropped, the first "${rcp.home}"
+///                              and the user placeholders replaced, made absolute
 ///   property "rcp.data"        its value likewise, but a relative one stays relative
 ///   otherwise                  HOME/OVR/RCP/<install id>/<user name>
 ///

@@ -107,8 +107,7 @@ TEST_F(HostilePropertyFile, LineThatIsNoTextIsLeftOutWithARecord) {
     velmo.write(path, "x=\xFF\xFE\n" + readFile(path));
     const Launch launch = velmo.launch();
     EXPECT_TRUE(launch.platform.has_value());
-    EXPECT_TRUE(hasLineStart(launch.log, "Error: getProperties: " + path + ": line 1 "))
-        << launch.log;
+    EXPECT_TRUE(hasLineStart(launch.log, "Error: readFile: " + path + ": line 1 ")) << launch.log;
 }
 
 // --- The user's area ---

@@ -1,5 +1,7 @@
 #include "launcher/core/install_id.h"
 
+#include "launcher/core/property_file.h"
+#include "platform/text.h"
 #include "tests/unit/core/child_process.h"
 #include "tests/unit/core/user_area_fixture.h"
 
@@ -121,6 +123,15 @@ TEST_F(InstallId, LaunchersThatStartAtOnceAgreeOnOne) {
     for (int i = 1; i < 8; ++i) {
         EXPECT_EQ(folder_.read("id" + std::to_string(i)), id);
     }
+}
+
+TEST_F(InstallId, IdIsReadNextTimeEvenWhenTheFileEndsInsideAContinuedEntry) {
+    writeFile("z=a\\");
+    const std::string id = make();
+    PropertyList next;
+    getProperties(folder_.wide("launcher.properties"), next);
+    ASSERT_NE(findProperty(L"rcp.install.id", next), nullptr);
+    EXPECT_EQ(*findProperty(L"rcp.install.id", next), toWide(id));
 }
 
 TEST_F(InstallId, FileThatCannotBeOpenedIsFatal) {

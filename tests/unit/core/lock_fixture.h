@@ -11,18 +11,27 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <memory>
 #include <string>
 
 namespace rcp::test {
 
 /// The workspace is the test's folder. The process check looks for this program's own name, so that
-/// the test itself and its forked processes count as platforms.
+/// the test's forked processes count as platforms (the test itself, like a launcher, never does).
 class LockTest : public LauncherTest {
   protected:
     LockTest() { invokeDylib = true; }
     ~LockTest() override { closeLockFile(); }
 
     static constexpr wchar_t kMarker[] = L"unit_core";
+
+    /// The id of a process that counts as the platform and lives as long as the test.
+    [[nodiscard]] pid_t platformId() {
+        if (!platform_) {
+            platform_ = std::make_unique<ChildProcess>([] { return pause(); });
+        }
+        return platform_->pid();
+    }
 
     void locate(const Arguments& arguments = {L"rcplauncher"}) const {
         locateLockFile(arguments, folder_.wide(), kMarker);
@@ -50,6 +59,9 @@ class LockTest : public LauncherTest {
         }
         return -1;
     }
+
+  private:
+    std::unique_ptr<ChildProcess> platform_;
 };
 
 }  // namespace rcp::test

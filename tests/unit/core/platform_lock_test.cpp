@@ -79,8 +79,8 @@ TEST_F(PlatformLock, UnrelatedLiveProcessIsNoPlatform) {
 
 TEST_F(PlatformLock, LivePlatformMakesADaemonThatKnowsItsId) {
     const test::Records records(folder_);
-    EXPECT_FALSE(becomesMain(std::to_string(getpid()) + "          "));
-    EXPECT_EQ(pid, getpid());
+    EXPECT_FALSE(becomesMain(std::to_string(platformId()) + "          "));
+    EXPECT_EQ(pid, platformId());
     EXPECT_TRUE(records.has("ZYPRA0305I: We are daemon process\n"));
     EXPECT_FALSE(records.has("ZYPRA0304I"));
     EXPECT_FALSE(records.has("ZYPRA0091E"));
@@ -98,7 +98,7 @@ TEST_F(PlatformLock, LettersInTheFileAreFatal) {
 }
 
 TEST_F(PlatformLock, FileThatIsGoneMeansNoPlatform) {
-    writeLock(std::to_string(getpid()));
+    writeLock(std::to_string(platformId()));
     locate();
     ASSERT_TRUE(isMainProcessRunning(kMarker));
     std::filesystem::remove(folder_.path() / ".rcp.lock");
@@ -107,7 +107,7 @@ TEST_F(PlatformLock, FileThatIsGoneMeansNoPlatform) {
 
 TEST_F(PlatformLock, MainLauncherDeletesTheSidFileAndADaemonKeepsIt) {
     folder_.write(".sid", "7");
-    EXPECT_FALSE(becomesMain(std::to_string(getpid())));
+    EXPECT_FALSE(becomesMain(std::to_string(platformId())));
     EXPECT_TRUE(folder_.has(".sid"));
     EXPECT_TRUE(becomesMain(""));
     EXPECT_FALSE(folder_.has(".sid"));
@@ -241,8 +241,24 @@ TEST_F(PlatformLock, MainLauncherRecordsTheIdInBothFiles) {
     EXPECT_EQ(folder_.read(".rcp.main"), "4711    ");
 }
 
+TEST_F(PlatformLock, FileThatWasRemovedWhileItWasWaitedForIsMadeAnew) {
+    writeLock("");
+    const int holder = open(folder_.narrow(".rcp.lock").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(holder, LOCK_EX), 0);
+    test::ChildProcess waiting([&] {
+        close(holder);  // or the waiting process would hold the lock too
+        locate();
+        return isMainProcess() && isLocked() ? 0 : 1;
+    });
+    EXPECT_FALSE(waiting.endsWithin(std::chrono::milliseconds(200)));
+    std::filesystem::remove(folder_.path() / ".rcp.lock");
+    close(holder);
+    EXPECT_EQ(waiting.wait(), 0);
+    EXPECT_TRUE(folder_.has(".rcp.lock"));
+}
+
 TEST_F(PlatformLock, DaemonRecordsNothing) {
-    const std::string content = std::to_string(getpid()) + "          ";
+    const std::string content = std::to_string(platformId()) + "          ";
     writeLock(content);
     locate();
     populateLockFile(4711);

@@ -39,6 +39,12 @@ TEST(Listing, NothingListedIsNoPlatform) {
     EXPECT_FALSE(listingShowsPlatform("\n", "Velmo", false));
 }
 
+TEST(Listing, ProcessThatHasEndedIsNoPlatform) {
+    EXPECT_FALSE(listingShowsPlatform("1 ? Z 0:00 [Velmo] <defunct>\n", "Velmo", false));
+    EXPECT_TRUE(
+        listingShowsPlatform("1 ? Z 0:00 [Velmo] <defunct>\n2 ? S 0:00 Velmo\n", "Velmo", false));
+}
+
 TEST(Listing, EmptyNameNeverMatches) {
     EXPECT_FALSE(listingShowsPlatform(kListing, "", false));
     EXPECT_FALSE(listingShowsPlatform(kListing, "", true));
@@ -123,9 +129,33 @@ TEST_F(PlatformProcess, IdsThatAreNoProcessIdsAreNot) {
     }
 }
 
+TEST_F(PlatformProcess, LauncherIsNotThePlatformItLooksFor) {
+    invokeDylib = true;
+    EXPECT_FALSE(isPlatformProcess(getpid(), L"unit_core"));
+}
+
+TEST_F(PlatformProcess, NameOutsideAsciiIsFoundWhateverLocaleTheEnvironmentAsksFor) {
+    invokeDylib = true;
+    const ChildProcess child = start("/opt/V\u00e9lmo/eclipse");
+    setenv("LC_ALL", "C", 1);
+    EXPECT_TRUE(becomes(child, L"V\u00e9lmo"));
+    unsetenv("LC_ALL");
+}
+
+TEST_F(PlatformProcess, ChildSignalThatIsIgnoredChangesNothing) {
+    invokeDylib = true;
+    const ChildProcess child = start("/opt/Velmo/rcp/rcplauncher");
+    ASSERT_TRUE(becomes(child, L"Velmo"));
+    (void)signal(SIGCHLD, SIG_IGN);
+    EXPECT_TRUE(isPlatformProcess(child.pid(), L"Velmo"));
+    EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN) << "given back as it was";
+}
+
 TEST_F(PlatformProcess, EmptyNameIsNobodys) {
     invokeDylib = true;
-    EXPECT_FALSE(isPlatformProcess(getpid(), L""));
+    const ChildProcess platform = start("/opt/Velmo/rcp/rcplauncher");
+    ASSERT_TRUE(becomes(platform, L"Velmo"));
+    EXPECT_FALSE(isPlatformProcess(platform.pid(), L""));
 }
 
 TEST_F(PlatformProcess, TerminalWidthNeverCutsTheLine) {
@@ -157,9 +187,11 @@ TEST_F(PlatformProcess, ProcessThatCannotBeListedIsNot) {
 
 TEST_F(PlatformProcess, NameFromAPropertyNeverReachesAShell) {
     invokeDylib = true;
+    const ChildProcess platform = start("/opt/Velmo/rcp/rcplauncher");
+    ASSERT_TRUE(becomes(platform, L"Velmo"));
     const std::wstring touch = L"x; touch " + folder_.wide("touched");
-    EXPECT_FALSE(isPlatformProcess(getpid(), touch));
-    EXPECT_FALSE(isPlatformProcess(getpid(), L"$(touch " + folder_.wide("touched") + L")"));
+    EXPECT_FALSE(isPlatformProcess(platform.pid(), touch));
+    EXPECT_FALSE(isPlatformProcess(platform.pid(), L"$(touch " + folder_.wide("touched") + L")"));
     EXPECT_FALSE(folder_.has("touched"));
 }
 

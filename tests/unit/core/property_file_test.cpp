@@ -186,7 +186,7 @@ TEST_F(PropertyFile, LineThatIsNoTextIsReportedAndLeftOut) {
     const test::Records records(folder_);
     EXPECT_EQ(read("a=1\n\nb=\xFF\nc=3\n"), (Pairs{{L"a", L"1"}, {L"c", L"3"}}));
     EXPECT_TRUE(
-        records.text().starts_with("Error: getProperties: " + folder_.narrow("file") + ": line 3 "))
+        records.text().starts_with("Error: readFile: " + folder_.narrow("file") + ": line 3 "))
         << records.text();
     EXPECT_TRUE(records.text().ends_with(" is no text and is left out.\n")) << records.text();
 }

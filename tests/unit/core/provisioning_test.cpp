@@ -62,9 +62,17 @@ class Provisioning : public test::LockTest {
     }
 
     void set(const std::wstring& key, const std::wstring& value) {
-        std::erase_if(inputs_.properties.entries(),
-                      [&](const Property& property) { return property.key == key; });
+        unset(key);
         inputs_.properties.append({key, value, {}});
+    }
+    void unset(const std::wstring& key) {
+        PropertyList kept;
+        for (const Property& property : inputs_.properties.entries()) {
+            if (property.key != key) {
+                kept.append(property);
+            }
+        }
+        inputs_.properties = kept;
     }
     void setUserLevel(const std::wstring& value) {
         inputs_.userProperties = PropertyList();
@@ -108,8 +116,7 @@ TEST_F(Provisioning, AtANewLevel) {
 }
 
 TEST_F(Provisioning, NotWhenThePlatformHasNoLevel) {
-    std::erase_if(inputs_.properties.entries(),
-                  [](const Property& property) { return property.key == kLevel; });
+    unset(kLevel);
     EXPECT_EQ(check(), 99);
 }
 
@@ -128,8 +135,7 @@ TEST_F(Provisioning, OnlyWhenItIsExactlyTrue) {
         set(L"provisioning", value);
         EXPECT_EQ(check(), 99) << testing::PrintToString(value);
     }
-    std::erase_if(inputs_.properties.entries(),
-                  [](const Property& property) { return property.key == L"provisioning"; });
+    unset(L"provisioning");
     EXPECT_EQ(check(), 99);
     set(L"provisioning", L"true");
     EXPECT_EQ(check(), 7);
@@ -161,9 +167,7 @@ TEST_F(Provisioning, ApplicationStandsBehindTheMainOptions) {
 }
 
 TEST_F(Provisioning, MissingApplicationIsFatalBeforeAnythingIsStarted) {
-    std::erase_if(inputs_.properties.entries(), [](const Property& property) {
-        return property.key == L"provisioning.application";
-    });
+    unset(L"provisioning.application");
     EXPECT_EQ(check(), 99) << "no provisioning is due";
     userFirstLaunch = true;
     EXPECT_FATAL(checkForProvisioning(inputs_),

@@ -149,6 +149,16 @@ TEST_F(Reset, SmallestFreeNumberIsChosenForTheRemoval) {
     EXPECT_TRUE(folder_.has("base"));
 }
 
+TEST_F(Reset, RemovalsThatNeverFinishStopNoLaterReset) {
+    for (int i = 0; i < 8; ++i) {
+        writeArea();
+        std::filesystem::create_symlink("nowhere", folder_.path() / "ws/.config/dangling");
+        reset();
+    }
+    EXPECT_EQ(own("org.eclipse.update/registry"), "r");
+    EXPECT_TRUE(workspaceHas(".configbak/dangling"));
+}
+
 TEST_F(Reset, RemovalThatFailsIsTracedAndTheResetGoesOn) {
     writeArea();
     folder_.write("ws/.configbak/f", "");

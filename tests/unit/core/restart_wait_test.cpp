@@ -79,8 +79,8 @@ TEST_F(RestartWait, EndsSoonAfterThePlatformDoes) {
 
 TEST_F(RestartWait, PlatformThatNeverEndsIsGivenUpAfterTwentyWaits) {
     const test::Records records(folder_);
-    writeLock(idOf(getpid()));
-    restartAfter(getpid());
+    writeLock(idOf(platformId()));
+    restartAfter(platformId());
     EXPECT_EQ(seconds, 1 + 20);
     EXPECT_TRUE(records.has(kGivenUp)) << records.text();
     EXPECT_TRUE(lockFile().starts_with(std::string(14, ' '))) << lockFile();
@@ -107,12 +107,12 @@ TEST_F(RestartWait, PlatformThatEndsInTheLastSecondIsGivenUpAllTheSame) {
 }
 
 TEST_F(RestartWait, AnotherPlatformsIdEndsTheWaitAtOnce) {
-    writeLock(idOf(getpid()));
+    writeLock(idOf(platformId()));
     restartAfter(getppid());
     EXPECT_EQ(seconds, 1);
     EXPECT_FALSE(isMainProcess());
-    EXPECT_EQ(pid, getpid());
-    EXPECT_EQ(lockFile(), idOf(getpid()));
+    EXPECT_EQ(pid, platformId());
+    EXPECT_EQ(lockFile(), idOf(platformId()));
 }
 
 TEST_F(RestartWait, AnotherPlatformThatIsRecordedMeanwhileEndsTheWait) {
@@ -123,13 +123,13 @@ TEST_F(RestartWait, AnotherPlatformThatIsRecordedMeanwhileEndsTheWait) {
     writeLock(idOf(old.pid()));
     whileAsleep = [&](int second) {
         if (second == 5) {
-            writeLock(idOf(getpid()));
+            writeLock(idOf(platformId()));
         }
     };
     restartAfter(old.pid());
     EXPECT_EQ(seconds, 5);
     EXPECT_FALSE(isMainProcess());
-    EXPECT_EQ(pid, getpid());
+    EXPECT_EQ(pid, platformId());
 }
 
 TEST_F(RestartWait, OnlyTheOldPlatformsIdIsCleared) {
@@ -141,20 +141,22 @@ TEST_F(RestartWait, OnlyTheOldPlatformsIdIsCleared) {
     writeLock(idOf(old.pid()));
     whileAsleep = [&](int second) {
         if (second == 21) {
-            writeLock(idOf(getpid()));  // another launcher was faster
+            writeLock(idOf(platformId()));  // another launcher was faster
         }
     };
     restartAfter(old.pid());
     EXPECT_TRUE(records.has(kGivenUp));
-    EXPECT_EQ(lockFile(), idOf(getpid()));
+    EXPECT_EQ(lockFile(), idOf(platformId()));
     EXPECT_FALSE(isMainProcess());
-    EXPECT_EQ(pid, getpid());
+    EXPECT_EQ(pid, platformId());
 }
 
 TEST_F(RestartWait, OldIdThatIsMissingLastOrNoNumberIsNobodys) {
-    writeLock(idOf(getpid()));
-    const std::vector<Arguments> cases = {
-        {}, {L"-rcp_old_pid"}, {L"-rcp_old_pid", L"abc"}, {L"-rcp_old_pid", text(getpid()) + L"x"}};
+    writeLock(idOf(platformId()));
+    const std::vector<Arguments> cases = {{},
+                                          {L"-rcp_old_pid"},
+                                          {L"-rcp_old_pid", L"abc"},
+                                          {L"-rcp_old_pid", text(platformId()) + L"x"}};
     for (const Arguments& more : cases) {
         seconds = 0;
         restart(more);
@@ -164,19 +166,19 @@ TEST_F(RestartWait, OldIdThatIsMissingLastOrNoNumberIsNobodys) {
 }
 
 TEST_F(RestartWait, OrdinaryLaunchWaitsForNobody) {
-    writeLock(idOf(getpid()));
-    locate({L"rcplauncher", L"-rcp_old_pid", text(getpid())});
+    writeLock(idOf(platformId()));
+    locate({L"rcplauncher", L"-rcp_old_pid", text(platformId())});
     EXPECT_EQ(seconds, 0);
     EXPECT_FALSE(isMainProcess());
 }
 
 TEST_F(RestartWait, EmptyAndUnreadableLockFilesEndIt) {
-    restartAfter(getpid());
+    restartAfter(platformId());
     EXPECT_EQ(seconds, 1);
     EXPECT_TRUE(isMainProcess());
     unlockLockFile();
     writeLock("letters");
-    EXPECT_EXIT(restartAfter(getpid()), testing::ExitedWithCode(255), "");
+    EXPECT_EXIT(restartAfter(platformId()), testing::ExitedWithCode(255), "");
 }
 
 }  // namespace

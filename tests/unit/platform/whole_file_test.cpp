@@ -83,14 +83,28 @@ TEST_F(WholeFiles, ReplacedFileKeepsItsPermissionsAndANewOneHasTheMasks) {
     EXPECT_EQ(modeOf("other"), 0640U);
 }
 
-TEST_F(WholeFiles, LinkUnderTheTemporaryNameIsNotFollowed) {
+TEST_F(WholeFiles, LinkUnderTheTemporaryNameIsReplacedAndNotFollowed) {
     folder_.write("target", "untouched");
     fs::create_symlink("target", folder_.path() / "file.tmp");
     WholeFile file(folder_.wide("file"));
-    EXPECT_FALSE(file.open());
-    EXPECT_EQ(errno, ELOOP);
-    EXPECT_FALSE(file.commit());
+    ASSERT_TRUE(file.open());
+    EXPECT_TRUE(file.write("text"));
+    EXPECT_TRUE(file.commit());
     EXPECT_EQ(folder_.read("target"), "untouched");
+    EXPECT_EQ(folder_.read("file"), "text");
+    EXPECT_FALSE(folder_.has("file.tmp"));
+}
+
+TEST_F(WholeFiles, WhatAKilledLaunchLeftIsRemovedUnlessItIsBeingWritten) {
+    folder_.write("file.tmp", "half");
+    removeUnfinished(folder_.wide("file"));
+    EXPECT_FALSE(folder_.has("file.tmp"));
+    removeUnfinished(folder_.wide("file"));  // nothing there is fine
+
+    WholeFile file(folder_.wide("file"));
+    ASSERT_TRUE(file.open());
+    removeUnfinished(folder_.wide("file"));
+    EXPECT_TRUE(folder_.has("file.tmp"));
 }
 
 TEST_F(WholeFiles, PipeUnderTheTemporaryNameStopsNobody) {

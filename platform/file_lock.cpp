@@ -1,0 +1,25 @@
+#include "platform/file_lock.h"
+
+#include <errno.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace rcp {
+
+bool lockExclusively(int descriptor) {
+    while (flock(descriptor, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isNamed(int descriptor, const std::string& path) {
+    struct stat opened {};
+    struct stat named {};
+    return fstat(descriptor, &opened) == 0 && lstat(path.c_str(), &named) == 0 &&
+           opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+}
+
+}  // namespace rcp
