@@ -96,11 +96,11 @@ void findEveryProperty(benchmark::State& state) {
 }
 
 void replacePlaceholders(benchmark::State& state) {
-    rcp::PropertyList list = properties(L"property.number.", state.range(0));
-    for (rcp::Property& entry : list.entries()) {
-        entry.value = L"${rcp.home}/${prop.property.number.1}";
+    rcp::PropertyList list;
+    list.append({L"property", L"value", {}});
+    for (std::int64_t i = 1; i < state.range(0); ++i) {
+        list.append({numbered(L"number.", i), L"${rcp.home}/${prop.property}", {}});
     }
-    list.entries().front().value = L"value";
     for (auto _ : state) {
         rcp::PropertyList copy = list;
         rcp::replacePlaceholdersInRcpInstallProp({L"/workspace", L"/installation"}, copy);

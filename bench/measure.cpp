@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -212,7 +213,10 @@ void print(const std::vector<Contender>& contenders) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int rounds = argc > 1 ? std::atoi(argv[1]) : 0;
+    int rounds = 0;
+    if (argc > 1) {
+        std::from_chars(argv[1], argv[1] + std::strlen(argv[1]), rounds);
+    }
     const bool untilFirstLine = argc > 2 && std::string_view(argv[2]) == "--first-line";
     std::vector<Contender> contenders;
     if (rounds > 0) {

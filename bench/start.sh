@@ -1,6 +1,9 @@
 #!/bin/sh
 # What is written in the launcher's place where there is none: a start script beside the settings. It
 # does the same job in the usual way, with as few processes as a careful script needs.
+#
+# shellcheck disable=SC2016 # The placeholders of the settings look like variables of the shell.
+# shellcheck disable=SC2034,SC2154 # The variables come from the settings.
 set -eu
 
 program=$(readlink -f -- "$0")

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -86,6 +87,10 @@ Installation::Installation()
       workspace(userHome + "/OVR/RCP/" + installId + "/" + userName),
       program(rcp + "/rcplauncher"),
       folder(root + "/folder") {
+    if (const char* everywhere = getenv("RCP_TEST_WRAPPER")) {
+        std::istringstream words(everywhere);
+        wrapper.assign(std::istream_iterator<std::string>(words), {});
+    }
     for (const std::string& name : {rcp, base + "/macosx/x86", userHome, tmp, folder}) {
         files::create_directories(name);
     }

@@ -118,7 +118,7 @@ class Installation {
     std::string folder;
     std::map<std::string, std::string> environment;
     /// A program that runs the launcher (a tracer, a limit) with its own arguments; the launcher's
-    /// follow.
+    /// follow. The words of RCP_TEST_WRAPPER, if it is set, to run every launch under a checker.
     Texts wrapper;
 
     /// One line `key=value` of rcplauncher.properties: replaces the first with that key, or is
