@@ -16,7 +16,7 @@ namespace {
 using namespace rcp;
 using rcp::fuzz::require;
 
-constexpr std::size_t kMostGrowth = std::size_t{256} * 1024;
+constexpr std::size_t kMostGrowth = std::size_t{1024} * 1024;
 
 PropertyList properties(const std::vector<std::wstring>& values) {
     PropertyList list;

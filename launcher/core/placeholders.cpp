@@ -11,8 +11,8 @@ namespace {
 
 // No real value comes near these. They end the expansion of values that bring themselves back, and
 // bound the time that a hostile one can take.
-constexpr int kMostReplacements = 1024;
-constexpr std::size_t kLongestGrowth = std::size_t{256} * 1024;
+constexpr int kMostReplacements = 4096;
+constexpr std::size_t kLongestGrowth = std::size_t{1024} * 1024;
 
 void turnSlashes(StandardLocations& locations) {
     convertBS2S(locations.workspace);

@@ -227,6 +227,8 @@ TEST(HostileEnvironment, EightDescriptorsAreEnough) {
     }
 }
 
+// The sanitizers want descriptors and memory of their own.
+#if !defined(__SANITIZE_ADDRESS__)
 TEST(HostileEnvironment, TooFewDescriptorsEndWithARecordOrDoNotMatter) {
     NEEDS_PRIVATE_TMP();
     Installation velmo;
@@ -237,7 +239,6 @@ TEST(HostileEnvironment, TooFewDescriptorsEndWithARecordOrDoNotMatter) {
     }
 }
 
-#if !defined(__SANITIZE_ADDRESS__)
 TEST(HostileEnvironment, TooLittleMemoryEndsWithARecordOrDoesNotMatter) {
     NEEDS_PRIVATE_TMP();
     Installation velmo;

@@ -231,7 +231,7 @@ const test::Probe kRelative("relative mkdirs", [](const std::vector<std::string>
     if (chroot(arguments.at(0).c_str()) != 0 || chdir("/inside") != 0) {
         return 77;
     }
-    return mkdirs(L"a/b") ? 3 : 4;
+    _exit(mkdirs(L"a/b") ? 3 : 4);  // a leak check at exit would miss /proc in this root
 });
 
 TEST_F(Files, RelativePathIsMadeFromTheRootOfTheFileSystem) {
