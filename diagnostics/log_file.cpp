@@ -1,6 +1,7 @@
 #include "diagnostics/log_file.h"
 
 #include "diagnostics/svc_debug.h"
+#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -84,7 +85,7 @@ bool mayWrite(int descriptor, bool inTemporaryFolder) {
 int openLog(const char* path, bool inTemporaryFolder, int extraFlags) {
     const int flags = kLogFlags | extraFlags | (inTemporaryFolder ? O_NOFOLLOW : 0);
     const mode_t mode = inTemporaryFolder ? 0600 : 0666;
-    const int descriptor = open(path, flags, mode);
+    const int descriptor = calls::open(path, flags, mode);
     if (descriptor < 0) {
         return -1;
     }
@@ -182,9 +183,9 @@ bool dumpLogToTempLocation() {
 void deleteTempLog() {
     const std::string path = pathBytes(std::wstring(kTemporaryFolder) + kLogName);
     struct stat status {};
-    if (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+    if (calls::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
         status.st_uid == geteuid()) {
-        unlink(path.c_str());
+        calls::unlink(path.c_str());
     }
 }
 

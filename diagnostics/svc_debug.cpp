@@ -51,11 +51,13 @@ std::string err_doit(ErrnoText errnoText, int savedErrno, std::string_view forma
     return text;
 }
 
-void endProcess() {
-    if (!logIsOpen()) {
+constexpr int kFatalStatus = 255;
+
+void endProcess(int status) {
+    if (status != 0 && !logIsOpen()) {
         dumpLogToTempLocation();
     }
-    exit(-1);
+    exit(status);
 }
 
 constinit EndFunction endFunction = &endProcess;
@@ -85,7 +87,7 @@ void reportAndMaybeEnd(std::string_view format, std::span<const FormatArgument> 
     }
     const Reporting reporting;
     err_doit(errnoText, savedErrno, format, arguments);
-    endFunction();
+    endFunction(kFatalStatus);
 }
 
 void runOutOfMemory();
@@ -146,7 +148,7 @@ void SvcDebugOutW(std::wstring_view format, std::wstring_view argument) {
     }
 }
 
-void SvcDebugOutW(std::wstring_view message, std::span<const std::wstring> arguments) {
+void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments) {
     if (!debug || message.size() >= kTraceFormatLimit) {
         return;
     }
@@ -230,6 +232,11 @@ void fatal(std::string_view format, long argument) {
 
 void report(std::string_view format, std::wstring_view argument) {
     fatalErrorA(format, argument, Then::kReturn, ErrnoText::kOmit);
+}
+
+void endLaunch(int status) {
+    endFunction(status);
+    _exit(status);  // not reached
 }
 
 EndFunction setEndFunction(EndFunction function) {

@@ -10,6 +10,7 @@
 // SvcDebugOut functions and only while `debug` is on; errors go out always.
 #pragma once
 
+#include "diagnostics/argument.h"
 #include "diagnostics/format.h"
 
 #include <span>
@@ -54,7 +55,7 @@ void SvcDebugOutA(std::string_view format, int argument);
 void SvcDebugOutW(std::wstring_view format, std::wstring_view argument);
 /// The argument dump: message="first, second, ", with the percent signs of the arguments read as
 /// directives ("%%" becomes "%") and an empty line after it.
-void SvcDebugOutW(std::wstring_view message, std::span<const std::wstring> arguments);
+void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments);
 /// Every text a record of its own as it stands, all in one write to the log: a launch has dozens of
 /// parameters.
 void SvcDebugOutRecords(std::span<const std::string_view> texts);
@@ -87,8 +88,12 @@ void fatalErrorW(std::wstring_view message, Then then, ErrnoText errnoText);
 [[noreturn]] void fatal(std::string_view format, std::wstring_view argument);
 [[noreturn]] void fatal(std::string_view format, long argument);
 
-using EndFunction = void (*)();
-/// Replaces what ends the process behind a fatal error's record and returns the former function, so
+/// Ends the process where a launch is over before the hand-off; with another status than 0 the
+/// records go to the temporary log when no log is open.
+[[noreturn]] void endLaunch(int status);
+
+using EndFunction = void (*)(int status);
+/// Replaces what endLaunch and fatal errors end the process by and returns the former function, so
 /// that a fuzzer can go on with its next input. The replacement leaves by an exception; it must not
 /// return.
 EndFunction setEndFunction(EndFunction function);

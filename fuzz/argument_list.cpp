@@ -107,7 +107,8 @@ void checkMainOptions(const LaunchInputs& inputs) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Fields fields(data, size);
     const std::size_t count = fields.number() % 16;
-    const Arguments all = fields.texts();
+    const std::vector<std::wstring> texts = fields.texts();
+    const Arguments all(texts.begin(), texts.end());
     const auto split = all.begin() + static_cast<std::ptrdiff_t>(std::min(count, all.size()));
     Arguments arguments = {L"/rcp/rcplauncher"};
     arguments.insert(arguments.end(), all.begin(), split);
@@ -145,8 +146,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(launchArgs.size() <= inputs.arguments.size() + inputs.vmargMap.size() + 20,
             "the list has a bound");
     for (const auto& [key, argument] : inputs.vmargMap) {
-        require(argument.text.empty() || argument.text == L"-debug" ||
-                    argument.text == L"-console" || hasOption(argument.text, launchArgs),
+        require(argument.empty() || argument == L"-debug" || argument == L"-console" ||
+                    hasOption(argument, launchArgs),
                 "no JVM argument is lost");
     }
     return 0;

@@ -34,7 +34,7 @@ void removeFolder() {
     std::filesystem::remove_all(folder(), ignored);
 }
 
-[[noreturn]] void leaveInput() {
+[[noreturn]] void leaveInput(int /*status*/) {
     throw ProcessEnd();
 }
 

@@ -4,9 +4,11 @@
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
 #include "launcher/core/platform_lock.h"
+#include "platform/install_location.h"
 #include "platform/platform.h"
 #include "platform/signals.h"
 #include "platform/text.h"
+#include "system/system_calls.h"
 
 #include <dlfcn.h>
 #include <strings.h>
@@ -77,7 +79,7 @@ void launchEclipse(const Arguments& arguments) {
                        "ZYPRA0133I: ===== End Launch Parameters =====");
     Gate gate;
     const pid_t self = getpid();
-    const pid_t child = fork();
+    const pid_t child = calls::fork();
     if (child == 0) {
         watchHandOff(arguments, launchArguments, self, gate);
         return;
@@ -128,7 +130,7 @@ bool haveLaunchOption(const std::string& option, const std::vector<std::string>&
 }
 
 void initInvokeDylib(const PropertyList& properties) {
-    const std::string path = platform::executablePathAsStarted();
+    const std::string path = launcherExecutable();
     if (path.substr(path.rfind('/') + 1) != "rcplauncher") {
         invokeDylib = true;
         return;

@@ -5,6 +5,7 @@
 #include "launcher/core/launch_state.h"
 #include "launcher/hand_off.h"
 #include "launcher/startup.h"
+#include "platform/install_location.h"
 #include "platform/platform.h"
 #include "platform/process.h"
 #include "platform/signals.h"
@@ -47,7 +48,8 @@ Arguments wideArguments(int argc, char** argv) {
     Arguments arguments;
     arguments.reserve(static_cast<std::size_t>(argc) + 3);
     for (int i = 0; i < argc; ++i) {
-        arguments.emplace_back(chartowcs(argv[i]).get());
+        arguments.emplace_back(chartowcs(argv[i]).get(),
+                               Origin{nullptr, static_cast<std::size_t>(i)});
         if (arguments.back().empty() && *argv[i] != '\0') {
             const FormatArgument number[] = {static_cast<long>(i)};
             fatalError(ErrnoText::kOmit, "Error: main: argument %d is no text of this locale.",
@@ -56,7 +58,7 @@ Arguments wideArguments(int argc, char** argv) {
     }
     if (arguments.empty()) {
         // Started without even a name: the path that the system knows stands in.
-        arguments.push_back(toWide(platform::executablePathAsStarted()));
+        arguments.push_back(toWide(launcherExecutable()));
     }
     return arguments;
 }
@@ -75,6 +77,14 @@ void dumpArguments(const Arguments& arguments) {
     SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
 }
 
+// Nothing below should throw. If something does, what was recorded so far is not lost.
+[[noreturn]] void endUnexpectedly(std::string_view reason) {
+    fatalErrorA("Error: startup: unexpected failure: %s", reason, Then::kExit, ErrnoText::kOmit);
+    _exit(255);  // not reached
+}
+
+}  // namespace
+
 void launch(int argc, char** argv) {
     if (!isJREPluginInstalled() && GetJavaHome().empty()) {
         quitWithNoJavaWarning();
@@ -92,14 +102,6 @@ void launch(int argc, char** argv) {
     addArgToCommandLine(L"-XstartOnFirstThread", false);
     launchEclipse(arguments);
 }
-
-// Nothing below should throw. If something does, what was recorded so far is not lost.
-[[noreturn]] void endUnexpectedly(std::string_view reason) {
-    fatalErrorA("Error: startup: unexpected failure: %s", reason, Then::kExit, ErrnoText::kOmit);
-    _exit(255);  // not reached
-}
-
-}  // namespace
 
 int runLauncher(int argc, char** argv) {
     openMissingStandardStreams();
@@ -139,15 +141,17 @@ void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& prope
     }
     for (std::wstring& argument : arguments) {
         if (isMatch(argument)) {
-            argument = last;
+            argument.assign(last);
         }
     }
 }
 
 void appendVm(Arguments& arguments, const PropertyList& properties) {
     arguments.emplace_back(L"-vm");
-    arguments.push_back(jvmLocation(properties) +
-                        valueOr(L"jvm.libpath", kDefaultLibraryPath, properties));
+    const Property* location = properties.find(L"jvm.location");
+    arguments.emplace_back(
+        jvmLocation(properties) + valueOr(L"jvm.libpath", kDefaultLibraryPath, properties),
+        location == nullptr ? Origin() : location->origin);
 }
 
 void doVersionCheck(const Arguments& arguments) {

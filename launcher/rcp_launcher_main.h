@@ -12,6 +12,9 @@ inline constexpr wchar_t kVersion[] = L"20211117.0921";
 /// The whole launch, from the process's arguments to the hand-off. Returns the exit status of main.
 int runLauncher(int argc, char** argv);
 
+/// The launch itself, without what runLauncher puts around it for the process's sake.
+void launch(int argc, char** argv);
+
 /// Sets the character-type locale from the environment, UTF-8 where it asks for "C". Failure ends
 /// the process.
 void setCharacterLocale();

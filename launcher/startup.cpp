@@ -99,8 +99,7 @@ void openLog(const std::wstring& workspace) {
     getLogLocation(folder, workspace);
     ensure(folder, "ZYPRA0084E: Unable to create %ls directory.");
     if (!enableLogging(folder)) {
-        dumpLogToTempLocation();
-        exit(-1);
+        endLaunch(255);
     }
     deleteTempLog();
 }
@@ -163,9 +162,8 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
     inputs.properties.append({L"velmo.workspace.loc", workspace, {}});
     inputs.userProperties.append({L"velmo.workspace.loc", workspace, {}});
     insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
-    const std::wstring argsFile = osPath(inputs.configuration + L"/args.properties");
-    if (exists(argsFile)) {
-        getProperties(argsFile, inputs.properties);
+    if (getPropertiesIfThere(osPath(inputs.configuration + L"/args.properties"),
+                             inputs.properties)) {
         insertPropToVmargMap(inputs.vmargMap, inputs.properties);
     }
 }

@@ -38,7 +38,7 @@ std::optional<std::string> readBytes(const std::wstring& path) {
 
 }  // namespace
 
-const std::wstring* getBundleIdentifier(std::span<const std::wstring> arguments) {
+const std::wstring* getBundleIdentifier(std::span<const Argument> arguments) {
     for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
         if (arguments[i] == L"-bundleIdentifier" && arguments[i + 1] != L"-vmargs") {
             return &arguments[i + 1];

@@ -2,6 +2,7 @@
 // "Info.plist" in step with the one given on the command line.
 #pragma once
 
+#include "diagnostics/argument.h"
 #include "platform/platform.h"
 
 #include <optional>
@@ -11,7 +12,7 @@
 namespace rcp {
 
 /// The argument behind the first "-bundleIdentifier" that has one; null without.
-const std::wstring* getBundleIdentifier(std::span<const std::wstring> arguments);
+const std::wstring* getBundleIdentifier(std::span<const Argument> arguments);
 
 /// The property list in the file at `path`; empty optional when there is none that can be read.
 std::optional<platform::PropertyListDocument> createPropertiesListFromFile(

@@ -45,18 +45,21 @@ class TextCheck {
 using Buffer = std::array<char, std::size_t{16} * 1024>;
 
 // Whether the destination is a copy of the source already. Only told of short files, and every
-// launch copies one; the source is at its start again afterwards.
+// launch copies one; when it is not, the source is at its start again afterwards.
 bool isCopied(std::FILE& source, const std::wstring& destination, Buffer& buffer) {
     const std::size_t length = fread(buffer.data(), 1, buffer.size(), &source);
     const bool isWhole = length < buffer.size() && ferror(&source) == 0;
+    const std::string_view text(buffer.data(), length);
+    TextCheck check;
+    if (isWhole && holdsText(destination, text) && check.accept(text) && check.isComplete()) {
+        return true;
+    }
     clearerr(&source);
     // What was read so far would be missing from the copy.
     if (fseek(&source, 0, SEEK_SET) != 0) {
         fatal("ZYPRA0193E: Did not encounter EOF while copying file contents");
     }
-    const std::string_view text(buffer.data(), length);
-    TextCheck check;
-    return isWhole && holdsText(destination, text) && check.accept(text) && check.isComplete();
+    return false;
 }
 
 }  // namespace
@@ -67,6 +70,7 @@ bool copyFile(const std::wstring& source, const std::wstring& destination) {
     if (!from) {
         fatal("ZYPRA0190E: Unable to open source file %ls to be copied", source);
     }
+    (void)setvbuf(from.get(), nullptr, _IONBF, 0);  // every read fills the buffer below
     Buffer buffer;
     if (isCopied(*from, destination, buffer)) {
         return true;

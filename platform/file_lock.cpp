@@ -1,5 +1,7 @@
 #include "platform/file_lock.h"
 
+#include "system/system_calls.h"
+
 #include <errno.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -7,7 +9,7 @@
 namespace rcp {
 
 bool lockExclusively(int descriptor) {
-    while (flock(descriptor, LOCK_EX) != 0) {
+    while (calls::flock(descriptor, LOCK_EX) != 0) {
         if (errno != EINTR) {
             return false;
         }
@@ -18,7 +20,7 @@ bool lockExclusively(int descriptor) {
 bool isNamed(int descriptor, const std::string& path) {
     struct stat opened {};
     struct stat named {};
-    return fstat(descriptor, &opened) == 0 && lstat(path.c_str(), &named) == 0 &&
+    return fstat(descriptor, &opened) == 0 && calls::lstat(path.c_str(), &named) == 0 &&
            opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include "platform/text.h"
+#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -58,7 +59,7 @@ bool isRegular(int descriptor) {
 
 bool existsA(const std::string& path) {
     // Non-blocking, so that a pipe without a writer answers at once.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    const int descriptor = calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0) {
         return false;
     }
@@ -72,12 +73,12 @@ bool exists(const std::wstring& path) {
 
 bool isDirectory(const std::wstring& path) {
     struct stat status {};
-    return lstat(toNarrow(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return calls::lstat(toNarrow(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool isExecutable(const std::string& path) {
     struct stat status {};
-    return stat(path.c_str(), &status) == 0 && (status.st_mode & S_IXUSR) != 0;
+    return calls::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IXUSR) != 0;
 }
 
 bool isExecutable(const std::wstring& path) {
@@ -85,7 +86,7 @@ bool isExecutable(const std::wstring& path) {
 }
 
 std::optional<std::string> resolvedPath(const std::string& path) {
-    const std::unique_ptr<char, FreeMemory> resolved(realpath(path.c_str(), nullptr));
+    const std::unique_ptr<char, FreeMemory> resolved(calls::realpath(path.c_str()));
     return resolved ? std::optional<std::string>(resolved.get()) : std::nullopt;
 }
 
@@ -96,8 +97,8 @@ void open_file(Stream& stream, const std::wstring& path, const std::wstring& mod
         errno = EINVAL;
         return;
     }
-    const int descriptor =
-        open(toNarrow(path).c_str(), openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
+    const int descriptor = calls::open(toNarrow(path).c_str(),
+                                       openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
     if (descriptor < 0) {
         return;
     }
@@ -116,7 +117,7 @@ void open_wfile(Stream& stream, const std::wstring& path, const std::wstring& mo
 }
 
 bool createDirectory(const std::wstring& path) {
-    return mkdir(toNarrow(path).c_str(), 0775) == 0;
+    return calls::mkdir(toNarrow(path).c_str(), 0775) == 0;
 }
 
 bool mkdirs(const std::wstring& path) {
@@ -146,11 +147,11 @@ bool ensureDirectory(const std::wstring& path) {
 }
 
 bool moveFile(const std::wstring& source, const std::wstring& destination) {
-    return rename(toNarrow(source).c_str(), toNarrow(destination).c_str()) == 0;
+    return calls::rename(toNarrow(source).c_str(), toNarrow(destination).c_str()) == 0;
 }
 
 bool deleteFile(const std::wstring& path) {
-    return unlink(toNarrow(path).c_str()) == 0;
+    return calls::unlink(toNarrow(path).c_str()) == 0;
 }
 
 }  // namespace rcp

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace rcp {
 
@@ -44,8 +45,8 @@ struct LinePosition {
 };
 
 /// The formats of readFile: property files, and files that are copied line by line.
-inline constexpr wchar_t kPropertyLineFormat[] = L" %2024[^\n]\n";
-inline constexpr wchar_t kCopiedLineFormat[] = L"%2024[^\n]\n";
+inline constexpr std::wstring_view kPropertyLineFormat = L" %2024[^\n]\n";
+inline constexpr std::wstring_view kCopiedLineFormat = L"%2024[^\n]\n";
 
 /// Scans one line with `format`, which is "%<N>[^\n]\n" with or without a leading blank:
 ///
@@ -55,7 +56,7 @@ inline constexpr wchar_t kCopiedLineFormat[] = L"%2024[^\n]\n";
 /// longer than N bytes is cut in front of the UTF-8 character that does not fit; the rest is the
 /// next line. Text behind a NUL byte of a line is dropped. Returns 1, or -1 at the end of the file
 /// and after a read error (tell them apart with std::ferror).
-int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
+int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
              LinePosition* position = nullptr);
 
 /// Reports that the text on `line` of the file at `path` could not be converted. One record a file:

@@ -9,6 +9,8 @@
 
 #include <errno.h>
 
+#include <utility>
+
 namespace rcp {
 namespace {
 
@@ -16,8 +18,11 @@ namespace {
     fatal("ZYPRA0184E: Getting executable path failed! errno = %d", static_cast<long>(errno));
 }
 
+// Empty: this process's own.
+std::string namedExecutable;
+
 std::string executableAsStarted() {
-    std::string path = platform::executablePathAsStarted();
+    std::string path = launcherExecutable();
     if (path.empty()) {
         cannotTellExecutable();
     }
@@ -31,6 +36,14 @@ Text folderOf(const Text& path) {
 }
 
 }  // namespace
+
+std::string launcherExecutable() {
+    return namedExecutable.empty() ? platform::executablePathAsStarted() : namedExecutable;
+}
+
+void setLauncherExecutable(std::string path) {
+    namedExecutable = std::move(path);
+}
 
 void read_executable_path(std::string& path) {
     const std::optional<std::string> resolved = resolvedPath(executableAsStarted());
@@ -68,15 +81,16 @@ std::wstring findCommand(const std::wstring& /*programName*/) {
     return toWide(folderOf(path));
 }
 
-std::optional<std::wstring> getRCPDirectory(std::span<const std::wstring> arguments) {
-    std::wstring folder = findCommand(arguments.empty() ? std::wstring() : arguments[0]);
+std::optional<std::wstring> getRCPDirectory(std::span<const Argument> arguments) {
+    std::wstring folder =
+        findCommand(arguments.empty() ? std::wstring() : std::wstring(arguments[0]));
     if (!isDirectory(folder)) {
         return std::nullopt;
     }
     return folder;
 }
 
-void getInstallDir(std::wstring& directory, std::span<const std::wstring> arguments) {
+void getInstallDir(std::wstring& directory, std::span<const Argument> arguments) {
     directory.clear();
     const std::optional<std::wstring> folder = getRCPDirectory(arguments);
     if (!folder) {

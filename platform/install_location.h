@@ -1,13 +1,20 @@
 // Where the installation is: everything is found relative to the launcher's own executable.
 #pragma once
 
+#include "diagnostics/argument.h"
+
 #include <optional>
 #include <span>
 #include <string>
 
 namespace rcp {
 
-/// The running executable's absolute path without links. Ends the process when the system cannot
+/// The launcher's executable as it was started: this process's own, unless a program that explains
+/// another's launch has named one.
+std::string launcherExecutable();
+void setLauncherExecutable(std::string path);
+
+/// The launcher's absolute path without links. Ends the process when the system cannot
 /// tell.
 void read_executable_path(std::string& path);
 /// The launcher path configured as "mlauncher.path" in "rcplauncher.plist" beside the executable
@@ -19,14 +26,14 @@ void getLauncherPath(std::wstring& path, const std::wstring& argument);
 /// The folder of the executable. The program name is not used.
 std::wstring findCommand(const std::wstring& programName);
 /// That folder when it is a directory. The arguments are not used.
-std::optional<std::wstring> getRCPDirectory(std::span<const std::wstring> arguments);
+std::optional<std::wstring> getRCPDirectory(std::span<const Argument> arguments);
 /// The installation directory:
 ///
 ///   folder of the executable --named "rcp"--> its parent --sibling "Eclipse"--> + "/../Eclipse"
 ///
 /// The last form stays unnormalised; it is the bundle layout with the executable in one folder and
 /// the platform in the sibling folder Eclipse. Ends the process when there is none.
-void getInstallDir(std::wstring& directory, std::span<const std::wstring> arguments);
+void getInstallDir(std::wstring& directory, std::span<const Argument> arguments);
 
 /// `path` made absolute against the working directory. Already absolute paths are returned
 /// untouched; so are the two other forms that count as absolute, "\\?\..." and "\\...". Ends the

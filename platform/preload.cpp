@@ -4,6 +4,7 @@
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "system/system_calls.h"
 
 #include <errno.h>
 #include <limits.h>
@@ -22,7 +23,7 @@ enum class Entry { kMissing, kOwnLink, kForeign, kOther };
 // seen too.
 Entry entryAt(const std::string& path) {
     struct stat status {};
-    if (lstat(path.c_str(), &status) != 0) {
+    if (calls::lstat(path.c_str(), &status) != 0) {
         return Entry::kMissing;
     }
     if (status.st_uid != geteuid() && status.st_uid != 0) {
@@ -48,7 +49,7 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
         }
     }
     SvcDebugOutA("setPreload(): removing existing link ...");
-    return unlink(linkPath.c_str()) == 0 || entry != Entry::kForeign;
+    return calls::unlink(linkPath.c_str()) == 0 || entry != Entry::kForeign;
 }
 
 // "USER", which becomes part of a file name.
@@ -82,7 +83,7 @@ void setVariable(const std::wstring& value) {
 void readsymln(std::string& target, const std::string& link) {
     std::string buffer(1024, '\0');
     for (;;) {
-        const ssize_t length = readlink(link.c_str(), buffer.data(), buffer.size());
+        const ssize_t length = calls::readlink(link.c_str(), buffer.data(), buffer.size());
         if (length < 0) {
             fatal("ZYPRA0184E: Getting command path failed! errno = %d", static_cast<long>(errno));
         }
@@ -113,7 +114,7 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
     }
     if (entryAt(linkPath) == Entry::kMissing) {
         SvcDebugOutA("setPreload(): creating new link ...");
-        const int result = symlink(libraryPath.c_str(), linkPath.c_str());
+        const int result = calls::symlink(libraryPath.c_str(), linkPath.c_str());
         SvcDebugOutA("setPreload(): symlink() result = %d", result);
     }
     if (entryAt(linkPath) == Entry::kForeign) {

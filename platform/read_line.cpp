@@ -7,8 +7,10 @@
 #include <stdio.h>
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <string_view>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -47,20 +49,29 @@ void skipBlanks(std::FILE& stream, LinePosition& position) {
     }
 }
 
+constexpr std::size_t kLongestCharacter = 4;
+
 // Bytes of the UTF-8 character that `lead` begins; 1 for everything that begins none.
 std::size_t characterLength(int lead) {
-    if (lead >= 0xF0) {
-        return 4;
+    if (lead < 0xC0) {
+        return 1;
     }
-    if (lead >= 0xE0) {
-        return 3;
+    if (lead < 0xE0) {
+        return 2;
     }
-    return lead >= 0xC0 ? 2 : 1;
+    return lead < 0xF0 ? 3 : kLongestCharacter;
+}
+
+// Whether a line of `length` bytes takes the character that `lead` begins. The first always, or a
+// limit below its length would stop the reader; most without a look at it.
+bool hasRoomFor(int lead, std::size_t length, std::size_t limit) {
+    return length + kLongestCharacter <= limit || length == 0 ||
+           length + characterLength(lead) <= limit;
 }
 
 }  // namespace
 
-int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
+int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
              LinePosition* position) {
     const ScanFormat scan = parseFormat(format);
     LinePosition unused;
@@ -69,7 +80,6 @@ int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
     if (scan.skipsLeadingBlanks) {
         skipBlanks(stream, passed);
     }
-    std::string line;
     int byte = getc_unlocked(&stream);
     if (byte == '\n') {
         ++passed.lineFeeds;
@@ -80,11 +90,18 @@ int readFile(std::FILE& stream, const std::wstring& format, std::wstring& out,
         return EOF;
     }
     passed.line = passed.lineFeeds + 1;
-    while (byte != EOF && byte != '\n' &&
-           (line.empty() || line.size() + characterLength(byte) <= scan.limit)) {
-        line += static_cast<char>(byte);
+    std::string line;
+    std::array<char, 256> piece;  // most lines are one: collecting them needs no memory
+    std::size_t inPiece = 0;
+    for (std::size_t length = 0;
+         byte != EOF && byte != '\n' && hasRoomFor(byte, length, scan.limit); ++length) {
+        if (inPiece == piece.size()) {
+            line.append(piece.data(), std::exchange(inPiece, 0));
+        }
+        piece[inPiece++] = static_cast<char>(byte);
         byte = getc_unlocked(&stream);
     }
+    line.append(piece.data(), inPiece);
     if (byte != EOF) {
         (void)ungetc(byte, &stream);
     }

@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
+#include "system/system_calls.h"
 
 #include <dirent.h>
 #include <errno.h>
@@ -35,7 +36,8 @@ void addFailure(std::string& errors, const std::string& indentation, std::string
 }
 
 Directory openDirectory(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    const int descriptor =
+        calls::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0) {
         return nullptr;
     }
@@ -66,14 +68,14 @@ bool collectNames(DIR* directory, std::vector<std::string>& names) {
 
 bool isLink(const std::string& path) {
     struct stat status {};
-    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return calls::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
 // Removes one entry; false, with a line added, when that failed.
 bool removeEntry(const std::string& path, std::string_view name, const std::string& pattern,
                  std::string& errors, const std::string& indentation) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
+    if (calls::stat(path.c_str(), &status) != 0) {
         addFailure(errors, indentation, "Can't stat ", path);
         return false;
     }
@@ -82,14 +84,14 @@ bool removeEntry(const std::string& path, std::string_view name, const std::stri
             // Its failures show here through the rmdir below.
             removeDirectoryContents(path, pattern, errors, indentation + "  ");
         }
-        if (rmdir(path.c_str()) != 0) {
+        if (calls::rmdir(path.c_str()) != 0) {
             addFailure(errors, indentation, "Can't delete dir ", path);
             return false;
         }
         return true;
     }
     if ((pattern == "*" || name.find(pattern) != std::string_view::npos) &&
-        unlink(path.c_str()) != 0) {
+        calls::unlink(path.c_str()) != 0) {
         addFailure(errors, indentation, "Can't delete file ", path);
         return false;
     }
@@ -143,7 +145,7 @@ bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& err
     const std::string path = toNarrow(directory);
     std::string text;
     bool succeeded = removeDirectoryContents(path, text, "");
-    if (rmdir(path.c_str()) != 0) {
+    if (calls::rmdir(path.c_str()) != 0) {
         addFailure(text, "", "Can't delete dir ", path);
         succeeded = false;
     }

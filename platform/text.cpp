@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 namespace rcp {
 namespace {
@@ -15,11 +16,21 @@ namespace {
 constexpr auto kNotConvertible = static_cast<std::size_t>(-1);
 
 // ASCII is the same in every character set that a locale can have here, and nearly every text is
-// ASCII: it need not go through the C library's converters.
+// ASCII: it need not go through the C library's converters. Both loops go over several characters at
+// a time, so neither stops early.
 template <typename Char>
 bool isAscii(std::basic_string_view<Char> text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](Char character) { return character >= 0 && character < 0x80; });
+    std::make_unsigned_t<Char> bits = 0;
+    for (const Char character : text) {
+        bits |= static_cast<std::make_unsigned_t<Char>>(character);
+    }
+    return bits < 0x80;
+}
+
+template <typename From, typename To>
+void copyAscii(std::basic_string_view<From> text, To* target) {
+    std::transform(text.begin(), text.end(), target,
+                   [](From character) { return static_cast<To>(character); });
 }
 
 }  // namespace
@@ -72,7 +83,8 @@ std::wstring osPath(std::wstring path) {
 
 std::size_t wcstochar(std::string& out, const wchar_t* text) {
     if (const std::wstring_view view = text; isAscii(view)) {
-        out.assign(view.begin(), view.end());
+        out.resize(view.size());
+        copyAscii(view, out.data());
         return out.size();
     }
     const std::size_t length = wcstombs(nullptr, text, 0);
@@ -93,7 +105,7 @@ std::size_t wstrtocs(std::string& out, const std::wstring& text) {
 WideBuffer chartowcs(const char* text) {
     if (const std::string_view view = text; isAscii(view)) {
         WideBuffer buffer = newString(view.size());
-        std::copy(view.begin(), view.end(), buffer.get());
+        copyAscii(view, buffer.get());
         return buffer;
     }
     const std::size_t measured = mbstowcs(nullptr, text, 0);
@@ -105,7 +117,8 @@ WideBuffer chartowcs(const char* text) {
 
 const wchar_t* chartowstr(const char* text, std::wstring& out) {
     if (const std::string_view view = text; isAscii(view)) {
-        out.assign(view.begin(), view.end());
+        out.resize(view.size());
+        copyAscii(view, out.data());
         return out.c_str();
     }
     const std::size_t measured = mbstowcs(nullptr, text, 0);

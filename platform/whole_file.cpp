@@ -2,6 +2,8 @@
 
 #include "platform/file_lock.h"
 #include "platform/text.h"
+#include "platform/transfer.h"
+#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -22,11 +24,11 @@ constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 // written, or not with these permissions; the name is ours, so it goes.
 int openTemporary(const char* path) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const int descriptor = ::open(path, kFlags, 0666);
-    if (descriptor >= 0 || (errno != EACCES && errno != ELOOP) || unlink(path) != 0) {
+    const int descriptor = calls::open(path, kFlags, 0666);
+    if (descriptor >= 0 || (errno != EACCES && errno != ELOOP) || calls::unlink(path) != 0) {
         return descriptor;
     }
-    return ::open(path, kFlags, 0666);
+    return calls::open(path, kFlags, 0666);
 }
 
 // Whether the locked file is ours to write, emptied. `isStale` when it has lost its name meanwhile:
@@ -88,7 +90,7 @@ void TemporaryName::release() {
 
 void TemporaryName::remove() {
     if (isClaimed_) {
-        unlink(path_.c_str());
+        calls::unlink(path_.c_str());
         release();
     }
 }
@@ -100,30 +102,28 @@ void TemporaryName::removeAll() {
 }
 
 bool holdsText(const std::wstring& path, std::string_view text) {
-    const int descriptor =
-        open(toNarrow(path).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int descriptor = calls::open(toNarrow(path).c_str(),
+                                       O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0) {
         return false;
     }
     struct stat status {};
     bool isSame = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
                   status.st_size == static_cast<off_t>(text.size());
-    if (isSame) {
-        std::string found(text.size(), '\0');
-        isSame = read(descriptor, found.data(), found.size()) == status.st_size && found == text;
-    }
+    isSame = isSame && readBeginning(descriptor, text.size()) == text;
     close(descriptor);
     return isSame;
 }
 
 void removeUnfinished(const std::wstring& target) {
     const std::string path = toNarrow(target + L".tmp");
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const int descriptor =
+        calls::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0) {
         return;
     }
-    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0 && isNamed(descriptor, path)) {
-        unlink(path.c_str());
+    if (calls::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && isNamed(descriptor, path)) {
+        calls::unlink(path.c_str());
     }
     close(descriptor);
 }
@@ -154,14 +154,8 @@ bool WholeFile::write(std::string_view bytes) {
 }
 
 bool WholeFile::flush() {
-    std::string_view rest = buffer_;
-    while (!rest.empty() && firstError_ == 0) {
-        const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
-        if (written < 0 && errno != EINTR) {
-            firstError_ = errno;
-        } else if (written > 0) {
-            rest.remove_prefix(static_cast<std::size_t>(written));
-        }
+    if (firstError_ == 0 && !writeFully(descriptor_, buffer_)) {
+        firstError_ = errno;
     }
     buffer_.clear();
     errno = firstError_;
@@ -170,7 +164,7 @@ bool WholeFile::flush() {
 
 bool WholeFile::keepPermissionsOfTarget() const {
     struct stat status {};
-    if (stat(targetBytes_.c_str(), &status) != 0) {
+    if (calls::stat(targetBytes_.c_str(), &status) != 0) {
         return errno == ENOENT;
     }
     return fchmod(descriptor_, status.st_mode & 07777U) == 0;
@@ -178,7 +172,7 @@ bool WholeFile::keepPermissionsOfTarget() const {
 
 bool WholeFile::commit() {
     if (descriptor_ < 0 || !flush() || !keepPermissionsOfTarget() ||
-        rename(temporary_.path().c_str(), targetBytes_.c_str()) != 0) {
+        calls::rename(temporary_.path().c_str(), targetBytes_.c_str()) != 0) {
         const int savedErrno = errno;
         temporary_.remove();
         closeAndForget();

@@ -16,7 +16,7 @@ bool hasOption(std::wstring_view option, const Arguments& arguments) {
     return findOption(option, arguments) >= 0;
 }
 
-const std::wstring* optionValue(std::wstring_view option, const Arguments& arguments) {
+const Argument* optionValue(std::wstring_view option, const Arguments& arguments) {
     const int index = findOption(option, arguments);
     if (index < 0) {
         return nullptr;

@@ -1,6 +1,8 @@
 // The launcher's own command line and the questions asked of it.
 #pragma once
 
+#include "diagnostics/argument.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,7 +10,7 @@
 namespace rcp {
 
 /// The launcher's arguments, the program path first.
-using Arguments = std::vector<std::wstring>;
+using Arguments = std::vector<Argument>;
 
 /// The index of the first argument from index 1 on that equals `option` exactly, or -1. The program
 /// path is never compared.
@@ -17,7 +19,7 @@ int findOption(std::wstring_view option, const Arguments& arguments);
 bool hasOption(std::wstring_view option, const Arguments& arguments);
 /// The argument behind the first `option`; null when the option is missing or has none. "-vmargs"
 /// ends the options and is never a value.
-const std::wstring* optionValue(std::wstring_view option, const Arguments& arguments);
+const Argument* optionValue(std::wstring_view option, const Arguments& arguments);
 
 bool isRestart(const Arguments& arguments);      // "-restart"
 bool isResetConfig(const Arguments& arguments);  // "-resetconfig"

@@ -16,14 +16,15 @@ namespace {
 
 constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
 
-std::wstring baseLocation(const PropertyList& properties) {
-    const std::wstring* base = findProperty(L"rcp.base.location", properties);
+// A file below the base location.
+Argument inBaseLocation(const std::wstring& file, const PropertyList& properties) {
+    const Property* base = properties.find(L"rcp.base.location");
     if (base == nullptr) {
         fatal(
             "ZYPRA0011E: Unable to determine RCP Base Plugin location. If the problem persists, "
             "reinstall.");
     }
-    return *base;
+    return {base->value + file, base->origin};
 }
 
 // What every shape ends with: the environment that the JVM inherits.
@@ -90,15 +91,15 @@ void getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
 }
 
 void addBaseEclipseToCommandLine(const PropertyList& properties) {
-    const std::wstring folder = baseLocation(properties) + kPlatformFolder;
     std::wstring name;
     getEclipseExeName(name, properties);
-    const std::wstring program = folder + name;
+    const Argument program = inBaseLocation(kPlatformFolder + name, properties);
     if (!isExecutable(program)) {
         fatal("ZYPRA0007E: %ls is not executable or does not exist.", program);
     }
     addPathToCommandLine(program);
-    const std::wstring library = folder + ECLIPSE_SO_NAME_DEFAULT;
+    const std::wstring library =
+        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
     if (!exists(library)) {
         fatal("Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
               library);
@@ -108,8 +109,8 @@ void addBaseEclipseToCommandLine(const PropertyList& properties) {
 
 void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments) {
     addArgToCommandLine(L"-startup", false);
-    const std::wstring* jar = optionValue(L"-perfJar", arguments);
-    addArgToCommandLine(jar == nullptr ? baseLocation(properties) + L"/launcher.jar" : *jar, true);
+    const Argument* jar = optionValue(L"-perfJar", arguments);
+    addArgToCommandLine(jar == nullptr ? inBaseLocation(L"/launcher.jar", properties) : *jar, true);
 }
 
 void addMainClassToCommandLine() {
@@ -119,10 +120,10 @@ void addMainClassToCommandLine() {
 void addClasspathToCommandLine(const PropertyList& properties) {
     if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
         addArgToCommandLine(L"-cp", false);
-        addArgToCommandLine(baseLocation(properties) + L"/startup.jar", true);
-    } else if (const std::wstring* classPath = findProperty(L"cp", properties)) {
+        addArgToCommandLine(inBaseLocation(L"/startup.jar", properties), true);
+    } else if (const Property* classPath = properties.find(L"cp")) {
         addArgToCommandLine(L"-cp", false);
-        addArgToCommandLine(*classPath, true);
+        addArgToCommandLine(argumentFrom(*classPath), true);
     }
 }
 

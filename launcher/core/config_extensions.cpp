@@ -38,7 +38,13 @@ bool addDebugOptions(Arguments& arguments, const std::wstring& installDir) {
     if (!debugFileExists(marker)) {
         return false;
     }
-    const Arguments options = {CONSOLEARG, DEBUGARG, PB4LARG, L"-debugFile", marker};
+    const Origin origin{std::make_shared<const std::wstring>(marker)};
+    Arguments options;
+    for (const std::wstring& option :
+         {std::wstring(CONSOLEARG), std::wstring(DEBUGARG), std::wstring(PB4LARG),
+          std::wstring(L"-debugFile"), marker}) {
+        options.emplace_back(option, origin);
+    }
     arguments.insert(findSeparator(arguments), options.begin(), options.end());
     return true;
 }
@@ -47,13 +53,12 @@ bool addDebugOptions(Arguments& arguments, const std::wstring& installDir) {
 Arguments extensionValues(const std::wstring& name, const PropertyList& properties) {
     Arguments values;
     for (int n = 1;; ++n) {
-        const std::wstring* value =
-            findProperty(L"config." + name + L"." + std::to_wstring(n), properties);
-        if (value == nullptr) {
+        const Property* property = properties.find(L"config." + name + L"." + std::to_wstring(n));
+        if (property == nullptr) {
             return values;
         }
-        if (!value->empty()) {
-            values.push_back(*value);
+        if (!property->value.empty()) {
+            values.push_back(argumentFrom(*property));
         }
     }
 }
@@ -62,15 +67,19 @@ Arguments extensionValues(const std::wstring& name, const PropertyList& properti
 // in front of the extension's own "-vmargs" go in front of it, those behind to the very end:
 //
 //   arguments | values in front | "-vmargs" | JVM arguments | values behind
-void placeExtension(Arguments& arguments, const Arguments& values) {
+void placeExtension(Arguments& arguments, Arguments values) {
     const auto separator = findSeparator(arguments);
     if (separator == arguments.end()) {
-        arguments.insert(separator, values.begin(), values.end());
+        arguments.insert(separator, std::make_move_iterator(values.begin()),
+                         std::make_move_iterator(values.end()));
         return;
     }
     const auto ownSeparator = std::find(values.begin(), values.end(), kVmargs);
-    arguments.insert(separator, values.begin(), ownSeparator);
-    std::remove_copy(ownSeparator, values.end(), std::back_inserter(arguments), kVmargs);
+    const auto last = std::remove(ownSeparator, values.end(), kVmargs);
+    arguments.insert(separator, std::make_move_iterator(values.begin()),
+                     std::make_move_iterator(ownSeparator));
+    arguments.insert(arguments.end(), std::make_move_iterator(ownSeparator),
+                     std::make_move_iterator(last));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 namespace rcp {
 
-NarrowArguments::NarrowArguments(std::span<const std::wstring> arguments) {
+NarrowArguments::NarrowArguments(std::span<const Argument> arguments) {
     texts_.reserve(arguments.size());
     pointers_.reserve(arguments.size() + 1);
     for (const std::wstring& argument : arguments) {

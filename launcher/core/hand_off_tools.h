@@ -1,6 +1,8 @@
 // What both hand-offs, to the platform and to the provisioning application, need.
 #pragma once
 
+#include "diagnostics/argument.h"
+
 #include <array>
 #include <span>
 #include <string>
@@ -13,7 +15,7 @@ namespace rcp {
 /// texts; data() is a null-terminated array of pointers to them.
 class NarrowArguments {
   public:
-    explicit NarrowArguments(std::span<const std::wstring> arguments);
+    explicit NarrowArguments(std::span<const Argument> arguments);
     NarrowArguments(const NarrowArguments&) = delete;
     NarrowArguments& operator=(const NarrowArguments&) = delete;
     NarrowArguments(NarrowArguments&&) = delete;

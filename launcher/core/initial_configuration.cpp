@@ -141,7 +141,7 @@ Arguments initialArguments(const Arguments& arguments) {
         }
     }
     // Without its JVM the first launch would run another one than every later launch.
-    if (const std::wstring* vm = optionValue(L"-vm", arguments)) {
+    if (const Argument* vm = optionValue(L"-vm", arguments)) {
         initial.insert(initial.end(), {L"-vm", *vm});
     }
     return initial;

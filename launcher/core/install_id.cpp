@@ -7,6 +7,7 @@
 #include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/transfer.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -34,12 +35,11 @@ bool appendLine(int descriptor, const std::wstring& id) {
     }
     std::string line = lastLineIsOpen(descriptor, status.st_size) ? "\n" : "";
     line += toNarrow(kKey + (L"=" + id) + L"\n");
-    const ssize_t written = write(descriptor, line.data(), line.size());
-    if (written == static_cast<ssize_t>(line.size())) {
+    if (writeFully(descriptor, line)) {
         return true;
     }
-    const int savedErrno = written < 0 ? errno : ENOSPC;
-    if (written > 0 && ftruncate(descriptor, status.st_size) != 0) {
+    const int savedErrno = errno;
+    if (ftruncate(descriptor, status.st_size) != 0) {
         report("Error: getInstallID: an incomplete line stays in the property file.");
     }
     errno = savedErrno;
@@ -89,12 +89,10 @@ std::wstring getInstallID(const std::wstring& propertyFile, PropertyList& proper
 }
 
 bool isOldRcpInstallId(const std::wstring& currentId, const std::wstring& directory) {
-    const std::wstring path = osPath(directory + L"/rcpinstall.properties");
-    if (!exists(path)) {
+    PropertyList stored;
+    if (!getPropertiesIfThere(osPath(directory + L"/rcpinstall.properties"), stored)) {
         return false;
     }
-    PropertyList stored;
-    getProperties(path, stored);
     const std::wstring* id = findProperty(kKey, stored);
     return id != nullptr && !id->empty() && *id != currentId;
 }

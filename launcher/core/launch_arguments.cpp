@@ -4,17 +4,17 @@
 
 namespace rcp {
 
-std::vector<std::wstring> launchArgs;
+Arguments launchArgs;
 std::wstring eclipseSoPath;
 
-void addArgToCommandLine(const std::wstring& argument, bool /*isValue*/) {
+void addArgToCommandLine(const Argument& argument, bool /*isValue*/) {
     if (bRestart && (argument == DEBUGARG || argument == CONSOLEARG)) {
         return;
     }
     launchArgs.push_back(argument);
 }
 
-void addPathToCommandLine(const std::wstring& path) {
+void addPathToCommandLine(const Argument& path) {
     launchArgs.assign(1, path);
 }
 

@@ -14,12 +14,6 @@
 namespace rcp {
 namespace {
 
-enum class CopyRule {
-    kDrop,           // the option alone
-    kDropWithValue,  // the option and the argument behind it
-    kCopyWithValue,
-};
-
 struct OptionRule {
     std::wstring_view option;
     CopyRule rule;
@@ -39,44 +33,40 @@ constexpr OptionRule kOptionRules[] = {
     {L"-resetconfig", CopyRule::kDrop},
 };
 
-const OptionRule* ruleFor(std::wstring_view argument) {
-    for (const OptionRule& rule : kOptionRules) {
-        if (rule.option == argument) {
-            return &rule;
-        }
-    }
-    return nullptr;
-}
-
 // The user's arguments in front of "-vmargs", which is never taken for an option's value.
 void copyUserOptions(const Arguments& arguments) {
     const int separator = findOption(L"-vmargs", arguments);
     const std::size_t end = separator < 0 ? arguments.size() : static_cast<std::size_t>(separator);
     for (std::size_t i = 1; i < end; ++i) {
-        const OptionRule* rule = ruleFor(arguments[i]);
-        if (rule == nullptr) {
-            addArgToCommandLine(arguments[i], true);
-        } else if (rule->rule == CopyRule::kDropWithValue) {
-            ++i;
-        } else if (rule->rule == CopyRule::kCopyWithValue) {
-            addArgToCommandLine(arguments[i], false);
-            if (++i < end) {
+        switch (copyRuleFor(arguments[i])) {
+            case CopyRule::kCopy:
                 addArgToCommandLine(arguments[i], true);
-            }
+                break;
+            case CopyRule::kCopyWithValue:
+                addArgToCommandLine(arguments[i], false);
+                if (++i < end) {
+                    addArgToCommandLine(arguments[i], true);
+                }
+                break;
+            case CopyRule::kDrop:
+                break;
+            case CopyRule::kDropWithValue:
+                ++i;
+                break;
         }
     }
 }
 
-void addOption(const std::wstring& option, const std::wstring& value) {
+void addOption(const std::wstring& option, const Argument& value) {
     addArgToCommandLine(option, false);
     addArgToCommandLine(value, true);
 }
 
 // An option that the user gave anywhere, behind "-vmargs" too, is not added again.
-void addFromProperty(const std::wstring& option, const std::wstring* value,
+void addFromProperty(const std::wstring& option, const Property* property,
                      const Arguments& arguments) {
-    if (value != nullptr && !hasOption(option, arguments)) {
-        addOption(option, *value);
+    if (property != nullptr && !hasOption(option, arguments)) {
+        addOption(option, argumentFrom(*property));
     }
 }
 
@@ -84,9 +74,9 @@ void addPluginCustomization(const LaunchInputs& inputs) {
     if (hasOption(L"-plugincustomization", inputs.arguments)) {
         return;
     }
-    const std::wstring* property = findProperty(L"plugincustomization", inputs.properties);
-    const std::wstring value = property == nullptr ? std::wstring() : *property;
-    const std::wstring path = osPath(value);
+    const Property* property = inputs.properties.find(L"plugincustomization");
+    const Argument value = property == nullptr ? Argument() : argumentFrom(*property);
+    const Argument path(osPath(value), value.origin);
     if (!exists(path)) {
         fatal("ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
     }
@@ -94,6 +84,15 @@ void addPluginCustomization(const LaunchInputs& inputs) {
 }
 
 }  // namespace
+
+CopyRule copyRuleFor(std::wstring_view argument) {
+    for (const OptionRule& rule : kOptionRules) {
+        if (rule.option == argument) {
+            return rule.rule;
+        }
+    }
+    return CopyRule::kCopy;
+}
 
 void addMainOptionsToCommandLine(const LaunchInputs& inputs) {
     const Arguments& arguments = inputs.arguments;
@@ -109,14 +108,14 @@ void addMainOptionsToCommandLine(const LaunchInputs& inputs) {
     }
     addOption(L"-data", inputs.workspace);
     addOption(L"-configuration", inputs.configuration);
-    addFromProperty(L"-application", findProperty(L"application", inputs.properties), arguments);
+    addFromProperty(L"-application", inputs.properties.find(L"application"), arguments);
     addPluginCustomization(inputs);
-    const std::wstring* product = findProperty(L"product", inputs.userProperties);
+    const Property* product = inputs.userProperties.find(L"product");
     if (product == nullptr) {
-        product = findProperty(L"product", inputs.properties);
+        product = inputs.properties.find(L"product");
     }
     addFromProperty(L"-product", product, arguments);
-    addFromProperty(L"-personality", findProperty(L"personality", inputs.properties), arguments);
+    addFromProperty(L"-personality", inputs.properties.find(L"personality"), arguments);
 }
 
 void addUseDaemonToCommandLine() {

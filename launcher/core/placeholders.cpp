@@ -1,5 +1,6 @@
 #include "launcher/core/placeholders.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/environment.h"
 #include "platform/text.h"
@@ -31,6 +32,18 @@ void traceModification(const std::wstring& before, const std::wstring& after) {
     }
 }
 
+// The copy of a text that an observer is shown as what stood there before.
+std::wstring observed(const std::wstring& text) {
+    return observer == nullptr ? std::wstring() : text;
+}
+
+void tellObserver(const std::wstring& before, std::wstring_view placeholder,
+                  const std::wstring& value, const std::wstring& after) {
+    if (observer != nullptr) {
+        observer->placeholderReplaced(before, placeholder, value, after);
+    }
+}
+
 bool getEnvironmentValue(std::wstring_view rest, std::wstring& value) {
     const std::size_t comma = rest.find(L',');
     if (getEnv(std::wstring(rest.substr(0, comma)), value) != nullptr) {
@@ -58,14 +71,17 @@ void replaceEvery(std::wstring& text, std::wstring_view placeholder, const std::
         at = found + placeholder.size();
     }
     out.append(text, at);
-    text = std::move(out);
+    text.swap(out);
+    tellObserver(out, placeholder, value, text);
 }
 
 void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir) {
     const std::wstring_view placeholder = kRcpHomePlaceholder;
     const std::size_t found = text.find(placeholder);
     if (found != std::wstring::npos) {
+        const std::wstring before = observed(text);
         text.replace(found, placeholder.size(), installDir);
+        tellObserver(before, placeholder, installDir, text);
     }
 }
 
@@ -122,9 +138,10 @@ bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties)
             return false;
         }
         if (getPlaceholderValue(name, value, properties)) {
-            const std::wstring before = traced(text);
+            const std::wstring before = observer == nullptr ? traced(text) : text;
             text.replace(begin, end + 1 - begin, value);
             traceModification(before, text);
+            tellObserver(before, name, value, text);
             limit = begin + value.size();
         } else {
             allResolved = false;
@@ -161,7 +178,7 @@ void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyLi
                                    VmArgumentMap& vmargMap) {
     turnSlashes(locations);
     for (auto& [key, argument] : vmargMap) {
-        replaceAllPlaceholders(locations, argument.text, properties);
+        replaceAllPlaceholders(locations, argument, properties);
     }
 }
 

@@ -8,6 +8,8 @@
 #include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/transfer.h"
+#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -16,7 +18,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -27,6 +29,7 @@ long pid = 0;
 namespace {
 
 constexpr int kLongestWaitSeconds = 20;
+constexpr std::size_t kLongestContent = 256;  // of the lock file, as far as it counts
 
 std::wstring lockFilePath;
 std::wstring pipeFilePath;
@@ -35,22 +38,14 @@ std::wstring pipename;
 bool bDirtyShutdown = false;
 int lockFILE = -1;  // open from locateLockFile until closeLockFile
 
-bool writeAtStart(std::string_view text) {
-    return pwrite(lockFILE, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size());
-}
-
 // A file that cannot be read must not count as empty: that would make this launcher the main one
 // beside a running platform.
 std::string contentOfLockFile() {
-    std::array<char, 256> buffer{};
-    ssize_t length = 0;
-    do {
-        length = pread(lockFILE, buffer.data(), buffer.size(), 0);
-    } while (length < 0 && errno == EINTR);
-    if (length < 0) {
+    std::optional<std::string> content = readBeginning(lockFILE, kLongestContent);
+    if (!content) {
         fatal("ZYPRA0092E: Error reading platform lock file.");
     }
-    return {buffer.data(), static_cast<std::size_t>(length)};
+    return *std::move(content);
 }
 
 // Somebody may have removed the workspace while this launcher waited. A lock on the file that is
@@ -121,7 +116,8 @@ void locateLockFile(const Arguments& arguments, const std::wstring& workspace,
 void createAndOpenLockFile() {
     const std::string path = toNarrow(lockFilePath);
     closeLockFile();
-    lockFILE = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
+    lockFILE =
+        calls::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
     if (lockFILE < 0) {
         const int savedErrno = errno;
         const FormatArgument arguments[] = {static_cast<long>(savedErrno)};
@@ -156,7 +152,7 @@ void unlockLockFile() {
     if (lockFILE < 0) {
         return;
     }
-    if (flock(lockFILE, LOCK_UN) != 0) {
+    if (calls::flock(lockFILE, LOCK_UN) != 0) {
         fatal("ZYPRA0070E: Error unlocking platform lock file. ");
     }
     traceWithTime(L"ZYPRA0306I: lock file released @ %s");
@@ -169,7 +165,7 @@ void closeLockFile() {
 }
 
 void invalidateLockFile() {
-    if (!writeAtStart(kClearedLockContent)) {
+    if (!writeFullyAt(lockFILE, kClearedLockContent, 0)) {
         report("ZYPRA0052E: Unable to invalidate platform lock file");
     }
 }
@@ -199,20 +195,25 @@ void populateLockFile(int processId) {
         return;
     }
     populateMainPidFile(static_cast<unsigned long>(processId));
-    if (!writeAtStart(lockContentFor(processId))) {
+    if (!writeFullyAt(lockFILE, lockContentFor(processId), 0)) {
         report("ZYPRA0051E: Unable to write to platform lock file");
     }
 }
 
 void populateMainPidFile(unsigned long processId) {
     Stream stream;
-    open_file(stream, mainPidFilePath, L"w+");
+    open_file(stream, mainPidFilePath, L"r+");
+    if (!stream) {
+        open_file(stream, mainPidFilePath, L"w+");
+    }
     if (!stream) {
         SvcDebugOutA("ZYPRA00XXI: Unable to open rcp.main file");
         return;
     }
+    // What an earlier launch left is written over and then cut off: a file that was emptied first
+    // would be sent to the disk as soon as it is closed, while the platform starts.
     const int written = fprintf(stream.get(), "%lu    ", processId);
-    if (written < 0 || fflush(stream.get()) != 0) {
+    if (written < 0 || fflush(stream.get()) != 0 || ftruncate(fileno(stream.get()), written) != 0) {
         SvcDebugOutA("ZYPRA00XXI: Unable to write pid to rcp.main file");
     }
 }

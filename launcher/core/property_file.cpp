@@ -1,5 +1,6 @@
 #include "launcher/core/property_file.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/data_path.h"
 #include "launcher/core/property_text.h"
@@ -7,7 +8,9 @@
 
 #include <stdio.h>
 
+#include <array>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 namespace rcp {
@@ -23,6 +26,16 @@ bool isSeparator(wchar_t character) {
 // front of the value "\:" still separates.
 bool isEscapable(wchar_t character) {
     return character == L':' || character == L'#' || character == L' ' || character == L'=';
+}
+
+// The number of characters from `begin` on that only ever stand for themselves: nearly all.
+std::size_t plainLength(std::wstring_view line, std::size_t begin) {
+    std::size_t end = begin;
+    while (end < line.size() && line[end] != L'\\' && line[end] != L'\n' && line[end] != L'\r' &&
+           !isSeparator(line[end])) {
+        ++end;
+    }
+    return end - begin;
 }
 
 // An entry while its lines are read:
@@ -49,6 +62,13 @@ class Entry {
         }
         bool separatorEligible = true;
         for (std::size_t i = 0; i < line.size(); ++i) {
+            if (const std::size_t length = plainLength(line, i); length > 0) {
+                (inValue_ ? value : key).append(line, i, length);
+                continues_ = continues_ && !inValue_;
+                separatorEligible = separatorEligible && !inValue_;
+                i += length - 1;
+                continue;
+            }
             const wchar_t character = line[i];
             const wchar_t next = i + 1 < line.size() ? line[i + 1] : L'\0';
             if (character == L'\\' && i + 1 == line.size()) {
@@ -92,7 +112,11 @@ class Entry {
     bool isOption_ = false;  // a JVM option such as -Xname:value keeps its separator in the value
 };
 
-Property finish(Entry& entry, const PropertyOrigin& origin) {
+[[noreturn]] void cannotLoad(const std::wstring& path) {
+    fatal("ZYPRA0096E: Unable to load %ls file!", path);
+}
+
+Property finish(Entry& entry, const Origin& origin) {
     FilterProp(entry.key);
     SvcDebugOutW(L"ZYPRA0023I:   attrib = \"%s\"", entry.key);
     FilterValue(entry.value);
@@ -108,13 +132,27 @@ Property finish(Entry& entry, const PropertyOrigin& origin) {
 }  // namespace
 
 void getProperties(const std::wstring& path, PropertyList& list) {
+    if (!getPropertiesIfThere(path, list)) {
+        cannotLoad(path);
+    }
+}
+
+bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
+    std::array<char, 4096> buffer;  // one of the stream's own would cost every launch more
     Stream stream;
     open_file(stream, path, L"r");
     if (!stream) {
-        fatal("ZYPRA0096E: Unable to load %ls file!", path);
+        if (exists(path)) {
+            cannotLoad(path);
+        }
+        return false;
+    }
+    (void)setvbuf(stream.get(), buffer.data(), _IOFBF, buffer.size());
+    if (observer != nullptr) {
+        observer->propertyFileRead(path);
     }
     const auto file = std::make_shared<const std::wstring>(path);
-    PropertyOrigin origin{file, 0};
+    Origin origin{file, 0};
     LinePosition position;
     Entry entry;
     std::wstring line;
@@ -142,8 +180,9 @@ void getProperties(const std::wstring& path, PropertyList& list) {
         }
     }
     if (ferror(stream.get()) != 0) {
-        fatal("ZYPRA0096E: Unable to load %ls file!", path);
+        cannotLoad(path);
     }
+    return true;
 }
 
 }  // namespace rcp

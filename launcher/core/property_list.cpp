@@ -1,75 +1,147 @@
 #include "launcher/core/property_list.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/property_text.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace rcp {
 namespace {
 
 constexpr std::size_t kLongList = 64;
+constexpr std::size_t kHeadLength = 8;
 
-template <typename Entries>
-auto* walk(Entries& entries, std::wstring_view key) {
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [key](const Property& entry) { return entry.key == key; });
-    return found == entries.end() ? nullptr : &*found;
+std::uint64_t headOf(std::wstring_view text) {
+    std::uint64_t head = 0;
+    for (std::size_t i = 0; i < std::min(text.size(), kHeadLength); ++i) {
+        head |= (static_cast<std::uint64_t>(text[i]) & 0xFF) << (8 * i);
+    }
+    return head;
+}
+
+// Tells whether keys begin with a prefix; the text of most is never looked at.
+class PrefixTest {
+  public:
+    explicit PrefixTest(std::wstring_view prefix)
+        : prefix_(prefix),
+          head_(headOf(prefix)),
+          unused_(prefix.size() < kHeadLength ? 8 * (kHeadLength - prefix.size()) : 0) {}
+    bool operator()(std::uint64_t head, const Property& entry) const {
+        const bool isLikely = prefix_.empty() || ((head ^ head_) << unused_) == 0;
+        return isLikely && entry.key.starts_with(prefix_);
+    }
+
+  private:
+    std::wstring_view prefix_;
+    std::uint64_t head_;
+    std::size_t unused_;  // bits of a head that the prefix does not reach
+};
+
+void tellObserver(const Property& entry) {
+    if (observer != nullptr) {
+        observer->propertyFound(entry);
+    }
 }
 
 }  // namespace
 
-PropertyList& PropertyList::operator=(const PropertyList& other) {
-    PropertyList copy(other);
-    *this = std::move(copy);
-    return *this;
-}
-
 PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
     entries_ = std::exchange(other.entries_, {});
+    heads_ = std::exchange(other.heads_, {});
     index_ = std::exchange(other.index_, {});
     indexed_ = std::exchange(other.indexed_, 0);
     return *this;
 }
 
 void PropertyList::append(Property property) {
+    heads_.push_back(headOf(property.key));
     entries_.push_back(std::move(property));
 }
 
-const Property* PropertyList::find(std::wstring_view key) const {
+bool PropertyList::hasKey(std::size_t position, std::wstring_view key) const {
+    return entries_[position].key == key;
+}
+
+std::size_t PropertyList::findPosition(std::wstring_view key) const {
     if (entries_.size() < kLongList) {
-        return walk(entries_, key);
+        const Head head = headOf(key);
+        std::size_t position = 0;
+        while (position < heads_.size() && (heads_[position] != head || !hasKey(position, key))) {
+            ++position;
+        }
+        return position == heads_.size() ? KeyIndex::kNone : position;
     }
+    const std::hash<std::wstring_view> hash;
+    const auto indexed = [this, &hash](std::wstring_view text) {
+        return index_.find(hash(text),
+                           [this, text](std::size_t position) { return hasKey(position, text); });
+    };
     for (; indexed_ < entries_.size(); ++indexed_) {
-        index_.emplace(entries_[indexed_].key, indexed_);  // keeps the first
+        const std::wstring& next = entries_[indexed_].key;
+        if (indexed(next) == KeyIndex::kNone) {
+            index_.add(hash(next), indexed_);
+        }
     }
-    const auto found = index_.find(key);
-    return found == index_.end() ? nullptr : &entries_[found->second];
+    return indexed(key);
+}
+
+const Property* PropertyList::find(std::wstring_view key) const {
+    const std::size_t position = findPosition(key);
+    if (position == KeyIndex::kNone) {
+        return nullptr;
+    }
+    tellObserver(entries_[position]);
+    return &entries_[position];
 }
 
 Property* PropertyList::find(std::wstring_view key) {
     return const_cast<Property*>(std::as_const(*this).find(key));
 }
 
-std::vector<Property> PropertyList::extract(std::wstring_view prefix) {
-    const auto matches = [prefix](const Property& entry) { return entry.key.starts_with(prefix); };
-    std::vector<Property> extracted;
-    if (std::none_of(entries_.begin(), entries_.end(), matches)) {
-        return extracted;
-    }
-    std::deque<Property> kept;
-    for (Property& entry : entries_) {
-        if (matches(entry)) {
-            extracted.push_back(std::move(entry));
-        } else {
-            kept.push_back(std::move(entry));
+std::vector<const Property*> PropertyList::findAll(std::wstring_view prefix) const {
+    const PrefixTest matches(prefix);
+    std::vector<const Property*> found;
+    for (std::size_t i = 0; i < heads_.size(); ++i) {
+        if (heads_[i] == 0 && entries_[i].key.empty()) {
+            break;
+        }
+        if (matches(heads_[i], entries_[i])) {
+            tellObserver(entries_[i]);
+            found.push_back(&entries_[i]);
         }
     }
-    entries_ = std::move(kept);
-    index_.clear();
-    indexed_ = 0;
+    return found;
+}
+
+std::vector<Property> PropertyList::extract(std::wstring_view prefix) {
+    const PrefixTest matches(prefix);
+    std::vector<Property> extracted;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < heads_.size(); ++i) {
+        if (matches(heads_[i], entries_[i])) {
+            extracted.push_back(std::move(entries_[i]));
+            continue;
+        }
+        if (kept != i) {
+            heads_[kept] = heads_[i];
+            entries_[kept] = std::move(entries_[i]);
+        }
+        ++kept;
+    }
+    if (!extracted.empty()) {
+        heads_.resize(kept);
+        entries_.resize(kept);
+        index_ = {};
+        indexed_ = 0;
+    }
     return extracted;
+}
+
+Argument argumentFrom(const Property& entry) {
+    return {entry.value, entry.origin};
 }
 
 const std::wstring* findProperty(std::wstring_view key, const PropertyList& list) {
@@ -78,16 +150,7 @@ const std::wstring* findProperty(std::wstring_view key, const PropertyList& list
 }
 
 std::vector<const Property*> findProperties(std::wstring_view prefix, const PropertyList& list) {
-    std::vector<const Property*> found;
-    for (const Property& entry : list.entries()) {
-        if (entry.key.empty()) {
-            break;
-        }
-        if (entry.key.starts_with(prefix)) {
-            found.push_back(&entry);
-        }
-    }
-    return found;
+    return list.findAll(prefix);
 }
 
 void pushBackProperty(PropertyList& list, std::wstring key, std::wstring value) {

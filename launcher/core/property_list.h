@@ -2,35 +2,30 @@
 // occurs twice is stored twice; a look-up returns the first, so the earliest source wins.
 #pragma once
 
+#include "diagnostics/argument.h"
+#include "launcher/core/key_index.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <deque>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace rcp {
 
-/// Where an entry came from. An entry that the launcher computed has no file.
-struct PropertyOrigin {
-    std::shared_ptr<const std::wstring> file;
-    std::size_t line = 0;
-};
-
 struct Property {
     std::wstring key;    // never holds "=", ":", a blank or a tab; may be empty
     std::wstring value;  // may be empty
-    PropertyOrigin origin;
+    Origin origin;
 };
 
 class PropertyList {
   public:
     PropertyList() = default;
-    // The index views keys of its own list's entries: a copy makes another, a move takes it along.
-    PropertyList(const PropertyList& other) : entries_(other.entries_) {}
-    PropertyList& operator=(const PropertyList& other);
+    PropertyList(const PropertyList& other) = default;
+    PropertyList& operator=(const PropertyList& other) = default;
     PropertyList(PropertyList&& other) noexcept { *this = std::move(other); }
     PropertyList& operator=(PropertyList&& other) noexcept;
     ~PropertyList() = default;
@@ -40,6 +35,8 @@ class PropertyList {
     /// the list is assigned to or filtered.
     [[nodiscard]] const Property* find(std::wstring_view key) const;
     Property* find(std::wstring_view key);
+    /// The entries whose keys begin with `prefix`, in order, up to the first empty key.
+    [[nodiscard]] std::vector<const Property*> findAll(std::wstring_view prefix) const;
 
     /// Takes every entry whose key begins with `prefix` out of the list, in order.
     std::vector<Property> extract(std::wstring_view prefix);
@@ -54,15 +51,24 @@ class PropertyList {
     [[nodiscard]] const std::deque<Property>& entries() const { return entries_; }
 
   private:
-    // The first entry of each key. Kept only once a list is long: a walk over a few dozen entries
-    // is faster than building it. Entries of a deque stay where they are, so the keys can be
-    // viewed.
-    using Index = std::unordered_map<std::wstring_view, std::size_t>;
+    // The low bytes of a key's first eight characters. A launch goes through the list by prefix a
+    // dozen times; in a long list the texts themselves are spread over more memory than the
+    // processor's caches hold, and these are not.
+    using Head = std::uint64_t;
 
-    std::deque<Property> entries_;
-    mutable Index index_;
+    [[nodiscard]] bool hasKey(std::size_t position, std::wstring_view key) const;
+    [[nodiscard]] std::size_t findPosition(std::wstring_view key) const;
+
+    std::deque<Property> entries_;  // entries stay where they are when others are appended
+    std::vector<Head> heads_;       // one an entry
+    // The first entry of each key. Kept only once a list is long: a walk over a few dozen heads is
+    // faster than building it.
+    mutable KeyIndex index_;
     mutable std::size_t indexed_ = 0;
 };
+
+/// The value of an entry, as an argument that comes from there.
+Argument argumentFrom(const Property& entry);
 
 /// The value of the first entry whose key is `key`; null without one.
 const std::wstring* findProperty(std::wstring_view key, const PropertyList& list);

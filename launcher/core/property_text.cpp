@@ -72,7 +72,9 @@ void FilterProp(std::wstring& key) {
 }
 
 void FilterValue(std::wstring& value) {
-    value = unescape(value);
+    if (value.find(L'\\') != std::wstring::npos) {
+        value = unescape(value);
+    }
     value.resize(std::min(value.find(L'\0'), value.size()));
     trimString(value);
 }

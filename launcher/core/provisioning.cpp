@@ -12,6 +12,7 @@
 #include "platform/removal.h"
 #include "platform/signals.h"
 #include "platform/text.h"
+#include "system/system_calls.h"
 
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -77,7 +78,7 @@ void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
             "action needed while provisioning");
         return;
     }
-    vmargMap[kSharedClassesKey].text = L"-Xshareclasses=none";
+    vmargMap[kSharedClassesKey] = L"-Xshareclasses=none";
     SvcDebugOutA(
         "ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting -Xsharedclasses=none "
         "while provisioning");
@@ -102,7 +103,7 @@ void checkForProvisioning(LaunchInputs& inputs) {
                                                 : LaunchKind::kUserProvisioning);
     doProvisioning();
     unlockLockFile();
-    exit(0);
+    endLaunch(0);
 }
 
 void doProvisioning() {
@@ -110,7 +111,7 @@ void doProvisioning() {
     logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
                        "ZYPRA0130I: ===== End Provisioning Parameters =====");
     Gate gate;
-    const pid_t child = fork();
+    const pid_t child = calls::fork();
     if (child == 0) {
         // Holds the lock until the parent has recorded the id: only then may the next launcher
         // look.
@@ -126,7 +127,7 @@ void doProvisioning() {
 }
 
 void addProvisioningApplication(const PropertyList& properties, bool startedByUser) {
-    const std::wstring* application = findProperty(L"provisioning.application", properties);
+    const Property* application = properties.find(L"provisioning.application");
     if (application == nullptr) {
         fatalErrorA(
             "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
@@ -135,7 +136,7 @@ void addProvisioningApplication(const PropertyList& properties, bool startedByUs
         return;
     }
     addArgToCommandLine(L"-application", false);
-    addArgToCommandLine(*application, true);
+    addArgToCommandLine(argumentFrom(*application), true);
     if (startedByUser) {
         addArgToCommandLine(L"-userProvLaunch", false);
     }

@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -12,7 +13,7 @@ constexpr std::wstring_view kPrefix = L"vmarg.";
 
 // `invalidMessage` differs by source, so that the record tells where the argument came from.
 void insertArguments(VmArgumentMap& map, const Arguments& arguments, const char* invalidMessage) {
-    for (const std::wstring& argument : arguments) {
+    for (const Argument& argument : arguments) {
         if (!argument.starts_with(kPrefix)) {
             continue;
         }
@@ -20,16 +21,19 @@ void insertArguments(VmArgumentMap& map, const Arguments& arguments, const char*
         if (equals == std::wstring::npos) {
             fatal(invalidMessage);
         }
-        map.try_emplace(argument.substr(0, equals), VmArgument{argument.substr(equals + 1), {}});
+        map.try_emplace(argument.substr(0, equals), argument.substr(equals + 1), argument.origin);
     }
 }
 
 }  // namespace
 
 void insertPropToVmargMap(VmArgumentMap& map, PropertyList& properties) {
+    // Numbered or sorted names, the usual ones, follow each other in the map as in the file.
+    auto next = map.end();
     for (Property& entry : properties.extract(kPrefix)) {
-        map.try_emplace(std::move(entry.key),
-                        VmArgument{std::move(entry.value), std::move(entry.origin)});
+        const auto at = map.try_emplace(next, std::move(entry.key), std::move(entry.value),
+                                        std::move(entry.origin));
+        next = std::next(at);
     }
 }
 

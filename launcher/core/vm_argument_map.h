@@ -10,15 +10,11 @@
 
 namespace rcp {
 
-struct VmArgument {
-    std::wstring text;  // the complete JVM argument; empty: written nowhere, but keeps others out
-    PropertyOrigin origin;
-};
-
-/// From the whole "vmarg." name, prefix included, to the argument, in the order of the names' plain
-/// character values. The name only orders and de-duplicates; it never reaches the command line.
-/// Insertion never replaces, so the source that is merged first wins.
-using VmArgumentMap = std::map<std::wstring, VmArgument, std::less<>>;
+/// From the whole "vmarg." name, prefix included, to the complete argument, in the order of the
+/// names' plain character values. The name only orders and de-duplicates; it never reaches the
+/// command line. An empty argument is written nowhere, but keeps others of its name out. Insertion
+/// never replaces, so the source that is merged first wins.
+using VmArgumentMap = std::map<std::wstring, Argument, std::less<>>;
 
 /// Moves every "vmarg." entry out of `properties` into the map.
 void insertPropToVmargMap(VmArgumentMap& map, PropertyList& properties);

@@ -35,7 +35,7 @@ void addConsoleFix(const LaunchInputs& inputs) {
         return;
     }
     constexpr std::wstring_view kPlaceholder = L"${workspace.location}";
-    std::wstring fix = fixes.front()->value;
+    Argument fix = argumentFrom(*fixes.front());
     const std::size_t found = fix.find(kPlaceholder);
     if (found != std::wstring::npos) {
         fix.replace(found, kPlaceholder.size(), inputs.workspace);
@@ -47,10 +47,10 @@ void addConsoleFix(const LaunchInputs& inputs) {
 }
 
 // The terminator that setArgProperty leaves at the end is not part of the argument.
-void addSystemProperty(const std::wstring& key, const std::wstring& value) {
+void addSystemProperty(const std::wstring& key, const Argument& value) {
     std::wstring item;
     setArgProperty(item, key, value);
-    addArgToCommandLine(item.c_str(), false);
+    addArgToCommandLine({item.c_str(), value.origin}, false);
 }
 
 void addPropertyDefinitions(const PropertyList& properties) {
@@ -59,7 +59,7 @@ void addPropertyDefinitions(const PropertyList& properties) {
         setArgProperty(item, property->key, property->value);
         item.pop_back();
         SvcDebugOutW(L"ZYPRA0075I: commandArg  = \"%s\"", item);
-        addArgToCommandLine(item, false);
+        addArgToCommandLine({item, property->origin}, false);
     }
 }
 
@@ -81,8 +81,8 @@ void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll) {
         addConsoleFix(inputs);
     }
     for (const auto& [key, argument] : inputs.vmargMap) {
-        if (!argument.text.empty()) {
-            addArgToCommandLine(argument.text, true);
+        if (!argument.empty()) {
+            addArgToCommandLine(argument, true);
         }
     }
 }
@@ -90,14 +90,14 @@ void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll) {
 void addDashDToCommandLine(const LaunchInputs& inputs) {
     addSystemProperty(L"-Drcp.home", inputs.installDir);
     addSystemProperty(L"-Drcp.data", inputs.workspace);
-    if (const std::wstring* splash = findProperty(L"osgi.splashPath", inputs.userProperties)) {
-        addSystemProperty(L"-Dosgi.splashPath", *splash);
+    if (const Property* splash = inputs.userProperties.find(L"osgi.splashPath")) {
+        addSystemProperty(L"-Dosgi.splashPath", argumentFrom(*splash));
     }
-    const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
+    const Property* installId = inputs.properties.find(L"rcp.install.id");
     if (installId == nullptr) {
         fatal("ZYPRA0036E: Couldn't find the rcp.install.id property!");
     }
-    addSystemProperty(L"-Dcom.ovr.rcp.install.id", *installId);
+    addSystemProperty(L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
     const std::wstring configuration = installConfigurationName();
     if (configuration.empty()) {
         fatal("ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
@@ -109,13 +109,13 @@ void addDashDToCommandLine(const LaunchInputs& inputs) {
 
 void addXargsToCommandLine(const PropertyList& properties) {
     for (const Property* property : findProperties(L"-X", properties)) {
-        addArgToCommandLine(property->key + property->value, true);
+        addArgToCommandLine({property->key + property->value, property->origin}, true);
     }
-    if (const std::wstring* prepend = findProperty(L"Xbootclasspath.prepend", properties)) {
-        addArgToCommandLine(L"-Xbootclasspath/p:" + *prepend, false);
+    if (const Property* prepend = properties.find(L"Xbootclasspath.prepend")) {
+        addArgToCommandLine({L"-Xbootclasspath/p:" + prepend->value, prepend->origin}, false);
     }
-    if (const std::wstring* append = findProperty(L"Xbootclasspath.append", properties)) {
-        addArgToCommandLine(L"-Xbootclasspath/a:" + *append, false);
+    if (const Property* append = properties.find(L"Xbootclasspath.append")) {
+        addArgToCommandLine({L"-Xbootclasspath/a:" + append->value, append->origin}, false);
     }
 }
 

@@ -26,17 +26,17 @@ void traceAlways(std::wstring_view format, std::wstring_view argument) {
 
 // The JVM's path; empty when the launcher library is to find one itself. `missingMessage` tells where
 // it was asked for.
-std::wstring chosenVm(const PropertyList& properties, const Arguments& arguments,
-                      const char* missingMessage) {
+Argument chosenVm(const PropertyList& properties, const Arguments& arguments,
+                  const char* missingMessage) {
     if (isVmOverride(arguments)) {
-        const std::wstring* value = optionValue(L"-vm", arguments);
+        const Argument* value = optionValue(L"-vm", arguments);
         if (value == nullptr || value->empty()) {
             fatal(missingMessage);
         }
         return *value;
     }
-    const std::wstring* property = findProperty(L"vm", properties);
-    return property == nullptr ? std::wstring() : *property;
+    const Property* property = properties.find(L"vm");
+    return property == nullptr ? Argument() : argumentFrom(*property);
 }
 
 void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
@@ -68,7 +68,7 @@ bool addVmToCommandLine(const LaunchInputs& inputs) {
     if (hasOption(L"-rcpLauncherWait", inputs.arguments)) {
         setWaitMode();
     }
-    const std::wstring vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
+    const Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
     if (vm.empty()) {
         if (isDirectJavaShape()) {
             fatal(kNoVmMessage);  // or an option would become the program
@@ -144,8 +144,7 @@ bool jvmPropExists(const std::wstring& root) {
 
 void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location) {
     traceAlways(L"ZYPRA0077I: loading jvm.properties at \"%s\"", location.file);
-    if (exists(location.file)) {
-        getProperties(location.file, inputs.properties);
+    if (getPropertiesIfThere(location.file, inputs.properties)) {
         insertPropToVmargMap(inputs.vmargMap, inputs.properties);
     } else {
         traceAlways(

@@ -45,6 +45,14 @@ class Parser {
     Json parseValue() {
         Json value;
         skipSpace();
+        for (const std::string_view word : {"false", "true"}) {
+            if (text_.substr(at_).starts_with(word)) {
+                at_ += word.size();
+                value.kind = Json::Kind::Number;
+                value.number = word == "true" ? 1 : 0;
+                return value;
+            }
+        }
         if (text_.substr(at_).starts_with("null")) {
             at_ += 4;
         } else if (take('{')) {
@@ -100,7 +108,7 @@ class Parser {
         }
     }
 
-    // The stand-in escapes quotes, backslashes and control characters only.
+    // Only control characters are written as numbers.
     char parseEscape() {
         if (at_ < text_.size() && text_[at_] == 'u') {
             const std::string digits(text_.substr(at_ + 1, 4));
@@ -110,7 +118,11 @@ class Parser {
         if (at_ == text_.size()) {
             fail("text without an end");
         }
-        return text_[at_++];
+        constexpr std::string_view kNames = "bfnrt";
+        constexpr std::string_view kCharacters = "\b\f\n\r\t";
+        const char c = text_[at_++];
+        const size_t named = kNames.find(c);
+        return named == std::string_view::npos ? c : kCharacters[named];
     }
 
     std::string_view text_;

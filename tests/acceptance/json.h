@@ -1,4 +1,5 @@
-// Reads the JSON that the stand-in platform writes: objects, lists, texts, whole numbers and null.
+// Reads the JSON that the stand-in platform and rcpinspect write: objects, lists, texts, whole
+// numbers, true and false (as 1 and 0) and null.
 #pragma once
 
 #include <map>

@@ -24,7 +24,7 @@ class Extensions : public test::LauncherTest {
         return result;
     }
     // The numbered properties of configuration "N".
-    static Pairs values(const std::vector<std::wstring>& texts) {
+    static Pairs values(const Arguments& texts) {
         Pairs properties;
         for (const std::wstring& text : texts) {
             properties.emplace_back(L"config.N." + std::to_wstring(properties.size() + 1), text);
@@ -186,7 +186,7 @@ TEST_F(Extensions, MarkerFileRepeatsNoOptionOfTheUsers) {
 }
 
 TEST_F(Extensions, TenThousandValuesComeInOrder) {
-    std::vector<std::wstring> texts;
+    Arguments texts;
     for (int i = 0; i < 10'000; ++i) {
         texts.push_back(L"-x" + std::to_wstring(i));
     }

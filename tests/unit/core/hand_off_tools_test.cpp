@@ -17,7 +17,7 @@ using test::ChildProcess;
 class HandOffTools : public test::LauncherTest {};
 
 TEST_F(HandOffTools, NarrowArgumentsAreTheTextsInOrderAndANullPointer) {
-    const std::vector<std::wstring> wide = {L"/opt/Velmo", L"", L"B\u00FCro", L"two words"};
+    const std::vector<Argument> wide = {L"/opt/Velmo", L"", L"B\u00FCro", L"two words"};
     NarrowArguments narrow(wide);
     ASSERT_EQ(narrow.count(), 4);
     EXPECT_STREQ(narrow.data()[0], "/opt/Velmo");
@@ -35,7 +35,7 @@ TEST_F(HandOffTools, NoArgumentsAreANullPointer) {
 
 TEST_F(HandOffTools, ArgumentsAreLoggedOneALineWithoutTracing) {
     const test::Records records(folder_);
-    const std::vector<std::wstring> wide = {L"/opt/Velmo", L"100%s", L"%n"};
+    const std::vector<Argument> wide = {L"/opt/Velmo", L"100%s", L"%n"};
     logLaunchArguments("begin", NarrowArguments(wide), "end");
     EXPECT_EQ(records.text().substr(records.text().find("begin")),
               "begin\n/opt/Velmo\n100%s\n%n\nend\n");

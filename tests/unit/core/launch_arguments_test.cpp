@@ -12,15 +12,15 @@ TEST_F(LaunchList, ArgumentsAreAppendedKeywordOrValue) {
     addArgToCommandLine(L"-a", false);
     addArgToCommandLine(L"", true);
     addArgToCommandLine(L"-a", true);
-    EXPECT_EQ(launchArgs, (std::vector<std::wstring>{L"-a", L"", L"-a"}));
+    EXPECT_EQ(launchArgs, (Arguments{L"-a", L"", L"-a"}));
 }
 
 TEST_F(LaunchList, PathEmptiesTheList) {
     addArgToCommandLine(L"-a", false);
     addPathToCommandLine(L"/x y/eclipse");
-    EXPECT_EQ(launchArgs, std::vector<std::wstring>{L"/x y/eclipse"});
+    EXPECT_EQ(launchArgs, Arguments{L"/x y/eclipse"});
     addArgToCommandLine(L"-b", false);
-    EXPECT_EQ(launchArgs, (std::vector<std::wstring>{L"/x y/eclipse", L"-b"}));
+    EXPECT_EQ(launchArgs, (Arguments{L"/x y/eclipse", L"-b"}));
 }
 
 TEST_F(LaunchList, RestartDropsTheDebugConsole) {
@@ -35,8 +35,8 @@ TEST_F(LaunchList, RestartDropsTheDebugConsole) {
         addArgToCommandLine(argument, true);
         addArgToCommandLine(argument, false);
     }
-    EXPECT_EQ(launchArgs, (std::vector<std::wstring>{L"-consoleLog", L"-consoleLog", L"-Debug",
-                                                     L"-Debug", L"debug", L"debug"}));
+    EXPECT_EQ(launchArgs, (Arguments{L"-consoleLog", L"-consoleLog", L"-Debug", L"-Debug", L"debug",
+                                     L"debug"}));
 }
 
 TEST_F(LaunchList, LibraryPathIsTheLastOneSet) {

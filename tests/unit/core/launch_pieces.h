@@ -39,7 +39,7 @@ inline Pairs pairsOf(const PropertyList& list) {
 inline VmArgumentMap vmargMap(const Pairs& pairs) {
     VmArgumentMap map;
     for (const auto& [key, text] : pairs) {
-        map.emplace(key, VmArgument{text, {}});
+        map.emplace(key, Argument(text));
     }
     return map;
 }
@@ -48,7 +48,7 @@ inline VmArgumentMap vmargMap(const Pairs& pairs) {
 inline Pairs pairsOf(const VmArgumentMap& map) {
     Pairs pairs;
     for (const auto& [key, argument] : map) {
-        pairs.emplace_back(key, argument.text);
+        pairs.emplace_back(key, argument);
     }
     return pairs;
 }

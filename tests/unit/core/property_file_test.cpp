@@ -261,5 +261,29 @@ TEST_F(PropertyFile, FileThatCannotBeOpenedEndsTheProcess) {
                  "ZYPRA0096E: Unable to load .* file! : Is a directory\n");
 }
 
+TEST_F(PropertyFile, FileThatNeedNotBeThereMayBeMissingButNotBeNoFile) {
+    PropertyList list;
+    EXPECT_FALSE(getPropertiesIfThere(folder_.wide("missing"), list));
+    EXPECT_TRUE(list.entries().empty());
+    EXPECT_FATAL(getPropertiesIfThere(folder_.wide(), list),
+                 "ZYPRA0096E: Unable to load .* file! : Is a directory\n");
+    folder_.write("there", "key=value\n");
+    EXPECT_TRUE(getPropertiesIfThere(folder_.wide("there"), list));
+    EXPECT_EQ(*findProperty(L"key", list), L"value");
+}
+
+TEST_F(PropertyFile, FileLongerThanOneReadIsReadToItsEnd) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i) {
+        text += "key." + std::to_string(i) + "=value\n";
+    }
+    folder_.write("long", text);
+    PropertyList list;
+    getProperties(folder_.wide("long"), list);
+    ASSERT_EQ(list.entries().size(), 1000U);
+    EXPECT_EQ(list.entries().back().key, L"key.999");
+    EXPECT_EQ(list.entries().back().value, L"value");
+}
+
 }  // namespace
 }  // namespace rcp

@@ -158,12 +158,11 @@ TEST_F(Provisioning, OnlyInConfigurationsThatProvision) {
 TEST_F(Provisioning, ApplicationStandsBehindTheMainOptions) {
     launchArgs = {L"program"};
     addProvisioningApplication(inputs_.properties, true);
-    EXPECT_EQ(launchArgs, (std::vector<std::wstring>{L"program", L"-application",
-                                                     L"com.ovr.provision", L"-userProvLaunch"}));
+    EXPECT_EQ(launchArgs,
+              (Arguments{L"program", L"-application", L"com.ovr.provision", L"-userProvLaunch"}));
     launchArgs = {L"program"};
     addProvisioningApplication(inputs_.properties, false);
-    EXPECT_EQ(launchArgs,
-              (std::vector<std::wstring>{L"program", L"-application", L"com.ovr.provision"}));
+    EXPECT_EQ(launchArgs, (Arguments{L"program", L"-application", L"com.ovr.provision"}));
 }
 
 TEST_F(Provisioning, MissingApplicationIsFatalBeforeAnythingIsStarted) {
@@ -190,12 +189,12 @@ TEST_F(Provisioning, SwitchesSharedClassesOff) {
     const Records records(folder_);
     debug = true;
     VmArgumentMap map;
-    map[L"vmarg.Dshare"].text = L"-Xshareclasses:name=velmo";
-    map[L"vmarg.other"].text = L"-Dother";
+    map[L"vmarg.Dshare"] = L"-Xshareclasses:name=velmo";
+    map[L"vmarg.other"] = L"-Dother";
     defeateSharedClassesInProvisioning(map);
     EXPECT_EQ(map.size(), 2U);
-    EXPECT_EQ(map[L"vmarg.Dshare"].text, L"-Xshareclasses=none");
-    EXPECT_EQ(map[L"vmarg.other"].text, L"-Dother");
+    EXPECT_EQ(map[L"vmarg.Dshare"], L"-Xshareclasses=none");
+    EXPECT_EQ(map[L"vmarg.other"], L"-Dother");
     EXPECT_TRUE(
         records.has("ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting "
                     "-Xsharedclasses=none while provisioning\n"));
@@ -205,7 +204,7 @@ TEST_F(Provisioning, SharedClassesThatAreNotThereStayAbsent) {
     const Records records(folder_);
     debug = true;
     VmArgumentMap map;
-    map[L"vmarg.dshare"].text = L"-Xother";
+    map[L"vmarg.dshare"] = L"-Xother";
     defeateSharedClassesInProvisioning(map);
     EXPECT_EQ(map.size(), 1U);
     EXPECT_TRUE(

@@ -76,7 +76,7 @@ TEST_F(VmargMap, KeysAreInTheOrderOfTheirCharacters) {
     insertPropToVmargMap(map, list);
     std::wstring order;
     for (const auto& [key, argument] : map) {
-        order += argument.text;
+        order += argument;
     }
     EXPECT_EQ(order, L"564371298");
 }
@@ -107,7 +107,7 @@ TEST_F(VmargMap, EntriesRememberTheirFileAndLine) {
     PropertyList list;
     getProperties(folder_.wide("f.properties"), list);
     insertPropToVmargMap(map, list);
-    const VmArgument& argument = map.at(L"vmarg.a");
+    const Argument& argument = map.at(L"vmarg.a");
     ASSERT_NE(argument.origin.file, nullptr);
     EXPECT_EQ(*argument.origin.file, folder_.wide("f.properties"));
     EXPECT_EQ(argument.origin.line, 3U);
@@ -129,7 +129,7 @@ TEST_F(VmargMap, HundredThousandEntriesFindTheirPlaces) {
     int i = 0;
     for (const auto& [key, argument] : map) {
         const std::wstring number = std::to_wstring(kCount + i++);
-        ASSERT_EQ(argument.text, L"-D" + number);
+        ASSERT_EQ(argument, L"-D" + number);
         ASSERT_EQ(*findProperty(L"k" + number, list), number) << "the kept ones are found";
     }
 }

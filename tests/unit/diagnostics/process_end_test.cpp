@@ -16,7 +16,7 @@ namespace {
 
 struct Ended {};
 
-[[noreturn]] void end() {
+[[noreturn]] void end(int /*status*/) {
     throw Ended();
 }
 
@@ -61,7 +61,7 @@ TEST(ProcessEnd, FatalErrorInsideAFatalErrorEndsTheProcessAtOnce) {
         GTEST_SKIP() << "no /tmp of its own";
     }
     const auto fatalTwice = [] {
-        setEndFunction([] { fatal("again"); });
+        setEndFunction([](int) { fatal("again"); });
         fatal("once");
     };
     EXPECT_EQ(temporaryLogOf(fatalTwice, 255), "ZYPRA0004E: malloc failed!\n");

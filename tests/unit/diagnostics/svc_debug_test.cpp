@@ -34,7 +34,7 @@ const std::string kLongest(999, 'f');
 // --- Tracing ------------------------------------------------------------------------------------
 
 TEST_F(Errors, NothingIsTracedWhileTracingIsOff) {
-    const std::vector<std::wstring> arguments = {L"a"};
+    const std::vector<Argument> arguments = {L"a"};
     const FormatArgument values[] = {1L};
     SvcDebugOutA("text");
     SvcDebugOutA("%s", "text");
@@ -87,7 +87,7 @@ TEST_F(Tracing, FormatOf999CharactersIsWritten) {
 TEST_F(Tracing, FormatOf1000CharactersIsDroppedWhole) {
     const std::string tooLong(1000, 'f');
     const std::wstring wideTooLong(1000, L'f');
-    const std::vector<std::wstring> arguments = {L"a"};
+    const std::vector<Argument> arguments = {L"a"};
     SvcDebugOutA(tooLong);
     SvcDebugOutA(tooLong, "x");
     SvcDebugOutA(tooLong, 1);
@@ -122,24 +122,24 @@ TEST_F(Tracing, OutputTakesAnyNumberOfArguments) {
 }
 
 TEST_F(Tracing, DumpListsEveryArgumentAndEndsWithAnEmptyLine) {
-    const std::vector<std::wstring> arguments = {L"a", L"b"};
+    const std::vector<Argument> arguments = {L"a", L"b"};
     SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
     EXPECT_EQ(records_.text(), "ZYPRA0030I: rcplauncher main arguments=\"a, b, \"\n\n");
 }
 
 TEST_F(Tracing, DumpOfNoArgumentsIsAPairOfQuotes) {
-    SvcDebugOutW(L"message", std::span<const std::wstring>());
+    SvcDebugOutW(L"message", std::span<const Argument>());
     EXPECT_EQ(records_.text(), "message=\"\"\n\n");
 }
 
 TEST_F(Tracing, PercentSignsOfDumpedArgumentsAreDirectives) {
-    const std::vector<std::wstring> arguments = {L"100%%", L"%s%n%d", L"50%"};
+    const std::vector<Argument> arguments = {L"100%%", L"%s%n%d", L"50%"};
     SvcDebugOutW(L"message", arguments);
     EXPECT_EQ(records_.text(), "message=\"100%, %s%n%d, 50%, \"\n\n");
 }
 
 TEST_F(Tracing, DumpThatIsTooLongIsCutToOneRecord) {
-    const std::vector<std::wstring> arguments = {std::wstring(5000, L'x')};
+    const std::vector<Argument> arguments = {std::wstring(5000, L'x')};
     SvcDebugOutW(L"message", arguments);
     EXPECT_EQ(records_.text().size(), 4096U);
 }
@@ -250,7 +250,7 @@ TEST_F(Errors, FatalErrorWhileOneIsReportedEndsAtOnce) {
 
 TEST_F(Errors, ReplacedEndIsCalledBehindTheRecordAndReportsWorkAgain) {
     struct Ended {};
-    const EndFunction before = setEndFunction([] { throw Ended(); });
+    const EndFunction before = setEndFunction([](int) { throw Ended(); });
     EXPECT_THROW(fatal("first"), Ended);
     EXPECT_THROW(fatal("second"), Ended);
     EXPECT_NE(setEndFunction(before), before);

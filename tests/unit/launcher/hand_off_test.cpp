@@ -159,8 +159,7 @@ TEST_F(HandOff, NameIsThatUnderWhichTheProgramWasStarted) {
 
 void handOffTo(const std::string& library) {
     setEclipseSoPath(toWide(library));
-    NarrowArguments arguments(
-        std::vector<std::wstring>{L"/opt/Velmo", L"-data", L"B\u00FCro", L"-VMARGS", L"-Xa"});
+    NarrowArguments arguments(Arguments{L"/opt/Velmo", L"-data", L"B\u00FCro", L"-VMARGS", L"-Xa"});
     Gate gate;
     invokeEclipseDylib(arguments, gate);
 }

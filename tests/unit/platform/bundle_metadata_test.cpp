@@ -8,7 +8,7 @@
 namespace rcp {
 namespace {
 
-using Arguments = std::vector<std::wstring>;
+using Arguments = std::vector<Argument>;
 
 class BundleMetadata : public test::LauncherTest {
   protected:

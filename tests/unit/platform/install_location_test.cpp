@@ -40,7 +40,7 @@ const Probe kLauncherPath("launcher path", [](const std::vector<std::string>&) {
 });
 
 const Probe kInstallDir("install dir", [](const std::vector<std::string>& arguments) {
-    std::vector<std::wstring> wide;
+    std::vector<Argument> wide;
     for (const std::string& argument : arguments) {
         wide.push_back(toWide(argument));
     }
@@ -53,7 +53,7 @@ const Probe kInstallDir("install dir", [](const std::vector<std::string>& argume
 const Probe kCommand("find command", [](const std::vector<std::string>&) {
     const std::wstring folder = findCommand(L"/usr/bin/ignored");
     print(toNarrow(folder));
-    const std::vector<std::wstring> arguments = {L"/usr/bin/ignored"};
+    const std::vector<Argument> arguments = {L"/usr/bin/ignored"};
     return getRCPDirectory(arguments) == folder && getRCPDirectory({}) == folder ? 0 : 1;
 });
 

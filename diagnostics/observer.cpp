@@ -1,0 +1,7 @@
+#include "diagnostics/observer.h"
+
+namespace rcp {
+
+Observer* observer = nullptr;
+
+}  // namespace rcp

@@ -1,0 +1,72 @@
+#include "inspect/check/check.h"
+
+#include "inspect/check/groups.h"
+#include "inspect/check/launcher_end.h"
+#include "inspect/check/report.h"
+#include "inspect/commands.h"
+#include "inspect/page/page.h"
+#include "launcher/rcp_launcher_main.h"
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+namespace rcp::inspect {
+namespace {
+
+constexpr int kWarnings = 1;
+constexpr int kErrors = 2;
+
+}  // namespace
+
+Findings findEverything(const Examination& examination) {
+    Findings findings;
+    findInLines(examination, findings);
+    findInFiles(examination, findings);
+    if (examination.file(kLauncherFile) != nullptr) {
+        findInKeys(examination, findings);
+        findInValues(examination, findings);
+        findInPlaceholders(examination, findings);
+        findInJvmArguments(examination, findings);
+        findInExtensions(examination, findings);
+    }
+    return findings;
+}
+
+int checkStatus(const Findings& findings, bool isStrict) {
+    if (findings.count(Level::kError) > 0) {
+        return kErrors;
+    }
+    if (findings.count(Level::kWarning) > 0) {
+        return isStrict ? kErrors : kWarnings;
+    }
+    return kSuccess;
+}
+
+int check(const Options& options) {
+    endOf(&setCharacterLocale);  // texts are read as the launcher reads them
+    const Examination examination = examine(options);
+    const Findings findings = findEverything(examination);
+    switch (options.format) {
+        case Format::kText:
+            std::cout << textReport(examination, findings, options.isColored);
+            break;
+        case Format::kJson:
+            std::cout << dump(jsonReport(examination, findings));
+            break;
+        case Format::kSarif:
+            std::cout << dump(sarifReport(examination, findings));
+            break;
+        case Format::kHtml:
+            if (!writeCheckPage(nlohmann::json::parse(dump(jsonReport(examination, findings))),
+                                options.page)) {
+                std::cerr << "rcpinspect: " << options.page << ": " << std::strerror(errno) << '\n';
+                return kCannotCreate;
+            }
+            break;
+    }
+    return checkStatus(findings, options.isStrict);
+}
+
+}  // namespace rcp::inspect

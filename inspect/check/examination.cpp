@@ -1,0 +1,242 @@
+#include "inspect/check/examination.h"
+
+#include "diagnostics/svc_debug.h"
+#include "inspect/check/launcher_end.h"
+#include "inspect/check/memory_file.h"
+#include "launcher/core/config_extensions.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/property_file.h"
+#include "launcher/core/user_files.h"
+#include "launcher/core/vm_argument_map.h"
+#include "launcher/core/vm_choice.h"
+#include "launcher/core/workspace.h"
+#include "launcher/hand_off.h"
+#include "launcher/rcp_launcher_main.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace rcp::inspect {
+namespace {
+
+constexpr char kBlanks[] = " \t\v\f\r";
+
+std::string readBytes(const std::wstring& path) {
+    std::ifstream stream(toNarrow(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::vector<RawLine> splitLines(const std::string& bytes) {
+    std::vector<RawLine> lines;
+    std::istringstream stream(bytes);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back({lines.size() + 1, line});
+    }
+    return lines;
+}
+
+// Reads a file for its findings; false, with the path remembered, when a launch would end there.
+bool addFile(Examination& examination, KeyFile kind, const std::wstring& path) {
+    PropertyFile file;
+    file.kind = kind;
+    if (endOf([&] { getProperties(path, file.entries); })) {
+        examination.unreadable.push_back(path);
+        return false;
+    }
+    file.name = examination.nameOf(path);
+    file.bytes = readBytes(path);
+    file.lines = splitLines(file.bytes);
+    examination.files.push_back(std::move(file));
+    return true;
+}
+
+// The text of the user's copy of a master file. Lines that the user does not get become comments,
+// so that every entry keeps its line.
+std::string userCopy(const std::wstring& master) {
+    Stream stream;
+    open_file(stream, master, L"r");
+    UserFileFilter filter;
+    std::string text;
+    std::size_t written = 0;
+    LinePosition position;
+    for (std::wstring line;
+         stream && readFile(*stream, kCopiedLineFormat, line, &position) != EOF;) {
+        for (; written + 1 < position.line; ++written) {
+            text += '\n';
+        }
+        text += (filter.keeps(line) ? toNarrow(line) : "#") + '\n';
+        ++written;
+    }
+    return text;
+}
+
+// The user's list as a first launch makes it: the master's entries, then what the launcher appends.
+void readUserFile(Examination& examination, const std::wstring& master) {
+    LaunchInputs& inputs = examination.inputs;
+    const auto file = std::make_shared<const std::wstring>(master);
+    const PropertyList copied = parseProperties(userCopy(master));
+    for (const Property& entry : copied.entries()) {
+        inputs.userProperties.append({entry.key, entry.value, {file, entry.origin.line}});
+    }
+    if (const auto block = userFileBlock(inputs.properties)) {
+        const PropertyList appended = parseProperties(expandFormat(toNarrow(*block)));
+        for (const Property& entry : appended.entries()) {
+            inputs.userProperties.append({entry.key, entry.value, {}});
+        }
+    }
+}
+
+void settleBase(Examination& examination) {
+    LaunchInputs& inputs = examination.inputs;
+    if (const std::wstring* base = findProperty(L"rcp.base.location", inputs.properties)) {
+        examination.base = *base;
+        replaceEvery(examination.base, kRcpHomePlaceholder, inputs.installDir);
+        replaceValue(L"rcp.base.location", examination.base, inputs.properties);
+    }
+}
+
+void settleWorkspace(LaunchInputs& inputs) {
+    if (endOf([&] {
+            getWorkspaceLocation(inputs.workspace, inputs.properties, inputs.arguments,
+                                 inputs.installDir);
+        })) {
+        inputs.workspace = L"/workspace";  // some path, for the placeholders that name it
+    }
+    inputs.configuration = configurationFor(inputs.workspace, inputs.installDir);
+}
+
+void readJvmProperties(Examination& examination) {
+    LaunchInputs& inputs = examination.inputs;
+    JvmPropertyLocation location;
+    if (endOf([&] {
+            location =
+                getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
+        })) {
+        return;
+    }
+    const std::wstring ofInstallation = inputs.installDir + L"/rcp/deploy/jvm.properties";
+    // The installation's own file counts for other JVMs even when this one has a file of its own.
+    for (const std::wstring& path : {location.file, ofInstallation}) {
+        const bool isRead = path == location.file;
+        if (exists(path) && (isRead || !location.isDefault) &&
+            addFile(examination, kJvmFile, path)) {
+            examination.files.back().isRead = isRead;
+        }
+    }
+    endOf([&] { loadJvmProperties(inputs, location); });
+}
+
+class NamedLauncher {
+  public:
+    explicit NamedLauncher(const std::string& path) { setLauncherExecutable(path); }
+    ~NamedLauncher() { setLauncherExecutable({}); }
+    NamedLauncher(const NamedLauncher&) = delete;
+    NamedLauncher& operator=(const NamedLauncher&) = delete;
+    NamedLauncher(NamedLauncher&&) = delete;
+    NamedLauncher& operator=(NamedLauncher&&) = delete;
+};
+
+}  // namespace
+
+bool RawLine::isBlank() const {
+    return trimmed().empty();
+}
+
+bool RawLine::isComment() const {
+    return trimmed().starts_with('#');
+}
+
+std::string_view RawLine::trimmed() const {
+    const std::string_view view = text;
+    return view.substr(std::min(view.find_first_not_of(kBlanks), view.size()));
+}
+
+const PropertyFile* Examination::file(KeyFile kind) const {
+    const auto found = std::find_if(files.begin(), files.end(),
+                                    [kind](const PropertyFile& one) { return one.kind == kind; });
+    return found == files.end() ? nullptr : &*found;
+}
+
+std::string Examination::nameOf(const std::wstring& path) const {
+    const std::string narrow = toNarrow(path);
+    return narrow.starts_with(installation + "/") ? narrow.substr(installation.size() + 1) : narrow;
+}
+
+std::string Examination::nameOf(const Origin& origin) const {
+    return origin.file ? nameOf(*origin.file) : launcherFile();
+}
+
+std::string Examination::launcherFile() const {
+    return nameOf(inputs.installDir + L"/rcp/rcplauncher.properties");
+}
+
+Origin Examination::originOf(std::wstring_view key) const {
+    const Property* entry = inputs.properties.find(key);
+    return entry == nullptr ? Origin() : entry->origin;
+}
+
+PropertyList parseProperties(const std::string& text) {
+    PropertyList list;
+    const int descriptor = openMemoryFile();
+    if (descriptor < 0) {
+        return list;
+    }
+    if (write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size())) {
+        lseek(descriptor, 0, SEEK_SET);  // where opening by number gives the same position
+        endOf([&] { getProperties(L"/dev/fd/" + std::to_wstring(descriptor), list); });
+    }
+    close(descriptor);
+    return list;
+}
+
+Examination examine(const Options& options) {
+    const NamedLauncher named(options.launcher);
+    Examination examination;
+    examination.launcher = options.launcher;
+    LaunchInputs& inputs = examination.inputs;
+    inputs.arguments.emplace_back(toWide(options.launcher));
+    for (const std::string& argument : options.arguments) {
+        inputs.arguments.emplace_back(toWide(argument));
+    }
+    endOf([&] { getInstallDir(inputs.installDir, inputs.arguments); });
+    examination.installation = toNarrow(inputs.installDir);
+    const std::wstring path = inputs.installDir + L"/rcp/rcplauncher.properties";
+    if (!addFile(examination, kLauncherFile, path)) {
+        return examination;
+    }
+    endOf([&] { getProperties(path, inputs.properties); });
+    initInvokeDylib(inputs.properties);
+    appendVm(inputs.arguments, inputs.properties);
+    examination.arguments = inputs.arguments;
+    endOf([&] {
+        inputs.arguments = addConfigExtentionsToArg(inputs.arguments, inputs.properties,
+                                                    inputs.vmargMap, inputs.installDir);
+    });
+    insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    SetInstallConfiguration(inputs.properties, false);
+    settleBase(examination);
+    settleWorkspace(inputs);
+    if (!examination.base.empty()) {
+        const std::wstring master = getCoreFileLocation(examination.base, L"rcpinstall.properties");
+        if (exists(master) && addFile(examination, kUserFile, master)) {
+            readUserFile(examination, master);
+        }
+    }
+    for (PropertyList* list : {&inputs.properties, &inputs.userProperties}) {
+        list->append({L"velmo.workspace.loc", inputs.workspace, {}});
+    }
+    examination.userEntries = inputs.userProperties;
+    insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
+    readJvmProperties(examination);
+    return examination;
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,58 @@
+// One installation as its launcher reads it: the property files with their entries, and what the
+// launcher has put together when everything is read.
+#pragma once
+
+#include "inspect/options.h"
+#include "inspect/property_keys.h"
+#include "launcher/core/launch_inputs.h"
+
+#include <string>
+#include <vector>
+
+namespace rcp::inspect {
+
+struct RawLine {
+    std::size_t number = 0;
+    std::string text;  // without its line feed
+
+    [[nodiscard]] bool isBlank() const;
+    [[nodiscard]] bool isComment() const;
+    /// Without the blanks in front of it.
+    [[nodiscard]] std::string_view trimmed() const;
+};
+
+struct PropertyFile {
+    KeyFile kind = kNoFile;
+    std::string name;  // as findings show it
+    std::string bytes;
+    std::vector<RawLine> lines;
+    PropertyList entries;  // as they stand in the file
+    bool isRead = true;    // by a launch with this JVM
+};
+
+struct Examination {
+    std::string installation;
+    std::string launcher;
+    std::vector<PropertyFile> files;  // those that can be read
+    Arguments arguments;              // the launcher's, before the extension
+    LaunchInputs inputs;              // placeholders not yet replaced
+    PropertyList userEntries;         // the user's list with its JVM arguments
+    std::wstring base;                // empty when it is not known
+    std::vector<std::wstring> unreadable;
+
+    [[nodiscard]] const PropertyFile* file(KeyFile kind) const;
+    /// A path as findings show it.
+    [[nodiscard]] std::string nameOf(const std::wstring& path) const;
+    [[nodiscard]] std::string nameOf(const Origin& origin) const;
+    /// The name of the launcher's own property file.
+    [[nodiscard]] std::string launcherFile() const;
+    /// The line of a key in the launcher's list, with its file; the launcher's file without one.
+    [[nodiscard]] Origin originOf(std::wstring_view key) const;
+};
+
+Examination examine(const Options& options);
+
+/// The entries that the launcher reads from `text`.
+PropertyList parseProperties(const std::string& text);
+
+}  // namespace rcp::inspect

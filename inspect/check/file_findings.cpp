@@ -1,0 +1,176 @@
+// The files that a launch needs, and whether a later launch finds the running platform.
+#include "diagnostics/format.h"
+#include "inspect/check/groups.h"
+#include "inspect/check/launcher_end.h"
+#include "launcher/core/command_line.h"
+#include "launcher/core/config_extensions.h"
+#include "launcher/core/install_configuration.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/launch_state.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/process_check.h"
+#include "launcher/core/reset.h"
+#include "launcher/core/user_files.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace rcp::inspect {
+namespace {
+
+// A file that the entry at `origin` leads to.
+void needFile(const Examination& examination, const std::wstring& path, const Origin& origin,
+              Findings& findings) {
+    if (!exists(path)) {
+        findings.add("RI601", examination.nameOf(origin), origin.line,
+                     quoted(path) + " is missing");
+    }
+}
+
+void needProgram(const Examination& examination, const std::wstring& path, const Origin& origin,
+                 Findings& findings) {
+    needFile(examination, path, origin, findings);
+    if (exists(path) && !isExecutable(path)) {
+        findings.add("RI602", examination.nameOf(origin), origin.line,
+                     quoted(path) + " is not executable");
+    }
+}
+
+// The elements that a piece of the command line adds.
+Arguments elementsOf(const std::function<void()>& piece) {
+    launchArgs.clear();
+    endOf(piece);
+    return std::move(launchArgs);
+}
+
+void findInBase(const Examination& examination, Findings& findings) {
+    const PropertyList& properties = examination.inputs.properties;
+    const Origin origin = examination.originOf(L"rcp.base.location");
+    // The record names the file; only the program's tells about its permission.
+    const auto record = endOf([&] { addBaseEclipseToCommandLine(properties); });
+    const Arguments program = std::move(launchArgs);
+    launchArgs.clear();
+    if (record) {
+        std::wstring name;
+        getEclipseExeName(name, properties);
+        const bool isProgram = record->starts_with("ZYPRA0007E");
+        const bool isThere = isProgram && exists(examination.base + L"/macosx/x86/" + name);
+        findings.add(isThere ? "RI602" : "RI601", examination.nameOf(origin), origin.line, *record);
+    }
+    for (const Argument& jar :
+         elementsOf([&] { addStartupToCommandLine(properties, examination.inputs.arguments); })) {
+        if (jar != L"-startup") {
+            needFile(examination, jar, origin, findings);
+        }
+    }
+    if (program.empty()) {
+        return;
+    }
+    std::wstring name;
+    getMainProcessName(name, properties);
+    if (!invokeDylib && !listingShowsPlatform(toNarrow(program.front()), toNarrow(name), true)) {
+        findings.add("RI603", examination.nameOf(origin), origin.line,
+                     quoted(program.front()) + " is not recognised");
+    }
+}
+
+void findInClassPath(const Examination& examination, Findings& findings) {
+    const Arguments elements =
+        elementsOf([&] { addClasspathToCommandLine(examination.inputs.properties); });
+    if (elements.empty()) {
+        return;
+    }
+    const Argument& path = elements.back();
+    for (std::size_t at = 0; at < path.size();) {
+        const std::size_t end = std::min(path.find(L':', at), path.size());
+        needFile(examination, path.substr(at, end - at), path.origin, findings);
+        at = end + 1;
+    }
+}
+
+// The launcher's own "-vm" is the last argument.
+void findJvm(const Examination& examination, Findings& findings) {
+    Arguments arguments = examination.arguments;
+    const StandardLocations locations{examination.inputs.workspace, examination.inputs.installDir};
+    replacePlaceholdersInArgv(locations, arguments);
+    const Origin origin = examination.originOf(L"jvm.location");
+    if (isDirectJavaShape()) {
+        needProgram(examination, arguments.back(), origin, findings);
+    } else {
+        needFile(examination, arguments.back(), origin, findings);
+    }
+}
+
+void findMasters(const Examination& examination, Findings& findings) {
+    const PropertyList& properties = examination.inputs.properties;
+    const Origin origin = examination.originOf(L"rcp.base.location");
+    for (const wchar_t* name : {L"config.ini", L"rcpinstall.properties"}) {
+        needFile(examination, getCoreFileLocation(examination.base, name), origin, findings);
+    }
+    const std::wstring* managed = findProperty(L"update.policy.managed", properties);
+    const bool isManaged = managed == nullptr || *managed != L"false";
+    const std::wstring platform = getCoreFileLocation(examination.base, L"platform.xml");
+    if (isManaged && eConfig != InstallConfiguration::kUserpb && !exists(platform)) {
+        findings.add("RI606", examination.nameOf(origin), origin.line,
+                     quoted(platform) + " is missing");
+    }
+}
+
+void findNamedFiles(const Examination& examination, Findings& findings) {
+    const PropertyList& properties = examination.inputs.properties;
+    for (const wchar_t* key : {L"plugincustomization", L"library.preload"}) {
+        if (const std::wstring* value = findProperty(key, properties)) {
+            needFile(examination, osPath(*value), examination.originOf(key), findings);
+        }
+    }
+    for (const std::wstring& name : extensionNames(examination)) {
+        std::wstring program;
+        getRestartExe(program, {Argument(L"rcplauncher"), Argument(L"-config"), Argument(name)},
+                      properties, examination.inputs.installDir);
+        if (!program.empty()) {
+            needProgram(examination, program,
+                        examination.originOf(L"config." + name + L".restartExe.macosx"), findings);
+        }
+    }
+}
+
+void findLauncher(const Examination& examination, Findings& findings) {
+    const std::string file = examination.nameOf(toWide(examination.launcher));
+    if (!isExecutable(examination.launcher)) {
+        findings.add("RI602", file, 0, "the launcher is not executable");
+    }
+    std::wstring name;
+    getMainProcessName(name, examination.inputs.properties);
+    if (invokeDylib && !listingShowsPlatform(examination.launcher, toNarrow(name), false)) {
+        findings.add("RI604", file, 0,
+                     "\"" + examination.launcher + "\" does not hold " + quoted(name));
+    }
+    const std::wstring marker = examination.inputs.installDir + L"/rcp/rcplauncher.debug";
+    if (debugFileExists(marker)) {
+        findings.add("RI605", examination.nameOf(marker), 0, "every launch waits for its removal");
+    }
+}
+
+}  // namespace
+
+void findInFiles(const Examination& examination, Findings& findings) {
+    for (const std::wstring& path : examination.unreadable) {
+        findings.add("RI601", examination.nameOf(path), 0, "the file cannot be read");
+    }
+    if (examination.file(kLauncherFile) == nullptr) {
+        return;
+    }
+    findLauncher(examination, findings);
+    findJvm(examination, findings);
+    findNamedFiles(examination, findings);
+    if (examination.base.empty()) {
+        return;
+    }
+    findMasters(examination, findings);
+    if (isDirectJavaShape()) {
+        findInClassPath(examination, findings);
+    } else {
+        findInBase(examination, findings);
+    }
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,55 @@
+// What check can find: the table of findings, and the findings of one installation.
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+namespace rcp::inspect {
+
+enum class Level { kWarning, kError };
+
+/// One kind of finding. Code and name never change their meaning: build steps depend on them.
+struct FindingRule {
+    const char* code;
+    const char* name;
+    Level level;
+    const char* meaning;
+    const char* remedy;
+};
+
+/// In the order of their codes. docs/findings.md lists the same.
+std::span<const FindingRule> findingRules();
+/// "error" or "warning".
+const char* levelName(Level level);
+
+/// For messages: the text in double quotes.
+std::string quoted(std::wstring_view text);
+
+struct Finding {
+    const FindingRule* rule;
+    std::string file;  // relative to the installation when it lies in it
+    std::size_t line;  // 0: the file as a whole
+    std::string message;
+};
+
+class Findings {
+  public:
+    /// `code` must be one of the table's. What was added already is not added again.
+    void add(std::string_view code, const std::string& file, std::size_t line,
+             const std::string& message);
+    /// In the order of file, line and code; the files in the order in which they were added.
+    [[nodiscard]] std::vector<Finding> sorted() const;
+    [[nodiscard]] std::size_t count(Level level) const;
+    [[nodiscard]] bool has(std::string_view code) const;
+
+  private:
+    std::vector<Finding> findings_;
+    std::set<std::tuple<std::string_view, std::string, std::size_t, std::string>> known_;
+};
+
+}  // namespace rcp::inspect

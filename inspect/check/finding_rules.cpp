@@ -1,0 +1,166 @@
+#include "inspect/check/finding.h"
+
+namespace rcp::inspect {
+namespace {
+
+constexpr Level kWarning = Level::kWarning;
+constexpr Level kError = Level::kError;
+
+constexpr FindingRule kRules[] = {
+    // Lines
+    {"RI101", "carriage-return", kWarning,
+     "Lines of the file end in carriage return and line feed.",
+     "Write the file with line feeds alone."},
+    {"RI102", "continuation-lost", kError,
+     "A carriage return stands behind the backslash that was to continue the line, so the entry "
+     "ends "
+     "there.",
+     "Write the file with line feeds alone."},
+    {"RI103", "byte-order-mark", kWarning, "The file begins with a byte-order mark.",
+     "Save the file as UTF-8 without byte-order mark."},
+    {"RI104", "not-utf-8", kError, "A line is not UTF-8. The launcher leaves the whole line out.",
+     "Save the file as UTF-8, or write the character as \\uXXXX."},
+    {"RI105", "line-too-long", kError,
+     "A line has more bytes than the launcher reads at once; the rest is an entry of its own.",
+     "Break the line with a backslash at its end."},
+    {"RI106", "continuation-at-end", kError,
+     "The file ends inside a continued entry. The entry is lost.",
+     "Take the backslash at the end of the last line out."},
+    {"RI107", "nul-escape", kError,
+     "\"\\u\" without hexadecimal digits, or with four zeros, is a NUL. It ends the value.",
+     "Write \"/\" for a backslash in a path, and leave \"\\u0000\" out."},
+    {"RI108", "nul-byte", kError, "A line holds a NUL byte. The rest of the line is lost.",
+     "Remove the byte; the file may have been saved as UTF-16."},
+    {"RI109", "separator-lost", kWarning,
+     "A continuation line begins with \"=\" or \":\". It is taken for a separator and lost.",
+     "Break the line at another place."},
+    {"RI110", "swallowed-entry", kWarning,
+     "The line in front ends in a backslash, so this line, which looks like an entry, is part of "
+     "its "
+     "value.",
+     "Take the backslash at the end of the line in front out, or double it."},
+    {"RI111", "lost-backslash", kWarning, "A backslash that begins no escape goes away.",
+     "Write \"/\" in paths, or two backslashes for one."},
+    // Keys
+    {"RI201", "missing-key", kError, "A key is missing that every launch needs.", "Add the key."},
+    {"RI202", "unread-key", kWarning, "Nothing looks at the key.",
+     "Correct its name, or take the entry out."},
+    {"RI203", "wrong-file", kWarning, "The key counts, but not in this file.",
+     "Move the entry to the file named."},
+    {"RI204", "duplicate-key", kWarning, "The key stands in the file twice.",
+     "Keep the entry that is meant."},
+    {"RI205", "empty-key", kWarning, "The entry has no key.",
+     "Write the key in front of the separator, or take the entry out."},
+    {"RI206", "hidden-entry", kError,
+     "An entry without key stands in front. The search for keys of this kind ends there, so this "
+     "one "
+     "is never found.",
+     "Correct the entry without key."},
+    {"RI207", "overridden-entry", kWarning,
+     "A file that is read earlier holds the same key and always wins.", "Keep one of the two."},
+    {"RI208", "master-overrides", kWarning,
+     "The launcher appends this key to the user's copy of the file; the entry here comes first and "
+     "wins, so what the launcher knows never counts.",
+     "Take the entry out of the master copy."},
+    {"RI209", "other-system", kWarning,
+     "The key is qualified for a system that the launcher never calls itself, and there is no "
+     "entry "
+     "without the qualifier or with \"macosx\". No user gets it.",
+     "Write the key with \"macosx\" or without qualifier."},
+    {"RI210", "qualifier-not-read", kWarning,
+     "Keys are qualified for a system in the master rcpinstall.properties only.",
+     "Write the key without qualifier."},
+    // Values
+    {"RI301", "unresolved-placeholder", kError,
+     "A placeholder names no property, or is of no known kind. The launch ends there.",
+     "Correct the name or add the property."},
+    {"RI302", "environment-placeholder", kWarning,
+     "A placeholder names a variable that is not set here and has no default. Where it is not set "
+     "the "
+     "launch ends.",
+     "Add a default: ${env.NAME,default}."},
+    {"RI303", "endless-placeholder", kError,
+     "A placeholder brings itself back, by way of others or at once. The launch ends there.",
+     "Break the circle of the properties named."},
+    {"RI304", "unclosed-placeholder", kError,
+     "\"${\" without \"}\" behind it. Nothing of the value is replaced.",
+     "Close the placeholder, or write \"$\" and \"{\" apart."},
+    {"RI305", "unexpanded-placeholder", kWarning,
+     "The launcher does not replace this placeholder in this value.",
+     "Write the value out, or give it in a \"vmarg.\" entry, where every placeholder counts."},
+    {"RI306", "percent", kWarning,
+     "\"%%\" becomes \"%\" when the value is copied into the user's rcpinstall.properties.",
+     "Avoid \"%%\" in this value."},
+    {"RI307", "percent-variable", kWarning, "%NAME% is no placeholder of the launcher's.",
+     "Write ${env.NAME}, where placeholders count."},
+    {"RI308", "several-arguments", kWarning,
+     "The value holds several arguments. It is passed on as one, blanks included.",
+     "Give every argument an entry of its own."},
+    {"RI309", "early-separator", kWarning,
+     "A blank, tab or \":\" in front of \"=\" ends the key already; the rest is the value.",
+     "Choose a key without these characters; a backslash in front of them does not help."},
+    {"RI310", "trailing-tab", kWarning, "A tab at the end of a value stays part of it.",
+     "Take the tab out."},
+    {"RI311", "unknown-configuration", kError,
+     "install.configuration has a value that the launcher does not know. The launch ends there.",
+     "Use one of the names in docs/configuration.md; case counts."},
+    {"RI312", "ignored-value", kWarning, "The value is none of those that are asked for.",
+     "Use the value named; case counts."},
+    {"RI313", "relative-path", kWarning,
+     "The path is relative: it depends on the folder in which the user starts the launcher.",
+     "Begin the path with \"/\" or ${rcp.home}."},
+    // JVM arguments
+    {"RI401", "heap-start-over-limit", kError,
+     "The heap starts larger than its limit. The JVM refuses to start.", "Correct the sizes."},
+    {"RI402", "two-collectors", kError,
+     "Two garbage collectors are chosen. The JVM refuses to start.", "Choose one."},
+    {"RI403", "repeated-option", kWarning,
+     "A JVM option is given twice with different values; the last one wins.",
+     "Give both the same \"vmarg.\" name, or take one out."},
+    {"RI404", "no-option", kError,
+     "A JVM argument does not begin with \"-\". The JVM takes it for something else or refuses it.",
+     "Write the whole option: vmarg.NAME=-OPTION."},
+    {"RI405", "overridden-vmarg", kWarning,
+     "A file that is read earlier holds a \"vmarg.\" entry of this name and always wins.",
+     "Keep one of the two, or give this one another name."},
+    // Configuration extensions
+    {"RI501", "extension-gap", kError,
+     "The numbers of a configuration extension have a gap. What stands behind it is never used, "
+     "and "
+     "for \"initial\" the launch ends.",
+     "Number the entries from 1 without a gap."},
+    {"RI502", "initial-without-completion", kError,
+     "The initial configuration does not name the property that tells that it is complete. The "
+     "launch "
+     "ends there.",
+     "Add -initialCompleteFlag and behind it, as the next number, the property's name."},
+    {"RI503", "refused-argument", kError, "The launcher refuses to start with this argument.",
+     "Take out what the message names."},
+    // Files
+    {"RI601", "missing-file", kError, "A file that a launch needs is missing or cannot be read.",
+     "Add the file, or correct the path."},
+    {"RI602", "not-executable", kError, "A program that a launch needs is not executable.",
+     "Set its permission to execute: chmod 755."},
+    {"RI603", "base-not-recognised", kError,
+     "The path of the platform's program lacks what the launcher looks for to recognise a running "
+     "platform. A second launch would not find the first.",
+     "Name the folder so that its path holds \"rcp.base\"."},
+    {"RI604", "launcher-not-recognised", kWarning,
+     "The path of the launcher lacks what it looks for to recognise a running platform of the "
+     "in-process hand-off. A second launch would not find the first.",
+     "Install to a folder whose path holds \"Velmo\"."},
+    {"RI605", "debug-marker", kError,
+     "The debug marker file is there. Every launch waits until it is removed.",
+     "Remove the file before shipping."},
+    {"RI606", "no-platform-xml", kWarning,
+     "There is no master copy of platform.xml. Every launch records an error until there is one.",
+     "Add the file, or set update.policy.managed=false."},
+};
+
+}  // namespace
+
+std::span<const FindingRule> findingRules() {
+    return kRules;
+}
+
+}  // namespace rcp::inspect

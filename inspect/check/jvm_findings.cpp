@@ -1,0 +1,127 @@
+// The JVM's arguments as the launcher puts them together.
+#include "diagnostics/format.h"
+#include "inspect/check/groups.h"
+#include "inspect/check/jvm_options.h"
+#include "inspect/check/launcher_end.h"
+#include "launcher/core/launch_arguments.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/vm_arguments.h"
+
+#include <map>
+
+namespace rcp::inspect {
+namespace {
+
+// The final JVM arguments; what cannot be expanded is left out, it has a finding of its own.
+Arguments jvmArguments(const Examination& examination) {
+    LaunchInputs inputs = examination.inputs;
+    const StandardLocations locations{inputs.workspace, inputs.installDir};
+    for (auto& [key, argument] : inputs.vmargMap) {
+        std::wstring text = argument;
+        const bool fails =
+            endOf([&] { replaceAllPlaceholders(locations, text, inputs.properties); }).has_value();
+        argument = Argument(fails ? std::wstring() : text, argument.origin);
+    }
+    launchArgs.clear();
+    endOf([&] {
+        addVmargsToCommandLine(inputs, false);
+        addDashDToCommandLine(inputs);
+    });
+    addXargsToCommandLine(inputs.properties);
+    Arguments arguments = std::move(launchArgs);
+    launchArgs.clear();
+    std::erase_if(arguments, [](const Argument& one) { return one == L"-vmargs"; });
+    return arguments;
+}
+
+std::string atLine(const Examination& examination, const Argument& argument) {
+    if (!argument.origin.file) {
+        return {};
+    }
+    return " (" + examination.nameOf(argument.origin) + ", line " +
+           std::to_string(argument.origin.line) + ")";
+}
+
+void add(const Examination& examination, const char* code, const Argument& argument,
+         const std::string& message, Findings& findings) {
+    findings.add(code, examination.nameOf(argument.origin), argument.origin.line, message);
+}
+
+void findHeapSizes(const Examination& examination, const Arguments& arguments, Findings& findings) {
+    const Argument* start = lastHeapSize(HeapSize::kStart, arguments);
+    const Argument* limit = lastHeapSize(HeapSize::kLimit, arguments);
+    if (start != nullptr && limit != nullptr && heapBytes(*start) > heapBytes(*limit)) {
+        add(examination, "RI401", *start,
+            quoted(*start) + " is more than " + quoted(*limit) + atLine(examination, *limit),
+            findings);
+    }
+}
+
+void findCollectors(const Examination& examination, const Arguments& arguments,
+                    Findings& findings) {
+    const std::vector<const Argument*> chosen = chosenCollectors(arguments);
+    for (std::size_t i = 1; i < chosen.size(); ++i) {
+        add(examination, "RI402", *chosen[i],
+            quoted(*chosen[i]) + " and " + quoted(*chosen.front()) +
+                atLine(examination, *chosen.front()),
+            findings);
+    }
+}
+
+void findRepetitions(const Examination& examination, const Arguments& arguments,
+                     Findings& findings) {
+    std::map<std::wstring, const Argument*> last;
+    for (const Argument& argument : arguments) {
+        const std::wstring name = jvmOptionName(argument);
+        if (name.empty()) {
+            continue;
+        }
+        const Argument*& former = last[name];
+        if (former != nullptr && *former != argument) {
+            const Argument& place = former->origin.file ? *former : argument;
+            add(examination, "RI403", place,
+                quoted(*former) + " loses against " + quoted(argument) +
+                    atLine(examination, argument),
+                findings);
+        }
+        former = &argument;
+    }
+}
+
+void findTexts(const Examination& examination, const Arguments& arguments, Findings& findings) {
+    for (const Argument& argument : arguments) {
+        if (argument.origin.file && !argument.starts_with(L'-')) {
+            add(examination, "RI404", argument, quoted(argument) + " is no option", findings);
+        }
+    }
+}
+
+void findLosers(const Examination& examination, Findings& findings) {
+    for (const PropertyFile& file : examination.files) {
+        for (const Property& entry : file.entries.entries()) {
+            const auto winner = examination.inputs.vmargMap.find(entry.key);
+            if (!file.isRead || winner == examination.inputs.vmargMap.end()) {
+                continue;
+            }
+            const Origin& origin = winner->second.origin;
+            if (origin.file && examination.nameOf(origin) != file.name) {
+                findings.add("RI405", file.name, entry.origin.line,
+                             quoted(entry.key) + " in " + examination.nameOf(origin) + ", line " +
+                                 std::to_string(origin.line) + ", always wins");
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void findInJvmArguments(const Examination& examination, Findings& findings) {
+    const Arguments arguments = jvmArguments(examination);
+    findHeapSizes(examination, arguments, findings);
+    findCollectors(examination, arguments, findings);
+    findRepetitions(examination, arguments, findings);
+    findTexts(examination, arguments, findings);
+    findLosers(examination, findings);
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,179 @@
+// Placeholders: each value is expanded by the launcher's own functions, as a launch would do it.
+#include "diagnostics/format.h"
+#include "inspect/check/groups.h"
+#include "inspect/check/launcher_end.h"
+#include "launcher/core/placeholders.h"
+#include "launcher/core/workspace.h"
+
+#include <vector>
+
+namespace rcp::inspect {
+namespace {
+
+struct Place {
+    std::string file;
+    std::size_t line = 0;
+};
+
+bool isUnclosed(const std::wstring& text) {
+    std::size_t end = 0;
+    std::wstring name;
+    return text.find(L"${") != std::wstring::npos &&
+           findLastPlaceholder(text, std::wstring::npos, end, name) == std::wstring::npos;
+}
+
+// What is left in a text that could not be expanded. When something in it can still be replaced,
+// the launcher gave up because it would never have ended.
+void findLeft(const std::wstring& text, const PropertyList& properties, const Place& place,
+              Findings& findings) {
+    std::vector<std::wstring> names;
+    std::size_t limit = std::wstring::npos;
+    std::size_t end = 0;
+    std::wstring name;
+    std::wstring value;
+    for (;;) {
+        const std::size_t at = findLastPlaceholder(text, limit, end, name);
+        if (at == std::wstring::npos) {
+            break;
+        }
+        if (getPlaceholderValue(name, value, properties)) {
+            findings.add("RI303", place.file, place.line,
+                         quoted(L"${" + name + L"}") + " brings itself back");
+            return;
+        }
+        names.push_back(name);
+        if (at == 0) {
+            break;
+        }
+        limit = at - 1;
+    }
+    for (const std::wstring& left : names) {
+        const bool isVariable = left.starts_with(L"env.");
+        findings.add(
+            isVariable ? "RI302" : "RI301", place.file, place.line,
+            quoted(L"${" + left + L"}") +
+                (isVariable ? " is not set here and has no default" : " cannot be resolved"));
+    }
+}
+
+void findIn(std::wstring text, const PropertyList& properties, const Place& place,
+            Findings& findings) {
+    if (isUnclosed(text)) {
+        findings.add("RI304", place.file, place.line, "in " + quoted(text));
+    } else if (!replaceUserPlaceholders(text, properties)) {
+        findLeft(text, properties, place, findings);
+    }
+}
+
+Place placeOf(const Examination& examination, const Origin& origin) {
+    return {examination.nameOf(origin), origin.line};
+}
+
+void findInUserFile(const Examination& examination, const StandardLocations& locations,
+                    Findings& findings) {
+    for (const Property& entry : examination.inputs.userProperties.entries()) {
+        std::wstring text = entry.value;
+        replaceStdPlaceholders(locations, text);
+        findIn(text, examination.inputs.userProperties, placeOf(examination, entry.origin),
+               findings);
+    }
+}
+
+void findInVmArguments(const Examination& examination, const StandardLocations& locations,
+                       Findings& findings) {
+    for (const auto& [key, argument] : examination.inputs.vmargMap) {
+        std::wstring text = argument;
+        replaceStdPlaceholders(locations, text);
+        findIn(text, examination.inputs.properties, placeOf(examination, argument.origin),
+               findings);
+    }
+}
+
+// Of the standard placeholders only "${rcp.home}" has a meaning while the workspace is looked for.
+void findInWorkspace(const Examination& examination, Findings& findings) {
+    const LaunchInputs& inputs = examination.inputs;
+    const Property* entry = inputs.properties.find(L"rcp.data");
+    if (entry == nullptr) {
+        return;
+    }
+    const Place place = placeOf(examination, entry->origin);
+    std::wstring text = entry->value;
+    replaceEvery(text, kRcpHomePlaceholder, inputs.installDir);
+    findIn(text, inputs.properties, place, findings);
+    std::wstring workspace;
+    const auto record = endOf([&] {
+        getWorkspaceLocation(workspace, inputs.properties, {inputs.arguments.front()},
+                             inputs.installDir);
+    });
+    if (record && record->starts_with("ZYPRA0099E") && entry->value.empty()) {
+        findings.add("RI301", place.file, place.line, *record);
+    }
+}
+
+void expand(Expansion expansion, const StandardLocations& locations, std::wstring& text) {
+    switch (expansion) {
+        case Expansion::kRcpHome:
+            replaceEvery(text, kRcpHomePlaceholder, locations.installDir);
+            break;
+        case Expansion::kWorkspace:
+            replaceEvery(text, L"${workspace.location}", locations.workspace);
+            break;
+        case Expansion::kStandard:
+            replaceStdPlaceholders(locations, text);
+            break;
+        default:
+            break;
+    }
+}
+
+// The workspace that an extension names goes through the rule of "-data".
+bool isExtensionWorkspace(const PropertyFile& file, const Property& entry) {
+    const auto& entries = file.entries.entries();
+    for (const Property& other : entries) {
+        if (other.value == L"-data" && other.key.starts_with(L"config.") &&
+            entry.key.starts_with(L"config.")) {
+            const std::size_t dot = other.key.rfind(L'.') + 1;
+            const std::wstring next =
+                std::to_wstring(std::wcstoul(&other.key[dot], nullptr, 10) + 1);
+            if (entry.key == other.key.substr(0, dot) + next) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void findUnexpanded(const PropertyFile& file, const StandardLocations& locations,
+                    const std::set<std::wstring>& referred, Findings& findings) {
+    for (const Property& entry : file.entries.entries()) {
+        const PropertyKey* known = findPropertyKey(entry.key, file.kind);
+        if (file.kind == kUserFile || known == nullptr || known->expansion == Expansion::kAll ||
+            referred.contains(entry.key) || isExtensionWorkspace(file, entry)) {
+            continue;
+        }
+        std::wstring text = entry.value;
+        expand(known->expansion, locations, text);
+        std::size_t end = 0;
+        std::wstring name;
+        if (findLastPlaceholder(text, std::wstring::npos, end, name) != std::wstring::npos) {
+            findings.add("RI305", file.name, entry.origin.line,
+                         quoted(L"${" + name + L"}") + " stays as it is in the value of " +
+                             quoted(entry.key));
+        }
+    }
+}
+
+}  // namespace
+
+void findInPlaceholders(const Examination& examination, Findings& findings) {
+    const StandardLocations locations{examination.inputs.workspace, examination.inputs.installDir};
+    findInUserFile(examination, locations, findings);
+    findInVmArguments(examination, locations, findings);
+    findInWorkspace(examination, findings);
+    const std::set<std::wstring> referred = referredKeys(examination);
+    for (const PropertyFile& file : examination.files) {
+        findUnexpanded(file, locations, referred, findings);
+    }
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,165 @@
+#include "inspect/command_line.h"
+
+#include "inspect/check/launcher_end.h"
+#include "inspect/commands.h"
+#include "launcher/rcp_launcher_main.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <optional>
+
+namespace rcp::inspect {
+namespace {
+
+const std::map<std::string, Format> kFormats{{"text", Format::kText},
+                                             {"json", Format::kJson},
+                                             {"sarif", Format::kSarif},
+                                             {"html", Format::kHtml}};
+
+struct Command {
+    const char* name;
+    const char* description;
+    int (*carryOut)(const Options&);
+    std::vector<const char*> formats;
+};
+
+const std::vector<Command> kCommands{
+    {"explain", "what a launch would do, and why", explain, {"text", "json", "html"}},
+    {"check", "what is wrong with an installation", check, {"text", "json", "sarif", "html"}},
+    {"status", "the state of a workspace", status, {"text", "json"}},
+    {"diff",
+     "what two installations, or one since its last launch, do differently",
+     diff,
+     {"text", "json"}},
+};
+
+// A launcher's path from either way of naming one, as it would be started: links in it count. Empty
+// when there is none.
+std::string launcherPath(const std::string& launcher, const std::string& installation) {
+    const std::string path = launcher.empty() ? installation + "/rcp/rcplauncher" : launcher;
+    std::error_code failed;
+    const std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
+    return failed || !existsA(absolute) ? std::string() : absolute;
+}
+
+// The arguments behind "--" are the launcher's and none of ours, whatever they look like.
+std::vector<std::string> splitLauncherArguments(int argc, char** argv,
+                                                std::vector<std::string>& own) {
+    std::vector<std::string> all(argv + 1, argv + argc);
+    const auto separator = std::find(all.begin(), all.end(), "--");
+    own.assign(all.begin(), separator);
+    return separator == all.end() ? std::vector<std::string>()
+                                  : std::vector<std::string>(separator + 1, all.end());
+}
+
+int wrongUse(const std::string& text) {
+    std::cerr << "rcpinspect: " << text << '\n';
+    return kWrongUse;
+}
+
+bool mayColor() {
+    const char* off = getenv("NO_COLOR");
+    return (off == nullptr || *off == '\0') && isatty(STDOUT_FILENO) != 0;
+}
+
+// --format FORMAT, or "--format html FILE": the page needs a name.
+std::optional<std::string> settleFormat(const std::vector<std::string>& given,
+                                        const Command& command, Options& options) {
+    if (given.empty()) {
+        return std::nullopt;
+    }
+    const auto known = std::find(command.formats.begin(), command.formats.end(), given.front());
+    if (known == command.formats.end()) {
+        return "--format: '" + given.front() + "' is no format of " + command.name;
+    }
+    options.format = kFormats.at(given.front());
+    if (options.format == Format::kHtml) {
+        if (given.size() != 2) {
+            return "--format html: the file to write is missing";
+        }
+        options.page = given.back();
+    } else if (given.size() != 1) {
+        return "--format " + given.front() + ": '" + given.back() + "' is one argument too many";
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::string installationOf(const std::string& launcher) {
+    setLauncherExecutable(launcher);
+    std::wstring directory;
+    endOf([&] { getInstallDir(directory, {}); });
+    return toNarrow(directory);
+}
+
+int run(int argc, char** argv) {
+    endOf(setCharacterLocale);
+    std::vector<std::string> own;
+    Options options;
+    options.arguments = splitLauncherArguments(argc, argv, own);
+    options.isColored = mayColor();
+
+    CLI::App app{"See what a launch of rcplauncher will do, and why, without doing it.",
+                 "rcpinspect"};
+    app.set_version_flag("--version", RCP_VERSION);
+    app.require_subcommand(1);
+    app.footer("What stands behind \"--\" are the launcher's own arguments.");
+    std::vector<std::string> format;
+    std::string installation;
+    std::string launcher;
+    std::string other;
+    for (const Command& command : kCommands) {
+        CLI::App* sub = app.add_subcommand(command.name, command.description);
+        sub->add_option("--install", installation, "the installation's directory");
+        sub->add_option("--launcher", launcher, "the launcher's executable")->excludes("--install");
+        sub->add_option("--format", format, "text, json and, of some, sarif or html FILE")
+            ->expected(1, 2);
+    }
+    app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
+    app.get_subcommand("status")->add_flag("--watch", options.isWatching,
+                                           "goes on until interrupted");
+    app.get_subcommand("diff")->add_flag("--since-last", options.isSinceLast,
+                                         "against the recorded last launch");
+    app.get_subcommand("diff")->add_option("--with", other, "the other installation's directory");
+    try {
+        std::reverse(own.begin(), own.end());  // as CLI11 takes a vector
+        app.parse(own);
+    } catch (const CLI::Success& success) {
+        return app.exit(success);
+    } catch (const CLI::ParseError& error) {
+        return wrongUse(error.what());
+    }
+    const std::string chosen = app.get_subcommands().front()->get_name();
+    const auto command = std::find_if(kCommands.begin(), kCommands.end(),
+                                      [&](const Command& one) { return one.name == chosen; });
+    if (const auto problem = settleFormat(format, *command, options)) {
+        return wrongUse(*problem);
+    }
+    if (launcher.empty() && installation.empty()) {
+        installation = ".";
+    }
+    options.launcher = launcherPath(launcher, installation);
+    if (options.launcher.empty()) {
+        return wrongUse("no launcher at " + (launcher.empty() ? installation : launcher));
+    }
+    options.installation = installationOf(options.launcher);
+    if (!other.empty()) {
+        options.other = launcherPath({}, other);
+        if (options.other.empty()) {
+            return wrongUse("no launcher at " + other);
+        }
+    }
+    return command->carryOut(options);
+}
+
+}  // namespace rcp::inspect

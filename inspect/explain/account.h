@@ -1,0 +1,57 @@
+// The account of a rehearsed launch, given at its end from what the launcher's process-wide results
+// hold and what was witnessed.
+#pragma once
+
+#include "inspect/explain/sources.h"
+#include "inspect/explain/witness.h"
+#include "inspect/options.h"
+#include "inspect/rehearsal/rehearsal.h"
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace rcp::inspect {
+
+using Variables = std::map<std::string, std::string>;
+
+/// The variables of this process.
+Variables environmentNow();
+
+struct Account {
+    const Options& options;
+    const Witness& witness;
+    const Sources& sources;
+    const Variables& before;  // the environment at the beginning
+    int status;               // of the launch's end
+    bool hasWaitedForMarker;  // until it was removed
+};
+
+/// The parts of the layout, each as its name says.
+nlohmann::json describeElements(const Account& account);
+nlohmann::json describeDropped(const Account& account);
+nlohmann::json describeEnvironment(const Account& account);
+nlohmann::json describeFiles(const Account& account);
+nlohmann::json describeChanges(const Rehearsal& rehearsal);
+/// The lines of the launch's log.
+nlohmann::json describeRecords(const Rehearsal& rehearsal);
+/// How the launch ended as far as it knows itself: kind, role and program.
+nlohmann::json describeOutcome(const nlohmann::json& records);
+
+/// What only the launcher's functions know, asked of them as long as they see what the launch has
+/// left: "isInitial", whether the initial configuration stands in for the arguments, and
+/// "provisioning", null when the launch did not come to the user's files. The asking goes over the
+/// launcher's process-wide results.
+nlohmann::json askLauncher(const Account& account);
+/// The facts of the layout; `told` holds outcome, changes and records. Asked of the real tree, as
+/// the launch found it.
+nlohmann::json describeFacts(const Account& account, const nlohmann::json& decisions,
+                             const nlohmann::json& told);
+
+/// The file whose presence makes launches wait.
+std::string debugMarker(const Options& options);
+
+/// The launcher's own arguments as it was given them.
+Arguments launcherArguments(const Options& options);
+
+}  // namespace rcp::inspect

@@ -1,0 +1,155 @@
+// The final argument list with the reason of every element, and what is not in it.
+#include "inspect/explain/account.h"
+#include "inspect/explain/contest.h"
+#include "inspect/explain/rules.h"
+#include "launcher/core/launch_arguments.h"
+#include "platform/text.h"
+
+#include <algorithm>
+
+namespace rcp::inspect {
+namespace {
+
+using nlohmann::json;
+
+constexpr std::wstring_view kVmarg = L"vmarg.";
+
+// The text from which an element was made, before any placeholder was replaced.
+std::wstring writtenText(const Argument& element, const Origin& origin, const Property* entry,
+                         const Arguments& arguments) {
+    if (entry != nullptr) {
+        return entry->value;
+    }
+    const bool isGiven = !origin.file && origin.line > 0 && origin.line < arguments.size();
+    return isGiven ? std::wstring(arguments[origin.line]) : std::wstring(element);
+}
+
+// "vmarg.NAME" of an element that is a JVM argument of that name, wherever it was given: an argument
+// "vmarg.NAME=VALUE" is passed on as it stands too.
+std::wstring vmargName(const Argument& element, const Property* entry,
+                       const std::wstring& written) {
+    if (entry != nullptr && entry->key.starts_with(kVmarg)) {
+        return entry->key;
+    }
+    const bool isMade = written.starts_with(kVmarg) && !element.starts_with(kVmarg);
+    return isMade ? written.substr(0, written.find(L'=')) : std::wstring();
+}
+
+json describePlaceholders(const std::wstring& written, const Witness& witness) {
+    json placeholders = json::array();
+    for (const Replacement& replacement : witness.replacementsFrom(written)) {
+        placeholders.push_back({{"name", jsonText(replacement.placeholder)},
+                                {"value", jsonText(replacement.value)},
+                                {"after", jsonText(replacement.after)}});
+    }
+    return placeholders;
+}
+
+bool isWorkspacePath(std::size_t index) {
+    const Argument& element = launchArgs[index];
+    if (index == 0 || element.origin.line != 0 || element.origin.file) {
+        return false;
+    }
+    const Argument& before = launchArgs[index - 1];
+    return before == L"-data" || before == L"-configuration" || element.starts_with(L"-Drcp.data=");
+}
+
+// The workspace and what is made of it are computed; the user wants to know from what.
+Origin originAt(std::size_t index, const Account& account) {
+    if (!isWorkspacePath(index)) {
+        return launchArgs[index].origin;
+    }
+    const auto rivals = rivalsForOption(L"-data", account);
+    return rivals.empty() ? Origin() : rivals.front().origin;
+}
+
+json sourceAt(std::size_t index, const Origin& origin, const Account& account) {
+    const bool isDefault = isWorkspacePath(index) && !origin.file && origin.line == 0;
+    return isDefault ? json{{"kind", "environment"}, {"name", "HOME"}}
+                     : account.sources.describe(origin);
+}
+
+// Those that could have stood here.
+std::vector<Rival> rivalsAt(std::size_t index, const Property* entry, const std::wstring& vmarg,
+                            const Account& account) {
+    if (!vmarg.empty()) {
+        return rivalsForVmarg(vmarg, account);
+    }
+    if (index > 0 && !propertiesFor(launchArgs[index - 1]).empty()) {
+        return rivalsForOption(launchArgs[index - 1], account);
+    }
+    return entry == nullptr ? std::vector<Rival>() : rivalsOf(*entry, account);
+}
+
+json describeLosers(std::size_t index, const std::vector<Rival>& rivals, const Account& account) {
+    json losers = json::array();
+    const bool isWon =
+        !rivals.empty() &&
+        (isSamePlace(rivals.front().origin, launchArgs[index].origin) || isWorkspacePath(index));
+    for (std::size_t i = 1; isWon && i < rivals.size(); ++i) {
+        losers.push_back({{"text", jsonText(rivals[i].text)},
+                          {"source", account.sources.describe(rivals[i].origin)},
+                          {"why", whyWon(rivals.front(), account)}});
+    }
+    return losers;
+}
+
+json describeElement(std::size_t index, const Arguments& given, const Account& account) {
+    const Argument& element = launchArgs[index];
+    const Origin origin = originAt(index, account);
+    const Property* source = account.sources.entryAt(origin);
+    const Property* entry = account.sources.entryAt(element.origin);
+    std::wstring written = writtenText(element, origin, source, given);
+    const std::wstring vmarg = vmargName(element, entry, written);
+    if (!vmarg.empty() && written.starts_with(vmarg + L"=")) {
+        written.erase(0, vmarg.size() + 1);
+    }
+    return {{"text", jsonText(element)},
+            {"rule", ruleFor(launchArgs, index, entry, vmarg)},
+            {"source", sourceAt(index, origin, account)},
+            {"placeholders", describePlaceholders(written, account.witness)},
+            {"instead", describeLosers(index, rivalsAt(index, entry, vmarg, account), account)}};
+}
+
+bool isInitialStarted(const Account& account) {
+    return std::any_of(launchArgs.begin(), launchArgs.end(), [&](const Argument& element) {
+        const Property* entry = account.sources.entryAt(element.origin);
+        return entry != nullptr && entry->key.starts_with(L"config.initial.");
+    });
+}
+
+}  // namespace
+
+Arguments launcherArguments(const Options& options) {
+    Arguments arguments{Argument(toWide(options.launcher))};
+    for (const std::string& argument : options.arguments) {
+        arguments.emplace_back(toWide(argument), Origin{nullptr, arguments.size()});
+    }
+    return arguments;
+}
+
+json describeElements(const Account& account) {
+    const Arguments given = launcherArguments(account.options);
+    json elements = json::array();
+    for (std::size_t i = 0; i < launchArgs.size(); ++i) {
+        elements.push_back(describeElement(i, given, account));
+    }
+    return elements;
+}
+
+json describeDropped(const Account& account) {
+    const Arguments given = launcherArguments(account.options);
+    const Argument* name = optionValue(L"-config", given);
+    const bool isInitial = isInitialStarted(account) && (name == nullptr || *name != L"initial");
+    json dropped = json::array();
+    for (std::size_t position = 1; position < given.size() && !launchArgs.empty(); ++position) {
+        if (elementsFrom(given[position].origin).empty()) {
+            dropped.push_back({{"position", position},
+                               {"text", jsonText(given[position])},
+                               {"why", whyDropped(given, position, isInitial)}});
+        }
+    }
+    return dropped;
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,35 @@
+#include "inspect/commands.h"
+#include "inspect/explain/explain_text.h"
+#include "inspect/explain/rehearse_launch.h"
+#include "inspect/page/page.h"
+
+#include <errno.h>
+#include <string.h>
+
+#include <exception>
+#include <iostream>
+
+namespace rcp::inspect {
+
+int explain(const Options& options) {
+    try {
+        const nlohmann::json explanation = explainLaunch(options);
+        if (options.format == Format::kJson) {
+            std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+                      << '\n';
+        } else if (options.format == Format::kHtml) {
+            if (!writeExplainPage(explanation, options.page)) {
+                std::cerr << "rcpinspect: " << options.page << ": " << strerror(errno) << '\n';
+                return kCannotCreate;
+            }
+        } else {
+            std::cout << explanationText(explanation, options.isColored);
+        }
+    } catch (const std::exception& problem) {
+        std::cerr << "rcpinspect: " << problem.what() << '\n';
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,245 @@
+#include "inspect/explain/rehearse_launch.h"
+
+#include "diagnostics/log_file.h"
+#include "diagnostics/svc_debug.h"
+#include "inspect/explain/account.h"
+#include "inspect/messages.h"
+#include "launcher/core/platform_lock.h"
+#include "launcher/rcp_launcher_main.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace rcp::inspect {
+namespace {
+
+using nlohmann::json;
+
+// --- In the rehearsal's process ---------------------------------------------------------------------
+
+// What the account needs when the launch has ended wherever it does.
+struct Stage {
+    Options options;
+    std::unique_ptr<Rehearsal> rehearsal;
+    Witness witness;
+    Variables before = environmentNow();
+    bool hasWaitedForMarker = false;
+    int output = -1;
+};
+
+Stage* stage = nullptr;
+
+// Waiting takes no time, and what is waited for is taken to have happened. With the log open only
+// the marker's removal is left to wait for.
+unsigned noteWait(unsigned /*seconds*/) {
+    const std::string marker = debugMarker(stage->options);
+    if (logIsOpen() && exists(toWide(marker))) {
+        stage->hasWaitedForMarker = true;
+        stage->rehearsal->hide(marker);
+    }
+    return 0;
+}
+
+json tellAll(int status) {
+    observer = nullptr;
+    const Sources sources(stage->witness);
+    const Account account{stage->options, stage->witness, sources,
+                          stage->before,  status,         stage->hasWaitedForMarker};
+    const json records = describeRecords(*stage->rehearsal);
+    const json outcome = describeOutcome(records);
+    if (outcome["kind"] == "provisioning") {
+        populateLockFile(getpid());  // the part of the parent, which the rehearsal does not play
+    }
+    json told{{"outcome", outcome},
+              {"elements", describeElements(account)},
+              {"dropped", describeDropped(account)},
+              {"environment", describeEnvironment(account)},
+              {"files", describeFiles(account)},
+              {"changes", describeChanges(*stage->rehearsal)},
+              {"records", records}};
+    const json decisions = askLauncher(account);
+    stage->rehearsal.reset();
+    told["facts"] = describeFacts(account, decisions, told);
+    return told;
+}
+
+void tell(int status) {
+    std::vector<std::uint8_t> text;
+    try {
+        text = json::to_cbor(tellAll(status));
+    } catch (const std::exception& problem) {
+        text = json::to_cbor(json{{"problem", problem.what()}});
+    }
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const ssize_t written = write(stage->output, text.data() + at, text.size() - at);
+        if (written <= 0 && errno != EINTR) {
+            return;
+        }
+        at += written > 0 ? static_cast<std::size_t>(written) : 0;
+    }
+}
+
+struct LaunchEnded {
+    int status;
+};
+
+[[noreturn]] void leaveLaunch(int status) {
+    throw LaunchEnded{status};
+}
+
+// The launch up to its end, wherever that is; its exit status.
+int launchOnStage(int argc, char** argv) {
+    try {
+        launch(argc, argv);
+        return 0;
+    } catch (const LaunchEnded& end) {
+        if (end.status != 0 && !logIsOpen()) {
+            dumpLogToTempLocation();
+        }
+        return end.status;
+    }
+}
+
+[[noreturn]] void rehearse(const Options& options, const std::string& folder, int output) {
+    Stage theStage;
+    stage = &theStage;
+    stage->options = options;
+    stage->output = output;
+    stage->rehearsal = std::make_unique<Rehearsal>(folder);
+    setLauncherExecutable(options.launcher);
+    setSleepFunction(noteWait);
+    setEndFunction(leaveLaunch);
+    observer = &stage->witness;
+    std::vector<std::string> words{options.launcher};
+    words.insert(words.end(), options.arguments.begin(), options.arguments.end());
+    std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+    const int status = launchOnStage(static_cast<int>(words.size()), argv.data());
+    tell(status);
+    _exit(status);
+}
+
+// --- Around it --------------------------------------------------------------------------------------
+
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        const char* given = getenv("TMPDIR");
+        path_ = std::string(given == nullptr || *given == '\0' ? "/tmp" : given);
+        path_ += "/rcpinspect-XXXXXX";
+        if (mkdtemp(path_.data()) == nullptr) {
+            throw std::runtime_error("no folder can be made as " + path_);
+        }
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder(TemporaryFolder&&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
+std::string readToEnd(int descriptor) {
+    std::string text;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t length = read(descriptor, buffer, sizeof buffer);
+        if (length > 0) {
+            text.append(buffer, static_cast<std::size_t>(length));
+        } else if (length == 0 || errno != EINTR) {
+            return text;
+        }
+    }
+}
+
+// What the rehearsal's process tells, and its wait status.
+std::string runRehearsal(const Options& options, int& status) {
+    const TemporaryFolder folder;
+    int ends[2];
+    if (pipe(ends) != 0) {
+        throw std::runtime_error("no pipe can be made");
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);
+        rehearse(options, folder.path(), ends[1]);
+    }
+    close(ends[1]);
+    std::string text = child < 0 ? std::string() : readToEnd(ends[0]);
+    close(ends[0]);
+    if (child < 0 || waitpid(child, &status, 0) != child) {
+        throw std::runtime_error("no process can be made");
+    }
+    return text;
+}
+
+// The record that ended the launch: the last error.
+void addRecord(json& explanation, int status) {
+    json& outcome = explanation["outcome"];
+    outcome["kind"] = "fatal";
+    outcome["status"] = WEXITSTATUS(status);
+    for (const json& record : explanation["records"]) {
+        const std::string text = record;
+        if (isErrorRecord(text)) {
+            outcome["record"] = text;
+        }
+    }
+    const auto known = findMessages(outcome.value("record", ""));
+    if (!known.empty()) {
+        outcome["cause"] = known.front()->remedy;
+    }
+}
+
+}  // namespace
+
+json rehearseLaunch(const Options& options) {
+    int status = 0;
+    const std::string text = runRehearsal(options, status);
+    json explanation = json::from_cbor(text, true, false);
+    if (explanation.is_discarded() || !WIFEXITED(status)) {
+        throw std::runtime_error("the rehearsal ended unexpectedly");
+    }
+    if (explanation.contains("problem")) {
+        throw std::runtime_error(explanation["problem"]);
+    }
+    explanation["layout"] = 1;
+    explanation["command"] = "explain";
+    explanation["launcher"] = options.launcher;
+    explanation["installation"] = options.installation;
+    explanation["arguments"] = options.arguments;
+    if (WEXITSTATUS(status) != 0) {
+        addRecord(explanation, status);
+    }
+    return explanation;
+}
+
+json explainLaunch(const Options& options) {
+    return json::parse(
+        rehearseLaunch(options).dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+}  // namespace rcp::inspect

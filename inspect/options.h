@@ -1,0 +1,33 @@
+// What the user asked rcpinspect for.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace rcp::inspect {
+
+enum class Format { kText, kJson, kSarif, kHtml };
+
+struct Options {
+    std::string launcher;      // the rcplauncher to look at, absolute
+    std::string installation;  // the directory it belongs to: where "rcp/rcplauncher" lies
+    Format format = Format::kText;
+    std::string page;                    // the file that Format::kHtml writes
+    bool isColored = false;              // a terminal that may be coloured reads the text
+    bool isStrict = false;               // check: warnings count as errors
+    bool isWatching = false;             // status: goes on until interrupted
+    bool isSinceLast = false;            // diff: against the recorded last launch
+    std::string other;                   // diff: the second installation
+    std::vector<std::string> arguments;  // the launcher's, program name not included
+};
+
+/// The installation directory that a launcher at this path finds.
+std::string installationOf(const std::string& launcher);
+
+/// Exit statuses that every command shares; `check` says more with its own.
+inline constexpr int kSuccess = 0;
+inline constexpr int kFailure = 70;       // sysexits(3) EX_SOFTWARE, and a record says what
+inline constexpr int kWrongUse = 64;      // sysexits(3) EX_USAGE
+inline constexpr int kCannotCreate = 73;  // sysexits(3) EX_CANTCREAT: the page
+
+}  // namespace rcp::inspect

@@ -1,0 +1,35 @@
+// The last launch in a workspace, as its log tells it.
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace rcp::inspect {
+
+enum class Outcome {
+    kHandedOff,    // the platform was started, or the arguments went to the running one
+    kProvisioned,  // the provisioning application was started
+    kFailed,       // a record ended it
+    kUnfinished,   // at work, or ended from outside
+};
+
+struct LastLaunch {
+    std::string log;
+    timespec time{};           // of the log's last record
+    bool isTemporary = false;  // the log of /tmp, which all installations of the user share
+    std::string role;          // "main", "daemon", or empty when the log does not tell
+    Outcome outcome = Outcome::kUnfinished;
+    std::string record;  // kFailed: what ended it
+};
+
+/// What a launch's log says; everything but where and when.
+LastLaunch readLaunch(std::string_view log);
+
+/// The launch that wrote last: into the workspace's log folder, or into the temporary log because it
+/// ended before there was one. `launcher` is the program whose launches count in the latter.
+std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const std::string& launcher);
+
+}  // namespace rcp::inspect

@@ -1,0 +1,48 @@
+#include "system/system_calls.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace rcp::calls {
+
+int open(const char* path, int flags, mode_t mode) {
+    return ::open(path, flags, mode);
+}
+int stat(const char* path, struct stat* status) {
+    return ::stat(path, status);
+}
+int lstat(const char* path, struct stat* status) {
+    return ::lstat(path, status);
+}
+char* realpath(const char* path) {
+    return ::realpath(path, nullptr);
+}
+ssize_t readlink(const char* path, char* buffer, std::size_t size) {
+    return ::readlink(path, buffer, size);
+}
+int mkdir(const char* path, mode_t mode) {
+    return ::mkdir(path, mode);
+}
+int rename(const char* source, const char* target) {
+    return ::rename(source, target);
+}
+int unlink(const char* path) {
+    return ::unlink(path);
+}
+int rmdir(const char* path) {
+    return ::rmdir(path);
+}
+int symlink(const char* target, const char* path) {
+    return ::symlink(target, path);
+}
+int flock(int descriptor, int operation) {
+    return ::flock(descriptor, operation);
+}
+pid_t fork() {
+    return ::fork();
+}
+
+}  // namespace rcp::calls

@@ -1,0 +1,132 @@
+#include "check_fixture.h"
+
+#include <filesystem>
+
+namespace rcp::inspect {
+namespace {
+
+const std::string kBase = kBaseFolder;
+
+}  // namespace
+
+std::vector<Case> jvmCases() {
+    return {
+        {"RI401", "HeapThatStartsOverItsLimit", launcherHas("vmarg.a=-Xms2g\nvmarg.b=-Xmx512m\n"),
+         launcherHas("vmarg.a=-Xms512m\nvmarg.b=-Xmx512m\n")},
+        {"RI401", "HeapSizesInTwoFormsAndFiles",
+         both(launcherHas("-XX:MaxHeapSize=1048576\n"), jvmHas("vmarg.a=-Xms1025k\n")),
+         both(launcherHas("-XX:MaxHeapSize=1048576\n"), jvmHas("vmarg.a=-Xms1024k\n")),
+         kJvmProperties},
+        {"RI402", "TwoCollectors", launcherHas("vmarg.a=-XX:+UseG1GC\nvmarg.b=-XX:+UseSerialGC\n"),
+         launcherHas("vmarg.a=-XX:+UseG1GC\nvmarg.b=-XX:-UseSerialGC\n"), kLauncherProperties, 2},
+        {"RI402", "CollectorsInTwoFiles",
+         both(launcherHas("vmarg.a=-XX:+UseZGC\n"), jvmHas("-XX:+UseParallelGC\n")),
+         both(launcherHas("vmarg.a=-XX:+UseZGC\n"), jvmHas("-XX:+UseNUMA\n")), kJvmProperties},
+        {"RI403", "HeapLimitTwice", launcherHas("vmarg.a=-Xmx1g\nvmarg.b=-Xmx2g\n"),
+         launcherHas("vmarg.a=-Xmx1g\nvmarg.b=-Xss2m\n")},
+        {"RI403", "SystemPropertyTwice", launcherHas("vmarg.a=-Da=b\n-Da=c\n"),
+         launcherHas("vmarg.a=-Da=b\n-Dab=c\n")},
+        {"RI403", "SystemPropertyOfTheLaunchers", launcherHas("vmarg.a=-Drcp.home=/b\n"),
+         launcherHas("vmarg.a=-Drcp.homes=/b\n")},
+        {"RI404", "JvmArgumentThatIsNoOption", launcherHas("vmarg.a=Xmx1g\n"),
+         launcherHas("vmarg.a=-Xmx1g\nvmarg.b=\n")},
+        {"RI405", "JvmArgumentThatAnEarlierFileHolds",
+         both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.a=-Da=c\n")),
+         both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.b=-Db=c\n")), kJvmProperties},
+        {"RI405", "JvmArgumentOfTheUsersThatNeverCounts",
+         both(launcherHas("vmarg.a=\n"), masterHas("vmarg.a=-Da=c\n")),
+         masterHas("vmarg.a=-Da=c\n"), kMaster},
+    };
+}
+
+std::vector<Case> extensionCases() {
+    const std::string complete = "config.initial.1=-initialCompleteFlag\nconfig.initial.2=done\n";
+    return {
+        {"RI501", "ExtensionWithAGap", launcherHas("config.k.1=-a\nconfig.k.3=-b\n"),
+         launcherHas("config.k.2=-a\nconfig.k.1=-b\n"), kLauncherProperties, 2},
+        {"RI501", "ExtensionThatBeginsWithTwo", launcherHas("config.a.b.2=-a\n"),
+         launcherHas("config.a.b.1=-a\n")},
+        {"RI501", "InitialConfigurationWithAGap", launcherHas("config.initial.4=x\n" + complete),
+         launcherHas(complete)},
+        {"RI502", "InitialConfigurationWithoutCompletion", launcherHas("config.initial.1=-a\n"),
+         launcherHas(complete)},
+        {"RI502", "InitialConfigurationWithoutTheNameOfItsProperty",
+         launcherHas("config.initial.1=-initialCompleteFlag\n"),
+         launcherHas("install.configuration=lockdown\nconfig.initial.1=-initialCompleteFlag\n")},
+        {"RI503", "QuotesInAnExtension", launcherHas("config.k.1=\"a b\"\n"),
+         launcherHas("config.k.1=a b\n")},
+        {"RI503", "QuotesAroundTheJvm",
+         differs(kLauncherProperties, "=${rcp.home}/jre", "=\"${rcp.home}/jre\""), nothingChanges,
+         kLauncherProperties, inAll(5)},
+        {"RI503", "JvmArgumentWithoutValueInAnExtension", launcherHas("config.k.1=vmarg.a\n"),
+         launcherHas("config.k.1=vmarg.a=-Da=b\n")},
+        {
+            "RI503",
+            "JavaHomeInAnExtension",
+            launcherHas("config.k.1=-Djava.home=/a\n"),
+            launcherHas("config.k.1=-Djava.hom=/a\n"),
+        },
+    };
+}
+
+std::vector<Case> fileCases() {
+    const std::string program = kBase + "/macosx/x86/eclipse";
+    const Change inProcess = differs(kLauncherProperties, "dylib=0", "dylib=1");
+    const Change otherBase = [](const Maker& maker) {
+        std::filesystem::rename(maker.folder().path() / kBase,
+                                maker.folder().path() / "rcp/platform");
+        maker.replace(kLauncherProperties, kBase, "rcp/platform");
+    };
+    const Change inVelmo = [](const Maker& maker) {
+        maker.replace(kLauncherProperties, "dylib=0", "dylib=1");
+    };
+    return {
+        {"RI601", "NoPropertyFile", lacks(kLauncherProperties), nothingChanges, kLauncherProperties,
+         inAll(0)},
+        {"RI601", "FolderInPlaceOfAPropertyFile",
+         both(lacks(kJvmProperties), has("jre/jvm.properties/file", "")), lacks(kJvmProperties),
+         kJvmProperties, inAll(0)},
+        {"RI601", "NoProgram", lacks(program), nothingChanges, kLauncherProperties, inAll(2)},
+        {"RI601", "NoLauncherLibrary", lacks(program + "_1615.so"), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI601", "NoStartupJar", lacks(kBase + "/launcher.jar"), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI601", "NoMasterOfConfigIni", lacks(kBase + "/config/user/config.ini"),
+         both(lacks(kBase + "/config/user/config.ini"), has(kBase + "/config.ini", "")),
+         kLauncherProperties, inAll(2)},
+        {"RI601", "NoMasterOfTheUsersProperties", lacks(kMaster), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI601", "NoJvm", lacks("jre/lib/libjvm.so"), nothingChanges, kLauncherProperties,
+         inAll(5)},
+        {"RI601", "NoPluginCustomizationFile", lacks("rcp/plugins.ini"), nothingChanges,
+         kLauncherProperties, inAll(7)},
+        {"RI601", "NoRestartProgram",
+         launcherHas("config.k.restartExe.macosx=${rcp.home}/rcp/nothing\n"),
+         launcherHas("config.k.restartExe.macosx=${rcp.home}/rcp/rcplauncher\n")},
+        {"RI601", "NoClassPathOfAService",
+         launcherHas("cp=/nothing.jar\ninstall.configuration=service\n"),
+         launcherHas("cp=/nothing.jar\ninstall.configuration=user\n")},
+        {"RI602", "ProgramThatIsNotExecutable", isNotExecutable(program), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI602", "LauncherThatIsNotExecutable", isNotExecutable("rcp/rcplauncher"), nothingChanges,
+         "rcp/rcplauncher", inAll(0)},
+        {"RI602", "RestartProgramThatIsNotExecutable",
+         launcherHas("config.k.restartExe.macosx=${rcp.home}/rcp/plugins.ini\n"),
+         launcherHas("config.k.restartExe.macosx=${rcp.home}/rcp/rcplauncher\n")},
+        {"RI602", "JvmOfAServiceThatIsNotExecutable",
+         launcherHas("install.configuration=service\n"), nothingChanges, kLauncherProperties,
+         inAll(5)},
+        {"RI603", "BaseLocationThatIsNotRecognised", otherBase, both(otherBase, inProcess),
+         kLauncherProperties, inAll(2)},
+        {"RI604", "LauncherThatIsNotRecognised", inVelmo, nothingChanges, "rcp/rcplauncher",
+         inAll(0)},
+        {"RI605", "DebugMarker", has("rcp/rcplauncher.debug", ""), nothingChanges,
+         "rcp/rcplauncher.debug", inAll(0)},
+        {"RI606", "NoMasterOfPlatformXml", lacks(kBase + "/config/user/platform.xml"),
+         both(lacks(kBase + "/config/user/platform.xml"),
+              launcherHas("update.policy.managed=false\n")),
+         kLauncherProperties, inAll(2)},
+    };
+}
+
+}  // namespace rcp::inspect

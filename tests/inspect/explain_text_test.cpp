@@ -1,0 +1,54 @@
+// The text of an explanation by itself.
+#include "inspect/explain/explain_text.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+namespace rcp::inspect {
+namespace {
+
+nlohmann::json smallExplanation() {
+    return {{"outcome", {{"kind", "execv"}, {"role", "main"}, {"program", "/p"}}},
+            {"facts", {{"firstLaunch", false}, {"waits", {"until it is over"}}}},
+            {"elements",
+             {{{"text", "/p"},
+               {"rule", "what is started"},
+               {"source", {{"kind", "computed"}}},
+               {"placeholders", nlohmann::json::array()},
+               {"instead", nlohmann::json::array()}}}},
+            {"dropped", nlohmann::json::array()},
+            {"environment", nlohmann::json::array()},
+            {"changes", nlohmann::json::array()},
+            {"files", nlohmann::json::array()}};
+}
+
+TEST(ExplanationText, IsColouredOnlyWhenAsked) {
+    EXPECT_EQ(explanationText(smallExplanation(), false).find('\033'), std::string::npos);
+    EXPECT_NE(explanationText(smallExplanation(), true).find('\033'), std::string::npos);
+}
+
+TEST(ExplanationText, LeavesOutHeadingsOfNothing) {
+    EXPECT_EQ(explanationText(smallExplanation(), false),
+              "What a launch would do\n"
+              "  end            it becomes /p\n"
+              "  role           main\n"
+              "  first launch   no\n"
+              "  waits          until it is over\n"
+              "\n"
+              "The command line, element by element\n"
+              "   0  /p\n"
+              "        what is started (the launcher)\n");
+}
+
+TEST(ExplanationText, NamesSourcesInShort) {
+    EXPECT_EQ(sourceText({{"kind", "file"}, {"file", "/a/b"}, {"line", 4}, {"key", "vm"}}),
+              "b:4 vm");
+    EXPECT_EQ(sourceText({{"kind", "file"}, {"file", "/a/b"}, {"line", 0}}), "b");
+    EXPECT_EQ(sourceText({{"kind", "command line"}, {"position", 2}}), "argument 2");
+    EXPECT_EQ(sourceText({{"kind", "environment"}, {"name", "HOME"}}), "variable HOME");
+    EXPECT_EQ(sourceText({{"kind", "computed"}}), "the launcher");
+}
+
+}  // namespace
+}  // namespace rcp::inspect

@@ -1,0 +1,28 @@
+// Writes the page of an explanation or of a check's report, for the test that looks at it in a browser.
+//
+// usage: write_page JSON-FILE PAGE
+#include "inspect/page/page.h"
+
+#include <stdio.h>
+
+#include <clocale>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        fputs("usage: write_page JSON-FILE PAGE\n", stderr);
+        return 2;
+    }
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    std::ifstream input(argv[1]);
+    const nlohmann::json data = nlohmann::json::parse(input);
+    const bool isCheck = data.at("command") == "check";
+    const bool isWritten = isCheck ? rcp::inspect::writeCheckPage(data, argv[2])
+                                   : rcp::inspect::writeExplainPage(data, argv[2]);
+    if (!isWritten) {
+        perror(argv[2]);
+        return 1;
+    }
+    return 0;
+}
