@@ -7,6 +7,7 @@
 #include "platform/install_location.h"
 #include "platform/text.h"
 
+#include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -48,7 +49,9 @@ std::string launcherPath(const std::string& launcher, const std::string& install
     const std::string path = launcher.empty() ? installation + "/rcp/rcplauncher" : launcher;
     std::error_code failed;
     const std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
-    return failed || !existsA(absolute) ? std::string() : absolute;
+    const bool isLauncher =
+        !failed && existsA(absolute) && !std::filesystem::is_directory(absolute, failed);
+    return isLauncher ? absolute : std::string();
 }
 
 // The arguments behind "--" are the launcher's and none of ours, whatever they look like.
@@ -145,6 +148,11 @@ int run(int argc, char** argv) {
     if (const auto problem = settleFormat(format, *command, options)) {
         return wrongUse(*problem);
     }
+    const CLI::App& sub = *app.get_subcommands().front();
+    if ((sub.count("--install") > 0 && installation.empty()) ||
+        (sub.count("--launcher") > 0 && launcher.empty())) {
+        return wrongUse("an empty path names no launcher");  // a variable that is not set
+    }
     if (launcher.empty() && installation.empty()) {
         installation = ".";
     }
@@ -159,7 +167,13 @@ int run(int argc, char** argv) {
             return wrongUse("no launcher at " + other);
         }
     }
-    return command->carryOut(options);
+    const int status = command->carryOut(options);
+    // What is not all there must not pass for a result.
+    if (!std::cout.flush() || fflush(stdout) != 0 || ferror(stdout) != 0) {
+        std::cerr << "rcpinspect: the output cannot be written\n";
+        return kCannotCreate;
+    }
+    return status;
 }
 
 }  // namespace rcp::inspect

@@ -28,6 +28,6 @@ std::string installationOf(const std::string& launcher);
 inline constexpr int kSuccess = 0;
 inline constexpr int kFailure = 70;       // sysexits(3) EX_SOFTWARE, and a record says what
 inline constexpr int kWrongUse = 64;      // sysexits(3) EX_USAGE
-inline constexpr int kCannotCreate = 73;  // sysexits(3) EX_CANTCREAT: the page
+inline constexpr int kCannotCreate = 73;  // sysexits(3) EX_CANTCREAT: the page or the output
 
 }  // namespace rcp::inspect

@@ -25,8 +25,13 @@ constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 int openTemporary(const char* path) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int descriptor = calls::open(path, kFlags, 0666);
-    if (descriptor >= 0 || (errno != EACCES && errno != ELOOP) || calls::unlink(path) != 0) {
+    if (descriptor >= 0 || (errno != EACCES && errno != ELOOP)) {
         return descriptor;
+    }
+    const int savedErrno = errno;
+    if (calls::unlink(path) != 0) {
+        errno = savedErrno;
+        return -1;
     }
     return calls::open(path, kFlags, 0666);
 }

@@ -3,6 +3,7 @@
 #include "diagnostics/svc_debug.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/memory_file.h"
+#include "inspect/quiet_read.h"
 #include "launcher/core/config_extensions.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/placeholders.h"
@@ -29,11 +30,6 @@ namespace {
 
 constexpr char kBlanks[] = " \t\v\f\r";
 
-std::string readBytes(const std::wstring& path) {
-    std::ifstream stream(toNarrow(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
 std::vector<RawLine> splitLines(const std::string& bytes) {
     std::vector<RawLine> lines;
     std::istringstream stream(bytes);
@@ -52,7 +48,7 @@ bool addFile(Examination& examination, KeyFile kind, const std::wstring& path) {
         return false;
     }
     file.name = examination.nameOf(path);
-    file.bytes = readBytes(path);
+    file.bytes = readQuietly(toNarrow(path));
     file.lines = splitLines(file.bytes);
     examination.files.push_back(std::move(file));
     return true;

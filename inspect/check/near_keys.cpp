@@ -69,6 +69,9 @@ std::wstring nearestKey(std::wstring_view key, KeyFile file) {
         }
         const bool isWhole = known.tail == KeyTail::kNothing;
         const std::wstring_view head = isWhole ? key : headLike(known.key, key);
+        if (head.size() > known.key.size() + tolerance(known.key)) {
+            continue;  // too far apart for the distance to be worth its time
+        }
         const std::size_t distance = editDistance(head, known.key);
         if (!head.empty() && distance <= tolerance(known.key) && distance < best) {
             std::wstring candidate(known.key);

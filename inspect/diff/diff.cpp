@@ -2,12 +2,13 @@
 #include "inspect/diff/sequence_diff.h"
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/quiet_read.h"
 #include "inspect/status/last_launch.h"
 
 #include <algorithm>
 #include <exception>
-#include <fstream>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 namespace rcp::inspect {
@@ -27,9 +28,13 @@ struct Side {
 
 Side explained(const Options& options) {
     const json explanation = explainLaunch(options);
-    return {{{"launcher", options.launcher}, {"installation", options.installation}},
-            explanation["elements"],
-            explanation["environment"]};
+    Side side{{{"launcher", options.launcher}, {"installation", options.installation}},
+              explanation["elements"],
+              explanation["environment"]};
+    if (explanation["outcome"].contains("record")) {
+        side.about["record"] = explanation["outcome"]["record"];
+    }
+    return side;
 }
 
 // The launch that wrote last into the log of the workspace that a launch would use now.
@@ -41,7 +46,7 @@ Side recorded(const Options& options) {
         throw std::runtime_error("no launch is recorded in " + logs);
     }
     json elements = json::array();
-    std::ifstream log(last->log, std::ios::binary);
+    std::istringstream log(readQuietly(last->log));
     bool isInside = false;
     for (std::string line; std::getline(log, line) && line != kEnd;) {
         if (isInside) {
@@ -132,6 +137,12 @@ std::string lineText(const json& difference, const std::string& text) {
 
 std::string toText(const json& result) {
     std::string text;
+    for (const char* name : {"first", "second"}) {
+        if (result[name].contains("record")) {
+            text += std::string("! the ") + name + " would end with " +
+                    result[name]["record"].get<std::string>() + "\n";
+        }
+    }
     for (const json& difference : result["elements"]) {
         text += lineText(difference, difference["text"]);
     }

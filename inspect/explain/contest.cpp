@@ -93,6 +93,8 @@ std::vector<Rival> rivalsForOption(std::wstring_view option, const Account& acco
     const Arguments arguments = launcherArguments(account.options);
     if (const Argument* value = optionValue(option, arguments)) {
         rivals.push_back({*value, value->origin});
+    } else if (const int index = findOption(option, arguments); index > 0) {
+        rivals.push_back({L"", arguments[static_cast<std::size_t>(index)].origin});  // no value
     }
     const auto extension = extensionEntries(account);
     for (std::size_t i = 0; i + 1 < extension.size(); ++i) {

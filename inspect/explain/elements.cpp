@@ -54,10 +54,17 @@ bool isWorkspacePath(std::size_t index) {
     return before == L"-data" || before == L"-configuration" || element.starts_with(L"-Drcp.data=");
 }
 
-// The workspace and what is made of it are computed; the user wants to know from what.
+// The workspace, what is made of it and the kind of installation are computed; the user wants to
+// know from what.
 Origin originAt(std::size_t index, const Account& account) {
+    const Argument& element = launchArgs[index];
+    const bool isComputed = !element.origin.file && element.origin.line == 0;
+    if (isComputed && element.starts_with(L"-Drcp.install.config=")) {
+        const auto entries = account.sources.entriesOf(L"install.configuration");
+        return entries.empty() ? Origin() : entries.front()->origin;
+    }
     if (!isWorkspacePath(index)) {
-        return launchArgs[index].origin;
+        return element.origin;
     }
     const auto rivals = rivalsForOption(L"-data", account);
     return rivals.empty() ? Origin() : rivals.front().origin;

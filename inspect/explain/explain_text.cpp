@@ -67,7 +67,7 @@ void addOutcome(Page& page, const json& explanation) {
     }
     page.pair("role", outcome["role"]);
     for (const char* name : {"workspace", "configuration", "area", "installConfiguration"}) {
-        if (facts.contains(name)) {
+        if (facts.contains(name) && facts[name] != "") {
             page.pair(name == std::string("installConfiguration") ? "kind" : name, facts[name]);
         }
     }
@@ -77,7 +77,15 @@ void addOutcome(Page& page, const json& explanation) {
     }
 }
 
+// Some placeholders are told with what encloses them, others by their names.
+std::string placeholderText(const std::string& name) {
+    return name.starts_with("${") ? name : "${" + name + "}";
+}
+
 void addElements(Page& page, const json& elements) {
+    if (elements.empty()) {
+        return;
+    }
     page.heading("The command line, element by element");
     for (std::size_t i = 0; i < elements.size(); ++i) {
         const json& element = elements[i];
@@ -87,7 +95,7 @@ void addElements(Page& page, const json& elements) {
         page.aside("        " + element["rule"].get<std::string>() + " (" +
                    sourceText(element["source"]) + ")");
         for (const json& placeholder : element["placeholders"]) {
-            page.aside("        " + placeholder["name"].get<std::string>() + " = " +
+            page.aside("        " + placeholderText(placeholder["name"]) + " = " +
                        placeholder["value"].get<std::string>());
         }
         for (const json& loser : element["instead"]) {

@@ -12,12 +12,14 @@
 #include "platform/text.h"
 
 #include <errno.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -37,6 +39,7 @@ struct Stage {
     Witness witness;
     Variables before = environmentNow();
     bool hasWaitedForMarker = false;
+    std::string lastError;  // that was recorded before a log was looked for in the end
     int output = -1;
 };
 
@@ -53,13 +56,27 @@ unsigned noteWait(unsigned /*seconds*/) {
     return 0;
 }
 
+// Empty when there is none.
+std::string lastErrorOf(const json& records) {
+    std::string last;
+    for (const json& record : records) {
+        const std::string text = record;
+        if (isErrorRecord(text)) {
+            last = text;
+        }
+    }
+    return last;
+}
+
 json tellAll(int status) {
     observer = nullptr;
     const Sources sources(stage->witness);
     const Account account{stage->options, stage->witness, sources,
                           stage->before,  status,         stage->hasWaitedForMarker};
     const json records = describeRecords(*stage->rehearsal);
-    const json outcome = describeOutcome(records);
+    json outcome = describeOutcome(records);
+    const std::string& last = stage->lastError;
+    outcome["record"] = last.empty() ? lastErrorOf(records) : last;
     if (outcome["kind"] == "provisioning") {
         populateLockFile(getpid());  // the part of the parent, which the rehearsal does not play
     }
@@ -108,6 +125,8 @@ int launchOnStage(int argc, char** argv) {
         return 0;
     } catch (const LaunchEnded& end) {
         if (end.status != 0 && !logIsOpen()) {
+            // That no log can be written either is not what the launch ends with.
+            stage->lastError = lastErrorOf(describeRecords(*stage->rehearsal));
             dumpLogToTempLocation();
         }
         return end.status;
@@ -163,6 +182,15 @@ class TemporaryFolder {
     std::string path_;
 };
 
+// Somebody who waits for more than a second in front of a terminal wants to know for what.
+void tellIfSlow(int descriptor) {
+    constexpr int kSecond = 1000;  // poll(2) counts milliseconds
+    pollfd awaited{descriptor, POLLIN, 0};
+    if (isatty(STDERR_FILENO) != 0 && poll(&awaited, 1, kSecond) == 0) {
+        std::cerr << "rcpinspect: rehearsing the launch ...\n";
+    }
+}
+
 std::string readToEnd(int descriptor) {
     std::string text;
     char buffer[4096];
@@ -189,6 +217,9 @@ std::string runRehearsal(const Options& options, int& status) {
         rehearse(options, folder.path(), ends[1]);
     }
     close(ends[1]);
+    if (child > 0) {
+        tellIfSlow(ends[0]);
+    }
     std::string text = child < 0 ? std::string() : readToEnd(ends[0]);
     close(ends[0]);
     if (child < 0 || waitpid(child, &status, 0) != child) {
@@ -197,17 +228,16 @@ std::string runRehearsal(const Options& options, int& status) {
     return text;
 }
 
-// The record that ended the launch: the last error.
-void addRecord(json& explanation, int status) {
-    json& outcome = explanation["outcome"];
-    outcome["kind"] = "fatal";
-    outcome["status"] = WEXITSTATUS(status);
-    for (const json& record : explanation["records"]) {
-        const std::string text = record;
-        if (isErrorRecord(text)) {
-            outcome["record"] = text;
-        }
+// The record that ended the launch is the last error.
+void settleRecord(json& outcome, int status) {
+    if (status == 0 || outcome["record"] == "") {
+        outcome.erase("record");
     }
+    if (status == 0) {
+        return;
+    }
+    outcome["kind"] = "fatal";
+    outcome["status"] = status;
     const auto known = findMessages(outcome.value("record", ""));
     if (!known.empty()) {
         outcome["cause"] = known.front()->remedy;
@@ -231,9 +261,7 @@ json rehearseLaunch(const Options& options) {
     explanation["launcher"] = options.launcher;
     explanation["installation"] = options.installation;
     explanation["arguments"] = options.arguments;
-    if (WEXITSTATUS(status) != 0) {
-        addRecord(explanation, status);
-    }
+    settleRecord(explanation["outcome"], WEXITSTATUS(status));
     return explanation;
 }
 

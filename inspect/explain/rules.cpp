@@ -32,8 +32,8 @@ constexpr Sentence kOwnWords[] = {
     {L"-cp", "the class path"},
     {L"org.eclipse.core.launcher.Main", "the main class of a plain Java command line"},
     {L"-Xshareclasses=none", "no shared classes while provisioning"},
-    {L"-Dfile.encoding=UTF-8", "always next to last"},
-    {L"-XstartOnFirstThread", "always last"},
+    {L"-Dfile.encoding=UTF-8", "the platform's texts are UTF-8, whatever the locale says"},
+    {L"-XstartOnFirstThread", "the JVM's first thread is the one that the window system wants"},
 };
 
 constexpr Sentence kOwnDefinitions[] = {
@@ -123,8 +123,12 @@ std::string ruleForProperty(const Argument& element, const Property& entry) {
 }
 
 std::string ruleForCommandLine(const Arguments& elements, std::size_t index) {
-    if (elements[index - 1] == L"-vm" && elements[index - 1].origin.line == 0) {
+    const Argument& before = elements[index - 1];
+    if (before == L"-vm" && before.origin.line == 0) {
         return "the JVM that the user names with -vm";
+    }
+    if (before == L"-startup" && before.origin.line == 0) {
+        return "the start-up jar that the user names with -perfJar";
     }
     return isBehindVmargs(elements, index) ? "the user's JVM argument"
                                            : "the user's argument, passed on as it is";
@@ -168,6 +172,10 @@ std::string ruleFor(const Arguments& elements, std::size_t index, const Property
         return ruleForVmarg(vmarg);
     }
     const Argument& element = elements[index];
+    if (entry != nullptr && entry->key == L"rcp.base.location") {
+        const char* option = exactly(kOwnWords, elements[index - 1]);
+        return std::string(option == nullptr ? "a file" : option) + ", below the base location";
+    }
     if (entry != nullptr) {
         return ruleForProperty(element, *entry);
     }
@@ -198,6 +206,11 @@ std::string whyDropped(const Arguments& arguments, std::size_t position, bool is
     const bool isData = argument == L"-data" || before == L"-data";
     if (isInitial && !isData && argument != L"-vm") {
         return "the initial configuration is started instead";
+    }
+    const std::size_t option = asValue == nullptr ? position : position - 1;
+    const bool isTaken = asValue != nullptr || asOption != nullptr;
+    if (isTaken && !propertiesFor(arguments[option]).empty() && isRepeated(arguments, option)) {
+        return "repeats an option; the first one counts";
     }
     if (asValue != nullptr) {
         return asValue;

@@ -86,6 +86,9 @@ Use useOfIdle(const Property& entry, const Account& account) {
     if (account.sources.counts(entry)) {
         return {"unused", std::string("not needed in this launch: ") + known->usage};
     }
+    if (keyFileOf(*entry.origin.file) == kArgsFile) {
+        return {"unused", "kept for a restart"};
+    }
     return {"unused", known == nullptr ? "nothing reads this key" : "nothing reads it there"};
 }
 

@@ -1,10 +1,11 @@
 #include "inspect/rehearsal/changed_tree.h"
 
+#include "inspect/quiet_read.h"
+
 #include <errno.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <tuple>
 #include <utility>
@@ -26,8 +27,7 @@ bool linkStatus(const std::string& place, struct stat& status) {
 }
 
 std::string contentOf(const std::string& place) {
-    std::ifstream file(place, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return readQuietly(place);
 }
 
 std::string targetOf(const std::string& link) {

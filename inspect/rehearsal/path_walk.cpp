@@ -56,7 +56,10 @@ std::string readableName(const std::string& name, const Elements& elements,
     }
     std::string text = name.front() == '/' ? std::string() : currentDirectory();
     for (const std::string& element : elements) {
-        text += element == "." ? "" : "/" + element;
+        if (element != ".") {
+            text += '/';
+            text += element;
+        }
     }
     return text;
 }
@@ -66,6 +69,37 @@ std::string linkTarget(const std::string& place) {
     return std::filesystem::read_symlink(place, ignored).string();
 }
 
+// Where the way has come to, always a directory but at its end.
+struct Way {
+    Elements elements;  // still to go
+    std::string at;
+    int links = 0;
+    bool isLastFollowed = false;  // the path's last element was a link
+};
+
+bool mayEnter(const std::string& place) {
+    return faccessat(AT_FDCWD, place.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+// Goes on where the link at `place` leads; false, with errno set, when that is nowhere.
+bool follow(const std::string& place, Way& way, bool& hasSlash) {
+    const std::string target = linkTarget(place);
+    if (++way.links > kMostLinks || target.empty()) {
+        errno = target.empty() ? ENOENT : ELOOP;
+        return false;
+    }
+    if (way.elements.empty()) {
+        way.isLastFollowed = true;
+        hasSlash |= endsInSlash(target);
+    }
+    const Elements further = split(target);
+    way.elements.insert(way.elements.begin(), further.begin(), further.end());
+    if (target.front() == '/') {
+        way.at.clear();
+    }
+    return true;
+}
+
 }  // namespace
 
 std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) const {
@@ -73,58 +107,48 @@ std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) c
         return failWith(name.empty() ? ENOENT : ENAMETOOLONG);
     }
     const Elements all = split(name);
-    Elements elements = all;
     Found found;
     found.hasSlash = endsInSlash(name);
     found.endsInDots = all.empty() || isDots(all.back());
-    std::string at = name.front() == '/' ? std::string() : currentDirectory();
-    int links = 0;
-    bool isLinkFollowed = false;  // at the end
-    while (!elements.empty()) {
-        const std::string element = std::move(elements.front());
-        elements.pop_front();
-        const std::string directory = placeAt(at);
-        if (faccessat(AT_FDCWD, directory.c_str(), X_OK, AT_EACCESS) != 0) {
+    Way way{all, name.front() == '/' ? std::string() : currentDirectory()};
+    while (!way.elements.empty()) {
+        const std::string element = std::move(way.elements.front());
+        way.elements.pop_front();
+        if (!mayEnter(placeAt(way.at))) {
             return std::nullopt;
         }
         if (isDots(element)) {
-            at = element == "." ? at : at.substr(0, at.empty() ? 0 : at.rfind('/'));
+            way.at.erase(element == "." || way.at.empty() ? way.at.size() : way.at.rfind('/'));
             continue;
         }
         if (element.size() > NAME_MAX) {
             return failWith(ENAMETOOLONG);
         }
-        const std::string child = at + "/" + element;
+        std::string child = way.at;
+        child.append("/").append(element);
         const std::string place = placeAt(child);
+        const bool isLast = way.elements.empty();
         struct stat status {};
         if (lstat(place.c_str(), &status) != 0) {
-            if (errno != ENOENT || !elements.empty()) {
+            if (errno != ENOENT || !isLast) {
                 return std::nullopt;
             }
             found.path = child;
-            found.name = isLinkFollowed ? child : readableName(name, all, child);
+            found.name = way.isLastFollowed ? child : readableName(name, all, child);
             return found;
         }
-        const bool isLast = elements.empty();
         if (S_ISLNK(status.st_mode) && (!isLast || last == LastLink::kFollowed)) {
-            const std::string target = linkTarget(place);
-            if (++links > kMostLinks || target.empty()) {
-                return failWith(target.empty() ? ENOENT : ELOOP);
+            if (!follow(place, way, found.hasSlash)) {
+                return std::nullopt;
             }
-            const Elements further = split(target);
-            elements.insert(elements.begin(), further.begin(), further.end());
-            at = target.front() == '/' ? std::string() : at;
-            found.hasSlash |= isLast && endsInSlash(target);
-            isLinkFollowed |= isLast;
-            continue;
-        }
-        if (!isLast && !S_ISDIR(status.st_mode)) {
+        } else if (!isLast && !S_ISDIR(status.st_mode)) {
             return failWith(ENOTDIR);
+        } else {
+            way.at = child;
         }
-        at = child;
     }
-    found.path = at;
-    found.place = placeAt(at);
+    found.path = way.at;
+    found.place = placeAt(way.at);
     found.isThere = lstat(found.place.c_str(), &found.status) == 0;
     if (!found.isThere) {
         return std::nullopt;
@@ -132,7 +156,7 @@ std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) c
     if (found.hasSlash && last == LastLink::kFollowed && !found.isDirectory()) {
         return failWith(ENOTDIR);
     }
-    found.name = isLinkFollowed ? at : readableName(name, all, at);
+    found.name = way.isLastFollowed ? way.at : readableName(name, all, way.at);
     return found;
 }
 

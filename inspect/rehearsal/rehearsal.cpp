@@ -1,5 +1,8 @@
 #include "inspect/rehearsal/rehearsal.h"
 
+#include "inspect/quiet_read.h"
+#include "platform/transfer.h"
+
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,17 +41,6 @@ bool isWriting(int flags) {
 int accessFor(int flags) {
     const int mode = flags & O_ACCMODE;
     return (isWriting(flags) ? W_OK : 0) | (mode == O_WRONLY ? 0 : R_OK);
-}
-
-// Reading leaves no trace where the system lets it.
-int openQuietly(const std::string& place, int flags) {
-#ifdef O_NOATIME
-    const int descriptor = ::open(place.c_str(), flags | O_NOATIME);
-    if (descriptor >= 0 || errno != EPERM) {
-        return descriptor;
-    }
-#endif
-    return ::open(place.c_str(), flags);
 }
 
 // Something of the same kind and name, for whoever reads its directory.
@@ -215,17 +207,25 @@ int Rehearsal::openDirectory(const Found& directory, int flags) {
     const std::string list = tree_.newPlace();
     ::mkdir(list.c_str(), 0700);
     for (const auto& [name, place] : tree_.entries(directory)) {
-        standIn(list + "/" + name, place);
+        standIn(std::string(list).append("/").append(name), place);
     }
     return ::open(list.c_str(), flags);
 }
 
 std::string Rehearsal::copyUp(const Found& file) {
     std::string copy = tree_.newPlace();
-    std::error_code failed;
-    std::filesystem::copy_file(file.place, copy, failed);
-    if (failed) {
-        errno = failed.value();
+    struct stat status {};
+    if (::stat(file.place.c_str(), &status) != 0) {
+        return {};
+    }
+    const int descriptor = ::open(copy.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (descriptor < 0) {
+        return {};
+    }
+    const bool isCopied = writeFully(descriptor, readQuietly(file.place)) &&
+                          fchmod(descriptor, status.st_mode & 07777U) == 0;
+    close(descriptor);
+    if (!isCopied) {
         return {};
     }
     tree_.put(file, copy);

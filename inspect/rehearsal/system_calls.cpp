@@ -1,6 +1,7 @@
 // The system calls of rcpinspect: rehearsed while a rehearsal is at work, real otherwise.
 #include "system/system_calls.h"
 
+#include "inspect/quiet_read.h"
 #include "inspect/rehearsal/rehearsal.h"
 
 #include <errno.h>
@@ -46,7 +47,8 @@ auto lookAt(const char* path, LastLink last, Look look) {
 
 int open(const char* path, int flags, mode_t mode) {
     if (currentRehearsal() == nullptr) {
-        return ::open(path, flags, mode);
+        const bool isReading = (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) == 0;
+        return isReading ? inspect::openQuietly(path, flags) : ::open(path, flags, mode);
     }
     return rehearsed([&](Rehearsal& rehearsal) { return rehearsal.open(path, flags, mode); });
 }

@@ -1,6 +1,7 @@
 #include "inspect/status/last_launch.h"
 
 #include "inspect/messages.h"
+#include "inspect/quiet_read.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -56,22 +57,7 @@ bool isLater(const LogFile& left, const LogFile& right) {
 }
 
 // A log is short; what a foreign file of the name holds beyond this is not worth reading.
-std::string readLog(const std::string& path) {
-    constexpr std::size_t kLimit = std::size_t{16} << 20U;
-    const int descriptor =
-        ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    std::string text;
-    std::array<char, 65536> buffer;
-    ssize_t length = 0;
-    while (descriptor >= 0 && text.size() < kLimit &&
-           (length = read(descriptor, buffer.data(), buffer.size())) > 0) {
-        text.append(buffer.data(), static_cast<std::size_t>(length));
-    }
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
-    return text;
-}
+constexpr std::size_t kLongestLog = std::size_t{16} << 20U;
 
 bool isRecord(std::string_view line) {
     return line.starts_with("ZYPRA") || line.starts_with("Error: ");
@@ -138,7 +124,7 @@ std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const std::st
     addLogs(kTemporaryFolder, true, logs);
     std::sort(logs.begin(), logs.end(), isLater);
     for (const LogFile& file : logs) {
-        const std::string text = readLog(file.path);
+        const std::string text = readQuietly(file.path, kLongestLog);
         if (file.isTemporary && !isLogOf(launcher, text)) {
             continue;
         }

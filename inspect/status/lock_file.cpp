@@ -1,5 +1,6 @@
 #include "inspect/status/lock_file.h"
 
+#include "inspect/quiet_read.h"
 #include "launcher/core/lock_content.h"
 
 #include <errno.h>
@@ -7,27 +8,21 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <optional>
 
 namespace rcp::inspect {
 namespace {
 
-// As much as a launch reads.
+constexpr std::size_t kLongestContent = 256;  // as much as a launch reads
+
+// Nothing for what is no file or cannot be read.
 std::optional<std::string> beginningOf(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return std::nullopt;
-    }
-    std::array<char, 256> buffer{};
     struct stat status {};
-    const bool isFile = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    const ssize_t length = isFile ? read(descriptor, buffer.data(), buffer.size()) : -1;
-    close(descriptor);
-    if (length < 0) {
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
         return std::nullopt;
     }
-    return std::string(buffer.data(), static_cast<std::size_t>(length));
+    return readQuietly(path, kLongestContent);
 }
 
 }  // namespace

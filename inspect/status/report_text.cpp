@@ -137,7 +137,7 @@ void addProvisioning(Page& page, const ProvisioningState& state) {
 
 constexpr std::pair<std::string_view, std::string_view> kSteps[] = {
     {"make-install-id", "makes an install id and adds it to the installation's properties"},
-    {"wait-for-old-platform", "waits for the old platform to end, 20 seconds at most"},
+    {"wait-for-old-platform", "waits for the old platform to end, 21 seconds at most"},
     {"wait-for-lock", "waits until the lock is free; what follows holds if nothing else changes"},
     {"wait-for-debug-marker", "waits until rcp/rcplauncher.debug is removed"},
     {"reuse-area", "begins a new configuration: the area is another installation's"},

@@ -75,14 +75,17 @@ void replaceEvery(std::wstring& text, std::wstring_view placeholder, const std::
     tellObserver(out, placeholder, value, text);
 }
 
-void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir) {
-    const std::wstring_view placeholder = kRcpHomePlaceholder;
+void replaceFirst(std::wstring& text, std::wstring_view placeholder, const std::wstring& value) {
     const std::size_t found = text.find(placeholder);
     if (found != std::wstring::npos) {
         const std::wstring before = observed(text);
-        text.replace(found, placeholder.size(), installDir);
-        tellObserver(before, placeholder, installDir, text);
+        text.replace(found, placeholder.size(), value);
+        tellObserver(before, placeholder, value, text);
     }
+}
+
+void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir) {
+    replaceFirst(text, kRcpHomePlaceholder, installDir);
 }
 
 void replaceStdPlaceholders(const StandardLocations& locations, std::wstring& text) {

@@ -26,6 +26,8 @@ inline constexpr wchar_t kRcpHomePlaceholder[] = L"${rcp.home}";
 /// that holds its own placeholder cannot loop.
 void replaceEvery(std::wstring& text, std::wstring_view placeholder, const std::wstring& value);
 
+/// Replaces the first `placeholder` in `text`.
+void replaceFirst(std::wstring& text, std::wstring_view placeholder, const std::wstring& value);
 /// Replaces the first "${rcp.home}" in `text`; the rule of single paths.
 void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir);
 

@@ -3,6 +3,7 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
+#include "launcher/core/placeholders.h"
 #include "launcher/core/workspace.h"
 #include "platform/text.h"
 
@@ -34,12 +35,8 @@ void addConsoleFix(const LaunchInputs& inputs) {
     if (fixes.empty()) {
         return;
     }
-    constexpr std::wstring_view kPlaceholder = L"${workspace.location}";
     Argument fix = argumentFrom(*fixes.front());
-    const std::size_t found = fix.find(kPlaceholder);
-    if (found != std::wstring::npos) {
-        fix.replace(found, kPlaceholder.size(), inputs.workspace);
-    }
+    replaceFirst(fix, L"${workspace.location}", inputs.workspace);
     convertToOsSeparator(fix);
     if (!fix.empty()) {
         addArgToCommandLine(fix, true);

@@ -1,5 +1,7 @@
 #include "inspect/command_line.h"
 
+#include "tests/inspect/status_fixture.h"
+
 #include <gtest/gtest.h>
 
 namespace rcp::inspect {
@@ -21,6 +23,35 @@ TEST(InspectCommandLine, AnUnknownCommandIsWrongUse) {
 
 TEST(InspectCommandLine, AnInstallationWithoutLauncherIsWrongUse) {
     EXPECT_EQ(runWith({"explain", "--install", "/nowhere"}), 64);
+}
+
+TEST(InspectCommandLine, AFolderIsNoLauncher) {
+    EXPECT_EQ(runWith({"check", "--launcher", "/usr"}), 64);
+}
+
+class InspectInItsInstallation : public test::StatusTest {
+  protected:
+    // Of a shell in the installation.
+    [[nodiscard]] int statusOf(const std::string& command) const {
+        const std::string line =
+            "cd '" + installation() + "' && exec " INSPECT_PROGRAM " " + command;
+        test::Program program({"/bin/sh", "-c", line}, environment());
+        (void)program.rest();
+        return program.wait();
+    }
+};
+
+TEST_F(InspectInItsInstallation, AnEmptyPathIsNotTheCurrentDirectory) {
+    EXPECT_EQ(statusOf("check"), 0);
+    EXPECT_EQ(statusOf("check --install ''"), 64);
+    EXPECT_EQ(statusOf("check --launcher ''"), 64);
+}
+
+TEST_F(InspectInItsInstallation, OutputThatCannotBeWrittenIsAFailure) {
+    for (const char* command : {"explain", "check --format sarif", "status", "diff --with ."}) {
+        EXPECT_EQ(statusOf(command), 0) << command;
+        EXPECT_EQ(statusOf(std::string(command) + " >/dev/full"), 73) << command;
+    }
 }
 
 }  // namespace

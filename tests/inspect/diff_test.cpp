@@ -112,6 +112,17 @@ TEST_F(DiffTest, JsonNamesBothSidesAndEveryDifference) {
     EXPECT_EQ(result["environment"], Json::array());
 }
 
+TEST_F(DiffTest, ALaunchThatWouldFailIsNotTakenForOneWithoutElements) {
+    const std::string other = copy();
+    const std::string properties = "other/rcp/rcplauncher.properties";
+    folder_.write(properties,
+                  std::regex_replace(folder_.read(properties), std::regex("rcp.install.id"), "x"));
+    EXPECT_EQ(text({"--with", other}).find("! the second would end with ZYPRA0016E"), 0U);
+    const Json result = Json::parse(text({"--with", other, "--format", "json"}));
+    EXPECT_TRUE(result["second"]["record"].get<std::string>().starts_with("ZYPRA0016E"));
+    EXPECT_FALSE(result["first"].contains("record"));
+}
+
 TEST_F(DiffTest, WithoutAnythingToCompareWithItIsWrongUse) {
     std::string output;
     EXPECT_EQ(run({}, output), 64);

@@ -48,7 +48,7 @@ std::string statusText(const struct stat& status) {
 }
 
 std::string resultText(ssize_t result) {
-    return result < 0 ? strerrorname_np(errno) : "done";
+    return result < 0 ? std::string("error: ") + strerror(errno) : "done";
 }
 
 std::string namesIn(int descriptor) {
@@ -304,7 +304,7 @@ std::string RehearsalTest::changesOf(const std::vector<Call>& calls) {
     startRehearsal();
     for (const Call& call : calls) {
         const std::string result = carryOut(call, rehearsed());
-        EXPECT_FALSE(std::regex_search(result, std::regex(" = E[A-Z]+$"))) << result;
+        EXPECT_FALSE(std::regex_search(result, std::regex(" = error: "))) << result;
     }
     std::string list = listOf(rehearsal_->changes(), rehearsed());
     rehearsal_.reset();

@@ -20,7 +20,7 @@ Tree treeOf(const std::string& root);
 /// The text for one file, directory or link.
 std::string entryAt(const std::string& place, const std::string& root);
 
-/// One call and what it came back with, errno by name: "mkdir a/b = EEXIST". Paths are those below
+/// One call and what it came back with, errno in words: "mkdir a/b = error: File exists". Paths are those below
 /// `root`; a file that is opened is read to its end, or `written` to when it is not empty.
 struct Call {
     std::string name;

@@ -187,8 +187,10 @@ TEST_F(RehearsalTest, MovesNothingToAnotherFileSystem) {
 TEST_F(RehearsalTest, HidesWithoutTellingAChange) {
     startRehearsal();
     rehearsal_->hide(rehearsed() + "/a/f");
-    EXPECT_EQ(carryOut(opening("a/f", O_RDONLY), rehearsed()), "open a/f 0 = ENOENT");
-    EXPECT_EQ(carryOut(opening("l/f", O_RDONLY), rehearsed()), "open l/f 0 = ENOENT");
+    EXPECT_EQ(carryOut(opening("a/f", O_RDONLY), rehearsed()),
+              "open a/f 0 = error: No such file or directory");
+    EXPECT_EQ(carryOut(opening("l/f", O_RDONLY), rehearsed()),
+              "open l/f 0 = error: No such file or directory");
     EXPECT_EQ(listOf(rehearsal_->changes(), rehearsed()), "");
 }
 
