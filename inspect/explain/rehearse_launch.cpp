@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
+#include "platform/transfer.h"
 
 #include <errno.h>
 #include <poll.h>
@@ -100,14 +101,7 @@ void tell(int status) {
     } catch (const std::exception& problem) {
         text = json::to_cbor(json{{"problem", problem.what()}});
     }
-    std::size_t at = 0;
-    while (at < text.size()) {
-        const ssize_t written = write(stage->output, text.data() + at, text.size() - at);
-        if (written <= 0 && errno != EINTR) {
-            return;
-        }
-        at += written > 0 ? static_cast<std::size_t>(written) : 0;
-    }
+    (void)writeFully(stage->output, {reinterpret_cast<const char*>(text.data()), text.size()});
 }
 
 struct LaunchEnded {
