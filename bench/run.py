@@ -6,6 +6,7 @@ The figures worth comparing are the ratios: every round of a comparison starts e
 a ratio is the median over the rounds of one program's time over another's. What an entry adds to a
 whole launch is told in processor time, of which there is too little to be seen in the whole time.
 """
+import atexit
 import datetime
 import json
 import os
@@ -17,6 +18,7 @@ import shutil
 import statistics
 import subprocess
 import sys
+import tempfile
 
 ROUNDS = 600
 JVM_ROUNDS = 100
@@ -27,7 +29,8 @@ SIZES = [10, 100, 1000, 10_000, 100_000]
 
 source = pathlib.Path(__file__).resolve().parent.parent
 build = pathlib.Path(sys.argv[1]).resolve()
-work = build / "bench" / "work"
+work = pathlib.Path(tempfile.mkdtemp(prefix="work-", dir=build / "bench"))
+atexit.register(shutil.rmtree, work, ignore_errors=True)
 measure_program = build / "bench" / "bench_measure"
 rows = []
 results = {}
@@ -279,8 +282,6 @@ def machine():
 
 
 def main():
-    shutil.rmtree(work, ignore_errors=True)
-    work.mkdir(parents=True)
     # A hundred thousand arguments do not fit into what the usual stack allows.
     resource.setrlimit(resource.RLIMIT_STACK,
                        (64 << 20, resource.getrlimit(resource.RLIMIT_STACK)[1]))
@@ -295,7 +296,6 @@ def main():
     widths = [max(len(cells[column]) for cells in rows) for column in range(3)]
     for name, text, goal, reached in rows:
         print(f"{name:{widths[0]}}  {text:>{widths[1]}}  {goal:{widths[2]}}  {reached}".rstrip())
-    shutil.rmtree(work, ignore_errors=True)
 
 
 main()

@@ -1,5 +1,5 @@
-// Texts that remember where they came from. A launch carries the origin along and decides nothing by
-// it; it is there for whoever explains a launch.
+// Texts that remember where they came from: for whoever explains a launch, and because the launcher
+// trusts what a file of the installation says and not what the command line says.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +14,8 @@ namespace rcp {
 struct Origin {
     std::shared_ptr<const std::wstring> file;
     std::size_t line = 0;
+
+    [[nodiscard]] bool isCommandLine() const { return !file && line > 0; }
 };
 
 /// An argument of the launcher's or of what it launches.

@@ -22,23 +22,26 @@ constexpr wchar_t kLogName[] = L"/rcplauncher.log";
 // close-on-exec and goes with the process.
 constinit int logFILE = -1;
 
-// Every record written while no log file is open, in order.
+// Every record written while no log file is open and, in a log that refuses one (its disk is full),
+// all from that one on, in order.
 std::string& queue() {
     static std::string logque;
     return logque;
 }
 
-void writeFully(int descriptor, std::string_view text) {
+// False when the file system refuses some of it.
+bool writeFully(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = write(descriptor, text.data(), text.size());
         if (written < 0 && errno == EINTR) {
             continue;
         }
         if (written <= 0) {
-            return;
+            return false;
         }
         text.remove_prefix(static_cast<std::size_t>(written));
     }
+    return true;
 }
 
 std::wstring withSlashes(std::wstring path) {
@@ -101,12 +104,13 @@ int openLog(const char* path, bool inTemporaryFolder, int extraFlags) {
 // The log becomes `text`. What an earlier launch left is written over and then cut off: a file that
 // was emptied first would be sent to the disk as soon as it is closed, while the platform starts.
 // Later records are appended, so that a second launcher that does this leaves no hole of zeros
-// before the first one's next record.
-void startLog(int descriptor, std::string_view text) {
-    writeFully(descriptor, text);
+// before the first one's next record. False when the file system refuses some of the text.
+bool startLog(int descriptor, std::string_view text) {
+    const bool isWritten = writeFully(descriptor, text);
     (void)ftruncate(descriptor, lseek(descriptor, 0, SEEK_CUR));
     fcntl(descriptor, F_SETFL, O_APPEND | O_NONBLOCK);
     logFILE = descriptor;
+    return isWritten;
 }
 
 // A traced launch keeps its log: the name carries the start time to the millisecond, and a launch
@@ -130,42 +134,44 @@ int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstrin
 
 bool enableLoggingIn(const std::wstring& folder, bool inTemporaryFolder) {
     std::wstring path = withSlashes(folder + kLogName);
-    const int descriptor = debug ? openFreshLog(folder, inTemporaryFolder, path)
-                                 : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
+    const int descriptor = isTracingAsked()
+                               ? openFreshLog(folder, inTemporaryFolder, path)
+                               : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
     if (descriptor < 0) {
-        fatalErrorA("ZYPRA0019E: Could not open %ls for writing!", path, Then::kReturn,
-                    ErrnoText::kAppend);
+        report(because(errno), "ZYPRA0019E: Could not open %ls for writing!", path);
         return false;
     }
-    std::string queued = std::exchange(queue(), {});
-    queued += '\n';
-    startLog(descriptor, queued);
+    if (startLog(descriptor, queue() + '\n')) {
+        queue().clear();
+    }
     return true;
 }
 
 }  // namespace
 
 void writeToLog(std::string_view text) {
-    if (logFILE >= 0) {
-        writeFully(logFILE, text);
-    } else {
+    const bool isWritten = logFILE >= 0 && writeFully(logFILE, text);
+    if (!isWritten || !queue().empty()) {
         queue() += text;
     }
 }
 
 void writeLastWords(std::string_view text) {
-    if (logFILE >= 0) {
-        writeFully(logFILE, text);
+    if (logFILE >= 0 && writeFully(logFILE, text)) {
         return;
     }
     const int descriptor = openLog("/tmp/rcplauncher.log", true, 0);
     if (descriptor >= 0) {
-        startLog(descriptor, text);
+        (void)startLog(descriptor, text);
     }
 }
 
 bool logIsOpen() {
     return logFILE >= 0;
+}
+
+bool logHasAll() {
+    return logIsOpen() && queue().empty();
 }
 
 const std::string& logQueue() {

@@ -37,24 +37,10 @@ void output_doit(std::string_view format, std::span<const FormatArgument> argume
     }
 }
 
-// Error records: always. `savedErrno` is the errno of the moment the report began.
-std::string err_doit(ErrnoText errnoText, int savedErrno, std::string_view format,
-                     std::span<const FormatArgument> arguments) {
-    std::string text = expandFormat(format, arguments);
-    text.resize(cutAtCharacter(text, kRecordLimit).size());
-    if (errnoText == ErrnoText::kAppend) {
-        text += " : ";
-        text += strerror(savedErrno);
-        text.resize(cutAtCharacter(text, kRecordLimit).size());
-    }
-    writeRecord(text);
-    return text;
-}
-
 constexpr int kFatalStatus = 255;
 
 void endProcess(int status) {
-    if (status != 0 && !logIsOpen()) {
+    if (status != 0 && !logHasAll()) {
         dumpLogToTempLocation();
     }
     exit(status);
@@ -72,23 +58,6 @@ class Reporting {
     Reporting(Reporting&&) = delete;
     Reporting& operator=(Reporting&&) = delete;
 };
-
-void reportAndMaybeEnd(std::string_view format, std::span<const FormatArgument> arguments,
-                       Then then, ErrnoText errnoText) {
-    const int savedErrno = errno;
-    if (then == Then::kReturn) {
-        err_doit(errnoText, savedErrno, format, arguments);
-        return;
-    }
-    if (reportingFatalError) {
-        // Only exhausted memory fails while it is being reported.
-        writeLastWords("ZYPRA0004E: malloc failed!\n");
-        _exit(255);
-    }
-    const Reporting reporting;
-    err_doit(errnoText, savedErrno, format, arguments);
-    endFunction(kFatalStatus);
-}
 
 void runOutOfMemory();
 
@@ -110,8 +79,7 @@ constinit EmergencyReserve emergencyReserve;
 
 void runOutOfMemory() {
     emergencyReserve.release();
-    errno = ENOMEM;
-    fatal("ZYPRA0004E: malloc failed!");
+    fatal(because(ENOMEM), "ZYPRA0004E: malloc failed!");
 }
 
 }  // namespace
@@ -123,6 +91,26 @@ void setDebug(bool on) {
 void setDebug(bool on, bool& saved) {
     saved = debug;
     debug = on;
+}
+
+const ForcedTracing* ForcedTracing::outermost_ = nullptr;
+
+ForcedTracing::ForcedTracing() {
+    setDebug(true, saved_);
+    if (outermost_ == nullptr) {
+        outermost_ = this;
+    }
+}
+
+ForcedTracing::~ForcedTracing() {
+    setDebug(saved_);
+    if (outermost_ == this) {
+        outermost_ = nullptr;
+    }
+}
+
+bool isTracingAsked() {
+    return ForcedTracing::outermost_ == nullptr ? debug : ForcedTracing::outermost_->saved_;
 }
 
 void SvcDebugOutA(std::string_view text) {
@@ -186,52 +174,36 @@ void Output(std::string_view format, std::span<const FormatArgument> arguments) 
     output_doit(format, arguments);
 }
 
-std::string fatalError(ErrnoText errnoText, std::string_view format,
-                       std::span<const FormatArgument> arguments) {
-    return err_doit(errnoText, errno, format, arguments);
+std::string Reason::text() const {
+    std::string text = place_.empty() ? std::string() : " (" + toUtf8(place_) + ")";
+    if (words_ != nullptr || error_ != 0) {
+        text += " : ";
+        text += words_ != nullptr ? words_ : strerror(error_);
+    }
+    return text;
 }
 
-void fatalErrorA(std::string_view message, Then then, ErrnoText errnoText) {
-    reportAndMaybeEnd(message, {}, then, errnoText);
+std::string reportRecord(const Reason& reason, std::string_view format,
+                         std::span<const FormatArgument> arguments) {
+    std::string text = expandFormat(format, arguments);
+    text.resize(cutAtCharacter(text, kRecordLimit).size());
+    text += reason.text();
+    text.resize(cutAtCharacter(text, kRecordLimit).size());
+    writeRecord(text);
+    return text;
 }
 
-void fatalErrorA(std::string_view format, std::string_view argument, Then then,
-                 ErrnoText errnoText) {
-    const FormatArgument arguments[] = {argument};
-    reportAndMaybeEnd(format, arguments, then, errnoText);
-}
-
-void fatalErrorA(std::string_view format, std::wstring_view argument, Then then,
-                 ErrnoText errnoText) {
-    const FormatArgument arguments[] = {argument};
-    reportAndMaybeEnd(format, arguments, then, errnoText);
-}
-
-void fatalErrorW(std::wstring_view message, Then then, ErrnoText errnoText) {
-    const int savedErrno = errno;
-    const std::string narrow = toUtf8(message);
-    errno = savedErrno;
-    reportAndMaybeEnd(narrow, {}, then, errnoText);
-}
-
-void fatal(std::string_view format) {
-    fatalErrorA(format, Then::kExit, ErrnoText::kAppend);
-    _exit(255);  // not reached
-}
-
-void fatal(std::string_view format, std::wstring_view argument) {
-    fatalErrorA(format, argument, Then::kExit, ErrnoText::kAppend);
-    _exit(255);  // not reached
-}
-
-void fatal(std::string_view format, long argument) {
-    const FormatArgument arguments[] = {argument};
-    reportAndMaybeEnd(format, arguments, Then::kExit, ErrnoText::kAppend);
-    _exit(255);  // not reached
-}
-
-void report(std::string_view format, std::wstring_view argument) {
-    fatalErrorA(format, argument, Then::kReturn, ErrnoText::kOmit);
+void endWithRecord(const Reason& reason, std::string_view format,
+                   std::span<const FormatArgument> arguments) {
+    if (reportingFatalError) {
+        // Only exhausted memory fails while it is being reported.
+        writeLastWords("ZYPRA0004E: malloc failed!\n");
+        _exit(kFatalStatus);
+    }
+    const Reporting reporting;
+    reportRecord(reason, format, arguments);
+    endFunction(kFatalStatus);
+    _exit(kFatalStatus);  // not reached
 }
 
 void endLaunch(int status) {

@@ -3,7 +3,8 @@
 //   record --> log file open? --yes--> appended to the file at once
 //                  |
 //                  no --> `logque`; emptied into the log file when it is opened, or into the
-//                         temporary log in /tmp when a fatal error comes first
+//                         temporary log in /tmp when a fatal error comes first; holds besides what
+//                         an open log file refuses
 //
 // Records are plain lines without time stamp. The message id at their start ("ZYPRA", four digits
 // and I for information or E for error) is part of the text. Information goes out through the
@@ -12,7 +13,9 @@
 
 #include "diagnostics/argument.h"
 #include "diagnostics/format.h"
+#include "diagnostics/reason.h"
 
+#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -35,16 +38,21 @@ void setDebug(bool on, bool& saved);
 /// Tracing forced on for a scope: the argument dump, the launch parameters, the lock's records.
 class ForcedTracing {
   public:
-    ForcedTracing() { setDebug(true, saved_); }
-    ~ForcedTracing() { setDebug(saved_); }
+    ForcedTracing();
+    ~ForcedTracing();
     ForcedTracing(const ForcedTracing&) = delete;
     ForcedTracing& operator=(const ForcedTracing&) = delete;
     ForcedTracing(ForcedTracing&&) = delete;
     ForcedTracing& operator=(ForcedTracing&&) = delete;
 
   private:
+    friend bool isTracingAsked();
+    static const ForcedTracing* outermost_;
     bool saved_ = false;
 };
+
+/// Whether the user asked for tracing, whatever is forced on at the moment.
+bool isTracingAsked();
 
 // --- Tracing: nothing is formatted or written while `debug` is off. ---
 
@@ -66,30 +74,30 @@ void Output(std::string_view format, std::span<const FormatArgument> arguments);
 
 // --- Errors: written whatever `debug` is. ---
 
-enum class Then { kReturn, kExit };
-enum class ErrnoText { kOmit, kAppend };
+/// One error record: `format` with `arguments`, then what `reason` knows. Returns it.
+std::string reportRecord(const Reason& reason, std::string_view format,
+                         std::span<const FormatArgument> arguments);
+/// The same, then the end of the process with status 255 (exit(3), so what was registered with
+/// atexit(3) runs).
+[[noreturn]] void endWithRecord(const Reason& reason, std::string_view format,
+                                std::span<const FormatArgument> arguments);
 
-/// Writes one error record and returns its text. With ErrnoText::kAppend " : " and the system's
-/// text for the errno of the moment of the call follow.
-std::string fatalError(ErrnoText errnoText, std::string_view format,
-                       std::span<const FormatArgument> arguments = {});
+/// Reports a failure that the launch survives.
+template <typename... Values>
+void report(const Reason& reason, std::string_view format, const Values&... values) {
+    const std::array<FormatArgument, sizeof...(Values)> arguments{FormatArgument(values)...};
+    reportRecord(reason, format, arguments);
+}
 
-/// One error record; with Then::kExit the process ends with status 255 (exit(3), so what was
-/// registered with atexit(3) runs). `message` is a format without arguments.
-void fatalErrorA(std::string_view message, Then then, ErrnoText errnoText);
-void fatalErrorA(std::string_view format, std::string_view argument, Then then,
-                 ErrnoText errnoText);
-void fatalErrorA(std::string_view format, std::wstring_view argument, Then then,
-                 ErrnoText errnoText);
-void fatalErrorW(std::wstring_view message, Then then, ErrnoText errnoText);
-
-/// The usual ends: a record with the system error text, then exit(3) with status 255.
-[[noreturn]] void fatal(std::string_view format);
-[[noreturn]] void fatal(std::string_view format, std::wstring_view argument);
-[[noreturn]] void fatal(std::string_view format, long argument);
+/// Reports a failure that ends the launch.
+template <typename... Values>
+[[noreturn]] void fatal(const Reason& reason, std::string_view format, const Values&... values) {
+    const std::array<FormatArgument, sizeof...(Values)> arguments{FormatArgument(values)...};
+    endWithRecord(reason, format, arguments);
+}
 
 /// Ends the process where a launch is over before the hand-off; with another status than 0 the
-/// records go to the temporary log when no log is open.
+/// records go to the temporary log when no log is open, or the open one has refused some.
 [[noreturn]] void endLaunch(int status);
 
 using EndFunction = void (*)(int status);
@@ -98,9 +106,6 @@ using EndFunction = void (*)(int status);
 /// return.
 EndFunction setEndFunction(EndFunction function);
 
-/// The usual report of a failure that the launch survives: a record without system error text.
-void report(std::string_view format, std::wstring_view argument = {});
-
 /// " Failed with error N: text" for the current errno.
 void GetLastErrorMsg(std::string& out);
 void GetLastErrorMsg(std::wstring& out);
@@ -108,7 +113,7 @@ void GetLastErrorMsg(std::wstring& out);
 // --- The log file. ---
 
 /// Opens the log in `folder` ("rcplauncher.log"; "rcplauncher_TIME.log", a new file of its own,
-/// while tracing is on) and empties the queue into it. False, with one error record queued, when it
+/// when the user asked for tracing) and empties the queue into it. False, with one error record queued, when it
 /// cannot be opened.
 bool enableLogging(const std::wstring& folder);
 /// enableLogging for the temporary folder /tmp. Everybody can write there, so only a regular file

@@ -19,8 +19,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } else {
         require(parsed.kind != LockContent::kNumber, "what is no number is none");
     }
-    const bool isBlank = content.find_first_not_of(" \t\n\v\f\r") == std::string::npos;
-    require(isBlank == (parsed.kind == LockContent::kNothing), "blanks are nothing");
+    constexpr std::string_view kNoData(" \t\n\v\f\r\0", 7);
+    const bool isEmpty = content.find_first_not_of(kNoData) == std::string::npos;
+    require(isEmpty == (parsed.kind == LockContent::kNothing), "blanks and NUL bytes are nothing");
 
     // An id written over whatever stands in the file is read back.
     if (parsed.kind == LockContent::kNumber && parsed.number >= 0) {

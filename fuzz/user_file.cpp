@@ -97,7 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         checkKeyFilter(fuzz::wide(line));
     }
 
-    const std::optional<std::wstring> block = userFileBlock(properties);
+    const std::optional<UserFileBlock> block = userFileBlock(properties);
     require(block.has_value() == (findProperty(L"rcp.install.id", properties) != nullptr &&
                                   findProperty(L"rcp.base.location", properties) != nullptr),
             "a block is made from the two required values");
@@ -109,10 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(ended != block.has_value(), "without a block the process ends");
     if (!ended) {
         const std::string written = fuzz::contentOf(target);
-        const std::string end = expandFormat(toNarrow(*block));
-        require(written.ends_with(end), "the block ends the file");
+        require(written.ends_with(block->lines), "the block ends the file");
         if (isPlain(file)) {
-            require(written == keptLines(file) + end, "no line is lost, no other is added");
+            require(written == keptLines(file) + block->lines,
+                    "no line is lost, no other is added");
         }
     }
     fuzz::requireLinearTime(fuzz::wide(file),

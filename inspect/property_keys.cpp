@@ -46,7 +46,7 @@ constexpr PropertyKey kKeys[] = {
      "what -vm names below the JVM's location"},
     {L"jvm.extpath", kNothing, kFirstFile, kStandard, false,
      "the JVM's folder behind -Djava.ext.dirs"},
-    {L"vm", kNothing, kAtTheEnd, kNone, false, "the JVM when -vm is not given"},
+    {L"vm", kNothing, kAtTheEnd, kRcpHome, false, "the JVM when -vm is not given"},
     {L"vmarg.", kAnything, kEverywhere, kAll, false, "a JVM argument"},
     {L"-D", kAnything, kAtTheEnd, kNone, false, "a system property of the JVM"},
     {L"-X", kAnything, kAtTheEnd, kNone, false, "a JVM option"},

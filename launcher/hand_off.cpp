@@ -11,6 +11,7 @@
 #include "system/system_calls.h"
 
 #include <dlfcn.h>
+#include <errno.h>
 #include <strings.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,12 +29,8 @@ using SetInitialArgs = void (*)(int argc, char** argv, char* library);
 using Run = int (*)(int argc, char** argv, char** vmArgs);
 
 [[noreturn]] void libraryFailed(const std::string& path, const char* reason) {
-    const FormatArgument arguments[] = {std::string_view(path),
-                                        std::string_view(reason == nullptr ? "" : reason)};
-    const std::string text =
-        expandFormat("Error: invokeEclipseDylib: %s cannot be used: %s", arguments);
-    fatalErrorA("%s", text, Then::kExit, ErrnoText::kOmit);
-    _exit(255);  // not reached
+    fatal(noReason(), "Error: invokeEclipseDylib: %s cannot be used: %s", path,
+          reason == nullptr ? "" : reason);
 }
 
 void* entryPoint(void* library, const char* name, const std::string& path) {
@@ -62,13 +59,11 @@ void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArgum
 // The parent. In the direct Java shape there is no library, whatever the hand-off.
 void becomePlatform(NarrowArguments& launchArguments, Gate& gate) {
     closeLockFile();
-    restoreFileSizeSignal();
     if (invokeDylib && !eclipseSoPath.empty()) {
         invokeEclipseDylib(launchArguments, gate);
         return;
     }
-    execv(launchArguments.data()[0], launchArguments.data());
-    reportFailedExec(launchArgs.front());
+    becomeProgram(launchArguments);
 }
 
 }  // namespace
@@ -85,8 +80,7 @@ void launchEclipse(const Arguments& arguments) {
         return;
     }
     if (child < 0) {
-        fatalErrorA("Error: fork: the platform's process id is not recorded", Then::kReturn,
-                    ErrnoText::kAppend);
+        report(because(errno), "Error: fork: the platform's process id is not recorded");
         unlockLockFile();  // nobody else will
     }
     becomePlatform(launchArguments, gate);
@@ -102,6 +96,7 @@ void invokeEclipseDylib(NarrowArguments& arguments, Gate& gate) {
         reinterpret_cast<SetInitialArgs>(entryPoint(library, "setInitialArgs", path));
     const auto run = reinterpret_cast<Run>(entryPoint(library, "run", path));
 
+    restoreFileSizeSignal();
     // The library keeps the first list, to start the program again if it must, and takes options
     // out of the second: each gets an array of its own.
     std::vector<char*> initial(arguments.data(), arguments.data() + arguments.count() + 1);

@@ -19,6 +19,7 @@
 
 #include <cstring>
 #include <exception>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -40,8 +41,14 @@ std::wstring jvmLocation(const PropertyList& properties) {
     return valueOr(L"jvm.location", kDefaultJvmLocation, properties);
 }
 
-[[noreturn]] void localeFailed() {
-    fatal("ZYPRA0182E: Set locale error!");
+// setlocale(3) with the reason for a failure: none where the C library leaves no errno.
+const char* setCharacterType(const char* name) {
+    errno = 0;
+    const char* set = setlocale(LC_CTYPE, name);
+    if (set == nullptr) {
+        fatal(because(errno), "ZYPRA0182E: Set locale error!");
+    }
+    return set;
 }
 
 Arguments wideArguments(int argc, char** argv) {
@@ -51,9 +58,7 @@ Arguments wideArguments(int argc, char** argv) {
         arguments.emplace_back(chartowcs(argv[i]).get(),
                                Origin{nullptr, static_cast<std::size_t>(i)});
         if (arguments.back().empty() && *argv[i] != '\0') {
-            const FormatArgument number[] = {static_cast<long>(i)};
-            fatalError(ErrnoText::kOmit, "Error: main: argument %d is no text of this locale.",
-                       number);
+            report(noReason(), "Error: main: argument %d is no text of this locale.", i);
         }
     }
     if (arguments.empty()) {
@@ -77,10 +82,26 @@ void dumpArguments(const Arguments& arguments) {
     SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
 }
 
+// All that comes before the hand-off; the launcher's arguments, or nothing when the launch has to
+// begin anew.
+std::optional<Arguments> prepareLaunch(int argc, char** argv) {
+    userFirstLaunch = false;
+    Arguments arguments = wideArguments(argc, argv);
+    bRestart = haveLaunchOption("-restart", {argv, argv + argc});
+    Installation installation = readInstallation(arguments);
+    applyProperties(arguments, installation.properties);
+    setDebug(isDebug(arguments));
+    dumpArguments(arguments);
+    doVersionCheck(arguments);
+    if (startup(arguments, std::move(installation)) == Launch::kBeginsAnew) {
+        return std::nullopt;
+    }
+    return arguments;
+}
+
 // Nothing below should throw. If something does, what was recorded so far is not lost.
 [[noreturn]] void endUnexpectedly(std::string_view reason) {
-    fatalErrorA("Error: startup: unexpected failure: %s", reason, Then::kExit, ErrnoText::kOmit);
-    _exit(255);  // not reached
+    fatal(noReason(), "Error: startup: unexpected failure: %s", reason);
 }
 
 }  // namespace
@@ -90,17 +111,13 @@ void launch(int argc, char** argv) {
         quitWithNoJavaWarning();
     }
     setCharacterLocale();
-    Arguments arguments = wideArguments(argc, argv);
-    bRestart = haveLaunchOption("-restart", {argv, argv + argc});
-    Installation installation = readInstallation(arguments);
-    applyProperties(arguments, installation.properties);
-    setDebug(isDebug(arguments));
-    dumpArguments(arguments);
-    doVersionCheck(arguments);
-    startup(arguments, std::move(installation));
+    std::optional<Arguments> arguments;
+    while (!arguments) {
+        arguments = prepareLaunch(argc, argv);
+    }
     addArgToCommandLine(L"-Dfile.encoding=UTF-8", false);
     addArgToCommandLine(L"-XstartOnFirstThread", false);
-    launchEclipse(arguments);
+    launchEclipse(*arguments);
 }
 
 int runLauncher(int argc, char** argv) {
@@ -118,12 +135,8 @@ int runLauncher(int argc, char** argv) {
 }
 
 void setCharacterLocale() {
-    const char* name = setlocale(LC_CTYPE, "");
-    if (name == nullptr) {
-        localeFailed();
-    }
-    if (std::strcmp(name, "C") == 0 && setlocale(LC_CTYPE, platform::kUtf8LocaleName) == nullptr) {
-        localeFailed();
+    if (std::strcmp(setCharacterType(""), "C") == 0) {
+        setCharacterType(platform::kUtf8LocaleName);
     }
 }
 
@@ -156,7 +169,7 @@ void appendVm(Arguments& arguments, const PropertyList& properties) {
 
 void doVersionCheck(const Arguments& arguments) {
     if (arguments.size() == 2 && hasOption(L"-version", arguments)) {
-        fatal("ZYPRA0031I:   version = \"%ls\"", kVersion);
+        fatal(noReason(), "ZYPRA0031I:   version = \"%ls\"", kVersion);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "launcher/core/install_id.h"
 #include "launcher/core/launch_inputs.h"
 #include "launcher/core/launch_state.h"
+#include "launcher/core/option_values.h"
 #include "launcher/core/placeholders.h"
 #include "launcher/core/platform_lock.h"
 #include "launcher/core/platform_xml.h"
@@ -40,9 +41,7 @@ void ensure(const std::wstring& directory, const char* message) {
         return;
     }
     userFirstLaunch = true;
-    if (!ensureDirectory(directory)) {
-        fatal(message, directory);
-    }
+    ensureDirectory(directory, message);
 }
 
 // The base location with its "${rcp.home}" replaced; stored back, so that every later step sees the
@@ -50,7 +49,8 @@ void ensure(const std::wstring& directory, const char* message) {
 std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& propertyFile) {
     const std::wstring* property = findProperty(L"rcp.base.location", inputs.properties);
     if (property == nullptr) {
-        fatal("ZYPRA0050E: rcp.base.location property is missing from %ls", propertyFile);
+        fatal(noReason(), "ZYPRA0050E: rcp.base.location property is missing from %ls",
+              propertyFile);
     }
     std::wstring base = *property;
     replaceEvery(base, kRcpHomePlaceholder, inputs.installDir);
@@ -88,6 +88,15 @@ void prepareWorkspace(LaunchInputs& inputs) {
     ensure(inputs.workspace, "ZYPRA0083E: Unable to create %ls directory.");
 }
 
+void reportMissingValue(const Arguments& arguments) {
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        if (lacksValue(arguments, i)) {
+            report(noReason(), "Error: startup: option %ls stands last and has no value.",
+                   arguments[i]);
+        }
+    }
+}
+
 void checkArguments(const Arguments& arguments) {
     validateIfUrlHandlerLaunch(arguments);
     validateThatDoubleQuotesNotUsed(arguments);
@@ -107,18 +116,25 @@ void openLog(const std::wstring& workspace) {
 // Reuse after another installation, or the reset the user asked for. Only the main launcher moves
 // the configuration area: under a daemon a platform is running in it.
 void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
+    const bool isAsked = isResetConfig(inputs.arguments);
     if (userFirstLaunch) {
+        if (isAsked) {
+            report(noReason(),
+                   "Error: startup: -resetconfig is not carried out, because directories of the "
+                   "user's area had to be made (workspace %ls).",
+                   inputs.workspace);
+        }
         return;
     }
     // There is one: getInstallID has made sure.
     const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
     const bool isOld = isOldRcpInstallId(*installId, inputs.configuration);
-    const bool isAsked = isResetConfig(inputs.arguments);
     if (!isOld && !isAsked) {
         return;
     }
     if (!isMainProcess()) {
-        report("Error: startup: %ls is in use by the running platform and is not renewed.",
+        report(noReason(),
+               "Error: startup: %ls is in use by the running platform and is not renewed.",
                inputs.configuration);
     } else if (isOld) {
         createReusableWorkspace(inputs.workspace, inputs.configuration);
@@ -159,8 +175,8 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
     std::wstring workspace = inputs.workspace;
     convertBS2S(workspace);
     SvcDebugOutW(L"ZYPRA0077I: Velmo workspaceLocation is -  \"%s\"", workspace);
-    inputs.properties.append({L"velmo.workspace.loc", workspace, {}});
-    inputs.userProperties.append({L"velmo.workspace.loc", workspace, {}});
+    pushBackProperty(inputs.properties, L"velmo.workspace.loc", workspace);
+    pushBackProperty(inputs.userProperties, L"velmo.workspace.loc", workspace);
     insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
     if (getPropertiesIfThere(osPath(inputs.configuration + L"/args.properties"),
                              inputs.properties)) {
@@ -174,6 +190,17 @@ void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
     removeUnfinished(path);  // may be another workspace's at work, unlike the user's own files
     if (const std::wstring* identifier = getBundleIdentifier(inputs.arguments)) {
         updateInfoPlist(path, *identifier);
+    }
+}
+
+// A plain Java command line has no word for a daemon.
+void reportSecondPlatform() {
+    if (!isMainProcess() && isDirectJavaShape()) {
+        report(
+            noReason(),
+            "Error: startup: process %ls is this workspace's platform; another one starts beside "
+            "it.",
+            std::to_wstring(pid));
     }
 }
 
@@ -195,14 +222,19 @@ Installation readInstallation(const Arguments& arguments) {
     return installation;
 }
 
-void startup(const Arguments& arguments, Installation installation) {
+Launch startup(const Arguments& arguments, Installation installation) {
     LaunchInputs inputs;
+    reportMissingValue(arguments);
     const std::wstring base = applyInstallation(arguments, std::move(installation), inputs);
     prepareWorkspace(inputs);
     checkArguments(inputs.arguments);
 
     getMainProcessName(mainProcessName, inputs.properties);
-    locateLockFile(inputs.arguments, inputs.workspace, mainProcessName);
+    platformExecutable = executedProgram(inputs);
+    if (locateLockFile(inputs.arguments, inputs.workspace, mainProcessName) ==
+        Launch::kBeginsAnew) {
+        return Launch::kBeginsAnew;
+    }
     openLog(inputs.workspace);
     waitForDeletionOfDebugFile();
     validateInstallerState(inputs.arguments);
@@ -224,8 +256,10 @@ void startup(const Arguments& arguments, Installation installation) {
     if (isMainProcess()) {
         checkForProvisioning(inputs);
     }
+    reportSecondPlatform();
     switchToInitialConfiguration(inputs);
     getUserCmdString(inputs, LaunchKind::kPlatform);
+    return Launch::kGoesOn;
 }
 
 }  // namespace rcp

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "launcher/core/arguments.h"
+#include "launcher/core/platform_lock.h"
 #include "launcher/core/property_list.h"
 
 #include <string>
@@ -19,7 +20,8 @@ Installation readInstallation(const Arguments& arguments);
 
 /// Prepares the user's area and fills `launchArgs` (launcher/core/launch_arguments.h). `arguments`
 /// are the launcher's own as process entry extended them, `installation` is what process entry has
-/// read. Every failure ends the process.
-void startup(const Arguments& arguments, Installation installation);
+/// read. Every failure ends the process. A launch that begins anew has decided nothing yet, but made
+/// the workspace if it was missing.
+[[nodiscard]] Launch startup(const Arguments& arguments, Installation installation);
 
 }  // namespace rcp

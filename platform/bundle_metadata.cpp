@@ -1,12 +1,16 @@
 #include "platform/bundle_metadata.h"
 
+#include "diagnostics/svc_debug.h"
 #include "platform/files.h"
-#include "platform/text.h"
 #include "platform/whole_file.h"
 
+#include <errno.h>
 #include <stdio.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 
 namespace rcp {
 namespace {
@@ -36,16 +40,45 @@ std::optional<std::string> readBytes(const std::wstring& path) {
     return bytes;
 }
 
-}  // namespace
-
-const std::wstring* getBundleIdentifier(std::span<const Argument> arguments) {
-    for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
-        if (arguments[i] == L"-bundleIdentifier" && arguments[i + 1] != L"-vmargs") {
-            return &arguments[i + 1];
+// In every locale, unlike toNarrow: a property list is UTF-8. What is no character becomes bytes
+// that are none.
+std::string utf8Of(const std::wstring& text) {
+    std::string bytes;
+    for (const wchar_t character : text) {
+        const auto c = std::bit_cast<std::uint32_t>(character);
+        const int following = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+        constexpr unsigned kLead[] = {0x00, 0xC0, 0xE0, 0xF0};
+        bytes += static_cast<char>(kLead[following] | c >> (6 * following));
+        for (int left = following - 1; left >= 0; --left) {
+            bytes += static_cast<char>(0x80 | (c >> (6 * left) & 0x3F));
         }
     }
-    return nullptr;
+    return bytes;
 }
+
+// What XML can hold at all. A parser may be more generous when it reads, but no other program is.
+bool isXmlText(const std::wstring& text) {
+    return std::all_of(text.begin(), text.end(), [](wchar_t character) {
+        const bool isSpace = character == L'\t' || character == L'\n' || character == L'\r';
+        return isSpace || (character >= 0x20 && character != 0xFFFE && character != 0xFFFF);
+    });
+}
+
+// The list as XML, which reads back with the identifier that it got; empty when that cannot be.
+std::string withIdentifier(platform::PropertyListDocument& list, const std::string& identifier) {
+    list.setString(kIdentifierKey, identifier);
+    std::string xml = list.toXml();
+    const auto again = platform::parsePropertyList(xml);
+    const bool isSet = again && again->stringForKey(kIdentifierKey) == identifier;
+    return isSet ? xml : std::string();
+}
+
+bool writeInPlace(const std::wstring& path, const std::string& text) {
+    WholeFile file(path);
+    return file.open() && file.write(text) && file.commit();
+}
+
+}  // namespace
 
 std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
     const std::wstring& path) {
@@ -58,11 +91,7 @@ std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
 
 bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path) {
     const std::string xml = list.toXml();
-    if (xml.empty()) {
-        return false;
-    }
-    WholeFile file(path);
-    return file.open() && file.write(xml) && file.commit();
+    return !xml.empty() && writeInPlace(path, xml);
 }
 
 void updateInfoPlist(const std::wstring& path, const std::wstring& identifier) {
@@ -70,16 +99,17 @@ void updateInfoPlist(const std::wstring& path, const std::wstring& identifier) {
     if (!list || !list->isDictionary()) {
         return;
     }
-    const std::string wanted = toNarrow(identifier);
-    if (wanted.empty()) {
-        return;  // a bundle without identifier would not start any more
-    }
+    const std::string wanted = utf8Of(identifier);
     const std::optional<std::string> current = list->stringForKey(kIdentifierKey);
     if (current && platform::equalIgnoringCase(*current, wanted)) {
         return;
     }
-    list->setString(kIdentifierKey, wanted);
-    writePropertyListToFile(*list, path);
+    const std::string xml = isXmlText(identifier) ? withIdentifier(*list, wanted) : std::string();
+    if (xml.empty()) {
+        report(noReason(), "Error: updateInfoPlist: the identifier cannot be set in %ls.", path);
+    } else if (!writeInPlace(path, xml)) {
+        report(because(errno), "Error: updateInfoPlist: %ls cannot be written", path);
+    }
 }
 
 }  // namespace rcp

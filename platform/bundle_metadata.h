@@ -2,17 +2,12 @@
 // "Info.plist" in step with the one given on the command line.
 #pragma once
 
-#include "diagnostics/argument.h"
 #include "platform/platform.h"
 
 #include <optional>
-#include <span>
 #include <string>
 
 namespace rcp {
-
-/// The argument behind the first "-bundleIdentifier" that has one; null without.
-const std::wstring* getBundleIdentifier(std::span<const Argument> arguments);
 
 /// The property list in the file at `path`; empty optional when there is none that can be read.
 std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
@@ -23,8 +18,9 @@ std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
 bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path);
 
 /// Sets "CFBundleIdentifier" in the dictionary of the file at `path`. The file is not touched when
-/// it cannot be read, is no dictionary, or already holds the identifier in any letter case. A
-/// failed write is not reported: the launch does not depend on it.
+/// it cannot be read, is no dictionary, or already holds the identifier in any letter case. An
+/// identifier that cannot be set or a file that cannot be written is reported, no more: the launch
+/// does not depend on it.
 void updateInfoPlist(const std::wstring& path, const std::wstring& identifier);
 
 }  // namespace rcp

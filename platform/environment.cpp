@@ -26,7 +26,14 @@ const wchar_t* getEnv(const std::wstring& name, std::wstring& value) {
 }
 
 bool setEnv(const std::wstring& name, const std::wstring& value, bool overwrite) {
-    return setenv(toNarrow(name).c_str(), toNarrow(value).c_str(), overwrite ? 1 : 0) != 0;
+    const std::string narrow = toNarrow(value);
+    if (narrow.empty() && !value.empty()) {
+        report(noReason(),
+               "Error: setEnv: the value of %ls is no text of this locale; the variable stays.",
+               name);
+        return true;
+    }
+    return setenv(toNarrow(name).c_str(), narrow.c_str(), overwrite ? 1 : 0) != 0;
 }
 
 bool unsetEnv(const std::wstring& name) {

@@ -11,7 +11,7 @@ namespace rcp {
 /// emptied, one trace record is written, and the result is null.
 const wchar_t* getEnv(const std::wstring& name, std::wstring& value);
 /// setenv(3). The sense is the reverse of the usual one and callers rely on it: true when it
-/// failed.
+/// failed. A value that is no text of the locale leaves a record and the variable as it was.
 bool setEnv(const std::wstring& name, const std::wstring& value, bool overwrite);
 /// unsetenv(3); always true.
 bool unsetEnv(const std::wstring& name);

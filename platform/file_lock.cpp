@@ -17,11 +17,25 @@ bool lockExclusively(int descriptor) {
     return true;
 }
 
-bool isNamed(int descriptor, const std::string& path) {
+namespace {
+
+using Status = int (*)(const char* path, struct stat* status);
+
+bool isSame(int descriptor, const std::string& path, Status statusOf) {
     struct stat opened {};
     struct stat named {};
-    return fstat(descriptor, &opened) == 0 && calls::lstat(path.c_str(), &named) == 0 &&
+    return fstat(descriptor, &opened) == 0 && statusOf(path.c_str(), &named) == 0 &&
            opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+}
+
+}  // namespace
+
+bool isNamed(int descriptor, const std::string& path) {
+    return isSame(descriptor, path, calls::lstat);
+}
+
+bool isLedTo(int descriptor, const std::string& path) {
+    return isSame(descriptor, path, calls::stat);
 }
 
 }  // namespace rcp

@@ -13,4 +13,7 @@ bool lockExclusively(int descriptor);
 /// former holder may have renamed or removed the file meanwhile. Links are not followed.
 bool isNamed(int descriptor, const std::string& path);
 
+/// The same where `path` may be a link to the file.
+bool isLedTo(int descriptor, const std::string& path);
+
 }  // namespace rcp

@@ -1,5 +1,6 @@
 #include "platform/files.h"
 
+#include "diagnostics/svc_debug.h"
 #include "platform/text.h"
 #include "system/system_calls.h"
 
@@ -55,6 +56,14 @@ bool isRegular(int descriptor) {
     return false;
 }
 
+Reason whyNoDirectory(const std::wstring& path, const PathMade& made) {
+    if (made.error != 0) {
+        const Reason reason = because(made.error);
+        return made.failed == path ? reason : reason.at(made.failed);
+    }
+    return isLink(path) ? because("it is a symbolic link") : because(EEXIST);
+}
+
 }  // namespace
 
 bool existsA(const std::string& path) {
@@ -73,11 +82,18 @@ bool exists(const std::wstring& path) {
 
 bool isDirectory(const std::wstring& path) {
     struct stat status {};
+    errno = 0;
     return calls::lstat(toNarrow(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool isLink(const std::wstring& path) {
+    struct stat status {};
+    return calls::lstat(toNarrow(path).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
 bool isExecutable(const std::string& path) {
     struct stat status {};
+    errno = 0;
     return calls::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IXUSR) != 0;
 }
 
@@ -88,6 +104,32 @@ bool isExecutable(const std::wstring& path) {
 std::optional<std::string> resolvedPath(const std::string& path) {
     const std::unique_ptr<char, FreeMemory> resolved(calls::realpath(path.c_str()));
     return resolved ? std::optional<std::string>(resolved.get()) : std::nullopt;
+}
+
+std::string withoutTrailingSlashes(std::string path) {
+    while (path.size() > 1 && (path.ends_with('/') || path.ends_with("/."))) {
+        path.pop_back();
+    }
+    return path;
+}
+
+// Not the standard library's: its paths want macOS 10.15.
+std::string lexicalPath(const std::string& path) {
+    if (!path.starts_with('/')) {
+        return path;
+    }
+    std::string result;
+    for (std::size_t at = 0; at != std::string::npos;) {
+        const std::size_t slash = path.find('/', at + 1);
+        const std::string element = path.substr(at + 1, slash - at - 1);
+        if (element == "..") {
+            result.resize(result.empty() ? 0 : result.rfind('/'));
+        } else if (!element.empty() && element != ".") {
+            result += "/" + element;
+        }
+        at = slash;
+    }
+    return result.empty() ? "/" : result;
 }
 
 void open_file(Stream& stream, const std::wstring& path, const std::wstring& mode) {
@@ -120,15 +162,19 @@ bool createDirectory(const std::wstring& path) {
     return calls::mkdir(toNarrow(path).c_str(), 0775) == 0;
 }
 
-bool mkdirs(const std::wstring& path) {
+PathMade mkdirs(const std::wstring& path) {
+    PathMade made;
     std::wstring working = L"/";
-    bool made = true;
     std::size_t at = 0;
     while (at < path.size()) {
         const std::size_t end = std::min(path.find_first_of(L"/\\", at), path.size());
         if (end > at) {
             working.append(path, at, end - at);
-            made = createDirectory(working);
+            made.isLastNew = createDirectory(working);
+            if (!made.isLastNew && errno != EEXIST && made.error == 0) {
+                made.error = errno;
+                made.failed = working;
+            }
             working += L'/';
         }
         at = end + 1;
@@ -136,14 +182,11 @@ bool mkdirs(const std::wstring& path) {
     return made;
 }
 
-bool ensureDirectory(const std::wstring& path) {
-    if (mkdirs(path)) {
-        return true;
+void ensureDirectory(const std::wstring& path, const char* message) {
+    const PathMade made = mkdirs(path);
+    if (!made && !isDirectory(path)) {
+        fatal(whyNoDirectory(path, made), message, path);
     }
-    const int savedErrno = errno;
-    const bool isThere = isDirectory(path);
-    errno = savedErrno;
-    return isThere;
 }
 
 bool moveFile(const std::wstring& source, const std::wstring& destination) {

@@ -1,6 +1,6 @@
 // Files and directories: the small set of functions through which the launcher touches the file
 // system. Paths are wide strings unless a name or signature says otherwise. Nothing here throws;
-// only copyFile ends the process on failure.
+// only ensureDirectory and copyFile end the process on failure.
 #pragma once
 
 #include <cstdio>
@@ -18,18 +18,30 @@ struct CloseStream {
 using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 /// Whether `path` can be opened for reading, as fopen(3) "rb" would: an unreadable file counts as
-/// missing, a readable directory as existing.
+/// missing, a readable directory as existing. False with errno set.
 bool exists(const std::wstring& path);
 bool existsA(const std::string& path);
-/// Whether the entry itself is a directory; a link to one is not.
+/// Whether the entry itself is a directory; a link to one is not. False with errno
+/// set, to 0 when something else stands there.
 bool isDirectory(const std::wstring& path);
-/// Whether the owner's execute permission is set, links followed.
+/// Whether the entry itself is a symbolic link.
+bool isLink(const std::wstring& path);
+/// Whether the owner's execute permission is set, links followed. False with errno set, to 0
+/// when there is a file without it.
 bool isExecutable(const std::wstring& path);
 bool isExecutable(const std::string& path);
 
 /// The path without links, "." and ".."; empty optional when there is nothing at `path`.
 /// realpath(3).
 std::optional<std::string> resolvedPath(const std::string& path);
+
+/// `path` without slashes and "/." at its end, which make the system follow a link that the path
+/// names; "/" stays.
+std::string withoutTrailingSlashes(std::string path);
+
+/// An absolute `path` without empty elements, "." and "..", each of which takes the element before it
+/// whatever that is on disk; any other path as it is.
+std::string lexicalPath(const std::string& path);
 
 /// Opens a stream as fopen(3) with `mode`; null, with errno set, on failure. The descriptor is
 /// close-on-exec. Files are read and written only where a file is meant: a directory or a pipe in
@@ -65,13 +77,24 @@ void reportUnreadableLine(const std::wstring& path, std::size_t line);
 
 /// mkdir(2) with mode 0775. True only when the directory was made now.
 bool createDirectory(const std::wstring& path);
+/// What became of a path's directories.
+struct PathMade {
+    bool isLastNew = true;
+    /// The first one that could not be made although nothing stood there, and its errno, else 0:
+    /// what is below it only fails for want of it.
+    std::wstring failed;
+    int error = 0;
+
+    explicit operator bool() const { return isLastNew; }
+};
 /// Makes every directory along the path, from "/" on, so a relative path is made below the root.
 /// True when the last one was made now or `path` has no components; an existing path gives false.
-bool mkdirs(const std::wstring& path);
-/// For callers that need the directory: true also when another process made it meanwhile.
-bool ensureDirectory(const std::wstring& path);
+PathMade mkdirs(const std::wstring& path);
+/// mkdirs for callers that need the directory; another process may make it meanwhile. A failure
+/// ends the process with `message`, whose "%ls" is `path`.
+void ensureDirectory(const std::wstring& path, const char* message);
 
-/// Copies a text file; the target is replaced as a whole. Every failure ends the process.
+/// Copies a file byte for byte; the target is replaced as a whole. Every failure ends the process.
 bool copyFile(const std::wstring& source, const std::wstring& destination);
 /// rename(2); no copy across volumes.
 bool moveFile(const std::wstring& source, const std::wstring& destination);

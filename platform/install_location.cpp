@@ -14,8 +14,8 @@
 namespace rcp {
 namespace {
 
-[[noreturn]] void cannotTellExecutable() {
-    fatal("ZYPRA0184E: Getting executable path failed! errno = %d", static_cast<long>(errno));
+[[noreturn]] void cannotTellExecutable(int error) {
+    fatal(because(error), "ZYPRA0184E: Getting executable path failed! errno = %d", error);
 }
 
 // Empty: this process's own.
@@ -24,7 +24,7 @@ std::string namedExecutable;
 std::string executableAsStarted() {
     std::string path = launcherExecutable();
     if (path.empty()) {
-        cannotTellExecutable();
+        cannotTellExecutable(errno);
     }
     return path;
 }
@@ -48,7 +48,7 @@ void setLauncherExecutable(std::string path) {
 void read_executable_path(std::string& path) {
     const std::optional<std::string> resolved = resolvedPath(executableAsStarted());
     if (!resolved) {
-        cannotTellExecutable();
+        cannotTellExecutable(errno);
     }
     path = *resolved;
     SvcDebugOutA("%s", path);
@@ -94,7 +94,7 @@ void getInstallDir(std::wstring& directory, std::span<const Argument> arguments)
     directory.clear();
     const std::optional<std::wstring> folder = getRCPDirectory(arguments);
     if (!folder) {
-        fatal("ZYPRA0049E: Unable to locate the platform's installation directory");
+        fatal(because(errno), "ZYPRA0049E: Unable to locate the platform's installation directory");
     }
     directory = *folder;
     const std::wstring parent = folderOf(*folder);
@@ -113,14 +113,15 @@ void convert_from_relative_location(const std::wstring& path, std::wstring& abso
         return;
     }
     if (path.starts_with(L"${")) {
-        fatal("ZYPRA0301E: Starts with placeholder. This should be translated");
+        fatal(noReason(), "ZYPRA0301E: Starts with placeholder. This should be translated");
     }
     const std::string base = platform::workingDirectory();
     if (base.empty()) {
-        fatal("ZYPRA0800E: Unable to get working directory.");
+        fatal(because(errno), "ZYPRA0800E: Unable to get working directory.");
     }
-    if (!base.starts_with("/")) {
-        fatal("ZYPRA0801E: Getting file system representation for rcplauncher URL failed!");
+    if (toWide(base).empty()) {
+        fatal(because("the working directory's path is no text of this locale"),
+              "ZYPRA0801E: Getting file system representation for rcplauncher URL failed!");
     }
     const std::string relative = toNarrow(path);
     std::optional<std::string> joined;
@@ -128,7 +129,7 @@ void convert_from_relative_location(const std::wstring& path, std::wstring& abso
         joined = platform::absolutePath(base, relative);
     }
     if (!joined) {
-        fatal("ZYPRA0302E: Unable to convert relative workspace path to a full path");
+        fatal(noReason(), "ZYPRA0302E: Unable to convert relative workspace path to a full path");
     }
     absolute = toWide(*joined);
 }

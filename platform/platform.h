@@ -3,6 +3,8 @@
 // implement exactly the functions declared here.
 #pragma once
 
+#include <sys/types.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +17,18 @@ namespace rcp::platform {
 /// system cannot tell. macOS: _NSGetExecutablePath(3). Linux: getauxval(3) AT_EXECFN joined to the
 /// working directory of the first call, else the target of /proc/self/exe.
 std::string executablePathAsStarted();
+
+/// The executable that a live process runs: absolute, without links, under the name that it was
+/// started by even when that is gone or another file's by now. Empty optional when there is no such
+/// process or the system does not tell. macOS: proc_pidpath. Linux: the target of /proc/PID/exe.
+std::optional<std::string> executableOfProcess(pid_t process);
+
+/// When a live process was started, as a text without blanks that no other process of that id ever
+/// had or gets, after the next start of the system neither. A process keeps it when it replaces its
+/// program. Empty optional when there is no such process, it has ended but was not yet waited for,
+/// or the system does not tell. macOS: proc_pidinfo. Linux: /proc/PID/stat and the id of the
+/// system's start.
+std::optional<std::string> startOfProcess(pid_t process);
 
 /// The system's product version such as "10.15.7"; empty where there is none (Linux).
 /// macOS: sysctlbyname(3) "kern.osproductversion".

@@ -56,7 +56,7 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
 std::wstring userName() {
     std::wstring user;
     if (getEnv(L"USER", user) == nullptr || user.find(L'/') != std::wstring::npos) {
-        fatal("ZYPRA0006E: Couldn't find the user name!");
+        fatal(noReason(), "ZYPRA0006E: Couldn't find the user name!");
     }
     return user;
 }
@@ -64,7 +64,7 @@ std::wstring userName() {
 std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualifier) {
     const std::size_t slash = library.rfind(L'/');
     if (slash == std::wstring::npos) {
-        fatal("ZYPRA0189E: Couldn't find filename for library.preload property");
+        fatal(noReason(), "ZYPRA0189E: Couldn't find filename for library.preload property");
     }
     const std::wstring fileName = library.substr(slash + 1);
     SvcDebugOutW(L"setPreload():library name = %s", fileName);
@@ -85,7 +85,8 @@ void readsymln(std::string& target, const std::string& link) {
     for (;;) {
         const ssize_t length = calls::readlink(link.c_str(), buffer.data(), buffer.size());
         if (length < 0) {
-            fatal("ZYPRA0184E: Getting command path failed! errno = %d", static_cast<long>(errno));
+            const int error = errno;
+            fatal(because(error), "ZYPRA0184E: Getting command path failed! errno = %d", error);
         }
         if (static_cast<std::size_t>(length) < buffer.size()) {
             target.assign(buffer, 0, static_cast<std::size_t>(length));
@@ -108,7 +109,7 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
     const std::wstring wideLinkPath = linkPathFor(library, qualifier);
     const std::string linkPath = toNarrow(wideLinkPath);
     if (!clearWay(linkPath, libraryPath)) {
-        report("Error: setPreload: %ls belongs to another user and is not preloaded.",
+        report(noReason(), "Error: setPreload: %ls belongs to another user and is not preloaded.",
                wideLinkPath);
         return;
     }
@@ -118,7 +119,7 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
         SvcDebugOutA("setPreload(): symlink() result = %d", result);
     }
     if (entryAt(linkPath) == Entry::kForeign) {
-        report("Error: setPreload: %ls belongs to another user and is not preloaded.",
+        report(noReason(), "Error: setPreload: %ls belongs to another user and is not preloaded.",
                wideLinkPath);
         return;
     }

@@ -53,11 +53,11 @@ class Pipe {
 
 // Variables that change what a listing looks like; the reader of its lines wants it plain and
 // whole. The locale is given anew: the launcher's own may not be the one that the environment asks
-// for.
+// for. It is given for characters alone, since macOS knows the name "UTF-8" for nothing else.
 bool changesListings(std::string_view variable) {
     constexpr std::string_view kNames[] = {
-        "COLUMNS=",   "LINES=",   "PS_FORMAT=", "PS_PERSONALITY=",
-        "PS_COLORS=", "CMD_ENV=", "LC_ALL=",    "I_WANT_A_BROKEN_PS=",
+        "COLUMNS=", "LINES=",  "PS_FORMAT=", "PS_PERSONALITY=",     "PS_COLORS=",
+        "CMD_ENV=", "LC_ALL=", "LC_CTYPE=",  "I_WANT_A_BROKEN_PS=",
     };
     return std::any_of(std::begin(kNames), std::end(kNames),
                        [variable](std::string_view name) { return variable.starts_with(name); });
@@ -83,7 +83,7 @@ class PlainEnvironment {
     char* const* data() { return variables_.data(); }
 
   private:
-    std::string locale_ = std::string("LC_ALL=") + setlocale(LC_CTYPE, nullptr);
+    std::string locale_ = std::string("LC_CTYPE=") + setlocale(LC_CTYPE, nullptr);
     std::vector<char*> variables_;
 };
 

@@ -11,18 +11,21 @@ namespace rcp::platform {
 enum class PropertyListForm { kRefused, kXml, kBinary };
 
 /// Tells the form of a property list, or refuses it: neither XML nor binary, too large, nested too
-/// deeply, or built so that its nesting cannot be told with certainty. A list that is let through
+/// deeply, in another encoding than UTF-8 and marked UTF-16, or built so that its nesting cannot be
+/// told with certainty or the two systems' parsers disagree about it. A list that is let through
 /// may still turn out not to be well-formed.
 PropertyListForm guardPropertyList(std::string_view data);
 
-/// Whether the text's elements are nested to a harmless depth.
-bool isSafeXmlPropertyList(std::string_view text);
+/// Whether the text's elements are nested properly and to a harmless depth, and it declares no encoding
+/// but UTF-8 and the one that its byte order mark says.
+bool isSafeXmlPropertyList(std::string_view text, std::string_view marked = {});
 
 /// Whether the binary list's objects lie inside the data, are nested to a harmless depth and unfold
 /// into a harmless amount.
 bool isSafeBinaryPropertyList(std::string_view data);
 
-/// Levels of nesting that are let through: a bundle's own list has four or five.
+/// Levels of nesting that are let through, the values at the bottom included: a bundle's own list has
+/// four or five. The same in both forms, so that what was read can be written and read again.
 inline constexpr int kMaxPropertyListDepth = 128;
 
 }  // namespace rcp::platform

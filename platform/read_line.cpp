@@ -113,12 +113,9 @@ int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
 void reportUnreadableLine(const std::wstring& path, std::size_t line) {
     static std::set<std::wstring> reported;
     if (reported.insert(path).second) {
-        const FormatArgument arguments[] = {std::wstring_view(path),
-                                            static_cast<unsigned long>(line)};
-        fatalError(
-            ErrnoText::kOmit,
-            "Error: readFile: %ls: line %lu (the first such line) is no text and is left out.",
-            arguments);
+        report(noReason(),
+               "Error: readFile: %ls: line %lu (the first such line) is no text and is left out.",
+               path, line);
     }
 }
 

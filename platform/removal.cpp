@@ -1,6 +1,7 @@
 #include "platform/removal.h"
 
 #include "diagnostics/svc_debug.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "system/system_calls.h"
 
@@ -12,6 +13,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace rcp {
@@ -22,22 +24,22 @@ struct CloseDirectory {
 };
 using Directory = std::unique_ptr<DIR, CloseDirectory>;
 
-// One line of the failures' text; the system's reason is that of the current errno.
-void addFailure(std::string& errors, const std::string& indentation, std::string_view what,
-                const std::string& path) {
-    std::string reason;
-    GetLastErrorMsg(reason);
-    errors += indentation;
-    errors += what;
-    errors += path;
-    errors += "  - ";
-    errors += reason;
-    errors += '\n';
+// An entry of a directory that is open, and its path for people.
+struct Entry {
+    int directory = AT_FDCWD;
+    std::string name;  // a path, as long as no directory is open
+    std::string path;
+};
+
+Entry atPath(const std::string& path) {
+    std::string trimmed = withoutTrailingSlashes(path);
+    return {AT_FDCWD, trimmed, trimmed};
 }
 
-Directory openDirectory(const std::string& path) {
-    const int descriptor =
-        calls::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+// Null, with errno set, also for a link in the directory's place.
+Directory openDirectory(const Entry& entry) {
+    const int descriptor = calls::openat(entry.directory, entry.name.c_str(),
+                                         O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0) {
         return nullptr;
     }
@@ -66,58 +68,76 @@ bool collectNames(DIR* directory, std::vector<std::string>& names) {
     }
 }
 
-bool isLink(const std::string& path) {
-    struct stat status {};
-    return calls::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+// Goes from each open directory to the next by one name, so that nothing which takes a directory's
+// place meanwhile leads out of the tree.
+class Removal {
+  public:
+    Removal(std::string pattern, std::string& errors)
+        : pattern_(std::move(pattern)), errors_(errors) {}
+
+    // Each of them is false, with a line added, when something failed.
+    bool empty(const Entry& directory, const std::string& indentation);
+    bool removeTree(const Entry& directory) {
+        const bool isEmptied = empty(directory, "");
+        return removeDirectory(directory, "") && isEmptied;
+    }
+    // The system's reason is that of the current errno.
+    bool fail(const std::string& indentation, std::string_view what, const std::string& path);
+
+  private:
+    bool remove(const Entry& entry, const std::string& indentation);
+    bool removeDirectory(const Entry& entry, const std::string& indentation) {
+        return calls::unlinkat(entry.directory, entry.name.c_str(), AT_REMOVEDIR) == 0 ||
+               fail(indentation, "Can't delete dir ", entry.path);
+    }
+    [[nodiscard]] bool isMeant(const std::string& name) const {
+        return pattern_ == "*" || name.find(pattern_) != std::string::npos;
+    }
+
+    std::string pattern_;
+    std::string& errors_;
+};
+
+bool Removal::fail(const std::string& indentation, std::string_view what, const std::string& path) {
+    std::string reason;
+    GetLastErrorMsg(reason);
+    errors_.append(indentation).append(what).append(path);
+    errors_.append("  - ").append(reason).append("\n");
+    return false;
 }
 
-// Removes one entry; false, with a line added, when that failed.
-bool removeEntry(const std::string& path, std::string_view name, const std::string& pattern,
-                 std::string& errors, const std::string& indentation) {
+bool Removal::empty(const Entry& directory, const std::string& indentation) {
+    const Directory open = openDirectory(directory);
+    if (!open) {
+        return fail(indentation, "Error in ", directory.path);
+    }
+    std::vector<std::string> names;
+    bool succeeded =
+        collectNames(open.get(), names) || fail(indentation, "readdir error ", directory.path);
+    for (const std::string& name : names) {
+        succeeded &= remove({dirfd(open.get()), name, directory.path + "/" + name}, indentation);
+    }
+    return succeeded;
+}
+
+bool Removal::remove(const Entry& entry, const std::string& indentation) {
     struct stat status {};
-    if (calls::stat(path.c_str(), &status) != 0) {
-        addFailure(errors, indentation, "Can't stat ", path);
-        return false;
+    if (calls::fstatat(entry.directory, entry.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return fail(indentation, "Can't stat ", entry.path);
     }
     if (S_ISDIR(status.st_mode)) {
-        if (!isLink(path)) {
-            // Its failures show here through the rmdir below.
-            removeDirectoryContents(path, pattern, errors, indentation + "  ");
-        }
-        if (calls::rmdir(path.c_str()) != 0) {
-            addFailure(errors, indentation, "Can't delete dir ", path);
-            return false;
-        }
-        return true;
+        empty(entry, indentation + "  ");  // its failures show through the next line
+        return removeDirectory(entry, indentation);
     }
-    if ((pattern == "*" || name.find(pattern) != std::string_view::npos) &&
-        calls::unlink(path.c_str()) != 0) {
-        addFailure(errors, indentation, "Can't delete file ", path);
-        return false;
-    }
-    return true;
+    return !isMeant(entry.name) || calls::unlinkat(entry.directory, entry.name.c_str(), 0) == 0 ||
+           fail(indentation, "Can't delete file ", entry.path);
 }
 
 }  // namespace
 
 bool removeDirectoryContents(const std::string& directory, const std::string& pattern,
                              std::string& errors, const std::string& indentation) {
-    Directory open = openDirectory(directory);
-    if (!open) {
-        addFailure(errors, indentation, "Error in ", directory);
-        return false;
-    }
-    std::vector<std::string> names;
-    bool succeeded = collectNames(open.get(), names);
-    if (!succeeded) {
-        addFailure(errors, indentation, "readdir error ", directory);
-    }
-    open.reset();  // one open directory at a time, however deep the tree
-    for (const std::string& name : names) {
-        succeeded &= removeEntry(std::string(directory).append("/").append(name), name, pattern,
-                                 errors, indentation);
-    }
-    return succeeded;
+    return Removal(pattern, errors).empty(atPath(directory), indentation);
 }
 
 bool removeDirectoryContents(const std::string& directory, std::string& errors,
@@ -142,13 +162,27 @@ bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std
 }
 
 bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& errors) {
-    const std::string path = toNarrow(directory);
     std::string text;
-    bool succeeded = removeDirectoryContents(path, text, "");
-    if (calls::rmdir(path.c_str()) != 0) {
-        addFailure(text, "", "Can't delete dir ", path);
-        succeeded = false;
+    const bool succeeded = Removal("*", text).removeTree(atPath(toNarrow(directory)));
+    errors = toWide(text);
+    return succeeded;
+}
+
+bool removeDirectoryBelow(const std::wstring& folder, const std::wstring& directory,
+                          std::wstring& errors) {
+    std::string text;
+    Removal removal("*", text);
+    std::string path = toNarrow(folder);
+    std::string name = toNarrow(directory);
+    // By this name through a link; a path that is no text of the locale is empty, and not the root.
+    Directory open = openDirectory({AT_FDCWD, path.empty() ? path : path + "/.", path});
+    for (std::size_t slash = 0; open && (slash = name.find('/')) != std::string::npos;) {
+        path += "/" + name.substr(0, slash);
+        open = openDirectory({dirfd(open.get()), name.substr(0, slash), path});
+        name.erase(0, slash + 1);
     }
+    const bool succeeded = open ? removal.removeTree({dirfd(open.get()), name, path + "/" + name})
+                                : removal.fail("", "Error in ", path);
     errors = toWide(text);
     return succeeded;
 }

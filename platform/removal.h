@@ -1,15 +1,16 @@
 // Removal of directory trees. A removal never stops at the first failure: it goes on and returns
 // the whole list of failures as text, one line each, for the caller to report.
 //
-// A symbolic link to a directory is never entered: its target belongs to somebody else. The link
-// itself is reported like a directory that cannot be removed, and so is a link that leads nowhere.
+// A symbolic link is removed like a file, and nobody looks at where it leads: its target belongs to
+// somebody else. In the place of the directory itself it is a failure, whether or not slashes or
+// "/." follow its name.
 #pragma once
 
 #include <string>
 
 namespace rcp {
 
-/// Deletes the regular files in the tree below `directory` whose names contain `pattern`.
+/// Deletes the files in the tree below `directory` whose names contain `pattern`.
 /// Directories on the way are removed too when nothing is left in them and reported when something
 /// is. Appends to `errors`; true when nothing failed at the top level.
 bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
@@ -26,5 +27,9 @@ bool removeDirectoryContents(const std::string& directory, const std::string& pa
 
 /// Deletes everything below `directory`, then `directory` itself.
 bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& errors);
+/// The same for `directory`, elements joined by single slashes, below `folder`: links may lead to
+/// `folder`, and none is followed from there on.
+bool removeDirectoryBelow(const std::wstring& folder, const std::wstring& directory,
+                          std::wstring& errors);
 
 }  // namespace rcp

@@ -17,7 +17,7 @@ void openMissingStandardStreams() {
         // close-on-exec: it is the platform's stream too.
         const int opened = open("/dev/null", O_RDWR | O_NOCTTY);  // NOLINT(*-cloexec-*)
         if (opened < 0) {
-            fatal("Error: openMissingStandardStreams: /dev/null cannot be opened");
+            fatal(because(errno), "Error: openMissingStandardStreams: /dev/null cannot be opened");
         }
         if (opened > STDERR_FILENO) {
             close(opened);

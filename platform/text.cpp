@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 
+#include <errno.h>
 #include <stdlib.h>
 #include <wchar.h>
 
@@ -44,7 +45,7 @@ WideBuffer newString(std::size_t n) {
     if (!buffer) {
         std::wstring reason;
         GetLastErrorMsg(reason);
-        fatal("ZYPRA0004E: newString malloc failed. %ls", reason);
+        fatal(because(ENOMEM), "ZYPRA0004E: newString malloc failed. %ls", reason);
     }
     return buffer;
 }
@@ -55,7 +56,7 @@ WideBuffer mallocString(std::size_t n) {
         buffer.reset(static_cast<wchar_t*>(malloc((n + 1) * sizeof(wchar_t))));
     }
     if (!buffer) {
-        fatal("ZYPRA0004E: mallocString malloc failed!");
+        fatal(because(ENOMEM), "ZYPRA0004E: mallocString malloc failed!");
     }
     return buffer;
 }

@@ -145,6 +145,11 @@ WholeFile::~WholeFile() {
 }
 
 bool WholeFile::open() {
+    struct stat status {};
+    if (calls::lstat(targetBytes_.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;  // nothing could be renamed over it
+        return false;
+    }
     descriptor_ = openAndLock(temporary_.path().c_str());
     if (descriptor_ < 0) {
         return false;

@@ -61,7 +61,8 @@ class WholeFile {
     /// Removes the temporary file unless it was committed.
     ~WholeFile();
 
-    /// Opens the temporary file, empty. False, with errno set, when that fails.
+    /// Opens the temporary file, empty. False, with errno set, when that fails or the target is a
+    /// directory.
     bool open();
     /// Appends bytes. False, with errno set, when they cannot be written; commit then fails too.
     bool write(std::string_view bytes);

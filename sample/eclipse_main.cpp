@@ -5,6 +5,7 @@
 #include <strings.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -63,7 +64,9 @@ int main(int argc, char** argv) {
     // The library starts this program anew with its initial arguments when it has to change the
     // library path, and run() edits the array it gets: each needs an array of its own.
     std::vector<char*> initial(argv, argv + argc + 1);
-    setInitialArgs(argc, initial.data(), path.data());
+    // For the test that shows what is lost otherwise.
+    const bool sharesOneArray = std::getenv("SAMPLE_ONE_ARRAY") != nullptr;
+    setInitialArgs(argc, sharesOneArray ? argv : initial.data(), path.data());
     char** const vmArgs = splitAtVmArgs(argc, argv);
     return run(argc, argv, vmArgs);
 }

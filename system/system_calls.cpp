@@ -11,11 +11,17 @@ namespace rcp::calls {
 int open(const char* path, int flags, mode_t mode) {
     return ::open(path, flags, mode);
 }
+int openat(int directory, const char* path, int flags) {
+    return ::openat(directory, path, flags);
+}
 int stat(const char* path, struct stat* status) {
     return ::stat(path, status);
 }
 int lstat(const char* path, struct stat* status) {
     return ::lstat(path, status);
+}
+int fstatat(int directory, const char* path, struct stat* status, int flags) {
+    return ::fstatat(directory, path, status, flags);
 }
 char* realpath(const char* path) {
     return ::realpath(path, nullptr);
@@ -32,8 +38,8 @@ int rename(const char* source, const char* target) {
 int unlink(const char* path) {
     return ::unlink(path);
 }
-int rmdir(const char* path) {
-    return ::rmdir(path);
+int unlinkat(int directory, const char* path, int flags) {
+    return ::unlinkat(directory, path, flags);
 }
 int symlink(const char* target, const char* path) {
     return ::symlink(target, path);

@@ -13,15 +13,19 @@
 namespace rcp::calls {
 
 int open(const char* path, int flags, mode_t mode = 0);
+/// Without O_CREAT.
+int openat(int directory, const char* path, int flags);
 int stat(const char* path, struct stat* status);
 int lstat(const char* path, struct stat* status);
+/// With AT_SYMLINK_NOFOLLOW.
+int fstatat(int directory, const char* path, struct stat* status, int flags);
 /// realpath(3) with its result allocated; the caller frees it.
 char* realpath(const char* path);
 ssize_t readlink(const char* path, char* buffer, std::size_t size);
 int mkdir(const char* path, mode_t mode);
 int rename(const char* source, const char* target);
 int unlink(const char* path);
-int rmdir(const char* path);
+int unlinkat(int directory, const char* path, int flags);
 int symlink(const char* target, const char* path);
 int flock(int descriptor, int operation);
 pid_t fork();

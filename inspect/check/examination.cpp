@@ -83,7 +83,7 @@ void readUserFile(Examination& examination, const std::wstring& master) {
         inputs.userProperties.append({entry.key, entry.value, {file, entry.origin.line}});
     }
     if (const auto block = userFileBlock(inputs.properties)) {
-        const PropertyList appended = parseProperties(expandFormat(toNarrow(*block)));
+        const PropertyList appended = parseProperties(block->lines);
         for (const Property& entry : appended.entries()) {
             inputs.userProperties.append({entry.key, entry.value, {}});
         }

@@ -2,6 +2,7 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
+#include "inspect/quiet_read.h"
 #include "launcher/core/command_line.h"
 #include "launcher/core/config_extensions.h"
 #include "launcher/core/install_configuration.h"
@@ -65,9 +66,12 @@ void findInBase(const Examination& examination, Findings& findings) {
     if (program.empty()) {
         return;
     }
+    // The process of a script runs the interpreter, so only its listing can tell what it is.
+    const std::string path = toNarrow(program.front());
     std::wstring name;
     getMainProcessName(name, properties);
-    if (!invokeDylib && !listingShowsPlatform(toNarrow(program.front()), toNarrow(name), true)) {
+    if (!invokeDylib && readQuietly(path, 2) == "#!" &&
+        !listingShowsPlatform(path, toNarrow(name), true)) {
         findings.add("RI603", examination.nameOf(origin), origin.line,
                      quoted(program.front()) + " is not recognised");
     }
@@ -137,12 +141,6 @@ void findLauncher(const Examination& examination, Findings& findings) {
     const std::string file = examination.nameOf(toWide(examination.launcher));
     if (!isExecutable(examination.launcher)) {
         findings.add("RI602", file, 0, "the launcher is not executable");
-    }
-    std::wstring name;
-    getMainProcessName(name, examination.inputs.properties);
-    if (invokeDylib && !listingShowsPlatform(examination.launcher, toNarrow(name), false)) {
-        findings.add("RI604", file, 0,
-                     "\"" + examination.launcher + "\" does not hold " + quoted(name));
     }
     const std::wstring marker = examination.inputs.installDir + L"/rcp/rcplauncher.debug";
     if (debugFileExists(marker)) {

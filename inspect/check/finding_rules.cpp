@@ -142,13 +142,10 @@ constexpr FindingRule kRules[] = {
     {"RI602", "not-executable", kError, "A program that a launch needs is not executable.",
      "Set its permission to execute: chmod 755."},
     {"RI603", "base-not-recognised", kError,
-     "The path of the platform's program lacks what the launcher looks for to recognise a running "
-     "platform. A second launch would not find the first.",
+     "The platform's program is a script, and its path lacks what the launcher looks for to "
+     "recognise "
+     "a running platform. A second launch would not find the first.",
      "Name the folder so that its path holds \"rcp.base\"."},
-    {"RI604", "launcher-not-recognised", kWarning,
-     "The path of the launcher lacks what it looks for to recognise a running platform of the "
-     "in-process hand-off. A second launch would not find the first.",
-     "Install to a folder whose path holds \"Velmo\"."},
     {"RI605", "debug-marker", kError,
      "The debug marker file is there. Every launch waits until it is removed.",
      "Remove the file before shipping."},

@@ -18,9 +18,8 @@ Arguments jvmArguments(const Examination& examination) {
     const StandardLocations locations{inputs.workspace, inputs.installDir};
     for (auto& [key, argument] : inputs.vmargMap) {
         std::wstring text = argument;
-        const bool fails =
-            endOf([&] { replaceAllPlaceholders(locations, text, inputs.properties); }).has_value();
-        argument = Argument(fails ? std::wstring() : text, argument.origin);
+        const bool resolved = replaceAllPlaceholders(locations, text, inputs.properties);
+        argument = Argument(resolved ? text : std::wstring(), argument.origin);
     }
     launchArgs.clear();
     endOf([&] {

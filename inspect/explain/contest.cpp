@@ -93,8 +93,9 @@ std::vector<Rival> rivalsForOption(std::wstring_view option, const Account& acco
     const Arguments arguments = launcherArguments(account.options);
     if (const Argument* value = optionValue(option, arguments)) {
         rivals.push_back({*value, value->origin});
-    } else if (const int index = findOption(option, arguments); index > 0) {
-        rivals.push_back({L"", arguments[static_cast<std::size_t>(index)].origin});  // no value
+    } else if (const int index = findOption(option, arguments); index > 0 && option != L"-data") {
+        // Without a value it still keeps the property out, save the workspace's.
+        rivals.push_back({L"", arguments[static_cast<std::size_t>(index)].origin});
     }
     const auto extension = extensionEntries(account);
     for (std::size_t i = 0; i + 1 < extension.size(); ++i) {

@@ -14,6 +14,7 @@
 #include "launcher/core/process_check.h"
 #include "launcher/core/property_file.h"
 #include "launcher/core/provisioning.h"
+#include "launcher/core/running_provisioning.h"
 #include "launcher/core/workspace.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -190,7 +191,12 @@ json lockHolder() {
     return lock.holders.empty() ? 0 : lock.holders.front().id;
 }
 
-json describeWaits(const Account& account, bool isLocked) {
+json provisioningProcess() {
+    const long process = runningProvisioning(getProvisioningFilePath());
+    return process == 0 ? json() : json(process);
+}
+
+json describeWaits(const Account& account, const json& facts) {
     json waits = json::array();
     if (account.hasWaitedForMarker) {
         waits.push_back("until " + debugMarker(account.options) + " is removed");
@@ -198,8 +204,13 @@ json describeWaits(const Account& account, bool isLocked) {
     if (isRestart(launcherArguments(account.options))) {
         waits.push_back("up to 21 seconds for the old platform to end");
     }
-    if (isLocked) {
+    if (!facts.value("lockHolder", json()).is_null()) {
         waits.push_back("until the lock of the workspace is free");
+    }
+    const json process = facts.value("provisioningProcess", json());
+    if (!process.is_null()) {
+        waits.push_back("until process " + process.dump() +
+                        ", which provisions the workspace, has ended");
     }
     return waits;
 }
@@ -241,6 +252,9 @@ json describeSteps(const Account& account, const json& decisions, const json& to
     if (!facts.value("lockHolder", json()).is_null()) {
         steps.push_back("wait-for-lock");
     }
+    if (hasRecord(told["records"], "ZYPRA0307I")) {
+        steps.push_back("wait-for-provisioning");
+    }
     if (account.hasWaitedForMarker) {
         steps.push_back("wait-for-debug-marker");
     }
@@ -261,6 +275,7 @@ void describeWorkspace(const Account& account, const json& decisions, const json
     facts["lockFile"] = toNarrow(getLockFilePath());
     facts["lockHolder"] = lockHolder();
     facts["recordedProcess"] = describeRecordedProcess();
+    facts["provisioningProcess"] = provisioningProcess();
     facts["installId"] = describeInstallId(account);
     facts["provisioning"] = describeProvisioning(account, decisions["provisioning"]);
     facts["area"] = areaState(facts, told);
@@ -302,7 +317,7 @@ json describeFacts(const Account& account, const json& decisions, const json& to
     if (!getLockFilePath().empty()) {
         describeWorkspace(account, decisions, told, facts);
     }
-    facts["waits"] = describeWaits(account, !facts.value("lockHolder", json()).is_null());
+    facts["waits"] = describeWaits(account, facts);
     facts["steps"] = describeSteps(account, decisions, told, facts);
     return facts;
 }

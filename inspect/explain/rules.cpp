@@ -3,6 +3,7 @@
 #include "diagnostics/format.h"
 #include "inspect/property_keys.h"
 #include "launcher/core/launch_arguments.h"
+#include "launcher/core/option_values.h"
 
 #include <algorithm>
 
@@ -202,7 +203,10 @@ std::string whyDropped(const Arguments& arguments, std::size_t position, bool is
     const std::wstring_view before =
         position > 1 ? std::wstring_view(arguments[position - 1]) : std::wstring_view();
     const char* asOption = exactly(kDroppedOptions, argument);
-    const char* asValue = exactly(kDroppedValues, before);
+    const char* asValue = canBeValue(argument) ? exactly(kDroppedValues, before) : nullptr;
+    const bool lacksItsValue =
+        exactly(kDroppedValues, argument) != nullptr && asValue == nullptr &&
+        (position + 1 == arguments.size() || !canBeValue(arguments[position + 1]));
     const bool isData = argument == L"-data" || before == L"-data";
     if (isInitial && !isData && argument != L"-vm") {
         return "the initial configuration is started instead";
@@ -211,6 +215,9 @@ std::string whyDropped(const Arguments& arguments, std::size_t position, bool is
     const bool isTaken = asValue != nullptr || asOption != nullptr;
     if (isTaken && !propertiesFor(arguments[option]).empty() && isRepeated(arguments, option)) {
         return "repeats an option; the first one counts";
+    }
+    if (lacksItsValue) {
+        return "has no value";
     }
     if (asValue != nullptr) {
         return asValue;

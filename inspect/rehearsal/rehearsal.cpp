@@ -158,19 +158,33 @@ int Rehearsal::open(const std::string& path, int flags, unsigned mode) {
     if (!file->isThere) {
         return (flags & O_CREAT) == 0 ? failWith(ENOENT) : openNew(*file, flags, mode);
     }
+    const int descriptor = openFound(*file, flags);
+    if (descriptor >= 0 && file->isDirectory()) {
+        directories_[descriptor] = path;
+    }
+    return descriptor;
+}
+
+std::string Rehearsal::pathFrom(int directory, const std::string& path) const {
+    const auto opened = directories_.find(directory);
+    return path.starts_with("/") || opened == directories_.end() ? path
+                                                                 : opened->second + "/" + path;
+}
+
+int Rehearsal::openFound(const Found& file, int flags) {
     if ((flags & O_CREAT) != 0 && (flags & O_EXCL) != 0) {
         return failWith(EEXIST);
     }
-    if (file->isDirectory() && (isWriting(flags) || (flags & O_CREAT) != 0)) {
+    if (file.isDirectory() && (isWriting(flags) || (flags & O_CREAT) != 0)) {
         return failWith(EISDIR);
     }
-    if (file->isDirectory() && tree_.isListChanged(*file)) {
-        return openDirectory(*file, flags);
+    if (file.isDirectory() && tree_.isListChanged(file)) {
+        return openDirectory(file, flags);
     }
-    if (isWriting(flags) && !file->isLink()) {
-        return openForWriting(*file, flags & ~O_CREAT);
+    if (isWriting(flags) && !file.isLink()) {
+        return openForWriting(file, flags & ~O_CREAT);
     }
-    return openQuietly(file->place, flags & ~O_CREAT);
+    return openQuietly(file.place, flags & ~O_CREAT);
 }
 
 int Rehearsal::openForWriting(const Found& file, int flags) {

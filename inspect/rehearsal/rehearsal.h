@@ -5,6 +5,7 @@
 
 #include "inspect/rehearsal/changed_tree.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ class Rehearsal {
 
     // The calls themselves; system/system_calls.h tells what each does.
     int open(const std::string& path, int flags, unsigned mode);
+    /// What `path` means for a call that starts from an open directory.
+    [[nodiscard]] std::string pathFrom(int directory, const std::string& path) const;
     int makeDirectory(const std::string& path, unsigned mode);
     int rename(const std::string& source, const std::string& target);
     int unlink(const std::string& path);
@@ -45,12 +48,14 @@ class Rehearsal {
     [[nodiscard]] bool mayAdd(const Found& entry) const;
     [[nodiscard]] bool mayRemove(const Found& entry, bool asDirectory) const;
     [[nodiscard]] bool mayMove(const Found& source, const Found& target) const;
+    int openFound(const Found& file, int flags);
     int openForWriting(const Found& file, int flags);
     int openNew(const Found& file, int flags, unsigned mode);
     int openDirectory(const Found& directory, int flags);
     std::string copyUp(const Found& file);
 
     ChangedTree tree_;
+    std::map<int, std::string> directories_;  // those that were opened, by descriptor
 };
 
 /// The one that is at work; null while file calls are real.

@@ -52,6 +52,11 @@ int open(const char* path, int flags, mode_t mode) {
     }
     return rehearsed([&](Rehearsal& rehearsal) { return rehearsal.open(path, flags, mode); });
 }
+int openat(int directory, const char* path, int flags) {
+    return currentRehearsal() == nullptr
+               ? ::openat(directory, path, flags)
+               : calls::open(currentRehearsal()->pathFrom(directory, path).c_str(), flags);
+}
 int stat(const char* path, struct stat* status) {
     return lookAt(path, LastLink::kFollowed,
                   [status](const char* place) { return ::stat(place, status); });
@@ -59,6 +64,11 @@ int stat(const char* path, struct stat* status) {
 int lstat(const char* path, struct stat* status) {
     return lookAt(path, LastLink::kKept,
                   [status](const char* place) { return ::lstat(place, status); });
+}
+int fstatat(int directory, const char* path, struct stat* status, int flags) {
+    return currentRehearsal() == nullptr
+               ? ::fstatat(directory, path, status, flags)
+               : calls::lstat(currentRehearsal()->pathFrom(directory, path).c_str(), status);
 }
 char* realpath(const char* path) {
     if (currentRehearsal() == nullptr) {
@@ -94,11 +104,15 @@ int unlink(const char* path) {
     }
     return rehearsed([&](Rehearsal& rehearsal) { return rehearsal.unlink(path); });
 }
-int rmdir(const char* path) {
+int unlinkat(int directory, const char* path, int flags) {
     if (currentRehearsal() == nullptr) {
-        return ::rmdir(path);
+        return ::unlinkat(directory, path, flags);
     }
-    return rehearsed([&](Rehearsal& rehearsal) { return rehearsal.removeDirectory(path); });
+    return rehearsed([&](Rehearsal& rehearsal) {
+        const std::string whole = rehearsal.pathFrom(directory, path);
+        return (flags & AT_REMOVEDIR) != 0 ? rehearsal.removeDirectory(whole)
+                                           : rehearsal.unlink(whole);
+    });
 }
 int symlink(const char* target, const char* path) {
     if (currentRehearsal() == nullptr) {

@@ -99,7 +99,8 @@ Json lockJson(const LockState& state) {
             {"isPlatform", state.isPlatform},
             {"isHeld", state.lock.isHeld},
             {"holders", processes(state.lock.holders)},
-            {"waiting", processes(state.lock.waiting)}};
+            {"waiting", processes(state.lock.waiting)},
+            {"provisioner", state.provisioner == 0 ? Json() : Json(state.provisioner)}};
 }
 
 Json provisioningJson(const std::optional<ProvisioningState>& state) {

@@ -139,6 +139,7 @@ constexpr std::pair<std::string_view, std::string_view> kSteps[] = {
     {"make-install-id", "makes an install id and adds it to the installation's properties"},
     {"wait-for-old-platform", "waits for the old platform to end, 21 seconds at most"},
     {"wait-for-lock", "waits until the lock is free; what follows holds if nothing else changes"},
+    {"wait-for-provisioning", "waits for the provisioning program to end, then reads all afresh"},
     {"wait-for-debug-marker", "waits until rcp/rcplauncher.debug is removed"},
     {"reuse-area", "begins a new configuration: the area is another installation's"},
     {"reset-area", "begins a new configuration: -resetconfig"},
@@ -219,6 +220,10 @@ std::string toText(const WorkspaceState& state, bool isColored) {
     }
     if (state.provisioning) {
         addProvisioning(page, *state.provisioning);
+    }
+    if (state.lock.provisioner != 0) {
+        page.line("provisioned", "now, by process " + std::to_string(state.lock.provisioner),
+                  Tone::kOdd);
     }
     addNext(page, state);
     addLast(page, state.last);

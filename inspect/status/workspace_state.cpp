@@ -1,6 +1,8 @@
 #include "inspect/status/workspace_state.h"
 
 #include "inspect/explain/rehearse_launch.h"
+#include "launcher/core/running_provisioning.h"
+#include "platform/text.h"
 
 #include <errno.h>
 #include <signal.h>
@@ -40,6 +42,8 @@ LockState lookAtLock(const std::string& path) {
         state.file = lookAtLockFile(path);
         state.isAlive = isAlive(state.file.process);
         state.lock = lockHolders(path);
+        const std::string workspace = path.substr(0, path.rfind('/'));
+        state.provisioner = runningProvisioning(provisioningFileOf(toWide(workspace)));
     }
     return state;
 }

@@ -16,13 +16,14 @@
 
 namespace rcp::inspect {
 
-/// What the lock file holds, about whom, and who holds its lock.
+/// What the lock file holds, about whom, who holds its lock, and for whom launches wait besides.
 struct LockState {
     std::string path;
     LockFile file;
     bool isAlive = false;     // somebody has the recorded id
     bool isPlatform = false;  // and it is what launchers take for the running platform
     LockHolders lock;
+    long provisioner = 0;  // the process that provisions the workspace now
 
     bool operator==(const LockState&) const = default;
 };

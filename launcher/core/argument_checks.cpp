@@ -35,16 +35,17 @@ void validateIfUrlHandlerLaunch(const Arguments& arguments) {
     const std::size_t count = arguments.size() - (isRestart(arguments) ? 1 : 0);
     const std::wstring* expected = optionValue(L"-maxargcnt", arguments);
     if ((expected == nullptr ? 0 : wcstoul(expected->c_str(), nullptr, 10)) != count) {
-        fatal(
-            "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument "
-            "count.");
+        fatal(noReason(),
+              "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument "
+              "count.");
     }
 }
 
 void validateThatDoubleQuotesNotUsed(const Arguments& arguments) {
     for (const std::wstring& argument : arguments) {
         if (argument.find(L'"') != std::wstring::npos) {
-            fatal("ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument.");
+            fatal(noReason(),
+                  "ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument.");
         }
     }
 }
@@ -53,16 +54,30 @@ void validateNoJavaLibraryPath(const Arguments& arguments) {
     for (const std::wstring& argument : arguments) {
         for (const ForbiddenText& forbidden : kForbiddenTexts) {
             if (argument.find(forbidden.text) != std::wstring::npos) {
-                fatal(forbidden.message);
+                fatal(noReason(), forbidden.message);
             }
         }
     }
 }
 
+void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmargMap) {
+    Arguments chosen;
+    const int separator = findOption(L"-vmargs", arguments);
+    if (separator >= 0) {
+        chosen.assign(arguments.begin() + separator + 1, arguments.end());
+    }
+    for (const auto& [name, argument] : vmargMap) {
+        chosen.push_back(argument);
+    }
+    std::erase_if(chosen, [](const Argument& one) { return !one.origin.isCommandLine(); });
+    validateThatDoubleQuotesNotUsed(chosen);
+    validateNoJavaLibraryPath(chosen);
+}
+
 void validateInstallerState(const Arguments& arguments) {
     if (hasOption(L"-provManifest", arguments) && !isMainProcess()) {
-        fatalErrorA("ZYPRA0122E: Attempting to install while process %ls is running.",
-                    std::to_wstring(pid), Then::kExit, ErrnoText::kOmit);
+        fatal(noReason(), "ZYPRA0122E: Attempting to install while process %ls is running.",
+              std::to_wstring(pid));
     }
 }
 

@@ -2,7 +2,7 @@
 // record. All see the launcher's arguments as the start-up sequence extended them.
 #pragma once
 
-#include "launcher/core/arguments.h"
+#include "launcher/core/vm_argument_map.h"
 
 namespace rcp {
 
@@ -13,6 +13,9 @@ void validateIfUrlHandlerLaunch(const Arguments& arguments);
 void validateThatDoubleQuotesNotUsed(const Arguments& arguments);
 /// No argument holds "jvm.library.path", "java.library.path" or "java.home" anywhere.
 void validateNoJavaLibraryPath(const Arguments& arguments);
+/// The last two for what the user chose for the JVM, as it is handed over: a placeholder could have
+/// brought in what no argument may hold.
+void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmargMap);
 /// "-provManifest" only in the main launcher: nothing is installed under a running platform.
 void validateInstallerState(const Arguments& arguments);
 

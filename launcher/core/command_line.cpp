@@ -1,6 +1,7 @@
 #include "launcher/core/command_line.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/core/argument_checks.h"
 #include "launcher/core/environment_settings.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
@@ -11,6 +12,8 @@
 #include "launcher/core/vm_choice.h"
 #include "platform/files.h"
 
+#include <errno.h>
+
 namespace rcp {
 namespace {
 
@@ -20,9 +23,9 @@ constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
 Argument inBaseLocation(const std::wstring& file, const PropertyList& properties) {
     const Property* base = properties.find(L"rcp.base.location");
     if (base == nullptr) {
-        fatal(
-            "ZYPRA0011E: Unable to determine RCP Base Plugin location. If the problem persists, "
-            "reinstall.");
+        fatal(noReason(),
+              "ZYPRA0011E: Unable to determine RCP Base Plugin location. If the problem persists, "
+              "reinstall.");
     }
     return {base->value + file, base->origin};
 }
@@ -80,6 +83,7 @@ void getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
     replacePlaceholdersInRcpInstallProp(locations, inputs.userProperties);
     replacePlaceholdersInArgv(locations, inputs.arguments);
     replacePlaceholdersInVmargMap(locations, inputs.properties, inputs.vmargMap);
+    validateJvmArguments(inputs.arguments, inputs.vmargMap);
     emptySharedClassesOnNewLevel(inputs);
     if (kind != LaunchKind::kPlatform) {
         assembleProvisioning(inputs, kind == LaunchKind::kUserProvisioning);
@@ -91,20 +95,29 @@ void getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
 }
 
 void addBaseEclipseToCommandLine(const PropertyList& properties) {
-    std::wstring name;
-    getEclipseExeName(name, properties);
-    const Argument program = inBaseLocation(kPlatformFolder + name, properties);
+    const Argument program = platformProgram(properties);
     if (!isExecutable(program)) {
-        fatal("ZYPRA0007E: %ls is not executable or does not exist.", program);
+        fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program);
     }
     addPathToCommandLine(program);
     const std::wstring library =
         inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
     if (!exists(library)) {
-        fatal("Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
+        fatal(because(errno),
+              "Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
               library);
     }
     setEclipseSoPath(library);
+}
+
+Argument platformProgram(const PropertyList& properties) {
+    std::wstring name;
+    getEclipseExeName(name, properties);
+    return inBaseLocation(kPlatformFolder + name, properties);
+}
+
+Argument executedProgram(const LaunchInputs& inputs) {
+    return isDirectJavaShape() ? vmProgram(inputs) : platformProgram(inputs.properties);
 }
 
 void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments) {

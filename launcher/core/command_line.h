@@ -21,6 +21,10 @@ void getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
 /// The launcher executable, first element, and the launcher library's path. Ends the process when
 /// the base location is unknown or either file is missing.
 void addBaseEclipseToCommandLine(const PropertyList& properties);
+/// The path of the platform's own program. Ends the process when the base location is unknown.
+Argument platformProgram(const PropertyList& properties);
+/// What execv(3) gets: that program or, in the direct Java shape, the JVM.
+Argument executedProgram(const LaunchInputs& inputs);
 /// "-startup" and the startup jar: the argument behind "-perfJar", or launcher.jar of the base
 /// location.
 void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments);

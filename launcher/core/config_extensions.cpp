@@ -92,7 +92,8 @@ void patchWorkspace(const Arguments& extension, PropertyList& properties) {
     if (findProperty(L"rcp.data", properties) != nullptr) {
         replaceValue(L"rcp.data", *workspace, properties);
     } else {
-        properties.append({L"rcp.data", *workspace, {}});
+        // Its filter would take a backslash for an escape.
+        pushBackProperty(properties, L"rcp.data", osPath(*workspace));
     }
 }
 

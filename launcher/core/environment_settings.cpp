@@ -68,7 +68,7 @@ void addLdPreloadToCommandLine(const PropertyList& properties) {
     }
     const std::wstring* installId = findProperty(L"rcp.install.id", properties);
     if (installId == nullptr) {
-        fatal("ZYPRA0034E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), "ZYPRA0034E: Couldn't find the rcp.install.id property!");
     }
     setPreload(*library, *installId);
 }

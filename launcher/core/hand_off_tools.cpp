@@ -1,6 +1,8 @@
 #include "launcher/core/hand_off_tools.h"
 
+#include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
+#include "platform/signals.h"
 #include "platform/text.h"
 
 #include <errno.h>
@@ -17,7 +19,8 @@ NarrowArguments::NarrowArguments(std::span<const Argument> arguments) {
     for (const std::wstring& argument : arguments) {
         texts_.push_back(toNarrow(argument));
         if (texts_.back().empty() && !argument.empty()) {
-            report("Error: the launch argument '%ls' is no text of this locale and becomes empty.",
+            report(noReason(),
+                   "Error: the launch argument '%ls' is no text of this locale and becomes empty.",
                    argument);
         }
     }
@@ -36,9 +39,16 @@ void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments
     SvcDebugOutRecords(records);
 }
 
-void reportFailedExec(const std::wstring& program) {
-    fatalErrorA("Error: execv: %ls could not be started", program, Then::kReturn,
-                ErrnoText::kAppend);
+void becomeProgram(NarrowArguments& command) {
+    restoreFileSizeSignal();
+    execv(command.data()[0], command.data());
+    const int error = errno;
+    ignoreFileSizeSignal();
+    report(because(error), "Error: execv: %ls could not be started",
+           toWide(command.texts().front()));
+    if (logIsOpen() && !logHasAll()) {
+        dumpLogToTempLocation();
+    }
 }
 
 Gate::Gate() {

@@ -35,8 +35,9 @@ class NarrowArguments {
 void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
                         std::string_view end);
 
-/// One E record with the path and the system error text.
-void reportFailedExec(const std::wstring& program);
+/// Replaces this process by the program that `command` begins with. Returns only when that failed,
+/// with an E record, which a log that is full leaves to the temporary one.
+void becomeProgram(NarrowArguments& command);
 
 /// A gate between parent and child: a close-on-exec pipe that nothing is ever written to. The child
 /// waits at it until the parent has opened it, replaced its image or ended, each of which closes

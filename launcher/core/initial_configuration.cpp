@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/install_configuration.h"
+#include "launcher/core/option_values.h"
 
 #include <algorithm>
 #include <iterator>
@@ -76,7 +77,7 @@ Entries orderEntries(const Entries& entries) {
         const std::wstring number = std::to_wstring(i);
         const std::size_t at = first.find(number);
         if (at == std::wstring::npos) {
-            fatal("ZYPRA0114E: Invalid config.initial arguments. %ls not found",
+            fatal(noReason(), "ZYPRA0114E: Invalid config.initial arguments. %ls not found",
                   std::wstring(kPrefix) + number);
         }
         ordered.push_back(entries[at]);
@@ -92,7 +93,8 @@ const std::wstring& completionProperty(const Entries& ordered) {
         flag += 2;
     }
     if (flag + 2 >= ordered.size()) {
-        fatal("ZYPRA0115E: Invalid config.initial arguments. -initialCompleteFlag not found");
+        fatal(noReason(),
+              "ZYPRA0115E: Invalid config.initial arguments. -initialCompleteFlag not found");
     }
     return *ordered[flag + 2];
 }
@@ -131,7 +133,8 @@ Arguments initialArguments(const Arguments& arguments) {
             std::find_if(std::begin(kept), std::end(kept), [&](const KeptOption& candidate) {
                 return !candidate.isTaken && arguments[i].starts_with(candidate.prefix);
             });
-        if (option == std::end(kept) || (option->hasValue && i + 1 == end)) {
+        if (option == std::end(kept) ||
+            (option->hasValue && (i + 1 == end || !canBeValue(arguments[i + 1])))) {
             continue;
         }
         option->isTaken = true;

@@ -40,7 +40,8 @@ bool appendLine(int descriptor, const std::wstring& id) {
     }
     const int savedErrno = errno;
     if (ftruncate(descriptor, status.st_size) != 0) {
-        report("Error: getInstallID: an incomplete line stays in the property file.");
+        report(because(errno),
+               "Error: getInstallID: an incomplete line stays in the property file.");
     }
     errno = savedErrno;
     return false;
@@ -58,7 +59,8 @@ std::wstring makeInstallId(const std::wstring& propertyFile) {
     Stream stream;
     open_file(stream, propertyFile, L"a+");
     if (!stream || !lockExclusively(fileno(stream.get()))) {
-        fatal("ZYPRA0017E: Could not open %ls to append rcp.install.id!", propertyFile);
+        fatal(because(errno), "ZYPRA0017E: Could not open %ls to append rcp.install.id!",
+              propertyFile);
     }
     std::wstring id = storedId(propertyFile);
     if (!id.empty()) {
@@ -69,7 +71,7 @@ std::wstring makeInstallId(const std::wstring& propertyFile) {
     // A file that ends inside a continued entry takes the first line into that entry.
     if (!appendLine(descriptor, id) ||
         (storedId(propertyFile) != id && !appendLine(descriptor, id))) {
-        fatal("ZYPRA0018E: Error while writing to %ls file.", propertyFile);
+        fatal(because(errno), "ZYPRA0018E: Error while writing to %ls file.", propertyFile);
     }
     return id;
 }
@@ -81,7 +83,7 @@ std::wstring getInstallID(const std::wstring& propertyFile, PropertyList& proper
         return *id;
     }
     if (eConfig != InstallConfiguration::kUserpb) {
-        fatal("ZYPRA0016E: rcp.install.id is required for this configuration!");
+        fatal(noReason(), "ZYPRA0016E: rcp.install.id is required for this configuration!");
     }
     std::wstring id = makeInstallId(propertyFile);
     pushBackProperty(properties, kKey, id);

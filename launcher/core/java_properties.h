@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace rcp {
 
@@ -15,5 +16,12 @@ void convWcharTo8859_1_Key(const std::wstring& key, std::wstring& out);
 void convWcharTo8859_1_Value(const std::wstring& value, std::wstring& out);
 /// Appends escaped key, "=", escaped value.
 void convWcharTo8859_1(const std::wstring& key, const std::wstring& value, std::wstring& out);
+
+/// An entry as it stands in a file, with its line feeds. `key` and `value` are in their written form.
+/// The launcher's reader takes a line in pieces, and what stands behind the first would be an entry
+/// of its own; so nothing the launcher writes has a line longer than 2,000 bytes. A longer one goes
+/// on behind a backslash, cut where this reader and java.util.Properties join the lines to the
+/// value that was meant. Shorter entries stay as they are.
+std::string propertyLines(std::string_view key, std::string_view value);
 
 }  // namespace rcp

@@ -11,6 +11,7 @@ bool userFirstLaunch = false;
 bool bRestart = false;
 bool invokeDylib = false;
 std::wstring mainProcessName;
+std::wstring platformExecutable;
 
 namespace {
 

@@ -22,6 +22,9 @@ extern bool invokeDylib;
 /// sequence.
 extern std::wstring mainProcessName;
 
+/// The platform's own program, which execv(3) gets. Set by the start-up sequence.
+extern std::wstring platformExecutable;
+
 void setWaitMode();
 bool isWaitMode();
 

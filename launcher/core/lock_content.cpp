@@ -6,12 +6,12 @@
 namespace rcp {
 
 LockContent parseLockContent(std::string_view content) {
-    const std::string text(content.substr(0, content.find('\0')));
-    const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
-    if (begin == std::string::npos) {
-        // Behind the blanks of a shorter text there is a NUL, which is no blank and no number.
-        return {text.size() == content.size() ? LockContent::kNothing : LockContent::kOther, 0};
+    // A power failure leaves NUL bytes where the blocks of the file were not written yet.
+    constexpr std::string_view kNoData(" \t\n\v\f\r\0", 7);
+    if (content.find_first_not_of(kNoData) == std::string_view::npos) {
+        return {LockContent::kNothing, 0};
     }
+    const std::string text(content.substr(0, content.find('\0')));
     char* end = nullptr;
     const long number = strtol(text.c_str(), &end, 10);  // saturates beyond its range
     if (end == text.c_str()) {

@@ -1,4 +1,4 @@
-// What the platform lock file holds: a decimal process id at its start, or blanks.
+// What the platform lock file holds: a decimal process id at its start, or nothing.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@ namespace rcp {
 
 struct LockContent {
     enum Kind {
-        kNothing,  // empty or blank
+        kNothing,  // empty, blank or NUL bytes
         kNumber,
         kOther,
     };

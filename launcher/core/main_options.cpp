@@ -4,9 +4,12 @@
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
+#include "launcher/core/option_values.h"
 #include "launcher/core/platform_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
+
+#include <errno.h>
 
 #include <algorithm>
 #include <string_view>
@@ -38,20 +41,21 @@ void copyUserOptions(const Arguments& arguments) {
     const int separator = findOption(L"-vmargs", arguments);
     const std::size_t end = separator < 0 ? arguments.size() : static_cast<std::size_t>(separator);
     for (std::size_t i = 1; i < end; ++i) {
+        const bool hasValue = i + 1 < end && canBeValue(arguments[i + 1]);
         switch (copyRuleFor(arguments[i])) {
             case CopyRule::kCopy:
                 addArgToCommandLine(arguments[i], true);
                 break;
             case CopyRule::kCopyWithValue:
                 addArgToCommandLine(arguments[i], false);
-                if (++i < end) {
-                    addArgToCommandLine(arguments[i], true);
+                if (hasValue) {
+                    addArgToCommandLine(arguments[++i], true);
                 }
                 break;
             case CopyRule::kDrop:
                 break;
             case CopyRule::kDropWithValue:
-                ++i;
+                i += hasValue ? 1 : 0;
                 break;
         }
     }
@@ -74,11 +78,15 @@ void addPluginCustomization(const LaunchInputs& inputs) {
     if (hasOption(L"-plugincustomization", inputs.arguments)) {
         return;
     }
-    const Property* property = inputs.properties.find(L"plugincustomization");
+    const std::wstring key = L"plugincustomization";
+    const Property* property = inputs.properties.find(key);
     const Argument value = property == nullptr ? Argument() : argumentFrom(*property);
     const Argument path(osPath(value), value.origin);
     if (!exists(path)) {
-        fatal("ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
+        // That it is missing the text says itself.
+        const Reason reason = errno == ENOENT ? noReason() : because(errno);
+        fatal(reason.at(placeOf(key, value.origin)),
+              "ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
     }
     addOption(L"-plugincustomization", path);
 }
@@ -104,7 +112,7 @@ void addMainOptionsToCommandLine(const LaunchInputs& inputs) {
     }
     copyUserOptions(arguments);
     if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
-        fatal("ZYPRA0005E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), "ZYPRA0005E: Couldn't find the rcp.install.id property!");
     }
     addOption(L"-data", inputs.workspace);
     addOption(L"-configuration", inputs.configuration);

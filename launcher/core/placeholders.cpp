@@ -158,30 +158,41 @@ bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties)
     }
 }
 
-void replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
+bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
                             const PropertyList& properties) {
     if (text.find(L"${") == std::wstring::npos) {
-        return;
+        return true;
     }
     replaceStdPlaceholders(locations, text);
-    std::wstring copy = text;  // the message names the text as it was
+    std::wstring copy = text;
     if (!replaceUserPlaceholders(copy, properties)) {
-        fatal("ZYPRA0088E: property substitution is invalid (%ls)", text);
+        return false;
     }
     text = std::move(copy);
+    return true;
+}
+
+void refusePlaceholders(const std::wstring& text, const std::wstring& key, const Origin& origin) {
+    fatal(noReason().at(placeOf(key, origin)), "ZYPRA0088E: property substitution is invalid (%ls)",
+          text);
 }
 
 void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties) {
     turnSlashes(locations);
-    properties.forEachValue(
-        [&](std::wstring& value) { replaceAllPlaceholders(locations, value, properties); });
+    properties.forEachValue([&](std::wstring& value, const Property& entry) {
+        if (!replaceAllPlaceholders(locations, value, properties)) {
+            refusePlaceholders(value, entry.key, entry.origin);
+        }
+    });
 }
 
 void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyList& properties,
                                    VmArgumentMap& vmargMap) {
     turnSlashes(locations);
     for (auto& [key, argument] : vmargMap) {
-        replaceAllPlaceholders(locations, argument, properties);
+        if (!replaceAllPlaceholders(locations, argument, properties)) {
+            refusePlaceholders(argument, key, argument.origin);
+        }
     }
 }
 

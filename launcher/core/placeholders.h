@@ -49,11 +49,16 @@ bool getPlaceholderValue(const std::wstring& name, std::wstring& value,
 /// and counts as unresolved.
 bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties);
 
-/// Standard, then user placeholders. One that cannot be resolved ends the process.
-void replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
+/// Standard, then user placeholders. False when one cannot be resolved: `text` then is the one
+/// behind the standard step.
+bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
                             const PropertyList& properties);
+/// Ends the process over the placeholders of `text`, which `key` at `origin` has brought.
+[[noreturn]] void refusePlaceholders(const std::wstring& text, const std::wstring& key,
+                                     const Origin& origin);
 
 /// replaceAllPlaceholders for every value of the per-user list, resolved against the list itself.
+/// One that cannot be resolved ends the process.
 void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties);
 /// The same for every value of the map, resolved against `properties`.
 void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyList& properties,

@@ -4,6 +4,7 @@
 #include "launcher/core/launch_state.h"
 #include "launcher/core/lock_content.h"
 #include "launcher/core/process_check.h"
+#include "launcher/core/running_provisioning.h"
 #include "platform/environment.h"
 #include "platform/file_lock.h"
 #include "platform/files.h"
@@ -29,11 +30,13 @@ long pid = 0;
 namespace {
 
 constexpr int kLongestWaitSeconds = 20;
+constexpr int kMostComparisons = 5;
 constexpr std::size_t kLongestContent = 256;  // of the lock file, as far as it counts
 
 std::wstring lockFilePath;
 std::wstring pipeFilePath;
 std::wstring mainPidFilePath;
+std::wstring provisioningFilePath;
 std::wstring pipename;
 bool bDirtyShutdown = false;
 int lockFILE = -1;  // open from locateLockFile until closeLockFile
@@ -43,20 +46,26 @@ int lockFILE = -1;  // open from locateLockFile until closeLockFile
 std::string contentOfLockFile() {
     std::optional<std::string> content = readBeginning(lockFILE, kLongestContent);
     if (!content) {
-        fatal("ZYPRA0092E: Error reading platform lock file.");
+        fatal(because(errno), "ZYPRA0092E: Error reading platform lock file. (%ls)", lockFilePath);
     }
     return *std::move(content);
 }
 
 // Somebody may have removed the workspace while this launcher waited. A lock on the file that is
-// gone keeps nobody out, so the one that is there now is locked instead.
+// gone keeps nobody out, so the one that is there now is locked instead. The path may be a link to a
+// file elsewhere, where a network home cannot be locked.
 void takeLock() {
-    for (;;) {
+    for (int comparison = 1;; ++comparison) {
         if (!lockExclusively(lockFILE)) {
-            fatal("ZYPRA0053E: Error locking platform lock file. ");
+            fatal(because(errno), "ZYPRA0053E: Error locking platform lock file. ");
         }
-        if (isNamed(lockFILE, toNarrow(lockFilePath))) {
+        if (isLedTo(lockFILE, toNarrow(lockFilePath))) {
             return;
+        }
+        if (comparison == kMostComparisons) {
+            fatal(noReason(),
+                  "ZYPRA0053E: Error locking platform lock file. (%ls is another one each time.)",
+                  lockFilePath);
         }
         createAndOpenLockFile();
     }
@@ -74,9 +83,9 @@ void traceWithTime(std::wstring_view format) {
 // one. Under the lock and only while the id is still the old one's: another launcher may have
 // recorded its own platform meanwhile.
 void giveOldPlatformUp(long oldPid) {
-    report(
-        "ZYPRA0013E: Existing platform has not shutdown within allotted time. Invalidating the "
-        "lockfile for new launch.");
+    report(noReason(),
+           "ZYPRA0013E: Existing platform has not shutdown within allotted time. Invalidating the "
+           "lockfile for new launch.");
     takeLock();
     const LockContent content = parseLockContent(contentOfLockFile());
     if (content.kind == LockContent::kNumber && content.number == oldPid) {
@@ -100,17 +109,18 @@ void waitForOldPlatform(const Arguments& arguments, const std::wstring& processM
 
 }  // namespace
 
-void locateLockFile(const Arguments& arguments, const std::wstring& workspace,
-                    const std::wstring& processMarker) {
+Launch locateLockFile(const Arguments& arguments, const std::wstring& workspace,
+                      const std::wstring& processMarker) {
     const ForcedTracing forced;
     lockFilePath = workspace + L"/.rcp.lock";
     pipeFilePath = workspace + L"/.pipe";
     mainPidFilePath = workspace + L"/.rcp.main";
+    provisioningFilePath = provisioningFileOf(workspace);
     createAndOpenLockFile();
     if (isRestart(arguments)) {
         waitForOldPlatform(arguments, processMarker);
     }
-    lockLockFile(workspace + L"/.sid", processMarker);
+    return lockLockFile(workspace + L"/.sid", processMarker);
 }
 
 void createAndOpenLockFile() {
@@ -119,33 +129,37 @@ void createAndOpenLockFile() {
     lockFILE =
         calls::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
     if (lockFILE < 0) {
-        const int savedErrno = errno;
-        const FormatArgument arguments[] = {static_cast<long>(savedErrno)};
-        fatalError(ErrnoText::kOmit, "ZYPRA0199E: CreateLockFile failed. errno=%d", arguments);
-        errno = savedErrno;
-        fatal("ZYPRA0054E: Error locating platform lock file");
+        const int error = errno;
+        report(noReason(), "ZYPRA0199E: CreateLockFile failed. errno=%d", error);
+        fatal(because(error), "ZYPRA0054E: Error locating platform lock file");
     }
     struct stat status {};
-    const bool isKnown = fstat(lockFILE, &status) == 0;
-    if (isKnown && S_ISREG(status.st_mode)) {
-        return;
+    const int error = fstat(lockFILE, &status) == 0 ? 0 : errno;
+    if (error != 0 || !S_ISREG(status.st_mode)) {
+        fatal(error != 0 ? because(error) : because("not a regular file"),
+              "ZYPRA0054E: Error locating platform lock file");
     }
-    errno = isKnown ? EINVAL : errno;
-    fatal("ZYPRA0054E: Error locating platform lock file");
 }
 
-void lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker) {
+Launch lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker) {
     takeLock();
     traceWithTime(L"ZYPRA0303I: lock file captured @ %s");
+    if (runningProvisioning(provisioningFilePath) != 0) {
+        unlockLockFile();
+        waitForProvisioning(provisioningFilePath);
+        return Launch::kBeginsAnew;
+    }
+    removeEndedProvisioning(provisioningFilePath);
     if (isMainProcessRunning(processMarker)) {
         SvcDebugOutA("ZYPRA0305I: We are daemon process");
-        return;
+        return Launch::kGoesOn;
     }
     SvcDebugOutA("ZYPRA0304I: We are main process");
     setMainProcess(true);
     if (exists(sidPath)) {
         deleteFile(sidPath);
     }
+    return Launch::kGoesOn;
 }
 
 void unlockLockFile() {
@@ -153,7 +167,7 @@ void unlockLockFile() {
         return;
     }
     if (calls::flock(lockFILE, LOCK_UN) != 0) {
-        fatal("ZYPRA0070E: Error unlocking platform lock file. ");
+        fatal(because(errno), "ZYPRA0070E: Error unlocking platform lock file. ");
     }
     traceWithTime(L"ZYPRA0306I: lock file released @ %s");
 }
@@ -166,7 +180,7 @@ void closeLockFile() {
 
 void invalidateLockFile() {
     if (!writeFullyAt(lockFILE, kClearedLockContent, 0)) {
-        report("ZYPRA0052E: Unable to invalidate platform lock file");
+        report(because(errno), "ZYPRA0052E: Unable to invalidate platform lock file");
     }
 }
 
@@ -174,15 +188,14 @@ bool isMainProcessRunning(const std::wstring& processMarker) {
     if (lockFILE < 0 || !exists(lockFilePath)) {
         return false;
     }
-    report("ZYPRA0090E: Existing platform lock file found - checking validity.");
+    report(noReason(), "ZYPRA0090E: Existing platform lock file found - checking validity.");
     const LockContent content = parseLockContent(contentOfLockFile());
     switch (content.kind) {
         case LockContent::kNothing:
-            report("ZYPRA0091E: No data in the platform lock file.");
+            report(noReason(), "ZYPRA0091E: No data in the platform lock file.");
             return false;
         case LockContent::kOther:
-            errno = 0;
-            fatal("ZYPRA0092E: Error reading platform lock file.");
+            fatal(noReason(), "ZYPRA0092E: Error reading platform lock file. (%ls)", lockFilePath);
         case LockContent::kNumber:
             break;
     }
@@ -196,7 +209,7 @@ void populateLockFile(int processId) {
     }
     populateMainPidFile(static_cast<unsigned long>(processId));
     if (!writeFullyAt(lockFILE, lockContentFor(processId), 0)) {
-        report("ZYPRA0051E: Unable to write to platform lock file");
+        report(because(errno), "ZYPRA0051E: Unable to write to platform lock file");
     }
 }
 
@@ -238,6 +251,9 @@ const std::wstring& getPipeFilePath() {
 }
 const std::wstring& getMainPidFilePath() {
     return mainPidFilePath;
+}
+const std::wstring& getProvisioningFilePath() {
+    return provisioningFilePath;
 }
 
 bool isDirtyShutdown() {

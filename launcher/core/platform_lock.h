@@ -15,6 +15,8 @@
 // library runs): from then on only the child holds the lock, so a child that dies early cannot keep
 // the next launcher waiting for the platform's whole life.
 //
+// While a launcher has become the provisioning program, nobody decides: running_provisioning.h.
+//
 // The id is read and written at offset 0 by position; the two processes share the stream offset
 // too.
 #pragma once
@@ -28,17 +30,22 @@ namespace rcp {
 /// The process id last read from the lock file.
 extern long pid;
 
+/// Whether a launch goes on with the lock, or without it has to begin as if it had just been started:
+/// what it has read may be out of date.
+enum class Launch { kGoesOn, kBeginsAnew };
+
 /// Forms the paths of the lock's files in `workspace`, opens the lock file, on a restart waits for
 /// the old platform to end (about 20 seconds at most), takes the lock and decides whether this
 /// launcher is the main one (setMainProcess). `processMarker` is what the process check looks for.
 /// Failures end the process.
-void locateLockFile(const Arguments& arguments, const std::wstring& workspace,
-                    const std::wstring& processMarker);
+[[nodiscard]] Launch locateLockFile(const Arguments& arguments, const std::wstring& workspace,
+                                    const std::wstring& processMarker);
 
 void createAndOpenLockFile();
 /// Takes the lock and decides; the main launcher deletes the file at `sidPath`, which an earlier
-/// platform left.
-void lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker);
+/// platform left. When the workspace is being provisioned, gives the lock back, waits for the end of
+/// that, and the launch begins anew.
+Launch lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker);
 /// Does nothing when the lock file is not open (any more).
 void unlockLockFile();
 /// Gives this process's descriptor of the lock file up without releasing the lock for others that
@@ -62,6 +69,7 @@ bool getPipeName(std::wstring& name);
 const std::wstring& getLockFilePath();
 const std::wstring& getPipeFilePath();
 const std::wstring& getMainPidFilePath();
+const std::wstring& getProvisioningFilePath();
 
 /// Nothing marks a shutdown as dirty: always false.
 bool isDirtyShutdown();

@@ -9,6 +9,7 @@
 #include "platform/text.h"
 #include "platform/whole_file.h"
 
+#include <errno.h>
 #include <stdio.h>
 
 namespace rcp {
@@ -39,7 +40,7 @@ void fillIn(const Feature& feature, std::wstring& line, const PropertyList& prop
     const std::wstring* id = findProperty(feature.idProperty, properties);
     const std::wstring* version = findProperty(feature.versionProperty, properties);
     if (id == nullptr || version == nullptr) {
-        report(feature.missingMessage);
+        report(noReason(), feature.missingMessage);
         return;
     }
     replaceEvery(line, feature.idPlaceholder, *id);
@@ -51,12 +52,13 @@ void writePlatformXml(const std::wstring& master, const std::wstring& target,
     Stream from;
     open_file(from, master, L"r");
     if (!from) {
-        report("ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
+        report(because(errno), "ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
         return;
     }
     WholeFile file(target);
     if (!file.open()) {
-        report("ZYPRA0139E: Unable to open platform.xml for writing.\"%s\"", target);
+        report(because(errno), "ZYPRA0139E: Unable to open platform.xml for writing.\"%s\"",
+               target);
         return;
     }
     std::wstring line;
@@ -66,12 +68,18 @@ void writePlatformXml(const std::wstring& master, const std::wstring& target,
             reportUnreadableLine(master, position.line);
             continue;
         }
-        if (!file.write(toNarrow(platformXmlLine(line, properties, bareFeatures)) + "\n")) {
-            report(kCopyFailed);
+        const std::wstring filled = platformXmlLine(line, properties, bareFeatures);
+        const std::string bytes = toNarrow(filled);
+        if (bytes.empty() && !filled.empty()) {
+            report(because("a value filled in is no text of this locale")
+                       .at(master + L", line " + std::to_wstring(position.line)),
+                   kCopyFailed);
+        } else if (!file.write(bytes + "\n")) {
+            report(because(errno), kCopyFailed);
         }
     }
     if (ferror(from.get()) != 0 || !file.commit()) {
-        report(kCopyFailed);
+        report(because(errno), kCopyFailed);
     }
     userFirstLaunch = true;
 }
@@ -100,9 +108,7 @@ bool createPlatformXML(const std::wstring& configuration, const std::wstring& ba
     const std::wstring update = osPath(configuration + L"/org.eclipse.update");
     if (!isDirectory(update)) {
         userFirstLaunch = true;
-        if (!ensureDirectory(update)) {
-            fatal("ZYPRA0039E: Unable to create %ls directory.", update);
-        }
+        ensureDirectory(update, "ZYPRA0039E: Unable to create %ls directory.");
     }
     const std::wstring target = update + L"/platform.xml";
     const std::wstring* managed = findProperty(L"update.policy.managed", properties);

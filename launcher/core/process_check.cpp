@@ -2,6 +2,9 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_state.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/platform.h"
 #include "platform/process.h"
 #include "platform/text.h"
 
@@ -49,22 +52,35 @@ bool isAlive(long processId) {
     return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
 }
 
-// The process's own line, never cut at a terminal's width; a heading would match no name.
+// The process's own command line, never cut at a terminal's width and without a heading.
 std::string listProcess(long processId) {
     const std::optional<ProgramResult> listing =
-        runProgram({"ps", "hww", std::to_string(processId)});
+        runProgram({"ps", "-ww", "-o", "command=", "-p", std::to_string(processId)});
     if (!listing) {
-        report("Error: process check: ps cannot be started; no platform is taken to run.");
+        report(noReason(),
+               "Error: process check: ps cannot be started; only executables tell a platform.");
     }
     return listing && listing->succeeded ? listing->output : std::string();
+}
+
+// A platform that was started by a relative path need not show in the listing. One that an upgrade
+// has replaced since still runs under its name.
+bool runsPlatformExecutable(long processId) {
+    const std::optional<std::string> executable =
+        platform::executableOfProcess(static_cast<pid_t>(processId));
+    const auto isAt = [&](const std::string& path) {
+        return !path.empty() && resolvedPath(path).value_or(path) == executable;
+    };
+    return executable && (isAt(launcherExecutable()) || isAt(toNarrow(platformExecutable)));
 }
 
 }  // namespace
 
 bool isPlatformProcess(long processId, const std::wstring& name) {
     const std::string pattern = toNarrow(name);
-    return isAlive(processId) && !pattern.empty() &&
-           listingShowsPlatform(listProcess(processId), pattern, !invokeDylib);
+    return isAlive(processId) &&
+           (listingShowsPlatform(listProcess(processId), pattern, !invokeDylib) ||
+            runsPlatformExecutable(processId));
 }
 
 bool listingShowsPlatform(std::string_view listing, const std::string& name, bool needsBase) {

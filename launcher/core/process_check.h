@@ -1,5 +1,5 @@
 // Whether a process id names the running platform: the process is alive, and the system's process
-// listing shows it as the platform.
+// listing shows it as the platform or it runs one of the platform's executables.
 #pragma once
 
 #include <string>
@@ -8,7 +8,8 @@
 namespace rcp {
 
 /// Whether the process is alive and its listing matches `name` (and "rcp.base" for the execv
-/// hand-off, whose process has its own command line). Ids of 0 or less and those too large for a
+/// hand-off, whose process has its own command line) or its executable is this launcher's own or
+/// the one that execv(3) gets, `platformExecutable`. Ids of 0 or less and those too large for a
 /// process id are never signalled and never the platform.
 bool isPlatformProcess(long processId, const std::wstring& name);
 

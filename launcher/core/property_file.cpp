@@ -6,6 +6,7 @@
 #include "launcher/core/property_text.h"
 #include "platform/files.h"
 
+#include <errno.h>
 #include <stdio.h>
 
 #include <array>
@@ -112,8 +113,8 @@ class Entry {
     bool isOption_ = false;  // a JVM option such as -Xname:value keeps its separator in the value
 };
 
-[[noreturn]] void cannotLoad(const std::wstring& path) {
-    fatal("ZYPRA0096E: Unable to load %ls file!", path);
+[[noreturn]] void cannotLoad(const std::wstring& path, const Reason& reason) {
+    fatal(reason, "ZYPRA0096E: Unable to load %ls file!", path);
 }
 
 Property finish(Entry& entry, const Origin& origin) {
@@ -129,24 +130,9 @@ Property finish(Entry& entry, const Origin& origin) {
     return property;
 }
 
-}  // namespace
-
-void getProperties(const std::wstring& path, PropertyList& list) {
-    if (!getPropertiesIfThere(path, list)) {
-        cannotLoad(path);
-    }
-}
-
-bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
+void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
     std::array<char, 4096> buffer;  // one of the stream's own would cost every launch more
-    Stream stream;
-    open_file(stream, path, L"r");
-    if (!stream) {
-        if (exists(path)) {
-            cannotLoad(path);
-        }
-        return false;
-    }
+    const Stream stream = std::move(opened);  // closed before its buffer goes
     (void)setvbuf(stream.get(), buffer.data(), _IOFBF, buffer.size());
     if (observer != nullptr) {
         observer->propertyFileRead(path);
@@ -180,8 +166,32 @@ bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
         }
     }
     if (ferror(stream.get()) != 0) {
-        cannotLoad(path);
+        cannotLoad(path, because(errno));
     }
+}
+
+}  // namespace
+
+void getProperties(const std::wstring& path, PropertyList& list) {
+    Stream stream;
+    open_file(stream, path, L"r");
+    if (!stream) {
+        cannotLoad(path, because(errno));
+    }
+    readEntries(std::move(stream), path, list);
+}
+
+bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
+    Stream stream;
+    open_file(stream, path, L"r");
+    if (!stream) {
+        const Reason reason = because(errno);
+        if (exists(path)) {
+            cannotLoad(path, reason);
+        }
+        return false;
+    }
+    readEntries(std::move(stream), path, list);
     return true;
 }
 

@@ -140,6 +140,17 @@ std::vector<Property> PropertyList::extract(std::wstring_view prefix) {
     return extracted;
 }
 
+std::wstring placeOf(const std::wstring& key, const Origin& origin) {
+    std::wstring place = key;
+    if (origin.file) {
+        place += L", " + *origin.file;
+    }
+    if (origin.line > 0) {
+        place += (origin.file ? L", line " : L", argument ") + std::to_wstring(origin.line);
+    }
+    return place;
+}
+
 Argument argumentFrom(const Property& entry) {
     return {entry.value, entry.origin};
 }

@@ -41,11 +41,12 @@ class PropertyList {
     /// Takes every entry whose key begins with `prefix` out of the list, in order.
     std::vector<Property> extract(std::wstring_view prefix);
 
-    /// Calls `change` with every value, which it may change. Keys stay: look-ups depend on them.
+    /// Calls `change` with every value, which it may change, and its entry. Keys stay: look-ups
+    /// depend on them.
     template <typename Change>
     void forEachValue(Change change) {
         for (Property& entry : entries_) {
-            change(entry.value);
+            change(entry.value, std::as_const(entry));
         }
     }
     [[nodiscard]] const std::deque<Property>& entries() const { return entries_; }
@@ -66,6 +67,9 @@ class PropertyList {
     mutable KeyIndex index_;
     mutable std::size_t indexed_ = 0;
 };
+
+/// Where the entry of `key` stands, as far as that is known: "KEY, FILE, line 3".
+std::wstring placeOf(const std::wstring& key, const Origin& origin);
 
 /// The value of an entry, as an argument that comes from there.
 Argument argumentFrom(const Property& entry);

@@ -29,6 +29,16 @@ wchar_t readHex(std::wstring_view digits) {
     return static_cast<wchar_t>(code);
 }
 
+// Java writes a character beyond sixteen bits as two codes, one escape each.
+void appendCode(wchar_t code, std::wstring& out) {
+    const wchar_t before = out.empty() ? L'\0' : out.back();
+    if (before >= 0xD800 && before <= 0xDBFF && code >= 0xDC00 && code <= 0xDFFF) {
+        out.back() = 0x10000 + ((before - 0xD800) << 10) + (code - 0xDC00);
+    } else {
+        out += code;
+    }
+}
+
 std::wstring unescape(std::wstring_view value) {
     std::wstring out;
     out.reserve(value.size());
@@ -45,7 +55,7 @@ std::wstring unescape(std::wstring_view value) {
             at = backslash + 2;
         } else if (behind.starts_with(L'u')) {
             const std::wstring_view digits = behind.substr(1, 4);
-            out += readHex(digits);
+            appendCode(readHex(digits), out);
             at = backslash + 2 + digits.size();
         } else {
             at = backslash + 1;

@@ -7,10 +7,10 @@
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
 #include "launcher/core/platform_lock.h"
-#include "platform/environment.h"
+#include "launcher/core/running_provisioning.h"
+#include "launcher/core/shared_classes.h"
 #include "platform/files.h"
 #include "platform/removal.h"
-#include "platform/signals.h"
 #include "platform/text.h"
 #include "system/system_calls.h"
 
@@ -40,22 +40,10 @@ bool isEnabled(const LaunchInputs& inputs) {
            eConfig == InstallConfiguration::kLockdown;
 }
 
-// Whether emptying `directory` would take the installation or the user's own area with it.
-bool holdsMoreThanSharedClasses(const std::wstring& directory, const LaunchInputs& inputs) {
-    const std::optional<std::string> emptied = resolvedPath(toNarrow(directory));
-    if (!emptied || *emptied == "/") {
-        return true;
-    }
-    std::wstring home;
-    getUserHome(home);
-    for (const std::wstring& keep :
-         {home, inputs.workspace, inputs.configuration, inputs.installDir}) {
-        const std::optional<std::string> kept = resolvedPath(toNarrow(keep));
-        if (kept && (*kept + "/").starts_with(*emptied + "/")) {
-            return true;
-        }
-    }
-    return false;
+// An absolute path at which there is no directory, or not yet, is the JVM's affair.
+bool isWorthALook(const std::string& directory) {
+    const std::wstring path = toWide(directory);
+    return !directory.starts_with('/') || isDirectory(path) || isLink(path);
 }
 
 }  // namespace
@@ -110,6 +98,7 @@ void doProvisioning() {
     NarrowArguments command(launchArgs);
     logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
                        "ZYPRA0130I: ===== End Provisioning Parameters =====");
+    recordProvisioning(getProvisioningFilePath());
     Gate gate;
     const pid_t child = calls::fork();
     if (child == 0) {
@@ -121,19 +110,19 @@ void doProvisioning() {
     }
     populateLockFile(child);
     gate.open();
-    restoreFileSizeSignal();
-    execv(command.data()[0], command.data());
-    reportFailedExec(launchArgs.front());
+    becomeProgram(command);
+    if (child > 0) {
+        // It runs this launcher's executable: as long as it is there, its recorded id is a platform's.
+        waitpid(child, nullptr, 0);
+    }
 }
 
 void addProvisioningApplication(const PropertyList& properties, bool startedByUser) {
     const Property* application = properties.find(L"provisioning.application");
     if (application == nullptr) {
-        fatalErrorA(
-            "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
-            "property is missing.",
-            Then::kExit, ErrnoText::kOmit);
-        return;
+        fatal(noReason(),
+              "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
+              "property is missing.");
     }
     addArgToCommandLine(L"-application", false);
     addArgToCommandLine(argumentFrom(*application), true);
@@ -148,21 +137,22 @@ void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
     if (property == nullptr || !isNewLevel(inputs)) {
         return;
     }
-    const std::wstring directory = osPath(*property);
-    if (!isDirectory(directory)) {
+    const std::string directory = withoutTrailingSlashes(toNarrow(osPath(*property)));
+    if (directory.empty() || !isWorthALook(directory)) {
         return;
     }
-    if (holdsMoreThanSharedClasses(directory, inputs)) {
-        report("Error: jvm.shareclasses.fullpath: %ls is no directory of shared classes alone.",
-               directory);
+    const SharedClassesFacts facts = sharedClassesFacts(directory, inputs);
+    if (const std::optional<std::wstring> reason = reasonNotToEmpty(facts)) {
+        report(noReason(), "Error: jvm.shareclasses.fullpath is not emptied: %ls.",
+               toWide(directory) + L" " + *reason);
         return;
     }
     std::wstring problems;
-    if (!removeDirectoryContents(directory, problems)) {
-        fatal(
-            "\nZYPRA0086I begin: Information collected while removing shared classes directory\n"
-            "%ls\nZYPRA0087I end: Unable to remove all files in the shared classes directory.",
-            problems);
+    if (!removeDirectoryContents(toWide(facts.resolved), problems)) {
+        fatal(noReason(),
+              "\nZYPRA0086I begin: Information collected while removing shared classes directory\n"
+              "%ls\nZYPRA0087I end: Unable to remove all files in the shared classes directory.",
+              problems);
     }
 }
 

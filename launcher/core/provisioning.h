@@ -23,8 +23,8 @@ void checkForProvisioning(LaunchInputs& inputs);
 /// change under it.
 void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap);
 
-/// Replaces the process with the command in `launchArgs`, having recorded the id of a forked child
-/// as the main process. Returns in the child, and in the parent when execv(3) failed.
+/// Replaces the process with the command in `launchArgs`, having recorded its own as the one that
+/// provisions (running_provisioning.h) and the id of a forked child as the main process. Returns in the child, and in the parent when execv(3) failed.
 void doProvisioning();
 
 /// Appends "-application", the provisioning application and, when a user's launch asked for it,
@@ -32,8 +32,8 @@ void doProvisioning();
 void addProvisioningApplication(const PropertyList& properties, bool startedByUser);
 
 /// At a new provisioning level empties the JVM's shared classes directory
-/// ("jvm.shareclasses.fullpath"); what cannot be emptied ends the process. A directory that is or
-/// holds the user's area or the installation is left alone.
+/// ("jvm.shareclasses.fullpath"); what cannot be emptied ends the process. A directory that may hold
+/// more than shared classes (reasonNotToEmpty) is left alone and reported.
 void emptySharedClassesOnNewLevel(const LaunchInputs& inputs);
 
 }  // namespace rcp

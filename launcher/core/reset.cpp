@@ -10,8 +10,9 @@
 #include "platform/removal.h"
 #include "platform/text.h"
 
+#include <errno.h>
+
 #include <algorithm>
-#include <optional>
 #include <string_view>
 
 namespace rcp {
@@ -49,9 +50,7 @@ void rebuildConfiguration(const std::wstring& workspace, const std::wstring& con
     const std::wstring path = osPath(configuration);
     handleDirMove(path + L"bak", path, true);
     const std::wstring update = updateDirectory(configuration);
-    if (!ensureDirectory(update)) {
-        fatal(message, update);
-    }
+    ensureDirectory(update, message);
     for (const wchar_t* name : kKeptFiles) {
         handleFileMove({update, name}, {workspace, savedName(name)}, false);
     }
@@ -89,7 +88,7 @@ std::wstring deleteMeName(const std::wstring& path) {
 void clearDirectory(const std::wstring& path) {
     const std::wstring name = deleteMeName(path);
     if (!moveFile(path, name)) {
-        fatal("ZYPRA0112E: Can't move file/dir  '%ls'", path);
+        fatal(because(errno), "ZYPRA0112E: Can't move file/dir  '%ls'", path);
     }
     std::wstring problems;
     if (!removeDirectoryAndContents(name, problems)) {
@@ -104,7 +103,7 @@ void clearTarget(const std::wstring& path) {
     if (isDirectory(path)) {
         clearDirectory(path);
     } else if (!deleteFile(path)) {
-        fatal("ZYPRA0111E: Can't delete old copy of file '%ls'", path);
+        fatal(because(errno), "ZYPRA0111E: Can't delete old copy of file '%ls'", path);
     }
 }
 
@@ -117,52 +116,57 @@ std::wstring resetPropertiesFile(const std::wstring& configuration, const std::w
     }
     std::wstring coreFile = getCoreFileLocation(base, L"rcpinstall.properties");
     if (!exists(coreFile)) {
-        fatal("ZYPRA0106E: Unable to locate %ls file.", coreFile);
+        fatal(because(errno), "ZYPRA0106E: Unable to locate %ls file.", coreFile);
     }
     return coreFile;
 }
 
-// Whether a value names something below the folder it is appended to: relative, with an element
-// that is a name, and without "..".
-bool namesEntryBelow(const std::wstring& value) {
-    if (value.empty() || value.front() == L'/' || value.front() == L'\\') {
-        return false;
+// What a value names below the folder it is appended to, elements joined by single slashes; empty
+// when that is nothing: absolute, without an element that is a name, or with "..".
+std::wstring entryBelow(const std::wstring& value) {
+    std::wstring entry;
+    if (value.starts_with(L'/') || value.starts_with(L'\\')) {
+        return entry;
     }
-    bool hasName = false;
-    for (std::size_t at = 0; at <= value.size();) {
+    for (std::size_t at = 0; at < value.size();) {
         const std::size_t end = std::min(value.find_first_of(L"/\\", at), value.size());
-        const std::wstring_view element = std::wstring_view(value).substr(at, end - at);
+        const std::wstring element = value.substr(at, end - at);
         if (element == L"..") {
-            return false;
+            return {};
         }
-        hasName |= !element.empty() && element != L".";
+        if (!element.empty() && element != L".") {
+            entry += (entry.empty() ? L"" : L"/") + element;
+        }
         at = end + 1;
     }
-    return hasName;
+    return entry;
 }
 
 // A link on the way could lead anywhere; what it leads to is nobody's to remove here.
-bool isReallyBelow(const std::wstring& path, const std::wstring& folder) {
-    const std::optional<std::string> realPath = resolvedPath(toNarrow(path));
-    const std::optional<std::string> realFolder = resolvedPath(toNarrow(folder));
-    return realPath && realFolder && realPath->starts_with(*realFolder + "/");
+bool leadsThroughLink(const std::wstring& folder, const std::wstring& entry) {
+    for (std::size_t end = 0; end != std::wstring::npos;) {
+        end = entry.find(L'/', end + 1);
+        if (isLink(folder + L"/" + entry.substr(0, end))) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void removePluginDirectory(const std::wstring& plugins, const std::wstring& value) {
-    const std::wstring directory = osPath(plugins + L"/" + value);
-    const bool isSafe =
-        namesEntryBelow(value) && (!exists(directory) || isReallyBelow(directory, plugins));
-    if (!isSafe) {
-        report("Error: resetMetaDataDirs: '%ls' does not name a directory of a plug-in.", value);
+    const std::wstring entry = entryBelow(value);
+    if (entry.empty() || leadsThroughLink(plugins, entry)) {
+        report(noReason(),
+               "Error: resetMetaDataDirs: '%ls' does not name a directory of a plug-in.", value);
         return;
     }
     std::wstring problems;
-    if (exists(directory) && !removeDirectoryAndContents(directory, problems)) {
-        fatal(
-            "\nZYPRA0107E begin: Error removing metadata plugin directory\n%ls\n"
-            "ZYPRA0108E end: Unable to remove all files in the metadata plugin directory. Please "
-            "correct the problems listed above",
-            problems);
+    if (exists(plugins + L"/" + entry) && !removeDirectoryBelow(plugins, entry, problems)) {
+        fatal(noReason(),
+              "\nZYPRA0107E begin: Error removing metadata plugin directory\n%ls\n"
+              "ZYPRA0108E end: Unable to remove all files in the metadata plugin directory. Please "
+              "correct the problems listed above",
+              problems);
     }
 }
 
@@ -196,7 +200,7 @@ void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required,
     const std::wstring from = pathOf(source);
     if (!exists(from)) {
         if (required) {
-            fatal("ZYPRA0109E: Unable to locate '%ls' for copying", from);
+            fatal(because(errno), "ZYPRA0109E: Unable to locate '%ls' for copying", from);
         }
         SvcDebugOutW(L"ZYPRA0110I: '%s' not found", from);
         return;
@@ -204,10 +208,10 @@ void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required,
     clearTarget(to);
     if (move) {
         if (!moveFile(from, to)) {
-            fatal("ZYPRA0141E: Can't move file/dir  '%ls'", from);
+            fatal(because(errno), "ZYPRA0141E: Can't move file/dir  '%ls'", from);
         }
     } else if (!copyFile(from, to)) {
-        fatal("ZYPRA0113E: Can't copy file  '%ls'", from);
+        fatal(noReason(), "ZYPRA0113E: Can't copy file  '%ls'", from);
     }
 }
 

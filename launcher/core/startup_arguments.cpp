@@ -2,11 +2,14 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/java_properties.h"
+#include "launcher/core/option_values.h"
 #include "launcher/core/placeholders.h"
 #include "platform/environment.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
 #include "platform/whole_file.h"
+
+#include <errno.h>
 
 #include <vector>
 
@@ -25,9 +28,9 @@ struct Line {
 };
 
 Line makeLine(const std::wstring& key, const std::wstring& value, const char* failed) {
-    std::wstring line;
-    convWcharTo8859_1(key, value, line);
-    return {toNarrow(line + L"\n"), failed};
+    std::wstring escaped;
+    convWcharTo8859_1_Value(value, escaped);
+    return {propertyLines(toNarrow(key), toNarrow(escaped)), failed};
 }
 
 std::wstring programPath(const Arguments& arguments, const std::wstring* restartExe) {
@@ -40,12 +43,13 @@ std::wstring programPath(const Arguments& arguments, const std::wstring* restart
 }
 
 // The workspace as the restarted launcher must find it, whatever its working directory.
-std::wstring absoluteWorkspace(std::wstring value, const PropertyList& properties,
+std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& properties,
                                const std::wstring& installDir) {
+    std::wstring value = argument;
     replaceFirstRcpHome(value, installDir);
     const std::wstring before = value;
     if (!replaceUserPlaceholders(value, properties)) {
-        fatal("ZYPRA0088E: property substitution is invalid (%ls)", before);
+        refusePlaceholders(before, L"-data", argument.origin);
     }
     std::wstring absolute;
     convert_from_relative_location(value, absolute);
@@ -63,12 +67,15 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
     const std::wstring* data = optionValue(L"-data", arguments);
     std::vector<std::wstring> recorded{programPath(arguments, restartExe)};
     for (int i = 1; i < static_cast<int>(arguments.size()); ++i) {
-        const std::wstring& argument = arguments[static_cast<std::size_t>(i)];
+        const Argument& argument = arguments[static_cast<std::size_t>(i)];
         if (i == restart || i == resetConfig) {
             continue;
         }
         if (i == oldPid) {
-            ++i;
+            i += optionValue(L"-rcp_old_pid", arguments) == nullptr ? 0 : 1;
+        } else if (i + 1 < static_cast<int>(arguments.size()) &&
+                   lacksValue(arguments, static_cast<std::size_t>(i))) {
+            continue;  // a restart would take the launcher's own "-vm" behind it for its value
         } else if (&argument == data) {
             recorded.push_back(absoluteWorkspace(argument, properties, installDir));
         } else {
@@ -112,15 +119,15 @@ void writeStartupArgs(const Arguments& arguments, const std::wstring& configurat
     }
     WholeFile file(path);
     if (!file.open()) {
-        fatal("ZYPRA0097E: Could not open %ls for writing!", path);
+        fatal(because(errno), "ZYPRA0097E: Could not open %ls for writing!", path);
     }
     for (const Line& line : lines) {
         if (!file.write(line.text)) {
-            fatal(line.failed, path);
+            fatal(because(errno), line.failed, path);
         }
     }
     if (!file.commit()) {
-        fatal(kLibraryPathFailed, path);
+        fatal(because(errno), kLibraryPathFailed, path);
     }
 }
 

@@ -7,6 +7,7 @@ namespace rcp {
 namespace {
 
 constexpr const wchar_t* kInWorkspace[] = {
+    L"/.rcp.provisioning.tmp",
     L"/platform.xml.old.tmp",
     L"/registry.old.tmp",
     L"/bookmarks.xml.old.tmp",

@@ -9,6 +9,7 @@
 #include "platform/text.h"
 #include "platform/whole_file.h"
 
+#include <errno.h>
 #include <stdio.h>
 
 #include <string_view>
@@ -51,6 +52,9 @@ constexpr BlockLine kBlockLines[] = {
     {L"com.ovr.rcp.core.bidi", L"com.ovr.rcp.core.bidi", false, false, nullptr},
 };
 
+constexpr char kAppendFailed[] =
+    "ZYPRA0015E: Unable to append values to user specific rcpinstall.properties file.";
+
 std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList& properties) {
     const std::wstring* property = findProperty(line.property, properties);
     if (property == nullptr) {
@@ -70,16 +74,18 @@ std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList
     return escaped;
 }
 
-void copyLines(std::FILE& copy, WholeFile& file) {
+// The errno of a copy that could not be read to its end, else 0.
+int copyLines(std::FILE& copy, WholeFile& file) {
     UserFileFilter filter;
     std::wstring line;
     while (readFile(copy, kCopiedLineFormat, line) != EOF) {
         if (filter.keeps(line) && !file.write(toNarrow(line) + "\n")) {
-            report(
-                "ZYPRA0001E: Error while copying base rcpinstall.properties to user specific "
-                "rcpinstall.properties file.");
+            report(because(errno),
+                   "ZYPRA0001E: Error while copying base rcpinstall.properties to user specific "
+                   "rcpinstall.properties file.");
         }
     }
+    return ferror(&copy) != 0 ? errno : 0;
 }
 
 }  // namespace
@@ -98,7 +104,7 @@ void createConfigIni(const std::wstring& configuration, const std::wstring& base
         return;
     }
     if (!copyFile(getCoreFileLocation(base, L"config.ini"), target)) {
-        fatal("ZYPRA0009E: Unable to copy config.ini to the user directory.");
+        fatal(noReason(), "ZYPRA0009E: Unable to copy config.ini to the user directory.");
     }
     userFirstLaunch = true;
 }
@@ -113,7 +119,8 @@ std::wstring createRCPInstallProps(const std::wstring& configuration, const std:
     TemporaryName temporary(toNarrow(copy));
     temporary.claim();
     if (!copyFile(getCoreFileLocation(base, L"rcpinstall.properties"), copy)) {
-        fatal("ZYPRA0022E: Unable to copy rcpinstall.properties to the user directory.");
+        fatal(noReason(),
+              "ZYPRA0022E: Unable to copy rcpinstall.properties to the user directory.");
     }
     fixUserRCPInstallProperties(copy, target, properties);
     userFirstLaunch = true;
@@ -139,15 +146,19 @@ bool UserFileFilter::keeps(std::wstring& line) {
     return !isDropped;
 }
 
-std::optional<std::wstring> userFileBlock(const PropertyList& properties) {
-    std::wstring block;
+std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
+    UserFileBlock block;
     for (const BlockLine& line : kBlockLines) {
         const std::optional<std::wstring> value = blockValue(line, properties);
-        if (value) {
-            block += line.key;
-            block += L"=" + *value + L"\n";
-        } else if (line.isRequired) {
+        if (!value && line.isRequired) {
             return std::nullopt;
+        }
+        const std::string narrow = toNarrow(value.value_or(L""));
+        if (narrow.empty() && value && !value->empty()) {
+            block.missingKeys.emplace_back(line.key);
+        } else if (value) {
+            // A value is the format of its own output: "%%" in it becomes "%".
+            block.lines += propertyLines(toNarrow(line.key), expandFormat(narrow));
         }
     }
     return block;
@@ -159,21 +170,23 @@ int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& ta
     open_file(from, osPath(copy), L"r");
     WholeFile file(osPath(target), L".new");
     if (!from || !file.open()) {
-        report(
-            "ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
-            "rcpinstall.properties files.");
+        report(because(errno),
+               "ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
+               "rcpinstall.properties files.");
         return -1;
     }
-    copyLines(*from, file);
-    const std::optional<std::wstring> block = userFileBlock(properties);
+    const int readError = copyLines(*from, file);
+    const std::optional<UserFileBlock> block = userFileBlock(properties);
     if (!block) {
-        fatal(
-            "ZYPRA0008E: Unable to calculate necessary values for user specific "
-            "rcpinstall.properties file.");
+        fatal(noReason(),
+              "ZYPRA0008E: Unable to calculate necessary values for user specific "
+              "rcpinstall.properties file.");
     }
-    // The block is the format of its own output: "%%" in a value becomes "%".
-    if (ferror(from.get()) != 0 || !file.write(expandFormat(toNarrow(*block))) || !file.commit()) {
-        report("ZYPRA0015E: Unable to append values to user specific rcpinstall.properties file.");
+    for (const std::wstring& key : block->missingKeys) {
+        report(because("its value is no text of this locale").at(key), kAppendFailed);
+    }
+    if (readError != 0 || !file.write(block->lines) || !file.commit()) {
+        report(because(readError != 0 ? readError : errno), kAppendFailed);
         return -1;
     }
     return 0;

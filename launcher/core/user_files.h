@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace rcp {
 
@@ -44,7 +45,15 @@ class UserFileFilter {
     bool isContinuing_ = false;
 };
 
-/// The lines appended to the user's file; empty optional when a required value is missing.
-std::optional<std::wstring> userFileBlock(const PropertyList& properties);
+/// What is appended to the user's file.
+struct UserFileBlock {
+    std::string lines;                      // as they stand there
+    std::vector<std::wstring> missingKeys;  // those whose values this locale cannot hold
+
+    bool operator==(const UserFileBlock&) const = default;
+};
+
+/// Empty optional when a required value is missing.
+std::optional<UserFileBlock> userFileBlock(const PropertyList& properties);
 
 }  // namespace rcp

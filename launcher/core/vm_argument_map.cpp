@@ -19,7 +19,7 @@ void insertArguments(VmArgumentMap& map, const Arguments& arguments, const char*
         }
         const std::size_t equals = argument.find(L'=');
         if (equals == std::wstring::npos) {
-            fatal(invalidMessage);
+            fatal(noReason(), invalidMessage);
         }
         map.try_emplace(argument.substr(0, equals), argument.substr(equals + 1), argument.origin);
     }

@@ -3,6 +3,7 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
+#include "launcher/core/option_values.h"
 #include "launcher/core/placeholders.h"
 #include "launcher/core/workspace.h"
 #include "platform/text.h"
@@ -23,7 +24,7 @@ void addUserVmargs(const Arguments& arguments) {
     }
     for (auto i = static_cast<std::size_t>(separator) + 1; i < arguments.size(); ++i) {
         if (arguments[i] == L"-vm") {
-            ++i;
+            i += i + 1 < arguments.size() && canBeValue(arguments[i + 1]) ? 1 : 0;
         } else {
             addArgToCommandLine(arguments[i], true);
         }
@@ -92,12 +93,13 @@ void addDashDToCommandLine(const LaunchInputs& inputs) {
     }
     const Property* installId = inputs.properties.find(L"rcp.install.id");
     if (installId == nullptr) {
-        fatal("ZYPRA0036E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), "ZYPRA0036E: Couldn't find the rcp.install.id property!");
     }
     addSystemProperty(L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
     const std::wstring configuration = installConfigurationName();
     if (configuration.empty()) {
-        fatal("ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
+        fatal(noReason(),
+              "ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
     }
     addSystemProperty(L"-Drcp.install.config", configuration);
     addPropertyDefinitions(inputs.properties);
@@ -126,7 +128,9 @@ void removeDuplicateSingles(Arguments& arguments, std::wstring_view option) {
 void removeDuplicatePairs(Arguments& arguments, std::wstring_view option) {
     const auto second = secondOccurrence(arguments, option);
     if (second != arguments.end()) {
-        arguments.erase(second, std::min(second + 2, arguments.end()));
+        const auto value = second + 1;
+        const bool hasValue = value != arguments.end() && canBeValue(*value);
+        arguments.erase(second, hasValue ? value + 1 : value);
     }
 }
 

@@ -22,7 +22,7 @@ void addXargsToCommandLine(const PropertyList& properties);
 /// Removes the second occurrence of `option`; the first and any third stay, so one call removes at
 /// most one duplicate.
 void removeDuplicateSingles(Arguments& arguments, std::wstring_view option);
-/// The same with the argument behind the removed option.
+/// The same with the value behind the removed option, if it has one.
 void removeDuplicatePairs(Arguments& arguments, std::wstring_view option);
 
 }  // namespace rcp

@@ -9,6 +9,8 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
+#include <errno.h>
+
 #include <algorithm>
 
 namespace rcp {
@@ -24,19 +26,24 @@ void traceAlways(std::wstring_view format, std::wstring_view argument) {
     SvcDebugOutW(format, argument);
 }
 
-// The JVM's path; empty when the launcher library is to find one itself. `missingMessage` tells where
-// it was asked for.
-Argument chosenVm(const PropertyList& properties, const Arguments& arguments,
-                  const char* missingMessage) {
+// The JVM's path; empty when the launcher library is to find one itself, or "-vm" has no value.
+Argument givenVm(const PropertyList& properties, const Arguments& arguments) {
     if (isVmOverride(arguments)) {
         const Argument* value = optionValue(L"-vm", arguments);
-        if (value == nullptr || value->empty()) {
-            fatal(missingMessage);
-        }
-        return *value;
+        return value == nullptr ? Argument() : *value;
     }
     const Property* property = properties.find(L"vm");
     return property == nullptr ? Argument() : argumentFrom(*property);
+}
+
+// The same. `missingMessage` tells where it was asked for.
+Argument chosenVm(const PropertyList& properties, const Arguments& arguments,
+                  const char* missingMessage) {
+    Argument vm = givenVm(properties, arguments);
+    if (vm.empty() && isVmOverride(arguments)) {
+        fatal(noReason(), missingMessage);
+    }
+    return vm;
 }
 
 void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
@@ -64,14 +71,21 @@ void settleLibraryPath(PropertyList& properties) {
 
 }  // namespace
 
+Argument vmProgram(const LaunchInputs& inputs) {
+    Argument vm = givenVm(inputs.properties, inputs.arguments);
+    replaceFirstRcpHome(vm, inputs.installDir);
+    return vm;
+}
+
 bool addVmToCommandLine(const LaunchInputs& inputs) {
     if (hasOption(L"-rcpLauncherWait", inputs.arguments)) {
         setWaitMode();
     }
-    const Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
+    Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
+    replaceFirstRcpHome(vm, inputs.installDir);
     if (vm.empty()) {
         if (isDirectJavaShape()) {
-            fatal(kNoVmMessage);  // or an option would become the program
+            fatal(noReason(), kNoVmMessage);  // or an option would become the program
         }
         return false;
     }
@@ -196,7 +210,7 @@ bool isVmOverride(const Arguments& arguments) {
 
 bool isJavaw(const std::wstring& jvm, const std::wstring& name) {
     if (!exists(jvm)) {
-        fatal("ZYPRA0003E: Specified vm (%ls) does not exist!", jvm);
+        fatal(because(errno), "ZYPRA0003E: Specified vm (%ls) does not exist!", jvm);
     }
     return jvm.ends_with(name);
 }

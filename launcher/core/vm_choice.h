@@ -16,6 +16,8 @@
 
 namespace rcp {
 
+/// The JVM's path as it is handed over; empty when none is named.
+Argument vmProgram(const LaunchInputs& inputs);
 /// Appends the JVM piece: "-vm" and its path, or in the direct Java shape the path as first
 /// element.
 /// "-rcpLauncherWait" switches wait mode on. True when the path ends in ".ee" or ".dll". Ends the

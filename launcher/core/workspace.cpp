@@ -4,7 +4,9 @@
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/placeholders.h"
 #include "platform/environment.h"
+#include "platform/files.h"
 #include "platform/install_location.h"
+#include "platform/text.h"
 
 namespace rcp {
 namespace {
@@ -19,17 +21,33 @@ constexpr wchar_t kDefaultFolder[] = L"/OVR/RCP/";
 void dropTrailingSeparator(std::wstring& path) {
     if (path.ends_with(L'/') || path.ends_with(L'\\')) {
         path.pop_back();
+        path = path.empty() ? L"/" : path;
     }
 }
 
-std::wstring workspaceFromArgument(std::wstring value, const PropertyList& properties,
+[[noreturn]] void refuse(const std::wstring& value) {
+    fatal(noReason(), "ZYPRA0099E: rcp.data property is invalid (%ls)", value);
+}
+
+// The user's area must not lie among the system's folders, whichever way leads there. What is not
+// there yet is no link.
+std::wstring notTheRoot(const std::wstring& workspace, const std::wstring& value) {
+    const std::string path = toNarrow(osPath(workspace));
+    if (lexicalPath(path) == "/" || resolvedPath(path) == "/") {
+        refuse(value);
+    }
+    return workspace;
+}
+
+std::wstring workspaceFromArgument(const std::wstring& argument, const PropertyList& properties,
                                    const std::wstring& rcpHome) {
+    std::wstring value = argument;
     dropTrailingSeparator(value);
     replaceFirstRcpHome(value, rcpHome);
     replaceUserPlaceholders(value, properties);
     std::wstring absolute;
     convert_from_relative_location(value, absolute);
-    return absolute;
+    return notTheRoot(absolute, argument);
 }
 
 // Whether "${rcp.home}" is all that is left in a text whose user placeholders were replaced.
@@ -47,26 +65,27 @@ std::wstring workspaceFromProperty(const std::wstring& property, const PropertyL
     dropTrailingSeparator(path);
     // An empty path would put the user's area below the root of the file system.
     if (!valid || path.empty()) {
-        fatal("ZYPRA0099E: rcp.data property is invalid (%ls)", value);
+        refuse(value);
     }
     replaceFirstRcpHome(path, rcpHome);
     replaceUserPlaceholders(path, properties);
-    return path;
+    return notTheRoot(path, value);
 }
 
 std::wstring defaultWorkspace(const PropertyList& properties) {
     const std::wstring* installId = findProperty(L"rcp.install.id", properties);
     if (installId == nullptr) {
-        fatal("ZYPRA0035E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), "ZYPRA0035E: Couldn't find the rcp.install.id property!");
     }
     std::wstring user;
     if (getEnv(L"USER", user) == nullptr) {
-        fatal("ZYPRA0037E: Couldn't find the user name!");
+        fatal(noReason(), "ZYPRA0037E: Couldn't find the user name!");
     }
     std::wstring home;
     getUserHome(home);
     if (!home.starts_with(L'/')) {
-        fatal("Error: getWorkspaceLocation: HOME does not name a directory (%ls).", home);
+        fatal(noReason(), "Error: getWorkspaceLocation: HOME does not name a directory (%ls).",
+              home);
     }
     return home + kDefaultFolder + *installId + L"/" + user;
 }

@@ -1,4 +1,4 @@
-// Linux: the running executable's path as it was started.
+// Linux: the running executable's path as it was started, and another process's.
 #include "platform/platform.h"
 #include "platform/working_directory.h"
 
@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace rcp::platform {
 
@@ -22,12 +23,12 @@ std::string startedName() {
     return name == nullptr ? std::string() : std::string(name);
 }
 
-/// The file behind the process: absolute, but with every link resolved.
-std::string resolvedPath() {
+/// What a link of the process file system leads to; empty, with errno set, when it cannot be read.
+std::string targetOf(const std::string& link) {
     constexpr std::size_t kFirstSize = 1024;
     std::string buffer(kFirstSize, '\0');
     while (true) {
-        const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
+        const ssize_t length = readlink(link.c_str(), buffer.data(), buffer.size());
         if (length < 0) {
             return {};
         }
@@ -41,7 +42,21 @@ std::string resolvedPath() {
     }
 }
 
+/// The file behind this process: absolute, but with every link resolved.
+std::string resolvedPath() {
+    return targetOf("/proc/self/exe");
+}
+
 }  // namespace
+
+std::optional<std::string> executableOfProcess(pid_t process) {
+    constexpr std::string_view kGone = " (deleted)";  // what the system adds
+    std::string path = targetOf("/proc/" + std::to_string(process) + "/exe");
+    if (path.ends_with(kGone) && access(path.c_str(), F_OK) != 0) {
+        path.resize(path.size() - kGone.size());
+    }
+    return path.empty() ? std::nullopt : std::optional(std::move(path));
+}
 
 std::string executablePathAsStarted() {
     std::string name = startedName();

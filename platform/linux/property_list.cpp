@@ -57,7 +57,8 @@ Library load() {
                        resolve(handle, "plist_new_string", library.newText) &&
                        resolve(handle, "plist_free", library.free);
     if (!library.complete) {
-        report("Error: property lists cannot be read: %ls cannot be loaded.", toWide(kLibraryName));
+        report(noReason(), "Error: property lists cannot be read: %ls cannot be loaded.",
+               toWide(kLibraryName));
     }
     return library;
 }

@@ -1,7 +1,8 @@
-// macOS: the running executable's path as it was started.
+// macOS: the running executable's path as it was started, and another process's.
 #include "platform/platform.h"
 #include "platform/working_directory.h"
 
+#include <libproc.h>
 #include <mach-o/dyld.h>
 
 #include <cerrno>
@@ -27,7 +28,20 @@ std::string executablePathAsStarted() {
     // A relative name means something only from where the process began, so the folder of the first
     // call is kept.
     static const std::string startedIn = workingDirectory();
-    return startedIn.empty() ? startedIn : startedIn + "/" + path;
+    if (startedIn.empty()) {
+        return {};
+    }
+    return startedIn == "/" ? startedIn + path : startedIn + "/" + path;
+}
+
+std::optional<std::string> executableOfProcess(pid_t process) {
+    std::string path(PROC_PIDPATHINFO_MAXSIZE, '\0');
+    const int length = proc_pidpath(process, path.data(), static_cast<std::uint32_t>(path.size()));
+    if (length <= 0) {
+        return std::nullopt;
+    }
+    path.resize(static_cast<std::size_t>(length));
+    return path;
 }
 
 }  // namespace rcp::platform

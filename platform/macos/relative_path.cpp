@@ -22,7 +22,9 @@ std::optional<std::string> absolutePath(const std::string& base, const std::stri
     if (path.starts_with('/')) {
         return path;
     }
-    if (!base.starts_with('/')) {
+    // A text that is no UTF-8 makes a URL whose path is empty: the base, or a relative path, would be
+    // given for what was asked.
+    if (!base.starts_with('/') || !makeCfString(base) || !makeCfString(path)) {
         return std::nullopt;
     }
     std::string relative = path;

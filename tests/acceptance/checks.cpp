@@ -28,7 +28,7 @@ Texts linesBetween(const std::string& log, const std::string& begin, const std::
 }
 
 bool isRecord(const std::string& line, const std::string& record) {
-    return line == record || line.starts_with(record + " : ");
+    return line == record || line.starts_with(record + " : ") || line.starts_with(record + " (");
 }
 
 }  // namespace

@@ -2,18 +2,25 @@
 #pragma once
 
 #include "installation.h"
+#include "tests/support/sandbox.h"
 
 #include <gtest/gtest.h>
 
 namespace acceptance {
 
 /// Skips the test where the launcher cannot be given a /tmp of its own.
-#define NEEDS_PRIVATE_TMP()                                                             \
-    do {                                                                                \
-        if (!acceptance::privateTmpObstacle().empty()) {                                \
-            GTEST_SKIP() << "no /tmp of its own: " << acceptance::privateTmpObstacle(); \
-        }                                                                               \
+#define NEEDS_PRIVATE_TMP()                                                         \
+    do {                                                                            \
+        if (!rcp::test::sandboxObstacle().empty()) {                                \
+            GTEST_SKIP() << "no /tmp of its own: " << rcp::test::sandboxObstacle(); \
+        }                                                                           \
     } while (false)
+
+/// For launches with random or hostile paths: nothing outside the test's own folder can be changed.
+class ShutIn : public testing::Test {
+  protected:
+    void SetUp() override { NEEDS_PRIVATE_TMP(); }
+};
 
 /// Both lists are equal; says which element is the first that differs.
 void expectList(const Texts& expected, const Texts& actual);
@@ -28,7 +35,7 @@ Texts launchParameters(const std::string& log);
 Texts provisioningParameters(const std::string& log);
 
 /// The launch ended with status 255, no platform came up, nothing was printed, and the last record
-/// of `log` is `record`, alone or with the system's error text behind it.
+/// of `log` is `record`, alone or with place and reason behind it.
 void expectFatal(const Launch& launch, const std::string& log, const std::string& record);
 /// Before the workspace's log is open, fatal errors leave their records in /tmp.
 void expectEarlyFatal(const Launch& launch, const std::string& record);

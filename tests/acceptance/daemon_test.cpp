@@ -1,5 +1,6 @@
 // A launcher that finds the workspace's platform running: it starts a daemon of it.
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 #include <filesystem>
 
@@ -76,6 +77,27 @@ TEST_P(Daemon, TerminalAndListingVariablesHideNoPlatform) {
     EXPECT_EQ(first.finish().status, 0);
 }
 
+TEST_P(Daemon, RelativePathHidesNoPlatform) {
+    velmo_.folder = velmo_.rcp;
+    velmo_.programName = "./rcplauncher";
+    StayingLaunch first = velmo_.startStaying();
+    first.waitUntilRecorded();
+    EXPECT_EQ(velmo_.start().after("-useDaemon"), std::to_string(first.pid()));
+    EXPECT_EQ(first.finish().status, 0);
+}
+
+TEST_P(Daemon, UpgradeHidesNoRunningPlatform) {
+    velmo_.programName = "./rcplauncher";
+    StayingLaunch first = velmo_.startStaying();
+    first.waitUntilRecorded();
+    velmo_.place(velmo_.program, velmo_.rcp + "/new");
+    std::filesystem::remove(velmo_.program);
+    std::filesystem::copy_file(velmo_.rcp + "/new", velmo_.program);
+    velmo_.place(ACCEPTANCE_STANDIN_PROGRAM, velmo_.base + "/macosx/x86/eclipse");
+    EXPECT_EQ(velmo_.start().after("-useDaemon"), std::to_string(first.pid()));
+    EXPECT_EQ(first.finish().status, 0);
+}
+
 TEST_P(Daemon, RefusesToInstall) {
     StayingLaunch first = velmo_.startStaying();
     first.waitUntilRecorded();
@@ -100,6 +122,37 @@ TEST_P(Daemon, NeverProvisions) {
     EXPECT_TRUE(velmo_.start().has("com.ovr.provision"));
 }
 
+TEST(DaemonOfService, IsASecondPlatformAndSaysSo) {
+    Installation velmo;
+    velmo.useServiceConfiguration();
+    const auto record = [](pid_t id) {
+        return "Error: startup: process " + std::to_string(id) +
+               " is this workspace's platform; another one starts beside it.";
+    };
+    StayingLaunch first = velmo.startStaying();
+    first.waitUntilRecorded();
+    const Launch second = velmo.launch();
+    ASSERT_TRUE(second.platform.has_value()) << second.log;
+    EXPECT_FALSE(second.platform->has("-useDaemon"));
+    expectBareRecord(second.log, record(first.pid()));
+    EXPECT_EQ(first.finish().status, 0);
+    EXPECT_FALSE(hasLineStart(velmo.launch().log, "Error: startup:"));
+}
+
+// What runs there is the JVM, whose listing need not show the client's name.
+TEST(DaemonOfService, IsToldByTheJvmWithoutAListing) {
+    Installation velmo;
+    velmo.useServiceConfiguration();
+    StayingLaunch first = velmo.startStaying();
+    first.waitUntilRecorded();
+    velmo.environment["PATH"] = velmo.path("empty");
+    const Launch second = velmo.launch();
+    expectBareRecord(second.log,
+                     "Error: startup: process " + std::to_string(first.pid()) +
+                         " is this workspace's platform; another one starts beside it.");
+    EXPECT_EQ(first.finish().status, 0);
+}
+
 // The executable's name comes from a property file and is text, whatever it looks like.
 TEST(DaemonOfExecutable, IsFoundWhateverTheExecutablesNameLooksLike) {
     for (const char* name : {"-v", "Velmo Client", "a;touch x", "$(touch x)"}) {
@@ -114,12 +167,12 @@ TEST(DaemonOfExecutable, IsFoundWhateverTheExecutablesNameLooksLike) {
     }
 }
 
-TEST(DaemonOfExecutable, NobodyIsFoundWithoutAListing) {
+TEST(DaemonOfExecutable, IsFoundWithoutAListing) {
     Installation velmo;
     StayingLaunch first = velmo.startStaying();
     first.waitUntilRecorded();
     velmo.environment["PATH"] = velmo.path("empty");
-    EXPECT_FALSE(velmo.start().has("-useDaemon"));
+    EXPECT_EQ(velmo.start().after("-useDaemon"), std::to_string(first.pid()));
     EXPECT_EQ(first.finish().status, 0);
 }
 

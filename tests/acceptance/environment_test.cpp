@@ -1,6 +1,7 @@
 // The environment that the JVM inherits, the library preload included.
 #include "checks.h"
 
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -127,6 +128,23 @@ TEST(Environment, RecordedLibraryPathStandsInTheMiddle) {
                         "com.ovr.rcp.core.internal.librarypath=/one\\:/two"));
     velmo.environment["DYLD_LIBRARY_PATH"] = "/other";
     EXPECT_EQ(velmo.start({"-restart"}).variable("DYLD_LIBRARY_PATH"), "/p:/one:/two:/a");
+}
+
+TEST(Environment, FileSizeSignalIsThePlatformsAsItWasTheLaunchers) {
+    for (const bool ignored : {false, true}) {
+        Installation velmo;
+        const std::string answer = velmo.path("answer");
+        velmo.write(velmo.base + "/macosx/x86/eclipse",
+                    "#!/bin/sh\ngrep SigIgn: /proc/$$/status >'" + answer + "'\n", 0755);
+        velmo.wrapper = {"/bin/sh", "-c",
+                         ignored ? "trap '' XFSZ; exec \"$0\" \"$@\"" : "exec \"$0\" \"$@\""};
+        EXPECT_EQ(velmo.launch().status, 0);
+        const std::string line = readFile(answer);
+        ASSERT_TRUE(line.starts_with("SigIgn:")) << line;
+        const auto mask =
+            std::stoull(line.substr(line.find_first_of("0123456789abcdef", 7)), nullptr, 16);
+        EXPECT_EQ((mask >> (SIGXFSZ - 1) & 1) != 0, ignored);
+    }
 }
 
 class Preload : public testing::Test {

@@ -2,6 +2,7 @@
 
 #include "checks.h"
 #include "snapshot.h"
+#include "tests/acceptance/paths.h"
 
 #include <algorithm>
 #include <iterator>
@@ -136,7 +137,7 @@ std::set<std::string> pathsAfter(const Snapshot& before, const Json& explanation
 }  // namespace
 
 Json explain(Installation& velmo, const Texts& arguments) {
-    const std::string launcher = std::exchange(velmo.program, ACCEPTANCE_INSPECT);
+    const std::string launcher = std::exchange(velmo.program, rcp::test::seen(ACCEPTANCE_INSPECT));
     Texts words{"explain", "--format", "json", "--launcher", launcher, "--"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     const Launch run = velmo.launch(words);

@@ -1,6 +1,7 @@
 // The final command line, every element in its place, for each of the three shapes: once with every
 // piece that there is, once with none.
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 // A launch that runs out of disk: it ends by itself and leaves nothing unfinished, and with room
 // the next one ends up where an undisturbed one would have.
 #include "checks.h"
+#include "hostile.h"
 #include "user_area_scenarios.h"
 
 #include <sys/statvfs.h>
@@ -10,7 +11,6 @@
 #include <cstring>
 
 #ifdef __linux__
-#include <sched.h>
 #include <sys/mount.h>
 #endif
 
@@ -20,12 +20,15 @@ namespace {
 
 #ifdef __linux__
 
-// A small disk of its own in place of a folder, seen by this process and its children only.
+// A small disk of its own in place of a folder, seen in the sandbox only.
 class SmallDisk {
   public:
     explicit SmallDisk(std::string folder) : folder_(std::move(folder)) {
-        isMounted_ = isAlone() && mount("tmpfs", folder_.c_str(), "tmpfs", 0, kRoom) == 0;
-        obstacle_ = isMounted_ ? "" : std::strerror(errno);
+        obstacle_ = rcp::test::sandboxObstacle();
+        isMounted_ = obstacle_.empty() && mount("tmpfs", folder_.c_str(), "tmpfs", 0, kRoom) == 0;
+        if (!isMounted_ && obstacle_.empty()) {
+            obstacle_ = std::strerror(errno);
+        }
     }
     ~SmallDisk() {
         if (isMounted_) {
@@ -54,11 +57,6 @@ class SmallDisk {
   private:
     static constexpr char kRoom[] = "size=64m,nr_inodes=10000";
 
-    static bool isAlone() {
-        static const bool done = unshare(CLONE_NEWNS) == 0 &&
-                                 mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-        return done;
-    }
     [[nodiscard]] struct statvfs now() const {
         struct statvfs status {};
         EXPECT_EQ(statvfs(folder_.c_str(), &status), 0);
@@ -134,6 +132,23 @@ TEST_P(FullDisk, LaunchWithoutPagesLeavesNothingUnfinished) {
 
 TEST_P(FullDisk, LaunchWithoutInodesLeavesNothingUnfinished) {
     tryLimits(24, &SmallDisk::leaveFiles);
+}
+
+TEST(FullDiskLog, LastRecordOfALogThatTakesNothingIsInTheTemporaryOne) {
+    NEEDS_PRIVATE_TMP();
+    Installation velmo;
+    const SmallDisk disk(velmo.userHome);
+    if (!disk.obstacle().empty()) {
+        GTEST_SKIP() << "no small disk: " << disk.obstacle();
+    }
+    velmo.write(velmo.userHome + "/letter", "dear");
+    disk.leavePages(0);
+    const Launch launch = velmo.launch();
+    EXPECT_EQ(launch.log, "");
+    EXPECT_TRUE(fileExists(velmo.workspace + "/logs/rcplauncher.log")) << "it could be opened";
+    EXPECT_TRUE(hasLineStart(launch.temporaryLog, "ZYPRA0030I")) << launch.temporaryLog;
+    EXPECT_EQ(launch.status, 255);
+    EXPECT_TRUE(hasErrorRecord(launch.temporaryLog)) << launch.temporaryLog;
 }
 
 // Where no small disk can be had, this is what stands for one.

@@ -1,6 +1,7 @@
 // The last step of a launch: the launcher's process becomes the platform, through the launcher
 // library or through execv.
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 namespace acceptance {
 

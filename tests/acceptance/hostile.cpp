@@ -1,21 +1,9 @@
 #include "hostile.h"
 
-#include <filesystem>
-
 namespace acceptance {
 
 Texts shell(const std::string& script) {
     return {"/bin/sh", "-c", script + " exec \"$@\"", "sh"};
-}
-
-std::string tracedTemporaryLog(const Installation& installation) {
-    std::string text;
-    for (const auto& entry : std::filesystem::directory_iterator(installation.tmp)) {
-        if (entry.path().filename().string().starts_with("rcplauncher_")) {
-            text += readFile(entry.path());
-        }
-    }
-    return text;
 }
 
 bool hasErrorRecord(const std::string& log) {

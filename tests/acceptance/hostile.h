@@ -22,9 +22,6 @@ inline constexpr uid_t kStranger = 54322;
 /// A wrapper of the launch: the shell runs `script` first and then becomes the launcher.
 Texts shell(const std::string& script);
 
-/// The temporary logs of traced launches: those that end while the lock is being taken.
-std::string tracedTemporaryLog(const Installation& installation);
-
 bool hasErrorRecord(const std::string& log);
 
 /// Either the platform started and all ended with status 0, or the launch ended with status 255 and

@@ -34,8 +34,9 @@ std::string longPath(const std::string& folder, std::size_t length) {
 
 // --- HOME and USER ---
 
-TEST(HostileEnvironment, HomeThatIsMissingOrNoAbsolutePathIsRefused) {
-    NEEDS_PRIVATE_TMP();
+using HostileEnvironment = ShutIn;
+
+TEST_F(HostileEnvironment, HomeThatIsMissingOrNoAbsolutePathIsRefused) {
     Installation velmo;
     velmo.environment.erase("HOME");
     expectEarlyFatal(velmo.launch(), kNoHome + ").");
@@ -45,15 +46,14 @@ TEST(HostileEnvironment, HomeThatIsMissingOrNoAbsolutePathIsRefused) {
     }
 }
 
-TEST(HostileEnvironment, HomeThatIsNoTextIsRefused) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, HomeThatIsNoTextIsRefused) {
     Installation velmo;
     velmo.environment["HOME"] = velmo.userHome + "/\xFF\xFE";
     expectEarlyFatal(velmo.launch(), kNoHome + ").");
     EXPECT_TRUE(files::is_empty(velmo.userHome));
 }
 
-TEST(HostileEnvironment, HomeMayHoldBlanksLineFeedsAndAnyCharacter) {
+TEST_F(HostileEnvironment, HomeMayHoldBlanksLineFeedsAndAnyCharacter) {
     Installation velmo;
     for (const char* name :
          {"/  two  ", "/Zo\xC3\xAB \xE6\x97\xA5", "/a\nb", "/%s%n", "/'\"$(x)`"}) {
@@ -64,7 +64,7 @@ TEST(HostileEnvironment, HomeMayHoldBlanksLineFeedsAndAnyCharacter) {
     }
 }
 
-TEST(HostileEnvironment, HomeMayBeAsLongAsThePathsBelowItAllow) {
+TEST_F(HostileEnvironment, HomeMayBeAsLongAsThePathsBelowItAllow) {
     Installation velmo;
     const std::string home = longPath(velmo.userHome, kLongText);
     velmo.environment["HOME"] = home;
@@ -72,8 +72,7 @@ TEST(HostileEnvironment, HomeMayBeAsLongAsThePathsBelowItAllow) {
     EXPECT_EQ(velmo.start().after("-data"), velmo.workspace);
 }
 
-TEST(HostileEnvironment, NamesLongerThanTheFileSystemAllowsAreRefused) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, NamesLongerThanTheFileSystemAllowsAreRefused) {
     const std::string name(kLongText, 'n');
     Installation home;
     home.environment["HOME"] = home.userHome + "/" + name;
@@ -89,14 +88,13 @@ TEST(HostileEnvironment, NamesLongerThanTheFileSystemAllowsAreRefused) {
     EXPECT_TRUE(hasLineStart(second.temporaryLog, start)) << second.temporaryLog;
 }
 
-TEST(HostileEnvironment, UserThatIsMissingIsRefused) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, UserThatIsMissingIsRefused) {
     Installation velmo;
     velmo.environment.erase("USER");
     expectEarlyFatal(velmo.launch(), "ZYPRA0037E: Couldn't find the user name!");
 }
 
-TEST(HostileEnvironment, UserMayBeEmptyOrHoldAnyCharacter) {
+TEST_F(HostileEnvironment, UserMayBeEmptyOrHoldAnyCharacter) {
     Installation velmo;
     for (const char* user : {"", "  ", "Zo\xC3\xAB", "a\nb", "%s%n", "a'b\""}) {
         SCOPED_TRACE(user);
@@ -108,7 +106,7 @@ TEST(HostileEnvironment, UserMayBeEmptyOrHoldAnyCharacter) {
 
 // --- Locale ---
 
-TEST(HostileEnvironment, WithoutALocaleTextIsUtf8) {
+TEST_F(HostileEnvironment, WithoutALocaleTextIsUtf8) {
     Installation velmo;
     velmo.environment.erase("LANG");
     velmo.environment["HOME"] = velmo.userHome + "/Zo\xC3\xAB";
@@ -121,7 +119,7 @@ TEST(HostileEnvironment, WithoutALocaleTextIsUtf8) {
     }
 }
 
-TEST(HostileEnvironment, LocaleOfOneByteCharactersKeepsTheBytesOfPaths) {
+TEST_F(HostileEnvironment, LocaleOfOneByteCharactersKeepsTheBytesOfPaths) {
     Installation velmo;
     const std::string locales = velmo.path("locales");
     files::create_directories(locales);
@@ -140,8 +138,7 @@ TEST(HostileEnvironment, LocaleOfOneByteCharactersKeepsTheBytesOfPaths) {
     }
 }
 
-TEST(HostileEnvironment, LocaleThatDoesNotExistIsRefused) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, LocaleThatDoesNotExistIsRefused) {
     Installation velmo;
     for (const std::string& name :
          {std::string("xx_YY.nothing"), std::string("%s%n"), std::string(kLongText, 'x')}) {
@@ -152,7 +149,7 @@ TEST(HostileEnvironment, LocaleThatDoesNotExistIsRefused) {
 
 // --- Standard streams ---
 
-TEST(HostileEnvironment, ClosedStandardStreamsBecomeTheNullDevice) {
+TEST_F(HostileEnvironment, ClosedStandardStreamsBecomeTheNullDevice) {
     for (const bool inProcess : {false, true}) {
         Installation velmo;
         if (inProcess) {
@@ -182,7 +179,7 @@ TEST(HostileEnvironment, ClosedStandardStreamsBecomeTheNullDevice) {
 
 // --- umask, working directory, limits ---
 
-TEST(HostileEnvironment, AnyUmaskIsRespected) {
+TEST_F(HostileEnvironment, AnyUmaskIsRespected) {
     Installation velmo;
     velmo.wrapper = shell("umask 0;");
     velmo.start();
@@ -195,8 +192,7 @@ TEST(HostileEnvironment, AnyUmaskIsRespected) {
     velmo.start();
 }
 
-TEST(HostileEnvironment, UmaskThatForbidsEverythingIsRefusedWithARecord) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, UmaskThatForbidsEverythingIsRefusedWithARecord) {
     NEEDS_ROOT();
     Installation velmo;
     velmo.giveTo(kUser);
@@ -205,8 +201,7 @@ TEST(HostileEnvironment, UmaskThatForbidsEverythingIsRefusedWithARecord) {
                      "ZYPRA0083E: Unable to create " + velmo.workspace + " directory.");
 }
 
-TEST(HostileEnvironment, DeletedWorkingDirectoryHurtsOnlyRelativePaths) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, DeletedWorkingDirectoryHurtsOnlyRelativePaths) {
     Installation velmo;
     velmo.wrapper = shell("mkdir gone; cd gone; rmdir ../gone;");
     velmo.start();
@@ -217,7 +212,7 @@ TEST(HostileEnvironment, DeletedWorkingDirectoryHurtsOnlyRelativePaths) {
     EXPECT_TRUE(hasErrorRecord(relative.temporaryLog)) << relative.temporaryLog;
 }
 
-TEST(HostileEnvironment, EightDescriptorsAreEnough) {
+TEST_F(HostileEnvironment, EightDescriptorsAreEnough) {
     for (const char* inProcess : {"0", "1"}) {
         Installation velmo;
         velmo.set("invoke.eclipse.dylib", inProcess);
@@ -229,8 +224,7 @@ TEST(HostileEnvironment, EightDescriptorsAreEnough) {
 
 // The sanitizers want descriptors and memory of their own.
 #if !defined(__SANITIZE_ADDRESS__)
-TEST(HostileEnvironment, TooFewDescriptorsEndWithARecordOrDoNotMatter) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, TooFewDescriptorsEndWithARecordOrDoNotMatter) {
     Installation velmo;
     for (int limit = 5; limit < 8; ++limit) {
         SCOPED_TRACE(limit);
@@ -239,8 +233,7 @@ TEST(HostileEnvironment, TooFewDescriptorsEndWithARecordOrDoNotMatter) {
     }
 }
 
-TEST(HostileEnvironment, TooLittleMemoryEndsWithARecordOrDoesNotMatter) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileEnvironment, TooLittleMemoryEndsWithARecordOrDoesNotMatter) {
     Installation velmo;
     velmo.set("long", std::string(200000, 'x'));
     bool hasStarted = false;

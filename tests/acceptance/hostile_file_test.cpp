@@ -42,7 +42,7 @@ std::string notLoaded(const std::string& path) {
 
 // --- The installation's property file ---
 
-class HostilePropertyFile : public testing::Test {
+class HostilePropertyFile : public ShutIn {
   protected:
     HostilePropertyFile() {
         velmo.start();  // the file stands as it will; a workspace is there
@@ -53,19 +53,16 @@ class HostilePropertyFile : public testing::Test {
 };
 
 TEST_F(HostilePropertyFile, DirectoryInItsPlaceIsRefused) {
-    NEEDS_PRIVATE_TMP();
     makeFolder(path);
     expectEarlyFatal(velmo.launch(), notLoaded(path));
 }
 
 TEST_F(HostilePropertyFile, PipeInItsPlaceIsRefusedAtOnce) {
-    NEEDS_PRIVATE_TMP();
     makeFifo(path);
     expectEarlyFatal(velmo.launch(), notLoaded(path));
 }
 
 TEST_F(HostilePropertyFile, FileThatMayNotBeReadIsRefused) {
-    NEEDS_PRIVATE_TMP();
     NEEDS_ROOT();
     velmo.giveTo(kUser);
     files::permissions(path, files::perms::none);
@@ -73,7 +70,6 @@ TEST_F(HostilePropertyFile, FileThatMayNotBeReadIsRefused) {
 }
 
 TEST_F(HostilePropertyFile, BinaryFileHoldsNoInstallation) {
-    NEEDS_PRIVATE_TMP();
     velmo.write(path, randomBytes(100000));
     expectEarlyFatal(velmo.launch(),
                      "ZYPRA0016E: rcp.install.id is required for this configuration!");
@@ -112,7 +108,7 @@ TEST_F(HostilePropertyFile, LineThatIsNoTextIsLeftOutWithARecord) {
 
 // --- The user's area ---
 
-class HostileUserArea : public testing::Test {
+class HostileUserArea : public ShutIn {
   protected:
     // A user's area from an earlier launch, in which `name` becomes what a test wants.
     HostileUserArea() { velmo.start(); }
@@ -153,22 +149,18 @@ TEST_F(HostileUserArea, RecordedArgumentsReplaceAnythingButADirectory) {
     EXPECT_TRUE(files::is_regular_file(in("args.properties")));
     makeFolder(in("args.properties"));
     expectLateFatal(velmo.launch(),
-                    "ZYPRA0117E: Error writing to " + in("args.properties") + " file.");
+                    "ZYPRA0097E: Could not open " + in("args.properties") + " for writing!");
 }
 
 TEST_F(HostileUserArea, LockFileMustBeAFile) {
-    NEEDS_PRIVATE_TMP();
     const std::string record = "ZYPRA0054E: Error locating platform lock file";
     for (const auto& make : {makeFolder, makeFifo}) {
         make(velmo.workspace + "/.rcp.lock");
-        const Launch launch = velmo.launch();
-        EXPECT_EQ(launch.status, 255);
-        EXPECT_TRUE(hasLineStart(tracedTemporaryLog(velmo), record));
+        expectEarlyFatal(velmo.launch(), record);
     }
 }
 
 TEST_F(HostileUserArea, LogThatIsAPipeOrADirectoryEndsTheLaunchWithARecord) {
-    NEEDS_PRIVATE_TMP();
     const std::string path = velmo.workspace + "/logs/rcplauncher.log";
     for (const auto& make : {makeFolder, makeFifo}) {
         make(path);
@@ -185,8 +177,9 @@ TEST_F(HostileUserArea, TemporaryFilesThatAreNoFilesAreNotFollowed) {
     expectStartOrRecord(velmo.launch());
 }
 
-TEST(HostileWorkspace, FileInItsPlaceIsRefusedAndStays) {
-    NEEDS_PRIVATE_TMP();
+using HostileWorkspace = ShutIn;
+
+TEST_F(HostileWorkspace, FileInItsPlaceIsRefusedAndStays) {
     Installation velmo;
     const std::string file = velmo.write("home/file", "precious\n");
     for (const std::string& workspace : {file, file + "/below"}) {
@@ -196,18 +189,19 @@ TEST(HostileWorkspace, FileInItsPlaceIsRefusedAndStays) {
     EXPECT_EQ(readFile(file), "precious\n");
 }
 
-TEST(HostileWorkspace, HomeThatMayNotBeWrittenIsRefused) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileWorkspace, HomeThatMayNotBeWrittenIsRefused) {
     NEEDS_ROOT();
     Installation velmo;
     velmo.giveTo(kUser);
     files::permissions(velmo.userHome, files::perms::owner_read | files::perms::owner_exec);
-    expectEarlyFatal(velmo.launch(),
-                     "ZYPRA0083E: Unable to create " + velmo.workspace + " directory.");
+    const std::string record = "ZYPRA0083E: Unable to create " + velmo.workspace + " directory. (" +
+                               velmo.userHome + "/OVR) : Permission denied";
+    const Launch launch = velmo.launch();
+    expectEarlyFatal(launch, record);
+    expectBareRecord(launch.temporaryLog, record);
 }
 
-TEST(HostileWorkspace, AreaThatMayNotBeWrittenAnyMoreIsRefused) {
-    NEEDS_PRIVATE_TMP();
+TEST_F(HostileWorkspace, AreaThatMayNotBeWrittenAnyMoreIsRefused) {
     NEEDS_ROOT();
     Installation velmo;
     velmo.giveTo(kUser);

@@ -30,7 +30,9 @@ constexpr Value kValues[] = {
     {"-vmargs", "-vmargs"},
 };
 
-TEST(HostileText, PropertiesReachThePlatformAsTheyAre) {
+using HostileText = ShutIn;
+
+TEST_F(HostileText, PropertiesReachThePlatformAsTheyAre) {
     for (const Value& value : kValues) {
         SCOPED_TRACE(value.written);
         Installation velmo;
@@ -42,7 +44,7 @@ TEST(HostileText, PropertiesReachThePlatformAsTheyAre) {
     }
 }
 
-TEST(HostileText, UsersPropertiesReachThePlatformAsTheyAre) {
+TEST_F(HostileText, UsersPropertiesReachThePlatformAsTheyAre) {
     for (const Value& value : kValues) {
         SCOPED_TRACE(value.written);
         Installation velmo;
@@ -52,7 +54,7 @@ TEST(HostileText, UsersPropertiesReachThePlatformAsTheyAre) {
     }
 }
 
-TEST(HostileText, JvmArgumentsAndExtensionsReachThePlatformAsTheyAre) {
+TEST_F(HostileText, JvmArgumentsAndExtensionsReachThePlatformAsTheyAre) {
     for (const Value& value : kValues) {
         if (*value.read == '\0' || std::string(value.read) == "-vmargs") {
             continue;  // an argument of no text is no argument
@@ -72,7 +74,7 @@ TEST(HostileText, JvmArgumentsAndExtensionsReachThePlatformAsTheyAre) {
     }
 }
 
-TEST(HostileText, EnvironmentReachesThePlatformAsItIs) {
+TEST_F(HostileText, EnvironmentReachesThePlatformAsItIs) {
     for (const char* value : {"%s%n%5000d", "a\nb", "'\"`$(x)", "\\u0041\\", "\xE6\x97\xA5", ""}) {
         SCOPED_TRACE(value);
         Installation velmo;
@@ -85,7 +87,7 @@ TEST(HostileText, EnvironmentReachesThePlatformAsItIs) {
     }
 }
 
-TEST(HostileText, PlaceholderInAnEnvironmentVariableThatDoesNotResolveIsRefused) {
+TEST_F(HostileText, PlaceholderInAnEnvironmentVariableThatDoesNotResolveIsRefused) {
     Installation velmo;
     velmo.environment["HOSTILE"] = "${prop.nowhere}";
     velmo.set("vmarg.x", "-Dx=${env.HOSTILE}");
@@ -96,7 +98,7 @@ TEST(HostileText, PlaceholderInAnEnvironmentVariableThatDoesNotResolveIsRefused)
                     "ZYPRA0088E: property substitution is invalid (-Dx=${env.HOSTILE})");
 }
 
-TEST(HostileText, EnvironmentThatIsNoTextIsEmptyForTheLauncherAndStaysForThePlatform) {
+TEST_F(HostileText, EnvironmentThatIsNoTextIsEmptyForTheLauncherAndStaysForThePlatform) {
     Installation velmo;
     velmo.environment["HOSTILE"] = "\xFF\xC3";
     velmo.set("vmarg.x", "-Dx=${env.HOSTILE}");
@@ -105,7 +107,7 @@ TEST(HostileText, EnvironmentThatIsNoTextIsEmptyForTheLauncherAndStaysForThePlat
     EXPECT_EQ(report.variable("HOSTILE"), "\xFF\xC3");
 }
 
-TEST(HostileText, ArgumentsReachThePlatformAsTheyAre) {
+TEST_F(HostileText, ArgumentsReachThePlatformAsTheyAre) {
     Installation velmo;
     const Texts arguments = {"%s%n%5000d", "a\nb",         "'`$(x);&|", "\\",
                              "\\u0041",    "\xE6\x97\xA5", "",          std::string(100000, 'x')};
@@ -116,7 +118,7 @@ TEST(HostileText, ArgumentsReachThePlatformAsTheyAre) {
     }
 }
 
-TEST(HostileText, ArgumentThatIsNoTextStaysAnArgument) {
+TEST_F(HostileText, ArgumentThatIsNoTextStaysAnArgument) {
     Installation velmo;
     const Report report = velmo.start({"first", "\xFF\xFE", "last"});
     const int first = report.indexOf("first");
@@ -124,7 +126,7 @@ TEST(HostileText, ArgumentThatIsNoTextStaysAnArgument) {
     EXPECT_EQ(report.indexOf("last"), first + 2);
 }
 
-TEST(HostileText, LogHasOneLineForEachArgumentHoweverManyPercentSigns) {
+TEST_F(HostileText, LogHasOneLineForEachArgumentHoweverManyPercentSigns) {
     Installation velmo;
     const Launch launch = velmo.launch({"%s%s%s%n", "%5000d"});
     EXPECT_TRUE(hasLine(launch.log, "%s%s%s%n"));

@@ -1,5 +1,6 @@
 // Until the user's first configuration is complete, launches run with "-config initial".
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 namespace acceptance {
 

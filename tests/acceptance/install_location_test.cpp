@@ -1,6 +1,7 @@
 // The installation is found from the executable alone; the bundle's metadata follow the command
 // line.
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 #include <sys/stat.h>
 

@@ -1,5 +1,8 @@
 #include "installation.h"
 
+#include "tests/acceptance/paths.h"
+#include "tests/support/sandbox.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +13,6 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <stdexcept>
 #include <thread>
 
 namespace acceptance {
@@ -61,12 +63,7 @@ bool fileExists(const std::string& path) {
     return files::exists(files::symlink_status(path));
 }
 
-TemporaryFolder::TemporaryFolder() {
-    files::create_directories(ACCEPTANCE_FOLDER);
-    path_ = files::canonical(ACCEPTANCE_FOLDER).string() + "/XXXXXX";
-    if (mkdtemp(path_.data()) == nullptr) {
-        throw std::runtime_error("no folder below " ACCEPTANCE_FOLDER);
-    }
+TemporaryFolder::TemporaryFolder() : path_(rcp::test::makeFolder("")) {
     (void)chmod(path_.c_str(), 0755);
 }
 
@@ -178,9 +175,9 @@ std::string Installation::place(const std::string& source, const std::string& pa
     files::create_directories(target.parent_path());
     files::remove(target);
     std::error_code notLinked;
-    files::create_hard_link(source, target, notLinked);
+    files::create_hard_link(rcp::test::seen(source), target, notLinked);
     if (notLinked) {
-        files::copy_file(source, target);
+        files::copy_file(rcp::test::seen(source), target);
     }
     return target;
 }

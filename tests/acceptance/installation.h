@@ -152,7 +152,7 @@ class Installation {
     /// Gives the whole tree to another user, as whom the launches run from now on (root only).
     void giveTo(uid_t user);
 
-    static constexpr std::chrono::seconds kLimit{40};
+    static constexpr std::chrono::seconds kLimit{400};
 
   private:
     friend class StayingLaunch;

@@ -124,6 +124,62 @@ TEST(MainArguments, MegabyteOfArgumentsPasses) {
     expectList(arguments, platform.between("--launcher.suppressErrors", "-data"));
 }
 
+// --- Options without a value --------------------------------------------------------------------
+
+TEST(OptionThatStandsLast, NeverTakesTheAppendedJvmForItsValue) {
+    Installation velmo;
+    for (const char* option : {"-data", "-config", "-bundleIdentifier", "-perfJar", "-product"}) {
+        const Launch launch = velmo.launch({"-nosplash", option});
+        EXPECT_EQ(launch.status, 0) << option;
+        ASSERT_TRUE(launch.platform.has_value()) << option;
+        EXPECT_EQ(launch.platform->after("-data"), velmo.workspace) << option;
+        EXPECT_EQ(launch.platform->after("-vm"), kDefaultJvm) << option;
+        EXPECT_EQ(launch.platform->count(kDefaultJvm), 1) << option;
+        EXPECT_TRUE(hasLine(launch.log, std::string("Error: startup: option ") + option +
+                                            " stands last and has no value."))
+            << launch.log;
+    }
+    EXPECT_FALSE(fileExists(velmo.folder + "/-vm"));
+}
+
+TEST(OptionThatStandsLast, LeavesNoRecordWhenItHasAValue) {
+    Installation velmo;
+    const Launch launch = velmo.launch({"-product", "mine"});
+    EXPECT_EQ(launch.log.find("stands last"), std::string::npos) << launch.log;
+}
+
+TEST(RepeatedOption, KeepsTheUsersSeparatorBehindARepeatedOptionWithoutValue) {
+    Installation velmo;
+    velmo.set("config.c.1", "-nl");
+    const Report platform = velmo.start({"-config", "c", "-nl", "de", "-vmargs", "-Dx=y"});
+    EXPECT_EQ(platform.count("-Dx=y"), 1);
+    EXPECT_GT(platform.indexOf("-Dx=y"), platform.indexOf("-vmargs"));
+}
+
+TEST(ComputedProperties, AreTracedLikeEveryOther) {
+    Installation velmo;
+    velmo.launch({"-debug"});
+    const Texts names = velmo.logNames();
+    ASSERT_FALSE(names.empty());
+    const std::string log = readFile(velmo.workspace + "/logs/" + names.front());
+    EXPECT_TRUE(hasLine(log, "ZYPRA0126I:   key = \"velmo.workspace.loc\"")) << log;
+    EXPECT_TRUE(hasLine(log, "ZYPRA0127I:   value  = \"" + velmo.workspace + "\""));
+}
+
+TEST(Environment, ValueThatIsNoTextOfTheLocaleLeavesTheVariable) {
+    Installation velmo;
+    velmo.environment["KEPT"] = "before";
+    velmo.set("env.set.KEPT", "a\\ud800b").set("env.set.FACE", "\\ud83d\\ude00");
+    const Launch launch = velmo.launch();
+    ASSERT_TRUE(launch.platform.has_value());
+    EXPECT_EQ(launch.platform->variable("KEPT"), "before");
+    EXPECT_EQ(launch.platform->variable("FACE"), "\xF0\x9F\x98\x80");
+    EXPECT_TRUE(hasLine(launch.log,
+                        "Error: setEnv: the value of KEPT is no text of this locale; "
+                        "the variable stays."))
+        << launch.log;
+}
+
 }  // namespace
 
 }  // namespace acceptance

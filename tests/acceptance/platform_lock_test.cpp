@@ -1,5 +1,6 @@
 // The lock file of the workspace: what it may hold, and who holds its lock when.
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -43,7 +44,7 @@ class PlatformLock : public testing::TestWithParam<const char*> {
         std::string marker = velmo_.write("hold", "");
         velmo_.environment["RCP_STANDIN_HOLD"] = marker;
 #ifdef ACCEPTANCE_STANDIN_HOLD
-        velmo_.environment["LD_PRELOAD"] = ACCEPTANCE_STANDIN_HOLD;
+        velmo_.environment["LD_PRELOAD"] = rcp::test::seen(ACCEPTANCE_STANDIN_HOLD);
         if (velmo_.environment.contains("ASAN_OPTIONS")) {
             velmo_.environment["ASAN_OPTIONS"] += ":verify_asan_link_order=0";
         } else {
@@ -76,6 +77,7 @@ TEST_P(PlatformLock, FileWithoutALivePlatformsIdMakesTheMainLauncher) {
     const pid_t dead = velmo_.launch().pid;
     for (const std::string& content :
          {std::string(), std::string(14, ' '), std::to_string(dead) + "          ",
+          std::string(4096, '\0'), std::string(14, ' ') + std::string(50, '\0'),
           std::to_string(getpid()) + "          ", std::string("99999999999999999999          "),
           std::string("4294967297"), std::string("-1"), std::string("-4711          "),
           std::string("0")}) {
@@ -90,13 +92,26 @@ TEST_P(PlatformLock, FileWithLettersIsFatal) {
     const Launch launch = velmo_.launch();
     EXPECT_EQ(launch.status, 255);
     EXPECT_FALSE(launch.platform.has_value());
-    std::string records;
-    for (const auto& entry : std::filesystem::directory_iterator(velmo_.tmp)) {
-        records += readFile(entry.path());
-    }
-    EXPECT_TRUE(hasLineStart(records, "ZYPRA0092E: Error reading platform lock file.")) << records;
+    const std::string& log = launch.temporaryLog;
+    EXPECT_TRUE(hasLine(log, "ZYPRA0092E: Error reading platform lock file. (" + lockFile() + ")"))
+        << log;
+    const std::filesystem::directory_iterator logs(velmo_.tmp);
+    EXPECT_EQ(std::distance(begin(logs), end(logs)), 1) << "the name of an untraced launch";
     EXPECT_EQ(readFile(lockFile()), "letters");
     EXPECT_FALSE(isLocked());
+}
+
+TEST_P(PlatformLock, FileMayBeALinkToOneElsewhere) {
+    const std::string target = velmo_.path("local/lock");
+    std::filesystem::create_directories(velmo_.path("local"));
+    std::filesystem::create_directories(velmo_.workspace);
+    std::filesystem::create_symlink(target, lockFile());
+    StayingLaunch launch = velmo_.startStaying();
+    launch.waitUntilRecorded();
+    EXPECT_TRUE(readFile(target).starts_with(std::to_string(launch.pid()) + " "));
+    EXPECT_TRUE(std::filesystem::is_symlink(lockFile()));
+    EXPECT_EQ(velmo_.start().after("-useDaemon"), std::to_string(launch.pid()));
+    EXPECT_EQ(launch.finish().status, 0);
 }
 
 TEST_P(PlatformLock, PlatformRunsWithTheLockFree) {

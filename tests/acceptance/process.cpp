@@ -1,5 +1,7 @@
 #include "process.h"
 
+#include "tests/support/sandbox.h"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -10,13 +12,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
 #ifdef __linux__
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
 #endif
 
@@ -28,81 +27,12 @@ constexpr int kSetUpFailed = 126;
 
 #ifdef __linux__
 
-bool writeFile(const char* path, const std::string& text) {
-    const int file = open(path, O_WRONLY | O_CLOEXEC);
-    const bool written =
-        file != -1 && write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    if (file != -1) {
-        close(file);
-    }
-    return written;
-}
-
-bool enterMountNamespace() {
-    if (unshare(CLONE_NEWNS) == 0) {
-        return true;
-    }
-    const std::string user = std::to_string(getuid());
-    const std::string group = std::to_string(getgid());
-    return unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && writeFile("/proc/self/setgroups", "deny") &&
-           writeFile("/proc/self/uid_map", user + " " + user + " 1\n") &&
-           writeFile("/proc/self/gid_map", group + " " + group + " 1\n");
-}
-
-// Puts `folder` in the place of /tmp, for this process and its children. When the folder itself
-// lies below /tmp (a build in a scratch folder), the part of /tmp that holds it stays visible.
-bool enterPrivateTmp(const std::string& folder) {
-    if (!enterMountNamespace() || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-        return false;
-    }
-    if (folder.starts_with("/tmp/")) {
-        const std::string part = folder.substr(5, folder.find('/', 5) - 5);
-        const std::string visible = folder + "/" + part;
-        if ((mkdir(visible.c_str(), 0755) != 0 && errno != EEXIST) ||
-            mount(("/tmp/" + part).c_str(), visible.c_str(), nullptr, MS_BIND, nullptr) != 0) {
-            return false;
-        }
-    }
-    return mount(folder.c_str(), "/tmp", nullptr, MS_BIND | MS_REC, nullptr) == 0;
-}
-
-std::string findPrivateTmpObstacle() {
-    std::string folder = ACCEPTANCE_FOLDER "/probe-XXXXXX";
-    std::error_code notMade;
-    std::filesystem::create_directories(ACCEPTANCE_FOLDER, notMade);
-    if (mkdtemp(folder.data()) == nullptr) {
-        return "no folder to try it with";
-    }
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(enterPrivateTmp(folder) ? 0 : errno);
-    }
-    int status = -1;
-    const bool ended = child != -1 && waitpid(child, &status, 0) == child && WIFEXITED(status);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-    if (!ended) {
-        return "no process could be started to try it";
-    }
-    return WEXITSTATUS(status) == 0
-               ? ""
-               : std::string("mount namespace: ") + std::strerror(WEXITSTATUS(status));
-}
-
 // Processes that lose their parent become children of the test, which can then wait for them.
 void adoptOrphans() {
     (void)prctl(PR_SET_CHILD_SUBREAPER, 1);
 }
 
 #else
-
-bool enterPrivateTmp(const std::string&) {
-    return false;
-}
-
-std::string findPrivateTmpObstacle() {
-    return "this system has no mount namespaces";
-}
 
 void adoptOrphans() {}
 
@@ -121,7 +51,7 @@ void adoptOrphans() {}
     if (output == -1 || dup2(output, STDOUT_FILENO) == -1 || dup2(output, STDERR_FILENO) == -1) {
         giveUp("output file");
     }
-    if (withPrivateTmp && !enterPrivateTmp(command.privateTmp)) {
+    if (withPrivateTmp && !rcp::test::showAsTmp(command.privateTmp)) {
         giveUp("private /tmp");
     }
     const int input = open("/dev/null", O_RDONLY);
@@ -157,14 +87,9 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 
 }  // namespace
 
-const std::string& privateTmpObstacle() {
-    static const std::string obstacle = findPrivateTmpObstacle();
-    return obstacle;
-}
-
 Process::Process(const Command& command) {
     adoptOrphans();
-    const bool withPrivateTmp = !command.privateTmp.empty() && privateTmpObstacle().empty();
+    const bool withPrivateTmp = !command.privateTmp.empty() && rcp::test::sandboxObstacle().empty();
     std::vector<std::string> arguments = command.arguments;
     std::vector<std::string> environment;
     for (const auto& [name, value] : command.environment) {
@@ -186,7 +111,7 @@ Process::Process(const Command& command) {
 Process::~Process() {
     if (!ended_ || !groupIsGone()) {
         killGroup();
-        (void)wait(std::chrono::seconds(10));
+        (void)wait(std::chrono::seconds(100));
     }
 }
 
@@ -224,7 +149,7 @@ Ending Process::wait(std::chrono::milliseconds limit) {
             }
             ending_.timedOut = true;
             killGroup();
-            end += std::chrono::seconds(10);
+            end += std::chrono::seconds(100);
         }
         std::this_thread::sleep_for(std::chrono::microseconds(500));
     }

@@ -17,7 +17,7 @@ struct Command {
     std::vector<std::string> arguments;  ///< all of them, the program's name included
     std::map<std::string, std::string> environment;
     std::string folder;         ///< working directory
-    std::string privateTmp;     ///< the folder that the program sees as /tmp
+    std::string privateTmp;     ///< the folder that the program sees as /tmp, in a sandbox
     std::string output;         ///< file that takes standard output and standard error
     std::optional<uid_t> user;  ///< another user to run it as (root only)
 };
@@ -28,9 +28,6 @@ struct Ending {
     int signal = 0;
     bool timedOut = false;
 };
-
-/// Why programs cannot be given a /tmp of their own here; empty when they can.
-const std::string& privateTmpObstacle();
 
 /// A started program and everything that it starts itself (one process group). Whatever still runs
 /// when the object goes is killed.

@@ -1,6 +1,7 @@
 // How the launcher reads its property files, seen through the system properties ("-D" keys) and
 // "-X" options that they put on the command line.
 #include "checks.h"
+#include "tests/acceptance/paths.h"
 
 namespace acceptance {
 

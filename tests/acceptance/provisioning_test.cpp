@@ -1,8 +1,12 @@
 // The provisioning application, which runs before the user's client does.
-#include "checks.h"
+#include "hostile.h"
+#include "tests/acceptance/paths.h"
+
+#include <signal.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <thread>
 
 namespace acceptance {
 
@@ -59,6 +63,50 @@ TEST_F(Provisioning, BothFilesHoldTheForkedProcessesId) {
         EXPECT_EQ(lock, id + "          ");
         EXPECT_EQ(readFile(velmo.workspace + "/.rcp.main"), id + "    ");
     }
+}
+
+TEST_F(Provisioning, SecondClickWaitsForItsEndAndThenReadsEverythingAfresh) {
+    for (const char* inProcess : {"0", "1"}) {
+        Installation velmo;
+        velmo.set("provisioning", "true").set("provisioning.application", "com.ovr.provision");
+        velmo.set("invoke.eclipse.dylib", inProcess).set("provisioning.manifest.version", "2");
+        velmo.addInstallLine("provisioning.manifest.version=2");
+        StayingLaunch first = velmo.startStaying();
+        EXPECT_TRUE(first.platform().has("com.ovr.provision"));
+        const std::string file = velmo.workspace + "/.rcp.provisioning";
+        EXPECT_TRUE(readFile(file).starts_with(std::to_string(first.pid()) + " "));
+        StayingLaunch second = velmo.startStaying();
+        StayingLaunch third = velmo.startStaying();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        EXPECT_FALSE(second.reported().has_value());
+        EXPECT_FALSE(third.reported().has_value());
+        const std::string properties = velmo.rcp + "/rcplauncher.properties";
+        velmo.write(properties, readFile(properties) + "product=com.ovr.new\n");
+        EXPECT_EQ(first.finish().status, 0);
+        const Report platforms[] = {second.platform(), third.platform()};
+        const Report& main = platforms[platforms[0].has("-useDaemon") ? 1 : 0];
+        const Report& daemon = platforms[platforms[0].has("-useDaemon") ? 0 : 1];
+        EXPECT_FALSE(main.has("com.ovr.provision"));
+        EXPECT_EQ(main.after("-product"), "com.ovr.new");
+        EXPECT_EQ(daemon.after("-useDaemon"), std::to_string(main.pid));
+        EXPECT_EQ(second.finish().status, 0);
+        const Launch launch = third.finish();
+        EXPECT_EQ(launch.status, 0);
+        EXPECT_FALSE(fileExists(file));
+        EXPECT_TRUE(hasLine(launch.log, "ZYPRA0307I: process " + std::to_string(first.pid()) +
+                                            " provisions this workspace; waiting for its end"))
+            << launch.log;
+    }
+}
+
+TEST_F(Provisioning, FileOfOneThatWasKilledKeepsNobodyOut) {
+    StayingLaunch first = velmo_.startStaying();
+    EXPECT_TRUE(first.platform().has("com.ovr.provision"));
+    first.kill();
+    EXPECT_EQ(first.finish().signal, SIGKILL);
+    EXPECT_TRUE(fileExists(velmo_.workspace + "/.rcp.provisioning"));
+    EXPECT_FALSE(provisions());
+    EXPECT_FALSE(fileExists(velmo_.workspace + "/.rcp.provisioning"));
 }
 
 TEST_F(Provisioning, ApplicationHoldsNoDescriptorOfTheLauncher) {
@@ -136,23 +184,42 @@ TEST_F(Provisioning, SharedClassesDirectoryIsEmptiedAtANewLevelOnly) {
     EXPECT_TRUE(files::is_empty(shared));
 }
 
-TEST_F(Provisioning, SharedClassesThatCannotBeRemovedAreFatal) {
-    const std::string shared = velmo_.path("shared");
-    velmo_.addInstallLine("jvm.shareclasses.fullpath=" + shared);
-    files::create_directory(shared);
-    files::create_directory_symlink(velmo_.userHome, shared + "/link");
+TEST_F(Provisioning, LinkToSharedClassesIsLeftAloneHoweverItsNameEnds) {
+    const std::string kept = velmo_.write(velmo_.root + "/kept/f", "kept");
+    files::create_directory_symlink(velmo_.root + "/kept", velmo_.path("link"));
+    velmo_.addInstallLine("jvm.shareclasses.fullpath=" + velmo_.path("link") + "/");
     setLevel("3");
     const Launch launch = velmo_.launch();
-    expectLateFatal(launch,
-                    "ZYPRA0087I end: Unable to remove all files in the shared classes directory.");
-    EXPECT_TRUE(hasLine(launch.log,
-                        "ZYPRA0086I begin: Information collected while removing shared classes "
-                        "directory"));
-    EXPECT_NE(launch.log.find(shared + "/link"), std::string::npos) << launch.log;
+    EXPECT_EQ(readFile(kept), "kept");
+    expectBareRecord(launch.log, "Error: jvm.shareclasses.fullpath is not emptied: " +
+                                     velmo_.path("link") + " is a symbolic link.");
+}
+
+TEST_F(Provisioning, SharedClassesThatCannotBeRemovedAreFatal) {
+    NEEDS_ROOT();
+    const std::string held = velmo_.write("shared/held/file", "x");
+    velmo_.addInstallLine("jvm.shareclasses.fullpath=" + velmo_.path("shared"));
+    setLevel("3");
+    velmo_.giveTo(kUser);
+    files::permissions(velmo_.path("shared/held"),
+                       files::perms::owner_read | files::perms::owner_exec);
+    const Launch launch = velmo_.launch();
+    const std::string record =
+        "ZYPRA0087I end: Unable to remove all files in the shared classes directory.";
+    expectLateFatal(launch, record);
+    expectBareRecord(launch.log, record);
+    expectBareRecord(launch.log,
+                     "ZYPRA0086I begin: Information collected while removing shared classes "
+                     "directory");
+    EXPECT_NE(launch.log.find(held + "  - "), std::string::npos) << launch.log;
 }
 
 TEST_F(Provisioning, DirectoryThatHoldsTheUsersAreaIsNeverEmptied) {
-    for (const std::string& path : {velmo_.userHome, velmo_.workspace, velmo_.home, velmo_.root}) {
+    const std::pair<std::string, std::string> cases[] = {{velmo_.userHome, "is the home directory"},
+                                                         {velmo_.workspace, "is the workspace"},
+                                                         {velmo_.home, "is the installation"},
+                                                         {velmo_.root, "holds the home directory"}};
+    for (const auto& [path, reason] : cases) {
         Installation other;
         const std::string directory = other.root + path.substr(velmo_.root.size());
         other.addInstallLine("jvm.shareclasses.fullpath=" + directory);
@@ -161,8 +228,8 @@ TEST_F(Provisioning, DirectoryThatHoldsTheUsersAreaIsNeverEmptied) {
         EXPECT_TRUE(launch.platform.has_value()) << launch.log;
         EXPECT_TRUE(fileExists(other.userHome + "/letter.txt"));
         EXPECT_TRUE(fileExists(other.configuration() + "/config.ini"));
-        expectBareRecord(launch.log, "Error: jvm.shareclasses.fullpath: " + directory +
-                                         " is no directory of shared classes alone.");
+        expectBareRecord(launch.log, "Error: jvm.shareclasses.fullpath is not emptied: " +
+                                         directory + " " + reason + ".");
     }
 }
 

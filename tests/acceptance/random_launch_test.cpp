@@ -93,7 +93,9 @@ INSTANTIATE_TEST_SUITE_P(Seeds, RandomLaunches, testing::Range(1U, 7U));
 
 // The map of JVM arguments, worked out from its sources: the first source of a key wins, an empty
 // value writes nothing, the keys' order is that of their characters.
-TEST(RandomJvmArguments, ComeFromTheFirstSourceInKeyOrder) {
+using RandomJvmArguments = ShutIn;
+
+TEST_F(RandomJvmArguments, ComeFromTheFirstSourceInKeyOrder) {
     Dice dice(seedFor(7));
     const Texts names = {"a", "b", "B", "1", "10", "9", "a.a", "_", "é", "zz"};
     for (int i = 0; i < 50 && !testing::Test::HasFailure(); ++i) {

@@ -47,9 +47,11 @@ TEST(Restart, WaitsOneSecondWhenTheOldPlatformIsGone) {
     Installation velmo;
     const pid_t old = velmo.launch().pid;
     const auto begin = Clock::now();
-    EXPECT_FALSE(velmo.start(restartOf(old)).has("-useDaemon"));
+    const Launch launch = velmo.launch(restartOf(old));
     EXPECT_GE(Clock::now() - begin, 1s);
-    EXPECT_LT(Clock::now() - begin, 10s);
+    ASSERT_TRUE(launch.platform.has_value());
+    EXPECT_FALSE(launch.platform->has("-useDaemon"));
+    EXPECT_FALSE(hasLine(launch.log, kGivenUp));
 }
 
 TEST(Restart, DoesNotWaitForAnotherPlatformThanTheOldOne) {
@@ -60,9 +62,7 @@ TEST(Restart, DoesNotWaitForAnotherPlatformThanTheOldOne) {
     for (const Texts& arguments :
          {restartOf(1), Texts{"-restart"}, Texts{"-restart", "-rcp_old_pid"},
           Texts{"-restart", "-rcp_old_pid", id + "x"}}) {
-        const auto begin = Clock::now();
         EXPECT_EQ(velmo.start(arguments).after("-useDaemon"), id);
-        EXPECT_LT(Clock::now() - begin, 10s);
     }
     EXPECT_EQ(first.finish().status, 0);
 }
@@ -74,9 +74,7 @@ TEST(RealClock, RestartGivesTheOldPlatformUpAfterTwentySeconds) {
     const auto begin = Clock::now();
     StayingLaunch second = velmo.startStaying(restartOf(first.pid()));
     EXPECT_FALSE(second.platform().has("-useDaemon"));
-    const auto waited = Clock::now() - begin;
-    EXPECT_GE(waited, 20s);
-    EXPECT_LT(waited, 30s);
+    EXPECT_GE(Clock::now() - begin, 20s);
     EXPECT_TRUE(first.running());
     second.waitUntilRecorded();
     const Launch launch = second.finish();

@@ -2,6 +2,7 @@
 // otherwise than without.
 #include "checks.h"
 #include "snapshot.h"
+#include "tests/acceptance/paths.h"
 
 #include <stdlib.h>
 #include <unistd.h>
@@ -18,7 +19,7 @@ class ShortTransfers : public testing::TestWithParam<const char*> {
             GTEST_SKIP() << "launches run under another checker: " << wrapped_;
         }
         Installation probe;
-        probe.wrapper = {ACCEPTANCE_SHORT_IO, "1"};
+        probe.wrapper = {rcp::test::seen(ACCEPTANCE_SHORT_IO), "1"};
         if (probe.launch().status == kNoTracing) {
             GTEST_SKIP() << "the system does not let processes be traced";
         }
@@ -57,7 +58,7 @@ class ShortTransfers : public testing::TestWithParam<const char*> {
 TEST_P(ShortTransfers, LeaveTheSameFilesAndTheSameCommandLine) {
     Installation whole;
     Installation shortened;
-    shortened.wrapper = {ACCEPTANCE_SHORT_IO, GetParam()};
+    shortened.wrapper = {rcp::test::seen(ACCEPTANCE_SHORT_IO), GetParam()};
     for (Installation* velmo : {&whole, &shortened}) {
         furnish(*velmo);
     }
@@ -73,7 +74,7 @@ TEST_P(ShortTransfers, LeaveTheSameFilesAndTheSameCommandLine) {
 
 TEST_P(ShortTransfers, LeaveTheRunningPlatformKnown) {
     Installation velmo;
-    velmo.wrapper = {ACCEPTANCE_SHORT_IO, GetParam()};
+    velmo.wrapper = {rcp::test::seen(ACCEPTANCE_SHORT_IO), GetParam()};
     StayingLaunch staying = velmo.startStaying();
     const Report platform = staying.platform();
     const std::string id = std::to_string(platform.pid);

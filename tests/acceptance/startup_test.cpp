@@ -22,7 +22,7 @@ std::map<std::string, std::string> snapshot(const std::string& folder) {
 }
 
 void waitForLog(const Installation& velmo) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    const auto end = std::chrono::steady_clock::now() + Installation::kLimit;
     while (velmo.logNames().empty() && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
@@ -141,7 +141,6 @@ TEST(Startup, FolderThatCannotBeMadeIsNamed) {
         {"", "", "ZYPRA0083E", true},
         {"/logs", "/logs", "ZYPRA0084E", true},
         {"/.config", "/.config", "ZYPRA0093E", false},
-        {"/applications", "/applications/eclipse/features", "ZYPRA0094E", false},
         {"/applications/eclipse/plugins", "/applications/eclipse/plugins", "ZYPRA0095E", false},
     };
     for (const auto& each : cases) {
@@ -152,19 +151,36 @@ TEST(Startup, FolderThatCannotBeMadeIsNamed) {
         const Launch launch = velmo.launch();
         const std::string& log = each.early ? launch.temporaryLog : launch.log;
         expectFatal(launch, log, record);
-        EXPECT_TRUE(hasLineStart(log, record + " : ")) << "with the system's error text";
+        expectBareRecord(log, record + " : File exists");
     }
 }
 
-TEST(Startup, SymbolicLinkToAFolderIsNoWorkspace) {
-    NEEDS_PRIVATE_TMP();
+TEST(Startup, FirstFolderOfAPathThatCannotBeMadeIsNamedWithItsReason) {
     Installation velmo;
-    files::create_directories(files::path(velmo.workspace).parent_path());
-    files::create_directory(velmo.path("elsewhere"));
-    files::create_directory_symlink(velmo.path("elsewhere"), velmo.workspace);
-    expectEarlyFatal(velmo.launch(),
-                     "ZYPRA0083E: Unable to create " + velmo.workspace + " directory.");
-    EXPECT_TRUE(files::is_empty(velmo.path("elsewhere")));
+    const std::string file = velmo.write(velmo.workspace + "/applications", "a file");
+    const std::string record =
+        "ZYPRA0094E: Unable to create " + file + "/eclipse/features directory.";
+    const Launch launch = velmo.launch();
+    expectLateFatal(launch, record);
+    expectBareRecord(launch.log, record + " (" + file + "/eclipse) : Not a directory");
+}
+
+TEST(Startup, SymbolicLinkToAFolderIsNoneOfTheUsersFolders) {
+    NEEDS_PRIVATE_TMP();
+    for (const auto& [name, id] :
+         {std::pair{"", "0083E"}, {"/logs", "0084E"}, {"/.config", "0093E"}}) {
+        Installation velmo;
+        const files::path link = velmo.workspace + name;
+        files::create_directories(link.parent_path());
+        files::create_directory(velmo.path("elsewhere"));
+        files::create_directory_symlink(velmo.path("elsewhere"), link);
+        const Launch launch = velmo.launch();
+        EXPECT_EQ(launch.status, 255);
+        expectBareRecord(launch.temporaryLog + launch.log,
+                         "ZYPRA" + std::string(id) + ": Unable to create " + link.string() +
+                             " directory. : it is a symbolic link");
+        EXPECT_TRUE(files::is_empty(velmo.path("elsewhere")));
+    }
 }
 
 TEST(Startup, SharedExtensionLinkAlwaysWins) {

@@ -66,6 +66,14 @@ TEST_F(Renewal, OtherInstallIdReusesTheArea) {
     EXPECT_TRUE(fileExists(velmo.configuration() + "/mine")) << "the id is the new one by now";
 }
 
+TEST_F(Renewal, KeptFileOfAnotherCharacterSetIsNoReasonToEnd) {
+    velmo.write(update + "bookmarks.xml", "<f\xfcr/>\n");
+    velmo.set("rcp.install.id", "other");
+    velmo.start();
+    EXPECT_EQ(readFile(update + "bookmarks.xml"), "<f\xfcr/>\n");
+    EXPECT_TRUE(hasSavedDescription());
+}
+
 TEST_F(Renewal, OtherInstallIdGoesBeforeTheReset) {
     velmo.set("rcp.install.id", "other");
     velmo.start({"-resetconfig"});
@@ -81,8 +89,16 @@ TEST_F(Renewal, MissingExtensionFoldersAloneDoNotPreventIt) {
 }
 
 TEST_F(Renewal, FolderThatHadToBeMadeMeansAFirstLaunchWithoutReset) {
+    const std::string record =
+        "Error: startup: -resetconfig is not carried out, because directories of the user's area "
+        "had to be made (workspace " +
+        velmo.workspace + ").";
     files::remove_all(velmo.workspace + "/logs");
-    velmo.start({"-resetconfig"});
+    EXPECT_FALSE(hasLine(velmo.launch().log, record));
+    files::remove_all(velmo.workspace + "/logs");
+    const Launch launch = velmo.launch({"-resetconfig"});
+    EXPECT_TRUE(launch.platform.has_value());
+    expectBareRecord(launch.log, record);
     expectRenewed(false);
 }
 

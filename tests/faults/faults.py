@@ -5,9 +5,11 @@ Each kind of launch is run once under strace as it is: that gives its calls. The
 and again from the same state of the user's area, each time with another call failing in another
 way. Of every such launch must hold:
 
-  - it ends by itself, within five seconds, with status 0 or 255 and never by a signal;
+  - it ends by itself, and soon, with status 0 or 255 and never by a signal;
   - 255 leaves an error record, in the workspace's log or in the temporary one;
   - 0 means that the platform started, or that a record tells why it did not;
+  - 0 without a record means that nothing was lost on the way: the platform has the arguments and
+    the environment of always;
   - files of the user that were complete are still complete and there;
   - the next launch, undisturbed, starts the platform with the arguments and files of always.
 
@@ -18,11 +20,15 @@ first thing that the stand-in does.
 
 strace counts the calls of each process by itself. A fault for the N-th call of the launcher's child
 can therefore hit the N-th call of the loader; such runs are left out of the count.
+
+It runs in the sandbox only (tests/support/sandbox), whose /tmp it empties before each launch.
 """
 
 import argparse
 import collections
+import difflib
 import glob
+import json
 import os
 import random
 import re
@@ -30,22 +36,24 @@ import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
-LIMIT_SECONDS = 5
+LIMIT_SECONDS = 60  # ends what hangs; a launch is over in a moment
 SKIPPED = 77
 KEPT = ("registry", "bookmarks.xml")
 USER = "ann"
 
-# What each call can really answer. "0" and "1" are short reads and writes: nothing, or one byte (a
+# What each call can really answer. "+" is a failure that stays: one that is over with the next call
+# harms nobody who reads on. "0" and "1" are short reads and writes: nothing, or one byte (a
 # line feed, which no text file of the launcher minds). brk(2) never answers with an error, only
 # with an end of the heap that is not the one asked for. close(2) is left out: the system gives the
 # descriptor up whatever it answers, while a call that strace lets fail is never made.
 ERRORS = {
     "openat": "EACCES EMFILE ENOMEM EINTR EIO ENOSPC",
     "open": "EACCES EMFILE ENOMEM EINTR EIO ENOSPC",
-    "read": "EIO EINTR 1",
-    "pread64": "EIO EINTR 0",
+    "read": "EIO EIO+ EINTR 1",
+    "pread64": "EIO EIO+ EINTR 0",
     "write": "EIO EINTR ENOSPC 0",
     "pwrite64": "EIO EINTR ENOSPC 0",
     "newfstatat": "EIO ENOMEM EACCES",
@@ -60,7 +68,7 @@ ERRORS = {
     "getcwd": "ENOMEM EACCES",
     "getdents64": "EIO ENOMEM",
     "mkdir": "ENOSPC EACCES EIO ENOMEM",
-    "rmdir": "EACCES EIO EBUSY",
+    "unlinkat": "EACCES EIO EBUSY",
     "rename": "ENOSPC EACCES EIO ENOMEM",
     "unlink": "EACCES EIO ENOMEM",
     "symlink": "ENOSPC EACCES EIO",
@@ -90,7 +98,7 @@ CALL = re.compile(r"^(\d+) +(\w+)\((.*)")
 
 Call = collections.namedtuple("Call", "name number text is_child")
 Fault = collections.namedtuple("Fault", "launch call error")
-Outcome = collections.namedtuple("Outcome", "status ended seconds trace log arguments")
+Outcome = collections.namedtuple("Outcome", "status ended seconds trace log arguments environment")
 
 
 def read(path):
@@ -105,6 +113,12 @@ def write(path, text):
     os.makedirs(os.path.dirname(path), exist_ok=True)
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
+
+
+def longer_than_one_read(name):
+    """The rest of a property file. What stands at its end is seen in the command line, so that a file
+    that is read in part is seen there too."""
+    return "# of several pages\n" * 500 + f"vmarg.{name}=-Dlast.of.{name}=1\n"
 
 
 def files_below(folder):
@@ -122,17 +136,15 @@ def files_below(folder):
 
 
 class Installation:
-    """An installation with a stand-in platform; the launches see `tmp` as /tmp."""
+    """An installation with a stand-in platform, in a folder that is not there yet."""
 
     def __init__(self, root, options):
         self.root = root
         self.home = root + "/home"
-        self.tmp = root + "/tmp"
         self.program = root + "/Velmo/rcp/rcplauncher"
         self.base = root + "/Velmo/rcp/eclipse/plugins/com.ovr.rcp.base"
         self.workspace = f"{self.home}/OVR/RCP/abc123/{USER}"
-        shutil.rmtree(root, ignore_errors=True)
-        for folder in (self.home, self.tmp, root + "/folder", self.base + "/macosx/x86"):
+        for folder in (self.home, root + "/folder", self.base + "/macosx/x86"):
             os.makedirs(folder)
         shutil.copy(options.platform, self.base + "/macosx/x86/eclipse")
         shutil.copy(options.library, self.base + "/macosx/x86/eclipse_1615.so")
@@ -144,7 +156,9 @@ class Installation:
             write(core + "/config.ini", "osgi.bundles=\n")
             write(core + "/platform.xml", "<config>\n</config>\n")
             write(core + "/rcpinstall.properties",
-                  "# values\nx.win32=1\ny.macosx=2\\\n  3\nresetDir.1=com.example\n")
+                  "# values\nx.win32=1\ny.macosx=2\\\n  3\nresetDir.1=com.example\n"
+                  + longer_than_one_read("user"))
+        write(root + "/Velmo/rcp/deploy/jvm.properties", longer_than_one_read("jvm"))
         self.set({})
 
     def set(self, changes):
@@ -156,7 +170,8 @@ class Installation:
         }
         properties.update(changes)
         write(self.root + "/Velmo/rcp/rcplauncher.properties",
-              "".join(f"{key}={value}\n" for key, value in properties.items()))
+              "".join(f"{key}={value}\n" for key, value in properties.items())
+              + longer_than_one_read("launcher"))
 
     def launch(self, arguments=(), inject=None):
         """One launch under strace, to its end or the end of the time."""
@@ -184,9 +199,9 @@ class Installation:
         # While the lock is taken tracing is on, and a traced launch's log has the time in its name.
         logs = [self.workspace + "/logs/rcplauncher.log", *glob.glob("/tmp/rcplauncher*.log")]
         log = "".join(read(path) for path in logs)
-        started = re.search(r'"argv": \[(.*?)\]', read(report), re.DOTALL)
+        started = json.loads(read(report) or "{}")
         return Outcome(status, ended, time.monotonic() - start, read(trace), log,
-                       started and started.group(1))
+                       started.get("argv"), started.get("environment"))
 
     def restore(self, before):
         """Puts the user's area back as it was saved and empties /tmp."""
@@ -195,14 +210,21 @@ class Installation:
         empty_tmp()
 
 
+def check_tmp():
+    """Ends the program when /tmp is not the sandbox's own."""
+    if str(os.stat("/tmp").st_dev) != os.environ.get("RCP_SANDBOX_TMP"):
+        sys.exit("faults.py: this is not the sandbox's /tmp, and it is emptied again and again: "
+                 "start it by tests/support/sandbox")
+
+
 def empty_tmp():
+    check_tmp()
     for name in os.listdir("/tmp"):
         path = "/tmp/" + name
-        if not os.path.ismount(path):
-            if os.path.isdir(path) and not os.path.islink(path):
-                shutil.rmtree(path, ignore_errors=True)
-            else:
-                os.remove(path)
+        if os.path.isdir(path) and not os.path.islink(path):
+            shutil.rmtree(path)
+        else:
+            os.remove(path)
 
 
 class LaunchKind:
@@ -293,10 +315,12 @@ def run(fault):
     kind, call = fault.launch, fault.call
     installation = kind.installation
     installation.restore(kind.before)
-    answer = f"retval={fault.error}" if fault.error.isdigit() else f"error={fault.error}"
+    error = fault.error.rstrip("+")
+    answer = f"retval={error}" if error.isdigit() else f"error={error}"
+    when = str(call.number) + "+" * fault.error.endswith("+")
     extra = BYTE.get(call.name, "") if fault.error == "1" else ""
     outcome = installation.launch(kind.arguments,
-                                  f"{call.name}:{answer}{extra}:when={call.number}")
+                                  f"{call.name}:{answer}{extra}:when={when}")
     if not injected(outcome.trace, fault):
         return None
     problems = []
@@ -311,11 +335,21 @@ def run(fault):
             problems.append("status 255 without an error record")
     elif outcome.status != 0:
         problems.append(f"status {outcome.status}")
-    elif not outcome.arguments and not new_errors:
-        problems.append("status 0, but neither a platform nor a record")
+    elif not new_errors:
+        problems += silent_losses(kind.undisturbed, outcome)
     problems += incomplete_files(kind, files_below(installation.home))
     problems += next_launch(kind, call)
     return problems
+
+
+def silent_losses(undisturbed, outcome):
+    """What the platform of a launch without a record lacks or has too much."""
+    if not outcome.arguments:
+        return ["status 0, but neither a platform nor a record"]
+    return [f"{what} without a record: {line}"
+            for what in ("arguments", "environment")
+            for line in difflib.ndiff(getattr(undisturbed, what), getattr(outcome, what))
+            if line.startswith(("-", "+"))]
 
 
 def is_of_interest(path):
@@ -392,26 +426,9 @@ def launch_kinds(installation):
     ]
 
 
-def enter_private_tmp(folder):
-    """This program again, with `folder`/tmp in the place of /tmp; a folder below /tmp stays
-    visible."""
-    own_tmp = folder + "/tmp"
-    shutil.rmtree(folder, ignore_errors=True)
-    os.makedirs(own_tmp)
-    script = 'mount --bind "$0/tmp" /tmp && exec "$@"'
-    if folder.startswith("/tmp/"):
-        part = folder.split("/")[2]
-        os.makedirs(f"{own_tmp}/{part}")
-        script = (f'mount --bind "/tmp/{part}" "$0/tmp/{part}" && '
-                  'mount --rbind "$0/tmp" /tmp && exec "$@"')
-    unshare = ["unshare", "--mount"] + ([] if os.getuid() == 0 else ["--map-root-user"])
-    os.environ["RCP_FAULTS_PRIVATE_TMP"] = "1"
-    probe = subprocess.run([*unshare, "strace", "-f", "-qq", "-o", os.devnull, "true"], check=False)
-    if probe.returncode != 0:
-        print("skipped: no mount namespace or no tracing here")
-        return SKIPPED
-    command = [*unshare, "sh", "-c", script, folder, sys.executable, *sys.argv]
-    return subprocess.run(command, check=False).returncode
+def can_trace():
+    return subprocess.run(["strace", "-f", "-qq", "-o", os.devnull, "true"],
+                          check=False).returncode == 0
 
 
 def main():
@@ -419,19 +436,19 @@ def main():
     parser.add_argument("--launcher", required=True)
     parser.add_argument("--platform", required=True)
     parser.add_argument("--library", required=True)
-    parser.add_argument("--folder", required=True, help="for the trees; removed at the end")
+    parser.add_argument("--folder", required=True, help="for the trees, in a new folder")
     parser.add_argument("--sample", type=int, help="so many faults, chosen at random; else all")
     parser.add_argument("--seed", type=int, help="repeats an earlier choice")
     parser.add_argument("--only", help="only the faults whose description holds this text")
     options = parser.parse_args()
     for name in ("launcher", "platform", "library", "folder"):
         setattr(options, name, os.path.realpath(getattr(options, name)))
-    if "RCP_FAULTS_PRIVATE_TMP" not in os.environ:
-        status = enter_private_tmp(options.folder)
-        shutil.rmtree(options.folder, ignore_errors=True)
-        return status
+    check_tmp()
+    if not can_trace():
+        print("skipped: no tracing here")
+        return SKIPPED
     os.umask(0o022)
-    installation = Installation(options.folder + "/tree", options)
+    installation = Installation(tempfile.mkdtemp(dir=options.folder) + "/tree", options)
     kinds = launch_kinds(installation)
     faults = [fault for kind in kinds for fault in kind.faults()]
     others = set().union(*(kind.unknown_calls() for kind in kinds))

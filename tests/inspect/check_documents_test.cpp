@@ -3,6 +3,8 @@
 #include "inspect/check/near_keys.h"
 #include "inspect/property_keys.h"
 #include "platform/text.h"
+#include "tests/inspect/paths.h"
+#include "tests/support/sandbox.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,7 +25,7 @@ std::string trimmed(const std::string& text) {
 // The cells of every table row of a document between two headings.
 std::vector<std::vector<std::string>> rows(const std::string& document, const std::string& from,
                                            const std::string& to) {
-    std::ifstream stream(INSPECT_SOURCES "/docs/" + document);
+    std::ifstream stream(test::seen(INSPECT_SOURCES "/docs/" + document));
     std::vector<std::vector<std::string>> found;
     bool isInside = false;
     for (std::string line; std::getline(stream, line);) {

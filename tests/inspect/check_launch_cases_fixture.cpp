@@ -1,6 +1,7 @@
 #include "check_fixture.h"
 
 #include <filesystem>
+#include <fstream>
 
 namespace rcp::inspect {
 namespace {
@@ -77,8 +78,8 @@ std::vector<Case> fileCases() {
                                 maker.folder().path() / "rcp/platform");
         maker.replace(kLauncherProperties, kBase, "rcp/platform");
     };
-    const Change inVelmo = [](const Maker& maker) {
-        maker.replace(kLauncherProperties, "dylib=0", "dylib=1");
+    const Change isScript = [program](const Maker& maker) {
+        std::ofstream(maker.folder().path() / program) << "#!/bin/sh\n";
     };
     return {
         {"RI601", "NoPropertyFile", lacks(kLauncherProperties), nothingChanges, kLauncherProperties,
@@ -116,10 +117,12 @@ std::vector<Case> fileCases() {
         {"RI602", "JvmOfAServiceThatIsNotExecutable",
          launcherHas("install.configuration=service\n"), nothingChanges, kLauncherProperties,
          inAll(5)},
-        {"RI603", "BaseLocationThatIsNotRecognised", otherBase, both(otherBase, inProcess),
+        {"RI603", "ScriptThatIsNotRecognised", both(isScript, otherBase), otherBase,
          kLauncherProperties, inAll(2)},
-        {"RI604", "LauncherThatIsNotRecognised", inVelmo, nothingChanges, "rcp/rcplauncher",
-         inAll(0)},
+        {"RI603", "ScriptThatIsNotStarted", both(isScript, otherBase),
+         both(both(isScript, otherBase), inProcess), kLauncherProperties, inAll(2)},
+        {"RI603", "ScriptThatIsRecognised", both(isScript, otherBase), isScript,
+         kLauncherProperties, inAll(2)},
         {"RI605", "DebugMarker", has("rcp/rcplauncher.debug", ""), nothingChanges,
          "rcp/rcplauncher.debug", inAll(0)},
         {"RI606", "NoMasterOfPlatformXml", lacks(kBase + "/config/user/platform.xml"),

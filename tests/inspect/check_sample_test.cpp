@@ -1,6 +1,9 @@
 // The sample installation is what its makers should ship.
 #include "platform/process.h"
+#include "tests/inspect/paths.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -17,13 +20,14 @@ class SampleCheck : public ::testing::TestWithParam<const char*> {
 TEST_P(SampleCheck, FindsNothing) {
     // A launcher recognises its platform by the name in the folder.
     const std::string installation = folder_.narrow("Velmo");
-    const std::string standIn = std::filesystem::path(STANDIN_PLATFORM).parent_path();
-    const auto made = runProgram({INSPECT_SOURCES "/scripts/make-sample", installation,
-                                  INSPECT_LAUNCHER, "--mode", GetParam(), "--stand-in", standIn});
+    const std::string standIn = std::filesystem::path(test::seen(STANDIN_PLATFORM)).parent_path();
+    const auto made =
+        runProgram({test::seen(INSPECT_SOURCES "/scripts/make-sample"), installation,
+                    test::seen(INSPECT_LAUNCHER), "--mode", GetParam(), "--stand-in", standIn});
     ASSERT_TRUE(made && made->succeeded);
     const auto checked =
-        runProgram({"env", "HOME=" + folder_.narrow("home"), "USER=ann", INSPECT_PROGRAM, "check",
-                    "--install", installation, "--strict"});
+        runProgram({"env", "HOME=" + folder_.narrow("home"), "USER=ann",
+                    test::seen(INSPECT_PROGRAM), "check", "--install", installation, "--strict"});
     ASSERT_TRUE(checked);
     EXPECT_TRUE(checked->succeeded) << checked->output;
     EXPECT_EQ(checked->output, installation + ": nothing found\n");

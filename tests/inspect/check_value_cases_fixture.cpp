@@ -23,6 +23,8 @@ std::vector<Case> placeholderCases() {
          launcherHas("cp=a\nvmarg.a=-Da=${prop.cp}\n")},
         {"RI305", "PlaceholderWhereNoneCounts", launcherHas("application=${rcp.home}\n"),
          launcherHas("vmarg.a=-Da=${rcp.home}\n")},
+        {"RI305", "PlaceholderOfAnotherKindInTheJvm", launcherHas("vm=${env.HOME}/jre\n"),
+         launcherHas("vm=${rcp.home}/jre\n")},
         {"RI305", "PlaceholderOfAnotherKindInAnExtension", launcherHas("config.k.1=${env.HOME}\n"),
          launcherHas("config.k.1=${rcp.home}\nconfig.k.2=-data\nconfig.k.3=${env.HOME}\n")},
     };

@@ -1,5 +1,6 @@
 #include "inspect/command_line.h"
 
+#include "tests/inspect/paths.h"
 #include "tests/inspect/status_fixture.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +35,7 @@ class InspectInItsInstallation : public test::StatusTest {
     // Of a shell in the installation.
     [[nodiscard]] int statusOf(const std::string& command) const {
         const std::string line =
-            "cd '" + installation() + "' && exec " INSPECT_PROGRAM " " + command;
+            "cd '" + installation() + "' && exec '" + test::seen(INSPECT_PROGRAM) + "' " + command;
         test::Program program({"/bin/sh", "-c", line}, environment());
         (void)program.rest();
         return program.wait();

@@ -1,4 +1,5 @@
 #include "inspect/diff/sequence_diff.h"
+#include "tests/inspect/paths.h"
 #include "tests/inspect/status_fixture.h"
 
 #include <gtest/gtest.h>
@@ -49,7 +50,7 @@ TEST(SequenceDiff, VeryDifferentLongListsAreReplacedBetweenTheirEnds) {
 class DiffTest : public StatusTest {
   protected:
     int run(const Words& options, std::string& output) const {
-        Words all{INSPECT_PROGRAM, "diff", "--install", installation()};
+        Words all{seen(INSPECT_PROGRAM), "diff", "--install", installation()};
         all.insert(all.end(), options.begin(), options.end());
         Program program(all, environment());
         output = program.rest();

@@ -1,6 +1,9 @@
 #include "tests/inspect/explain_fixture.h"
 
+#include "tests/inspect/paths.h"
+
 #include <algorithm>
+#include <sstream>
 
 namespace rcp::inspect::test {
 namespace {
@@ -18,7 +21,7 @@ Words ExplainTest::launchEnvironment() const {
 }
 
 Words ExplainTest::explainWords(const Words& arguments, const Words& options) const {
-    Words all = {INSPECT_PROGRAM, "explain", "--install", installation()};
+    Words all = {seen(INSPECT_PROGRAM), "explain", "--install", installation()};
     all.insert(all.end(), options.begin(), options.end());
     all.emplace_back("--");
     all.insert(all.end(), arguments.begin(), arguments.end());
@@ -134,6 +137,26 @@ std::string ExplainTest::changesOf(const Json& explanation) const {
         text += "\n";
     }
     return portable(text);
+}
+
+std::size_t ExplainTest::lineOf(const std::string& beginning) const {
+    std::istringstream lines(folder_.read(kProperties));
+    std::size_t number = 0;
+    std::size_t found = 0;
+    for (std::string line; std::getline(lines, line);) {
+        ++number;
+        found = line.starts_with(beginning) ? number : found;
+    }
+    return found;
+}
+
+std::string ExplainTest::valueIn(const std::string& key) const {
+    std::istringstream lines(folder_.read(kProperties));
+    std::string line;
+    for (std::size_t left = lineOf(key + "="); left > 0; --left) {
+        std::getline(lines, line);
+    }
+    return line.substr(key.size() + 1);
 }
 
 std::string ExplainTest::portable(std::string text) const {

@@ -38,6 +38,10 @@ class ExplainTest : public StatusTest {
                                     const std::string& key) const;
     /// The changes, one a line: "made file home/x"; those of the log are left out.
     [[nodiscard]] std::string changesOf(const Json& explanation) const;
+    /// The number of the last line of the installation's settings that begins with that.
+    [[nodiscard]] std::size_t lineOf(const std::string& beginning) const;
+    /// What stands behind "KEY=" in that line.
+    [[nodiscard]] std::string valueIn(const std::string& key) const;
     /// A text with the folder's path as "FOLDER".
     [[nodiscard]] std::string portable(std::string text) const;
 };

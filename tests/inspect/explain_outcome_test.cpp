@@ -1,5 +1,6 @@
 // How a launch ends, what it waits for and which files it changes; and how people are told.
 #include "tests/inspect/explain_fixture.h"
+#include "tests/inspect/paths.h"
 
 #include <sys/file.h>
 
@@ -185,10 +186,11 @@ TEST_F(ExplainWaits, ForTheLockThatAnotherProcessHolds) {
 TEST_F(ExplainAsText, TellsTheSameWithoutColours) {
     const std::string text = portable(explainText({"-config", "sample", "-application", "other"}));
     EXPECT_EQ(text.find('\033'), std::string::npos);
+    const std::string loser = "        not sample.report (rcplauncher.properties:" +
+                              std::to_string(lineOf("application=")) +
+                              " application): the command line wins";
     for (const char* line : {"  role           main", "  workspace      home/workspace/ann",
-                             "        not sample.report (rcplauncher.properties:45 application): "
-                             "the command line wins",
-                             "        names the configuration extension",
+                             loser.c_str(), "        names the configuration extension",
                              "  made directory home/workspace/ann/.config",
                              "  SAMPLE_SET: (not set) -> set by the launcher",
                              "        overridden: the command line"}) {
@@ -205,7 +207,7 @@ TEST_F(ExplainAsText, TellsTheRecordAndTheRemedyOfALaunchThatCannotBe) {
 }
 
 TEST_F(ExplainAsText, IsWrongUseWithoutAnInstallation) {
-    Program program({INSPECT_PROGRAM, "explain", "--install", folder_.narrow("nowhere")},
+    Program program({seen(INSPECT_PROGRAM), "explain", "--install", folder_.narrow("nowhere")},
                     environment());
     EXPECT_EQ(program.rest(), "");
     EXPECT_EQ(program.wait(), 64);

@@ -36,6 +36,15 @@ TEST_F(ExplainDropped, AreTheLaunchersOwnOptions) {
     EXPECT_EQ(whyDropped(told, 11), "not dropped");
 }
 
+TEST_F(ExplainDropped, AreOptionsWithoutAValue) {
+    const Json last = explain({"-x", "-data"});
+    EXPECT_EQ(whyDropped(last, 2), "has no value");
+    EXPECT_EQ(sourceOf(valueOf(last, "-data")), "rcplauncher.properties rcp.data");
+    const Json told = explain({"-data", "-vmargs", "-Xa"});
+    EXPECT_EQ(whyDropped(told, 1), "has no value");
+    EXPECT_EQ(whyDropped(told, 2), "becomes the launcher's own -vmargs");
+}
+
 TEST_F(ExplainDropped, AreDebugAndConsoleOfARestart) {
     const Json told = explain({"-restart", "-rcp_old_pid", "1", "-debug", "-console"});
     EXPECT_EQ(whyDropped(told, 1), "tells the launcher that its platform is started anew");
@@ -110,8 +119,9 @@ TEST_F(ExplainFiles, TellThatAnEmptyVmargKeepsOthersOut) {
     const Json told = explain();
     EXPECT_EQ(useOf(told, "rcplauncher.properties", "vmarg.sample.jvm"),
               "used: keeps later arguments of its name out\n");
-    EXPECT_EQ(useOf(told, "jvm.properties", "vmarg.sample.jvm"),
-              "overridden: rcplauncher.properties:75\n");
+    EXPECT_EQ(
+        useOf(told, "jvm.properties", "vmarg.sample.jvm"),
+        "overridden: rcplauncher.properties:" + std::to_string(lineOf("vmarg.sample.jvm=")) + "\n");
 }
 
 TEST_F(ExplainFiles, TellThatEveryDefinitionOfOneNameIsPassedOn) {
@@ -161,9 +171,11 @@ TEST_F(ExplainEnvironment, TakesTheLastEntryOfAVariable) {
     append(kProperties, "env.set.SAMPLE_SET=again\n");
     const Json told = explain();
     EXPECT_EQ(variable(told, "SAMPLE_SET")["after"], "again");
-    EXPECT_EQ(variable(told, "SAMPLE_SET")["source"]["line"], 75);
-    EXPECT_EQ(useOf(told, "rcplauncher.properties", "env.set.SAMPLE_SET"),
-              "overridden: rcplauncher.properties:75\nused: a variable that is set\n");
+    EXPECT_EQ(variable(told, "SAMPLE_SET")["source"]["line"], lineOf("env.set.SAMPLE_SET="));
+    EXPECT_EQ(
+        useOf(told, "rcplauncher.properties", "env.set.SAMPLE_SET"),
+        "overridden: rcplauncher.properties:" + std::to_string(lineOf("env.set.SAMPLE_SET=")) +
+            "\nused: a variable that is set\n");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "inspect/page/page.h"
 
+#include "tests/inspect/paths.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
 
 #include <errno.h>
@@ -22,7 +24,7 @@ using testing::IsEmpty;
 using testing::Not;
 
 json readData(const std::string& name) {
-    std::ifstream input(std::string(INSPECT_SOURCES) + "/tests/inspect/data/" + name);
+    std::ifstream input(rcp::test::seen(INSPECT_SOURCES "/tests/inspect/data/" + name));
     return json::parse(input);
 }
 

@@ -1,5 +1,6 @@
 #include "inspect/quiet_read.h"
 
+#include "tests/inspect/paths.h"
 #include "tests/inspect/status_fixture.h"
 
 #include <fcntl.h>
@@ -49,7 +50,7 @@ TEST_F(QuietRead, EveryCommandLeavesTheTimesOfAccess) {
         for (const std::string& file : files) {
             makeAccessOld(file);
         }
-        Words all{INSPECT_PROGRAM};
+        Words all{seen(INSPECT_PROGRAM)};
         all.insert(all.end(), command.begin(), command.end());
         all.insert(all.end(), {"--install", installation()});
         Program program(all, environment());

@@ -65,8 +65,7 @@ std::string namesIn(int descriptor) {
     return text;
 }
 
-std::string openAndUse(const Call& call, const std::string& path) {
-    const int descriptor = calls::open(path.c_str(), call.flags | O_CLOEXEC, call.mode);
+std::string useOpened(int descriptor, const Call& call) {
     if (descriptor < 0) {
         return resultText(descriptor);
     }
@@ -84,6 +83,32 @@ std::string openAndUse(const Call& call, const std::string& path) {
     text += length < 0 ? " " + resultText(length)
                        : " read " + std::string(buffer, static_cast<std::size_t>(length));
     close(descriptor);
+    return text;
+}
+
+// What the call of this name without "at" does, from the directory that the path's last element
+// lies in.
+std::string resultFromDirectory(const Call& call, const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const int directory =
+        calls::open(path.substr(0, slash).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory < 0) {
+        return "no directory " + resultText(directory);
+    }
+    const std::string name = path.substr(slash + 1);
+    std::string text;
+    if (call.name == "openat") {
+        const int flags = call.flags & ~(O_CREAT | O_EXCL);
+        text = useOpened(calls::openat(directory, name.c_str(), flags | O_CLOEXEC), call);
+    } else if (call.name == "fstatat") {
+        struct stat status {};
+        const int result = calls::fstatat(directory, name.c_str(), &status, AT_SYMLINK_NOFOLLOW);
+        text = result < 0 ? resultText(result) : statusText(status);
+    } else {
+        const int flags = call.name == "rmdirat" ? AT_REMOVEDIR : 0;
+        text = resultText(calls::unlinkat(directory, name.c_str(), flags));
+    }
+    close(directory);
     return text;
 }
 
@@ -111,7 +136,10 @@ std::string resolve(const std::string& path) {
 std::string resultOf(const Call& call, const std::string& root) {
     const std::string path = root + "/" + call.path;
     if (call.name == "open") {
-        return openAndUse(call, path);
+        return useOpened(calls::open(path.c_str(), call.flags | O_CLOEXEC, call.mode), call);
+    }
+    if (call.name.ends_with("at") && call.name != "stat" && call.name != "lstat") {
+        return resultFromDirectory(call, path);
     }
     if (call.name == "stat" || call.name == "lstat") {
         return look(call, path);
@@ -132,7 +160,7 @@ std::string resultOf(const Call& call, const std::string& root) {
         return resultText(calls::unlink(path.c_str()));
     }
     if (call.name == "rmdir") {
-        return resultText(calls::rmdir(path.c_str()));
+        return resultText(calls::unlinkat(AT_FDCWD, path.c_str(), AT_REMOVEDIR));
     }
     const std::string target = std::regex_replace(call.other, std::regex("ROOT"), root);
     return resultText(calls::symlink(target.c_str(), path.c_str()));
@@ -185,7 +213,7 @@ std::string entryAt(const std::string& place, const std::string& root) {
 std::string carryOut(const Call& call, const std::string& root) {
     std::string text = call.name + " " + call.path;
     text += call.other.empty() ? "" : ", " + call.other;
-    text += call.name == "open" ? " " + octal(static_cast<mode_t>(call.flags)) : "";
+    text += call.name.starts_with("open") ? " " + octal(static_cast<mode_t>(call.flags)) : "";
     errno = 0;
     return text + " = " + withoutRoot(resultOf(call, root), root);
 }

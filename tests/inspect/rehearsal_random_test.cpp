@@ -43,9 +43,9 @@ std::string randomPath(Choice& choice) {
 
 Call randomCall(Choice& choice) {
     static const std::vector<std::string> calls{
-        "open",    "open",     "open",     "open",   "mkdir",  "mkdir", "rename",
-        "rename",  "rename",   "rename",   "unlink", "unlink", "rmdir", "rmdir",
-        "symlink", "readlink", "realpath", "stat",   "lstat"};
+        "open",     "open",   "open",   "open",   "mkdir",   "mkdir",    "rename",  "rename",
+        "rename",   "rename", "unlink", "unlink", "rmdir",   "rmdir",    "symlink", "readlink",
+        "realpath", "stat",   "lstat",  "openat", "fstatat", "unlinkat", "rmdirat"};
     static const std::vector<int> accesses{O_RDONLY, O_WRONLY, O_RDWR};
     static const std::vector<int> flags{0,
                                         0,
@@ -61,7 +61,7 @@ Call randomCall(Choice& choice) {
     // None of them leads out of the tree, wherever it is moved.
     static const std::vector<std::string> targets{"a", "ROOT/c", "ROOT/a/b", "x", "b/../f", "b"};
     Call call{choice.of(calls), randomPath(choice), {}, 0, choice.of(modes), {}};
-    if (call.name == "open") {
+    if (call.name.starts_with("open")) {
         call.flags = choice.of(accesses) | choice.of(flags);
         call.written = choice.below(2) == 0 ? "written " + std::to_string(choice.below(9)) : "";
     } else if (call.name == "rename") {

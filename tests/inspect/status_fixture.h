@@ -1,7 +1,10 @@
 // An installation with the stand-in platform, a user, and what "rcpinspect status" says about them.
 #pragma once
 
+#include "tests/inspect/paths.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/paths.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -24,6 +27,7 @@ namespace rcp::inspect::test {
 
 using Words = std::vector<std::string>;
 using Json = nlohmann::json;
+using rcp::test::seen;
 
 /// A pipe that no started program keeps open.
 inline std::array<int, 2> makePipe() {
@@ -104,13 +108,13 @@ class StatusTest : public ::testing::Test {
     StatusTest() { makeInstallation({}); }
 
     void makeInstallation(const Words& options) {
-        Words words = {INSPECT_SOURCES "/scripts/make-sample",
+        Words words = {seen(INSPECT_SOURCES "/scripts/make-sample"),
                        installation(),
-                       INSPECT_LAUNCHER,
+                       seen(INSPECT_LAUNCHER),
                        "--mode",
                        "exec",
                        "--stand-in",
-                       std::filesystem::path(STANDIN_PLATFORM).parent_path()};
+                       std::filesystem::path(seen(STANDIN_PLATFORM)).parent_path()};
         words.insert(words.end(), options.begin(), options.end());
         Program program(words, environment());
         ASSERT_EQ(program.wait(), 0);
@@ -128,7 +132,7 @@ class StatusTest : public ::testing::Test {
     static std::string area(const std::string& name) { return "home/workspace/ann/" + name; }
 
     [[nodiscard]] Words words(const Words& arguments, const Words& options = {}) const {
-        Words all = {INSPECT_PROGRAM, "status", "--install", installation()};
+        Words all = {seen(INSPECT_PROGRAM), "status", "--install", installation()};
         all.insert(all.end(), options.begin(), options.end());
         all.emplace_back("--");
         all.insert(all.end(), arguments.begin(), arguments.end());
@@ -175,7 +179,7 @@ class StatusTest : public ::testing::Test {
     }
     template <typename Condition>
     static void waitUntil(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(40);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(400);
         while (!condition()) {
             ASSERT_LT(std::chrono::steady_clock::now(), end) << "what was waited for did not come";
             std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -1,3 +1,4 @@
+#include "platform/platform.h"
 #include "tests/inspect/status_fixture.h"
 
 #include <sys/file.h>
@@ -79,6 +80,26 @@ TEST_F(StatusTest, BesideARunningPlatformTheNextLaunchIsADaemon) {
     std::filesystem::remove(folder_.path() / "stay");
     platform->wait();
     EXPECT_EQ(status()["nextLaunch"]["role"], "main");
+}
+
+TEST_F(StatusTest, AProvisioningProgramIsWaitedFor) {
+    ASSERT_EQ(launch(), 0);
+    EXPECT_EQ(status()["lock"]["provisioner"], Json());
+    {
+        const Program provisioning({"/bin/sleep", "1000"}, environment());
+        folder_.write(area(".rcp.provisioning"),
+                      std::to_string(provisioning.id()) + " " +
+                          platform::startOfProcess(provisioning.id()).value_or("") + "\n");
+        const Json state = status();
+        EXPECT_EQ(state["lock"]["provisioner"], provisioning.id());
+        const Json steps = {"wait-for-provisioning", "start-platform"};
+        EXPECT_EQ(state["nextLaunch"]["steps"], steps);
+        EXPECT_NE(text().find("now, by process " + std::to_string(provisioning.id())),
+                  std::string::npos);
+    }
+    EXPECT_EQ(status()["lock"]["provisioner"], Json());
+    EXPECT_EQ(status()["nextLaunch"]["steps"], Json({"start-platform"}));
+    EXPECT_TRUE(folder_.has(area(".rcp.provisioning"))) << "looking removes nothing";
 }
 
 TEST_F(StatusTest, AnIdOfAProcessThatIsGoneKeepsNobodyOut) {

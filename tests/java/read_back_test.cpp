@@ -4,6 +4,7 @@
 #include "launcher/core/startup_arguments.h"
 #include "launcher/core/user_files.h"
 #include "platform/text.h"
+#include "tests/unit/core/long_values.h"
 
 #include <gtest/gtest.h>
 #include <locale.h>
@@ -242,6 +243,53 @@ TEST_F(JavaReadBack, PathsOfTheUsersFileComeBack) {
                      {L"install.configuration", L"user"}},
                     read(target));
     }
+}
+
+TEST_F(JavaReadBack, LongValuesComeBackFromSeveralLines) {
+    const std::string file = folder + "/long.properties";
+    std::ofstream out(file, std::ios::binary);
+    Entries expected;
+    for (const std::wstring& value : test::longValues()) {
+        const std::wstring key = L"k" + std::to_wstring(expected.size());
+        const std::string written = toNarrow(test::escapedValue(value));
+        out << propertyLines(toNarrow(key), written);
+        expected[key] = key.size() + written.size() < 2000 ? asValue(value) : value;
+    }
+    out.close();
+    expectEqual(expected, read(file));
+}
+
+// What is not escaped is not printable ASCII either; on one line and on several it means the same.
+TEST_F(JavaReadBack, LongValuesThatAreNotEscapedMeanWhatTheyMeantOnOneLine) {
+    std::mt19937 random(6);  // NOLINT: the same values in every run
+    std::ofstream single(folder + "/single.properties", std::ios::binary);
+    std::ofstream several(folder + "/several.properties", std::ios::binary);
+    for (const std::size_t length : test::longLengths()) {
+        const std::string key = "k" + std::to_string(length);
+        const std::string raw = test::longRawValue(random, length);
+        single << key << '=' << raw << '\n';
+        several << propertyLines(key, raw);
+    }
+    single.close();
+    several.close();
+    expectEqual(read(folder + "/single.properties"), read(folder + "/several.properties"));
+}
+
+TEST_F(JavaReadBack, LongRecordedArgumentsComeBack) {
+    const std::wstring restartExe = L"/r/exe";
+    Arguments arguments = {L"rcplauncher"};
+    for (const std::wstring& value : test::longValues()) {
+        arguments.push_back(L"velmo://" + value);
+    }
+    unsetenv("DYLD_LIBRARY_PATH");
+    writeStartupArgs(arguments, toWide(folder), &restartExe, {}, L"/opt/i");
+    Entries expected = {{L"arg0", restartExe},
+                        {L"argc", std::to_wstring(arguments.size())},
+                        {L"com.ovr.rcp.core.internal.librarypath", L""}};
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        expected[L"arg" + std::to_wstring(i)] = arguments[i];
+    }
+    expectEqual(expected, read(folder + "/args.properties"));
 }
 
 }  // namespace

@@ -1,24 +1,5 @@
-// Runs the unit tests in a UTF-8 locale and, where the system allows it, with a /tmp of their own,
-// so that the temporary log of a fatal error disturbs nobody.
-#include "tests/unit/fixture.h"
-
-#include <gtest/gtest.h>
-#include <locale.h>
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <optional>
-#include <utility>
-
-#ifdef __linux__
-#include <sched.h>
-#include <sys/mount.h>
-#endif
-
+// Runs the unit tests in a UTF-8 locale and, where the system allows it, shut in, so that nothing
+// they do and no temporary log of a fatal error disturbs anybody.
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
@@ -27,52 +8,22 @@
 #include "launcher/hand_off.h"
 #include "platform/platform.h"
 #include "platform/text.h"
+#include "tests/support/sandbox.h"
+#include "tests/unit/fixture.h"
+#include "tests/unit/paths.h"
 #include "tests/unit/probe.h"
 
+#include <gtest/gtest.h>
+#include <locale.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace rcp::test {
-namespace {
-
-bool privateTmp = false;
-std::filesystem::path tmpFolder;
-
-std::filesystem::path makeFolder(const std::string& prefix) {
-    std::filesystem::create_directories(UNIT_FOLDER);
-    std::string pattern = std::string(UNIT_FOLDER) + "/" + prefix + "XXXXXX";
-    return mkdtemp(pattern.data());
-}
-
-#ifdef __linux__
-void writeText(const char* file, const std::string& text) {
-    std::ofstream(file) << text;
-}
-
-// A mount namespace of our own, in a user namespace when we are not root.
-bool enterNamespace() {
-    const uid_t user = geteuid();
-    const gid_t group = getegid();
-    if (user == 0) {
-        return unshare(CLONE_NEWNS) == 0;
-    }
-    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
-        return false;
-    }
-    writeText("/proc/self/setgroups", "deny");
-    writeText("/proc/self/uid_map", std::to_string(user) + " " + std::to_string(user) + " 1");
-    writeText("/proc/self/gid_map", std::to_string(group) + " " + std::to_string(group) + " 1");
-    return true;
-}
-
-void enterPrivateTmp() {
-    tmpFolder = makeFolder("tmp");
-    privateTmp = enterNamespace() &&
-                 mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                 mount(tmpFolder.c_str(), "/tmp", nullptr, MS_BIND, nullptr) == 0;
-}
-#else
-void enterPrivateTmp() {}
-#endif
-
-}  // namespace
 
 TestFolder::TestFolder() : path_(makeFolder("test")) {}
 
@@ -112,6 +63,7 @@ void resetLauncherState() {
     bRestart = false;
     invokeDylib = false;
     mainProcessName.clear();
+    platformExecutable.clear();
     setMainProcess(false);
     eConfig = InstallConfiguration::kUnknown;
     launchArgs.clear();
@@ -121,7 +73,7 @@ void resetLauncherState() {
 }
 
 bool hasPrivateTmp() {
-    return privateTmp;
+    return hasOwnTmp();
 }
 
 // The log is a new one, so that neither a log of another test nor one that is left in /tmp can be
@@ -148,15 +100,11 @@ int main(int argc, char** argv) {
     if (const std::optional<int> status = rcp::test::answerProbe(argc, argv)) {
         return *status;
     }
+    std::vector<char*> words(argv, argv + argc + 1);
     testing::InitGoogleTest(&argc, argv);
-    const bool isDiscovery = testing::GTEST_FLAG(list_tests);
-    if (!isDiscovery) {
-        rcp::test::enterPrivateTmp();
+    if (!testing::GTEST_FLAG(list_tests)) {
+        rcp::test::enterSandbox(UNIT_FOLDER);
+        rcp::test::startWhereSeen(words.data());
     }
-    const int status = RUN_ALL_TESTS();
-    std::error_code ignored;
-    if (!rcp::test::tmpFolder.empty()) {
-        std::filesystem::remove_all(rcp::test::tmpFolder, ignored);
-    }
-    return status;
+    return RUN_ALL_TESTS();
 }

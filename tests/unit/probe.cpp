@@ -1,6 +1,7 @@
 #include "tests/unit/probe.h"
 
 #include "platform/platform.h"
+#include "tests/support/sandbox.h"
 
 #include <stdio.h>
 #include <sys/wait.h>
@@ -50,7 +51,7 @@ Probe::Probe(const char* name, Body body)
 ProbeResult runProbe(const std::string& name, const std::vector<std::string>& arguments,
                      std::string program) {
     if (program.empty()) {
-        program = platform::executablePathAsStarted();
+        program = seen(platform::executablePathAsStarted());
     }
     std::vector<std::string> words = {program, kProbeOption, name};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -93,8 +94,8 @@ std::optional<int> answerProbe(int argc, char** argv) {
 
 void linkProgram(const std::string& path) {
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::filesystem::create_hard_link(
-        std::filesystem::canonical(platform::executablePathAsStarted()), path);
+    std::filesystem::copy_file(
+        std::filesystem::canonical(seen(platform::executablePathAsStarted())), path);
 }
 
 }  // namespace rcp::test

@@ -34,7 +34,7 @@ ProbeResult runProbe(const std::string& name, const std::vector<std::string>& ar
 /// In main: the status of the piece that the command line asks for; empty optional without one.
 std::optional<int> answerProbe(int argc, char** argv);
 
-/// Makes another name of this program's file, for runProbe.
+/// Makes a copy of this program's file, for runProbe.
 void linkProgram(const std::string& path);
 
 }  // namespace rcp::test

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using UrlHandler = test::LauncherTest;
 
 constexpr char kBadCount[] =
-    "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument count. : ";
+    "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument count.\n";
 
 TEST_F(UrlHandler, PassesWithoutTheOption) {
     validateIfUrlHandlerLaunch({L"-maxargcnt", L"7"});  // the program path is no option
@@ -39,6 +39,8 @@ TEST_F(UrlHandler, CountIsReadAsADecimalNumber) {
                                 L"x",
                                 L"-vm", L"/j"});
     validateIfUrlHandlerLaunch({L"p", L"-maxargcnt", L" +5", L"-vm", L"/j"});
+    validateIfUrlHandlerLaunch(
+        {L"p", L"-maxargcnt", L"10", L"4", L"5", L"6", L"7", L"8", L"-vm", L"/j"});
     EXPECT_FATAL(validateIfUrlHandlerLaunch({L"p", L"-maxargcnt", L"0x5", L"-vm", L"/j"}),
                  HasSubstr(kBadCount));
 }
@@ -62,7 +64,7 @@ using DoubleQuotes = test::LauncherTest;
 TEST_F(DoubleQuotes, AreRefusedAnywhereTheProgramPathIncluded) {
     validateThatDoubleQuotesNotUsed({L"p", L"'a'", L"\u201dtypographic\u201c", L""});
     const char* message =
-        "ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument. : ";
+        "ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument.\n";
     EXPECT_FATAL(validateThatDoubleQuotesNotUsed({L"p", L"a", L"b\"c"}), HasSubstr(message));
     EXPECT_FATAL(validateThatDoubleQuotesNotUsed({L"/opt/\"x\"/p", L"a"}), HasSubstr(message));
     EXPECT_FATAL(validateThatDoubleQuotesNotUsed({L"p", L"\""}), HasSubstr(message));
@@ -73,13 +75,13 @@ using SearchPaths = test::LauncherTest;
 TEST_F(SearchPaths, AreRefusedAnywhereInAnArgument) {
     const std::pair<const wchar_t*, const char*> refused[] = {
         {L"-Djvm.library.path=/x",
-         "ZYPRA0190E: rcplauncher invoked with arg containing \"jvm.library.path\" - not allowed. "
-         ": "},
+         "ZYPRA0190E: rcplauncher invoked with arg containing \"jvm.library.path\" - not "
+         "allowed.\n"},
         {L"vmarg.x=-Djava.library.path=/x",
-         "ZYPRA0191E: rcplauncher invoked with arg containing \"java.library.path\" - not allowed. "
-         ": "},
+         "ZYPRA0191E: rcplauncher invoked with arg containing \"java.library.path\" - not "
+         "allowed.\n"},
         {L"-Dfoo=java.home.x",
-         "ZYPRA0192E: rcplauncher invoked with arg containing \"java.home\" - not allowed. : "},
+         "ZYPRA0192E: rcplauncher invoked with arg containing \"java.home\" - not allowed.\n"},
     };
     for (const auto& [argument, message] : refused) {
         EXPECT_FATAL(validateNoJavaLibraryPath({L"p", L"a", argument}), HasSubstr(message));

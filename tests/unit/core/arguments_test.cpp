@@ -1,5 +1,7 @@
 #include "launcher/core/arguments.h"
 
+#include "launcher/core/option_values.h"
+
 #include <gtest/gtest.h>
 
 namespace rcp {
@@ -44,6 +46,37 @@ TEST(OptionValue, MissingValueNeverReadsPastTheEnd) {
 
 TEST(OptionValue, EndOfTheOptionsIsNoValue) {
     EXPECT_EQ(optionValue(L"-data", Arguments{L"p", L"-data", L"-vmargs", L"-Xa"}), nullptr);
+}
+
+TEST(OptionValue, JvmThatTheLauncherAppendsIsNoValue) {
+    EXPECT_EQ(optionValue(L"-data", Arguments{L"p", L"-data", L"-vm", L"/j"}), nullptr);
+    const Arguments given{L"p", L"-data", Argument(L"-vm", Origin{nullptr, 2})};
+    EXPECT_EQ(optionValue(L"-data", given), &given[2]) << "the user's own is";
+}
+
+TEST(BundleIdentifier, IsTheArgumentBehindTheOption) {
+    const Arguments arguments = {L"rcplauncher", L"-bundleIdentifier", L"a.b", L"x"};
+    const Argument* found = getBundleIdentifier(arguments);
+    ASSERT_EQ(found, &arguments[2]);
+}
+
+TEST(BundleIdentifier, EveryArgumentIsLookedAtFromTheFirstOn) {
+    const Arguments arguments = {L"-bundleIdentifier", L"-bundleIdentifier", L"a.b"};
+    EXPECT_EQ(getBundleIdentifier(arguments), &arguments[1]);
+}
+
+TEST(BundleIdentifier, OptionWithoutAnArgumentBehindItIsNone) {
+    EXPECT_EQ(getBundleIdentifier({}), nullptr);
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier"}), nullptr);
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"-bundleidentifier", L"a", L"-bundleIdentifierX"}),
+              nullptr);
+}
+
+TEST(BundleIdentifier, IsNeitherTheEndOfTheOptionsNorTheLaunchersOwnVm) {
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier", L"-vmargs"}),
+              nullptr);
+    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier", L"-vm", L"/j"}),
+              nullptr);
 }
 
 TEST(Questions, AreAnsweredByTheirOption) {

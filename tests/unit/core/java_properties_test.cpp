@@ -1,9 +1,19 @@
 #include "launcher/core/java_properties.h"
 
+#include "launcher/core/property_file.h"
+#include "launcher/core/property_text.h"
+#include "platform/text.h"
+#include "tests/unit/core/long_values.h"
+#include "tests/unit/fixture.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <random>
+#include <sstream>
 #include <string>
+#include <string_view>
 
 namespace rcp {
 namespace {
@@ -105,6 +115,83 @@ TEST(JavaProperties, EmptyTextsGiveAnEmptyKeyAndValue) {
     std::wstring out;
     convWcharTo8859_1(L"", L"", out);
     EXPECT_EQ(out, L"=");
+}
+
+// --- Entries that do not fit a line ---
+
+class PropertyLines : public test::LauncherTest {
+  protected:
+    // What the launcher reads from a file of these lines.
+    PropertyList readBack(const std::string& lines) {
+        folder_.write("lines.properties", lines);
+        PropertyList list;
+        getProperties(folder_.wide("lines.properties"), list);
+        return list;
+    }
+    void expectComesBack(const std::string& lines, const std::wstring& expected) {
+        const PropertyList list = readBack("before=1\n" + lines + "behind=2\n");
+        ASSERT_EQ(list.entries().size(), 3U) << lines;
+        EXPECT_EQ(list.entries()[1].key, L"k");
+        EXPECT_EQ(list.entries()[1].value, expected);
+    }
+};
+
+std::size_t longestLine(const std::string& lines) {
+    std::size_t longest = 0;
+    std::istringstream stream(lines);
+    for (std::string line; std::getline(stream, line);) {
+        longest = std::max(longest, line.size());
+    }
+    return longest;
+}
+
+TEST_F(PropertyLines, EntriesUpToTheLimitStandOnOneLineAsTheyAre) {
+    for (const std::size_t length : {0U, 1U, 1997U, 1998U}) {
+        for (const char* special : {"", " ", "\\=", "="}) {
+            const std::string text = special + std::string(length, 'a');
+            if (text.size() <= 1998) {
+                EXPECT_EQ(propertyLines("k", text), "k=" + text + "\n");
+            }
+        }
+    }
+    EXPECT_EQ(propertyLines("k", std::string(1999, 'a')),
+              "k=" + std::string(1966, 'a') + "\\\n" + std::string(33, 'a') + "\n");
+}
+
+TEST_F(PropertyLines, EveryLongValueIsReadBackFromShortLines) {
+    for (const std::wstring& value : test::longValues()) {
+        const std::wstring escaped = test::escapedValue(value);
+        if (escaped.size() <= 1998) {
+            continue;  // as it stands, with what the reader takes for separators
+        }
+        const std::string lines = propertyLines("k", toNarrow(escaped));
+        EXPECT_LE(longestLine(lines), 2000U);
+        std::wstring expected = value;
+        trimString(expected);
+        expectComesBack(lines, expected);
+    }
+}
+
+TEST_F(PropertyLines, LongValuesThatAreNotEscapedMeanWhatTheyMeantOnOneLine) {
+    std::mt19937 random(6);  // NOLINT: the same values in every run
+    for (const std::size_t length : test::longLengths()) {
+        const std::string raw = test::longRawValue(random, length);
+        const std::string lines = propertyLines("k", raw);
+        EXPECT_LE(longestLine(lines), 2000U);
+        std::wstring expected = toWide(raw);
+        FilterValue(expected);
+        expectComesBack(lines, expected);
+    }
+}
+
+TEST_F(PropertyLines, RestOfALongValueIsNoEntryOfItsOwn) {
+    for (std::size_t length = 1900; length <= 2100; ++length) {
+        for (const char* rest : {"vmarg.zz=-agentpath:/x", "env.set.LD_PRELOAD=/x", "=x=y"}) {
+            const std::wstring value = std::wstring(length, L'a') + toWide(rest);
+            const std::string lines = propertyLines("k", toNarrow(test::escapedValue(value)));
+            EXPECT_EQ(readBack(lines).entries().size(), 1U) << length << ' ' << rest;
+        }
+    }
 }
 
 }  // namespace

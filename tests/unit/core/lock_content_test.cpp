@@ -43,8 +43,20 @@ TEST(LockContent, AnythingElseIsNoContentOfALock) {
     }
 }
 
-TEST(LockContent, NullCharacterIsNoBlank) {
-    EXPECT_EQ(parseLockContent(std::string_view("\0\0\0\0", 4)).kind, LockContent::kOther);
+TEST(LockContent, NulBytesThatAPowerFailureLeavesAreNothing) {
+    for (const std::string& content :
+         {std::string(1, '\0'), std::string(4096, '\0'),
+          std::string(14, ' ') + std::string(20, '\0'), std::string(3, '\0') + "  \n"}) {
+        EXPECT_EQ(parseLockContent(content).kind, LockContent::kNothing) << content.size();
+    }
+}
+
+TEST(LockContent, TextBehindANulByteIsNoNumber) {
+    EXPECT_EQ(parseLockContent(std::string_view("\0\0"
+                                                "4711",
+                                                6))
+                  .kind,
+              LockContent::kOther);
     EXPECT_EQ(parseLockContent(std::string_view("  \0 12", 6)).kind, LockContent::kOther);
     expectNumber(std::string_view("12\0", 3), 12);
 }

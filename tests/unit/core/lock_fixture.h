@@ -33,8 +33,8 @@ class LockTest : public LauncherTest {
         return platform_->pid();
     }
 
-    void locate(const Arguments& arguments = {L"rcplauncher"}) const {
-        locateLockFile(arguments, folder_.wide(), kMarker);
+    Launch locate(const Arguments& arguments = {L"rcplauncher"}) const {
+        return locateLockFile(arguments, folder_.wide(), kMarker);
     }
     void writeLock(const std::string& content) const { folder_.write(".rcp.lock", content); }
     [[nodiscard]] std::string lockFile() const { return folder_.read(".rcp.lock"); }

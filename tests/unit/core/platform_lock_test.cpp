@@ -5,7 +5,9 @@
 #include <sys/resource.h>
 #include <sys/time.h>
 
+#include <fstream>
 #include <limits>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -92,7 +94,8 @@ TEST_F(PlatformLock, LettersInTheFileAreFatal) {
     for (const char* content : {"letters", "  x12"}) {
         writeLock(content);
         EXPECT_FATAL(isMainProcessRunning(kMarker),
-                     "ZYPRA0092E: Error reading platform lock file.");
+                     "ZYPRA0092E: Error reading platform lock file\\. \\(" +
+                         folder_.narrow(".rcp.lock") + "\\)\n");
         EXPECT_EXIT(locate(), testing::ExitedWithCode(255), "");
     }
 }
@@ -216,7 +219,7 @@ TEST_F(PlatformLock, LockThatFailsIsFatal) {
 
 TEST_F(PlatformLock, FileThatCannotBeMadeIsFatal) {
     std::filesystem::create_directory(folder_.path() / "workspace");
-    locateLockFile({L"rcplauncher"}, folder_.wide("workspace"), kMarker);
+    (void)locateLockFile({L"rcplauncher"}, folder_.wide("workspace"), kMarker);
     std::filesystem::remove_all(folder_.path() / "workspace");
     EXPECT_FATAL(createAndOpenLockFile(),
                  "ZYPRA0199E: CreateLockFile failed. errno=2\n"
@@ -256,6 +259,66 @@ TEST_F(PlatformLock, FileThatWasRemovedWhileItWasWaitedForIsMadeAnew) {
     EXPECT_EQ(waiting.wait(), 0);
     EXPECT_TRUE(folder_.has(".rcp.lock"));
 }
+
+TEST_F(PlatformLock, FileThatALinkLeadsToIsLocked) {
+    for (const char* target : {"elsewhere", "made by the launch"}) {
+        const std::string path = folder_.narrow(target);
+        if (target == std::string("elsewhere")) {
+            folder_.write(target, "");
+        }
+        std::filesystem::remove(folder_.path() / ".rcp.lock");
+        std::filesystem::create_symlink(path, folder_.path() / ".rcp.lock");
+        ChildProcess launcher([this] {
+            locate();
+            populateLockFile(4711);
+            return isMainProcess() && isLocked() ? 0 : 1;
+        });
+        ASSERT_TRUE(launcher.endsWithin(10s)) << target;
+        EXPECT_EQ(launcher.wait(), 0) << target;
+        EXPECT_EQ(folder_.read(target), "4711          ");
+        EXPECT_TRUE(std::filesystem::is_symlink(folder_.path() / ".rcp.lock"));
+    }
+}
+
+#ifdef __linux__
+bool isWaitedFor(int descriptor) {
+    struct stat status {};
+    fstat(descriptor, &status);
+    const std::string file = ":" + std::to_string(status.st_ino) + " ";
+    std::ifstream table("/proc/locks");
+    for (std::string line; std::getline(table, line);) {
+        if (line.find("->") != std::string::npos && line.find(file) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+TEST_F(PlatformLock, FileThatIsAnotherOneAfterEachWaitIsGivenUp) {
+    const auto lockNew = [this](const char* name) {
+        const int file = open(folder_.narrow(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        return flock(file, LOCK_EX) == 0 ? file : -1;
+    };
+    writeLock("");
+    const ChildProcess replacing([&] {
+        for (int held = lockNew(".rcp.lock");;) {
+            while (!isWaitedFor(held)) {
+                usleep(1000);
+            }
+            const int next = lockNew("next");
+            std::filesystem::rename(folder_.path() / "next", folder_.path() / ".rcp.lock");
+            close(std::exchange(held, next));
+        }
+        return 0;
+    });
+    while (!isLocked()) {
+        usleep(1000);
+    }
+    EXPECT_FATAL(locate(),
+                 "ZYPRA0053E: Error locking platform lock file\\. \\(.*/\\.rcp\\.lock is another "
+                 "one each time\\.\\)\n");
+}
+#endif
 
 TEST_F(PlatformLock, DaemonRecordsNothing) {
     const std::string content = std::to_string(platformId()) + "          ";
@@ -307,7 +370,7 @@ TEST_F(PlatformLock, MainIdThatCannotBeWrittenIsReported) {
         populateLockFile(4711);
         const std::string records =
             "ZYPRA00XXI: Unable to write pid to rcp.main file\n"
-            "ZYPRA0051E: Unable to write to platform lock file\n";
+            "ZYPRA0051E: Unable to write to platform lock file : File too large\n";
         return logQueue().substr(before) == records ? 0 : 1;
     });
     EXPECT_EQ(withoutRoom.wait(), 0);
@@ -318,10 +381,12 @@ TEST_F(PlatformLock, LockFileThatCannotBeWrittenIsReportedOnly) {
     locate();
     closeLockFile();
     populateLockFile(4711);
-    EXPECT_TRUE(records.has("ZYPRA0051E: Unable to write to platform lock file\n"));
+    EXPECT_TRUE(
+        records.has("ZYPRA0051E: Unable to write to platform lock file : Bad file descriptor\n"));
     EXPECT_FALSE(records.has("ZYPRA0052E"));
     invalidateLockFile();
-    EXPECT_TRUE(records.has("ZYPRA0052E: Unable to invalidate platform lock file\n"));
+    EXPECT_TRUE(
+        records.has("ZYPRA0052E: Unable to invalidate platform lock file : Bad file descriptor\n"));
 }
 
 TEST_F(PlatformLock, InvalidatingWritesFourteenBlanks) {

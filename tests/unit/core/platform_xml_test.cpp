@@ -149,6 +149,18 @@ TEST_F(PlatformXml, UnmanagedUpdatePolicyLeavesTheDirectoryEmpty) {
     EXPECT_TRUE(userFirstLaunch);
 }
 
+TEST_F(PlatformXml, ValueThatIsNoTextOfTheLocaleCostsItsLineAndIsReported) {
+    writeCore("platform.xml", "<a>\n<b id=\"${jvm.feature.id}\">\n</a>\n");
+    properties = listOf({{L"jvm.feature.id", {wchar_t{0xD800}}}, {L"jvm.feature.version", L"1"}});
+    const Records records(folder_);
+    create();
+    EXPECT_EQ(own(kFile), "<a>\n</a>\n");
+    EXPECT_EQ(records.text(),
+              "ZYPRA0103E: Error while copying platform.xml to user specific platform.xml file. (" +
+                  folder_.narrow("base/config/user/platform.xml") +
+                  ", line 2) : a value filled in is no text of this locale\n");
+}
+
 TEST_F(PlatformXml, EveryOtherUpdatePolicyIsAManagedOne) {
     writeCore("platform.xml", "core");
     for (const wchar_t* policy : {L"False", L"FALSE", L"false ", L"", L"true"}) {
@@ -164,7 +176,8 @@ TEST_F(PlatformXml, DirectoryMadeNowIsAFirstLaunchEvenWithoutAFile) {
     EXPECT_TRUE(create());
     EXPECT_TRUE(userFirstLaunch);
     EXPECT_EQ(records.text(), "ZYPRA0104E: Unable to open platform.xml.\"" +
-                                  folder_.narrow("base/platform.xml") + "\"\n");
+                                  folder_.narrow("base/platform.xml") +
+                                  "\" : No such file or directory\n");
     EXPECT_FALSE(hasOwn(kFile));
 }
 
@@ -179,7 +192,8 @@ TEST_F(PlatformXml, FileThatCannotBeOpenedForWritingIsReported) {
     const Records records(folder_);
     EXPECT_TRUE(create());
     EXPECT_EQ(records.text(), "ZYPRA0139E: Unable to open platform.xml for writing.\"" +
-                                  folder_.narrow(std::string("ws/.config/") + kFile) + "\"\n");
+                                  folder_.narrow(std::string("ws/.config/") + kFile) +
+                                  "\" : Is a directory\n");
     EXPECT_FALSE(hasOwn(kFile));
 }
 
@@ -191,7 +205,7 @@ TEST_F(PlatformXml, FullDiskIsReportedAndLeavesNoFile) {
         const bool isReported =
             create() && records.has(
                             "ZYPRA0103E: Error while copying platform.xml to user specific "
-                            "platform.xml file.\n");
+                            "platform.xml file. : File too large\n");
         _exit(isReported ? 0 : 1);
     };
     EXPECT_EXIT(createLimited(), testing::ExitedWithCode(0), "");

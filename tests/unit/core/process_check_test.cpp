@@ -2,6 +2,7 @@
 
 #include "launcher/core/launch_state.h"
 #include "platform/environment.h"
+#include "platform/install_location.h"
 #include "tests/unit/core/child_process.h"
 #include "tests/unit/fixture.h"
 
@@ -12,8 +13,7 @@ namespace {
 
 using test::ChildProcess;
 
-constexpr char kListing[] =
-    "  4711 ?        Sl     0:03 /opt/Velmo/com.ovr.rcp.base_1/macosx/x86/eclipse -data /ws\n";
+constexpr char kListing[] = "/opt/Velmo/com.ovr.rcp.base_1/macosx/x86/eclipse -data /ws\n";
 
 TEST(Listing, InProcessNeedsTheNameOnly) {
     EXPECT_TRUE(listingShowsPlatform(kListing, "Velmo", false));
@@ -80,6 +80,10 @@ TEST(Listing, ShellCharactersInANameMeanNothing) {
 // A running process whose command line is `name` and a number.
 class PlatformProcess : public test::LauncherTest {
   protected:
+    // Until it has become the program, a child runs this one.
+    PlatformProcess() { setLauncherExecutable("/no/such/launcher"); }
+    ~PlatformProcess() override { setLauncherExecutable({}); }
+
     static ChildProcess start(const std::string& name) { return {"/bin/sleep", name, "1000"}; }
     // The child's listing changes when it becomes the program.
     static bool becomes(const ChildProcess& child, const std::wstring& name) {
@@ -108,6 +112,24 @@ TEST_F(PlatformProcess, ExecutedOneNeedsTheBaseToo) {
     ASSERT_TRUE(becomes(other, L"eclipse"));
     invokeDylib = false;
     EXPECT_FALSE(isPlatformProcess(other.pid(), L"eclipse"));
+}
+
+TEST_F(PlatformProcess, ExecutableOfTheLauncherOrThePlatformIsEnough) {
+    setLauncherExecutable({});
+    const ChildProcess inProcess([] { return pause(); });
+    EXPECT_TRUE(isPlatformProcess(inProcess.pid(), L"nobody's name"));
+    setLauncherExecutable("/no/such/launcher");
+    EXPECT_FALSE(isPlatformProcess(inProcess.pid(), L"nobody's name"));
+    std::filesystem::copy_file("/bin/sleep", folder_.path() / "eclipse");
+    std::filesystem::create_symlink(folder_.path() / "eclipse", folder_.path() / "link");
+    platformExecutable = folder_.wide("link");
+    const ChildProcess executed(folder_.narrow("eclipse"), "no name", "1000");
+    EXPECT_TRUE(becomes(executed, L"nobody's name"));
+    platformExecutable = folder_.wide("another");
+    EXPECT_FALSE(isPlatformProcess(executed.pid(), L"nobody's name"));
+    platformExecutable = folder_.wide("eclipse");
+    std::filesystem::remove(folder_.path() / "eclipse");
+    EXPECT_TRUE(isPlatformProcess(executed.pid(), L"nobody's name")) << "replaced by an upgrade";
 }
 
 TEST_F(PlatformProcess, DeadProcessIsNot) {
@@ -140,6 +162,28 @@ TEST_F(PlatformProcess, NameOutsideAsciiIsFoundWhateverLocaleTheEnvironmentAsksF
     setenv("LC_ALL", "C", 1);
     EXPECT_TRUE(becomes(child, L"V\u00e9lmo"));
     unsetenv("LC_ALL");
+}
+
+// "UTF-8" is a locale of macOS for characters alone: in LC_ALL it is none, and every letter outside
+// ASCII of the listing would be escaped.
+TEST_F(PlatformProcess, ListingIsAskedForInAFormOfBothSystems) {
+    folder_.write("ps", "#!/bin/sh\necho \"${LC_ALL-no} $LC_CTYPE $*\" >asked\n");
+    std::filesystem::permissions(folder_.path() / "ps", std::filesystem::perms::owner_all);
+    const ChildProcess child = start("/opt/Velmo");
+    const std::string before = getenv("PATH");
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.path());
+    setenv("PATH", folder_.narrow().c_str(), 1);
+    setenv("LC_ALL", "C", 1);
+    setenv("LC_CTYPE", "C", 1);
+    isPlatformProcess(child.pid(), L"Velmo");
+    unsetenv("LC_CTYPE");
+    unsetenv("LC_ALL");
+    setenv("PATH", before.c_str(), 1);
+    std::filesystem::current_path(here);
+    EXPECT_EQ(folder_.read("asked"), std::string("no ") + setlocale(LC_CTYPE, nullptr) +
+                                         " -ww -o command= -p " + std::to_string(child.pid()) +
+                                         "\n");
 }
 
 TEST_F(PlatformProcess, ChildSignalThatIsIgnoredChangesNothing) {

@@ -142,6 +142,11 @@ TEST_F(PropertyFile, EntryThatIsPendingAtTheEndIsLost) {
     EXPECT_EQ(read("a=1\nb=2\\\n# comment\n\n"), (Pairs{{L"a", L"1"}}));
 }
 
+TEST_F(PropertyFile, ContinuationOfNothingButPairsOfBackslashesEndsTheEntry) {
+    EXPECT_EQ(read("a=b\\\n\\\\\nc=d\n"), (Pairs{{L"a", L"b\\"}, {L"c", L"d"}}));
+    EXPECT_EQ(read("a=b\\\n\\\\\\\\\nc=d\n"), (Pairs{{L"a", L"b\\\\"}, {L"c", L"d"}}));
+}
+
 TEST_F(PropertyFile, BackslashInFrontOfACarriageReturnDoesNotContinue) {
     EXPECT_EQ(read("a=b\\\r\nc=d\n"), (Pairs{{L"a", L"b"}, {L"c", L"d"}}));
 }
@@ -271,6 +276,17 @@ TEST_F(PropertyFile, FileThatNeedNotBeThereMayBeMissingButNotBeNoFile) {
     EXPECT_TRUE(getPropertiesIfThere(folder_.wide("there"), list));
     EXPECT_EQ(*findProperty(L"key", list), L"value");
 }
+
+#ifdef __linux__
+TEST_F(PropertyFile, ReadThatFailsEndsTheProcess) {
+    // The process's memory is an ordinary file that opens and has nothing at its beginning.
+    PropertyList list;
+    EXPECT_FATAL(getProperties(L"/proc/self/mem", list),
+                 "ZYPRA0096E: Unable to load /proc/self/mem file! : Input/output error\n");
+    EXPECT_FATAL(getPropertiesIfThere(L"/proc/self/mem", list),
+                 "ZYPRA0096E: Unable to load /proc/self/mem file! : Input/output error\n");
+}
+#endif
 
 TEST_F(PropertyFile, FileLongerThanOneReadIsReadToItsEnd) {
     std::string text;

@@ -57,6 +57,12 @@ TEST(FilterValue, UnicodeEscapeIsOneCharacter) {
     EXPECT_EQ(filtered(L"\\u00410"), L"A0") << "four digits, not five";
 }
 
+TEST(FilterValue, TwoEscapesOfACharacterBeyondSixteenBitsAreThatCharacter) {
+    EXPECT_EQ(filtered(L"a\\ud83d\\ude00b"), (std::wstring{L'a', wchar_t{0x1F600}, L'b'}));
+    EXPECT_EQ(filtered(L"\\ud83dx\\ude00"), (std::wstring{wchar_t{0xD83D}, L'x', wchar_t{0xDE00}}));
+    EXPECT_EQ(filtered(L"\\ude00\\ud83d"), (std::wstring{wchar_t{0xDE00}, wchar_t{0xD83D}}));
+}
+
 TEST(FilterValue, EscapedBackslashIsNotReadAgain) {
     EXPECT_EQ(filtered(L"\\u005cn"), L"\\n");
 }

@@ -2,7 +2,9 @@
 
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
+#include "platform/text.h"
 #include "tests/unit/core/lock_fixture.h"
+#include "tests/unit/held_directory.h"
 
 namespace rcp {
 namespace {
@@ -213,6 +215,7 @@ TEST_F(Provisioning, SharedClassesThatAreNotThereStayAbsent) {
 }
 
 TEST_F(Provisioning, CommandIsLoggedAndReplacesTheProcess) {
+    locate();
     const Records records(folder_);
     launchArgs = {L"/bin/sh", L"-c", L"exit 9"};
     ChildProcess launcher([&] {
@@ -298,47 +301,71 @@ TEST_F(SharedClasses, PropertyOfTheLaunchersOwnListDoesNotCount) {
 }
 
 TEST_F(SharedClasses, WhatCannotBeRemovedIsFatalWithTheList) {
-    const std::string link = folder_.narrow("shared/link");
-    std::filesystem::create_directory_symlink(folder_.path(), link);  // is not entered
+    NEED_HELD_DIRECTORY();
+    const test::HeldDirectory held(folder_.path() / "shared/held");
     setDirectory(folder_.wide("shared"));
     EXPECT_FATAL(emptySharedClassesOnNewLevel(inputs_),
                  "\nZYPRA0086I begin: Information collected while removing shared classes "
-                 "directory\n(.*\n)*.*link.*\n(.*\n)*"
-                 "ZYPRA0087I end: Unable to remove all files in the shared classes directory\\.");
+                 "directory\n(.*\n)*.*held.*\n(.*\n)*"
+                 "ZYPRA0087I end: Unable to remove all files in the shared classes directory\\.\n");
+}
+
+TEST_F(SharedClasses, LinkAmongThemIsRemovedAndItsTargetStays) {
+    std::filesystem::create_directory_symlink(folder_.path(), folder_.path() / "shared/link");
+    setDirectory(folder_.wide("shared/"));
+    emptySharedClassesOnNewLevel(inputs_);
+    EXPECT_TRUE(isEmptied());
     EXPECT_TRUE(folder_.has("custom.ini"));
 }
 
-TEST_F(SharedClasses, DirectoryThatHoldsTheUsersAreaOrTheInstallationIsLeftAlone) {
-    folder_.write("shared/workspace/.config/keep", "x");
-    folder_.write("shared/install/keep", "x");
-    const Records records(folder_);
+TEST_F(SharedClasses, DirectoryThatMayHoldMoreIsLeftAloneWithOneRecord) {
+    std::filesystem::create_directory_symlink(folder_.path() / "shared", folder_.path() / "link");
     const std::wstring shared = folder_.wide("shared");
-    const char* before = getenv("HOME");
-    const std::string home = before == nullptr ? "" : before;
-    struct Area {
-        std::wstring LaunchInputs::*member;
-        std::wstring path;
+    const std::wstring link = folder_.wide("link");
+    struct Case {
+        std::wstring LaunchInputs::*area;
+        std::wstring directory;
+        std::wstring reason;
     };
-    for (const Area& area : {Area{&LaunchInputs::workspace, shared + L"/workspace"},
-                             Area{&LaunchInputs::configuration, shared + L"/workspace/.config"},
-                             Area{&LaunchInputs::installDir, shared + L"/install"}}) {
-        setenv("HOME", folder_.narrow("base").c_str(), 1);
+    for (const Case& each :
+         {Case{&LaunchInputs::workspace, shared, shared + L" is the workspace"},
+          Case{&LaunchInputs::configuration, shared + L"//",
+               shared + L" is the configuration area"},
+          Case{&LaunchInputs::installDir, shared + L"/.", shared + L" is the installation"},
+          Case{nullptr, link, link + L" is a symbolic link"},
+          Case{nullptr, link + L"/", link + L" is a symbolic link"},
+          Case{nullptr, link + L"/.//", link + L" is a symbolic link"},
+          Case{nullptr, L"shared", L"shared is no absolute path"}}) {
         LaunchInputs inputs;
         inputs.properties = inputs_.properties;
-        inputs.*area.member = area.path;
-        for (const std::wstring& path : {shared, shared + L"/", area.path}) {
-            inputs.userProperties = PropertyList();
-            inputs.userProperties.append({L"jvm.shareclasses.fullpath", path, {}});
-            emptySharedClassesOnNewLevel(inputs);
+        if (each.area != nullptr) {
+            inputs.*each.area = shared;
         }
+        inputs.userProperties.append({L"jvm.shareclasses.fullpath", each.directory, {}});
+        const Records records(folder_);
+        emptySharedClassesOnNewLevel(inputs);
+        EXPECT_EQ(records.text(), "Error: jvm.shareclasses.fullpath is not emptied: " +
+                                      toNarrow(each.reason) + ".\n");
+        EXPECT_TRUE(folder_.has("shared/cache"));
     }
-    setenv("HOME", folder_.narrow("shared/install").c_str(), 1);
-    setDirectory(shared);
-    emptySharedClassesOnNewLevel(inputs_);
-    home.empty() ? unsetenv("HOME") : setenv("HOME", home.c_str(), 1);
-    EXPECT_TRUE(folder_.has("shared/workspace/.config/keep"));
-    EXPECT_TRUE(folder_.has("shared/install/keep"));
-    EXPECT_TRUE(records.has("is no directory of shared classes alone"));
+}
+
+// In a process of its own, whose current directory it is.
+TEST_F(SharedClasses, CurrentDirectoryIsLeftAlone) {
+    for (const wchar_t* path : {L".", L"./", L"deep/.."}) {
+        setDirectory(path);
+        ChildProcess launcher([this] {
+            if (chdir(folder_.narrow("shared").c_str()) != 0) {
+                return 2;
+            }
+            emptySharedClassesOnNewLevel(inputs_);
+            return 0;
+        });
+        EXPECT_EQ(launcher.wait(), 0);
+        EXPECT_TRUE(folder_.has("shared/cache"));
+        inputs_.userProperties = PropertyList();
+        setUserLevel(L"1");
+    }
 }
 
 // Behind a root of its own: should it ever be emptied, only the test's folder is.
@@ -357,14 +384,6 @@ TEST_F(SharedClasses, RootDirectoryIsLeftAlone) {
         return 0;
     });
     EXPECT_EQ(launcher.wait(), 0);
-    EXPECT_TRUE(folder_.has("shared/cache"));
-}
-
-TEST_F(SharedClasses, LinkToTheWorkspaceIsLeftAloneToo) {
-    std::filesystem::create_directory_symlink(folder_.path(), folder_.path() / "shared/link");
-    inputs_.workspace = folder_.wide();
-    setDirectory(folder_.wide("shared/link"));
-    emptySharedClassesOnNewLevel(inputs_);
     EXPECT_TRUE(folder_.has("shared/cache"));
 }
 

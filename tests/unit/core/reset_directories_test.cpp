@@ -47,6 +47,12 @@ TEST_F(ResetDirectories, MayLieDeeper) {
     EXPECT_FALSE(hasPlugin("org.kept/d"));
 }
 
+TEST_F(ResetDirectories, MayHaveANameOfOneCharacter) {
+    addPlugin("x");
+    resetWith("resetDir.1=x\n");
+    EXPECT_FALSE(hasPlugin("x"));
+}
+
 TEST_F(ResetDirectories, ThatDoNotExistAreSkippedSilently) {
     const Records records(folder_);
     resetWith("resetDir.1=org.none\nresetDir.2=org.a\n");
@@ -84,6 +90,7 @@ TEST_F(ResetDirectories, OutsideThePluginsAreRefused) {
     folder_.write("ws/.metadata/other/f", "kept");
     folder_.write("outside/f", "kept");
     expectRefused("../other", "../other");
+    expectRefused("../x", "../x");  // refused for its name, whether it is there or not
     expectRefused("org.a/../../other", "org.a/../../other");
     expectRefused("..", "..");
     expectRefused("\\\\..\\\\other", "\\..\\other");
@@ -108,11 +115,22 @@ TEST_F(ResetDirectories, BehindALinkAreRefused) {
     EXPECT_TRUE(folder_.has("outside/d/f"));
 }
 
+TEST_F(ResetDirectories, AreNoLinksToOtherPlugins) {
+    std::filesystem::create_directory_symlink("org.kept",
+                                              folder_.path() / "ws/.metadata/.plugins/link");
+    for (const char* value :
+         {"link", "link/", "link//", "link/.", "./link/./", "link/d", "link/d/"}) {
+        expectRefused(value, value);
+    }
+}
+
 TEST_F(ResetDirectories, AreNeverLeftThroughALinkInThem) {
     folder_.write("outside/f", "kept");
-    std::filesystem::create_directory_symlink(folder_.path() / "outside",
-                                              folder_.path() / "ws/.metadata/.plugins/org.a/link");
-    EXPECT_FATAL(resetWith("resetDir.1=org.a\n"), "ZYPRA0108E end");
+    const auto plugin = folder_.path() / "ws/.metadata/.plugins/org.a";
+    std::filesystem::create_directory_symlink(folder_.path() / "outside", plugin / "link");
+    std::filesystem::create_symlink("nowhere", plugin / "dangling");
+    resetWith("resetDir.1=org.a\n");
+    EXPECT_FALSE(hasPlugin("org.a"));
     EXPECT_TRUE(folder_.has("outside/f"));
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "tests/unit/core/user_area_fixture.h"
+#include "tests/unit/held_directory.h"
 
 #include <algorithm>
 
@@ -137,38 +138,52 @@ TEST_F(Reset, RemovalsThatDidNotFinishAreFinishedByTheNextReset) {
 }
 
 TEST_F(Reset, SmallestFreeNumberIsChosenForTheRemoval) {
+    NEED_HELD_DIRECTORY();
     writeArea();
-    folder_.write("ws/.configbak/link's target/f", "");
-    // A link below a directory that is to be removed stays, and the directory with it.
-    const auto bak = folder_.path() / "ws/.configbak";
-    std::filesystem::create_directory_symlink(folder_.path() / "base", bak / "link");
+    const HeldDirectory held(folder_.path() / "ws/.configbak/held");
     folder_.write("ws/.configbakdeleteme0001/f", "");
     reset();
     EXPECT_FALSE(workspaceHas(".configbakdeleteme0001"));
-    EXPECT_TRUE(workspaceHas(".configbakdeleteme0002/link"));
-    EXPECT_TRUE(folder_.has("base"));
+    EXPECT_TRUE(workspaceHas(".configbakdeleteme0002/held"));
 }
 
 TEST_F(Reset, RemovalsThatNeverFinishStopNoLaterReset) {
+    NEED_HELD_DIRECTORY();
+    std::vector<std::unique_ptr<HeldDirectory>> held;
     for (int i = 0; i < 8; ++i) {
         writeArea();
-        std::filesystem::create_symlink("nowhere", folder_.path() / "ws/.config/dangling");
+        held.push_back(std::make_unique<HeldDirectory>(folder_.path() / "ws/.config/held"));
         reset();
     }
     EXPECT_EQ(own("org.eclipse.update/registry"), "r");
-    EXPECT_TRUE(workspaceHas(".configbak/dangling"));
+    EXPECT_TRUE(workspaceHas(".configbak/held"));
+}
+
+TEST_F(Reset, LinkInTheConfigurationSetAsideGoesWithItAndNothingIsLeft) {
+    folder_.write("base/f", "kept");
+    for (int i = 0; i < 3; ++i) {
+        writeArea();
+        std::filesystem::create_symlink("nowhere", folder_.path() / "ws/.config/dangling");
+        std::filesystem::create_directory_symlink(folder_.path() / "base",
+                                                  folder_.path() / "ws/.config/link");
+        reset();
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.path() / "ws")) {
+        EXPECT_EQ(entry.path().string().find("deleteme"), std::string::npos) << entry.path();
+    }
+    EXPECT_EQ(folder_.read("base/f"), "kept");
 }
 
 TEST_F(Reset, RemovalThatFailsIsTracedAndTheResetGoesOn) {
+    NEED_HELD_DIRECTORY();
     writeArea();
     folder_.write("ws/.configbak/f", "");
-    std::filesystem::create_directory_symlink(folder_.path() / "base",
-                                              folder_.path() / "ws/.configbak/link");
+    const HeldDirectory held(folder_.path() / "ws/.configbak/held");
     const Records records(folder_);
     setDebug(true);
     reset();
     setDebug(false);
-    EXPECT_TRUE(records.has("Can't delete dir " + folder_.narrow("ws/.configbakdeleteme0001/link") +
+    EXPECT_TRUE(records.has("Can't delete dir " + folder_.narrow("ws/.configbakdeleteme0001/held") +
                             "  - "))
         << records.text();
     EXPECT_EQ(own("org.eclipse.update/registry"), "r");
@@ -193,10 +208,10 @@ TEST_F(Reset, UpdateDirectoryThatCannotBeMadeIsFatalUnderTwoNumbers) {
         deep += L"/" + std::wstring(std::min<std::size_t>(200, 4089 - deep.size()), L'd');
     }
     folder_.write("base/rcpinstall.properties", "");
-    ASSERT_TRUE(ensureDirectory(deep));
+    ensureDirectory(deep, "no %ls");
     EXPECT_FATAL(createReusableWorkspace(workspace(), deep), "ZYPRA0044E: Unable to create /.*d/");
     std::filesystem::remove_all(deep + L"bak");
-    ASSERT_TRUE(ensureDirectory(deep));
+    ensureDirectory(deep, "no %ls");
     EXPECT_FATAL(resetWorkspace(workspace(), deep, base()), "ZYPRA0045E: Unable to create /.*d/");
 }
 

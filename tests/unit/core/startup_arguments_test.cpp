@@ -1,5 +1,6 @@
 #include "launcher/core/startup_arguments.h"
 
+#include "launcher/core/java_properties.h"
 #include "tests/unit/core/user_area_fixture.h"
 
 #include <stdlib.h>
@@ -57,6 +58,15 @@ TEST_F(StartupArguments, OptionsInOtherCaseAreArguments) {
 
 TEST_F(StartupArguments, OldProcessIdAtTheEndHasNoValueToLeaveOut) {
     EXPECT_EQ(record({L"-a", L"-rcp_old_pid"}), "arg1=-a\nargc=2\n");
+}
+
+TEST_F(StartupArguments, EndOfTheOptionsIsNoOldProcessId) {
+    EXPECT_EQ(record({L"-rcp_old_pid", L"-vmargs", L"-Da"}), "arg1=-vmargs\narg2=-Da\nargc=3\n");
+}
+
+// Recorded, it would have the launcher's own "-vm" for its value after a restart.
+TEST_F(StartupArguments, OptionThatStandsLastIsLeftOutInFrontOfTheAppendedJvm) {
+    EXPECT_EQ(record({L"-a", L"-data", L"-vm", L"/j"}), "arg1=-a\narg2=-vm\narg3=/j\nargc=4\n");
 }
 
 TEST_F(StartupArguments, ProgramAloneIsOneArgument) {
@@ -136,11 +146,19 @@ TEST_F(StartupArguments, MissingConfigurationDirectoryIsFatal) {
                  "ZYPRA0097E: Could not open .*/none/args.properties for writing! : No such file");
 }
 
+TEST_F(StartupArguments, DirectoryOfThatNameIsFatal) {
+    std::filesystem::create_directory(folder_.path() / "ws/.config/args.properties");
+    EXPECT_FATAL(write({L"x"}), "ZYPRA0097E: Could not open " +
+                                    folder_.narrow("ws/.config/args.properties") +
+                                    " for writing! : Is a directory");
+    EXPECT_FALSE(hasTemporaryName());
+}
+
 TEST_F(StartupArguments, WorkspaceThatCannotBeResolvedIsFatalAndLeavesTheOlderFile) {
     folder_.write("ws/.config/args.properties", "older\n");
     EXPECT_FATAL(write({L"x", L"-data", L"/a/${env.NO_SUCH_VARIABLE}"}),
                  "ZYPRA0088E: property substitution is invalid "
-                 "\\(/a/\\$\\{env.NO_SUCH_VARIABLE\\}\\)");
+                 "\\(/a/\\$\\{env.NO_SUCH_VARIABLE\\}\\) \\(-data\\)\n");
     EXPECT_EQ(written(), "older\n");
     EXPECT_FALSE(hasTemporaryName());
 }
@@ -156,8 +174,12 @@ TEST_F(StartupArguments, FullDiskNamesTheLineThatFailed) {
     };
     const std::string file = "Error writing to .*/args.properties file. : File too large";
     EXPECT_FATAL(writeLimited(kBuffered), "ZYPRA0020E: " + file);
-    // "arg0=/r/exe\n", "arg1=" and "\n" stand around the argument; "argc=2\n" fills the buffer.
-    EXPECT_FATAL(writeLimited(kBuffered - 12 - 6 - 4), "ZYPRA0116E: " + file);
+    // "arg0=/r/exe\n" and the argument's lines leave less than "argc=2\n" needs.
+    std::size_t length = kBuffered;
+    while (propertyLines("arg1", std::string(length, 'a')).size() + 12 + 4 > kBuffered) {
+        --length;
+    }
+    EXPECT_FATAL(writeLimited(length), "ZYPRA0116E: " + file);
     EXPECT_FATAL(writeLimited(40'000), "ZYPRA0117E: " + file);
     EXPECT_EQ(written(), "older\n");
     EXPECT_FALSE(hasTemporaryName());

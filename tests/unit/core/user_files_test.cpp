@@ -184,8 +184,9 @@ TEST_F(UserFilesTest, EntryOfTheMasterCopyStandsInFrontOfTheLaunchersValue) {
 
 // --- The block ---
 
-std::wstring blockOf(const PropertyList& properties) {
-    return userFileBlock(properties).value_or(L"(none)");
+std::string blockOf(const PropertyList& properties) {
+    const auto block = userFileBlock(properties);
+    return block ? block->lines : "(none)";
 }
 
 TEST_F(UserFilesTest, BlockHasItsLinesInOrder) {
@@ -196,8 +197,8 @@ TEST_F(UserFilesTest, BlockHasItsLinesInOrder) {
                                      {L"jvm.location", L"/j"},
                                      {L"rcp.install.id", L"x"}});
     EXPECT_EQ(blockOf(all),
-              L"rcp.install.id=x\nvm=/j\nrcp.base.location=/b\ninstall.configuration=lockdown\n"
-              L"com.ovr.rcp.core.locale=de\ncom.ovr.rcp.core.bidi=on\n");
+              "rcp.install.id=x\nvm=/j\nrcp.base.location=/b\ninstall.configuration=lockdown\n"
+              "com.ovr.rcp.core.locale=de\ncom.ovr.rcp.core.bidi=on\n");
 }
 
 TEST_F(UserFilesTest, PathsOfTheBlockHaveSlashesAndAreEscaped) {
@@ -207,9 +208,19 @@ TEST_F(UserFilesTest, PathsOfTheBlockHaveSlashesAndAreEscaped) {
                                        {L"com.ovr.rcp.core.locale", L"a\\b:é"},
                                        {L"com.ovr.rcp.core.bidi", L"c\\d=é"}});
     EXPECT_EQ(blockOf(paths),
-              L"rcp.install.id=i\\:é\nvm=C\\:/jre \\u00e9\nrcp.base.location=/b\\=c d\n"
-              L"install.configuration=user\ncom.ovr.rcp.core.locale=a\\b:é\n"
-              L"com.ovr.rcp.core.bidi=c\\d=é\n");
+              "rcp.install.id=i\\:é\nvm=C\\:/jre \\u00e9\nrcp.base.location=/b\\=c d\n"
+              "install.configuration=user\ncom.ovr.rcp.core.locale=a\\b:é\n"
+              "com.ovr.rcp.core.bidi=c\\d=é\n");
+}
+
+TEST_F(UserFilesTest, ValueThatIsNoTextOfTheLocaleCostsItsLineAndIsReported) {
+    properties.append({L"com.ovr.rcp.core.locale", {wchar_t{0xD800}}, {}});
+    properties.append({L"com.ovr.rcp.core.bidi", L"on", {}});
+    const Records records(folder_);
+    EXPECT_EQ(makeFrom("a=1\n"), "a=1\n" + block() + "com.ovr.rcp.core.bidi=on\n");
+    EXPECT_EQ(records.text(),
+              "ZYPRA0015E: Unable to append values to user specific rcpinstall.properties file. "
+              "(com.ovr.rcp.core.locale) : its value is no text of this locale\n");
 }
 
 TEST_F(UserFilesTest, EmptyJvmLocationGivesNoLine) {
@@ -223,14 +234,13 @@ TEST_F(UserFilesTest, EmptyValuesOfOtherLinesAreWritten) {
                                        {L"install.configuration", L""},
                                        {L"com.ovr.rcp.core.locale", L""}});
     EXPECT_EQ(blockOf(empty),
-              L"rcp.install.id=\nrcp.base.location=\ninstall.configuration=\n"
-              L"com.ovr.rcp.core.locale=\n");
+              "rcp.install.id=\nrcp.base.location=\ninstall.configuration=\n"
+              "com.ovr.rcp.core.locale=\n");
 }
 
 TEST_F(UserFilesTest, MissingInstallConfigurationIsThatOfAUser) {
     const PropertyList two = listOf({{L"rcp.install.id", L"x"}, {L"rcp.base.location", L"/b"}});
-    EXPECT_EQ(blockOf(two),
-              L"rcp.install.id=x\nrcp.base.location=/b\ninstall.configuration=user\n");
+    EXPECT_EQ(blockOf(two), "rcp.install.id=x\nrcp.base.location=/b\ninstall.configuration=user\n");
 }
 
 TEST_F(UserFilesTest, MissingRequiredValueIsFatalAndLeavesNoFile) {
@@ -258,7 +268,7 @@ TEST_F(UserFilesTest, MissingCopyIsReportedAndLeavesTheFile) {
               -1);
     EXPECT_TRUE(
         records.has("ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
-                    "rcpinstall.properties files.\n"));
+                    "rcpinstall.properties files. : No such file or directory\n"));
     EXPECT_EQ(folder_.read("target"), "older");
     EXPECT_FALSE(hasTemporaryName());
 }
@@ -292,10 +302,10 @@ TEST_F(UserFilesTest, FullDiskIsReportedAndLeavesNoFile) {
             fixUserRCPInstallProperties(folder_.wide("copy"), folder_.wide("target"), properties);
         const bool both = records.has(
                               "ZYPRA0001E: Error while copying base rcpinstall.properties to user "
-                              "specific rcpinstall.properties file.\n") &&
+                              "specific rcpinstall.properties file. : File too large\n") &&
                           records.has(
                               "ZYPRA0015E: Unable to append values to user specific "
-                              "rcpinstall.properties file.\n");
+                              "rcpinstall.properties file. : File too large\n");
         _exit(result == -1 && both ? 0 : 1);
     };
     EXPECT_EXIT(fixLimited(), testing::ExitedWithCode(0), "");

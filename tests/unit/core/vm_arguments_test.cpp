@@ -220,6 +220,15 @@ TEST(Duplicates, SecondPairAtTheEndMayLackItsValue) {
     EXPECT_EQ(arguments, (Arguments{L"-o", L"1"}));
 }
 
+TEST(Duplicates, EndOfTheOptionsAndTheAppendedJvmAreNoValueOfARemovedPair) {
+    Arguments arguments{L"-nl", L"de", L"-nl", L"-vmargs", L"-Dx=y"};
+    removeDuplicatePairs(arguments, L"-nl");
+    EXPECT_EQ(arguments, (Arguments{L"-nl", L"de", L"-vmargs", L"-Dx=y"}));
+    arguments = {L"-nl", L"de", L"-nl", L"-vm", L"/j"};
+    removeDuplicatePairs(arguments, L"-nl");
+    EXPECT_EQ(arguments, (Arguments{L"-nl", L"de", L"-vm", L"/j"}));
+}
+
 TEST(Duplicates, NothingRepeatedIsRemoved) {
     Arguments arguments = {L"-o", L"-p"};
     removeDuplicateSingles(arguments, L"-o");

@@ -41,6 +41,7 @@ class VmPiece : public test::LauncherTest {
         inputs.arguments = options;
         inputs.arguments.insert(inputs.arguments.begin(), L"rcplauncher");
         inputs.properties = propertyList(properties);
+        inputs.installDir = L"/opt/i";
         launchArgs = {L"first"};
         return addVmToCommandLine(inputs);
     }
@@ -54,6 +55,11 @@ TEST_F(VmPiece, NamesTheJvmOfTheCommandLine) {
 TEST_F(VmPiece, NamesTheJvmOfTheProperty) {
     EXPECT_FALSE(add({}, {{L"vm", L"/p/java"}, {L"vm", L"/q/java"}}));
     EXPECT_EQ(launchArgs, (Arguments{L"first", L"-vm", L"/p/java"}));
+}
+
+TEST_F(VmPiece, FirstRcpHomeOfThePropertyIsReplacedInWhatIsHandedOver) {
+    add({}, {{L"vm", L"${rcp.home}/jre/bin/java"}});
+    EXPECT_EQ(launchArgs, (Arguments{L"first", L"-vm", L"/opt/i/jre/bin/java"}));
 }
 
 TEST_F(VmPiece, IsMissingForTheExternalJvm) {

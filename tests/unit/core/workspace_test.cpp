@@ -144,6 +144,25 @@ TEST_F(Workspace, EmptyPropertyIsFatal) {
                  HasSubstr("ZYPRA0099E: rcp.data property is invalid ()"));
 }
 
+// Only the decision: nothing is made or looked for below "/".
+TEST_F(Workspace, RootDirectoryIsFatalHoweverItIsNamed) {
+    for (const wchar_t* root : {L"/", L"\\", L"//", L"/.", L"/..", L"/./", L"/../..",
+                                L"/missing/..", L"/missing\\..\\"}) {
+        const std::string record =
+            "ZYPRA0099E: rcp.data property is invalid (" + toNarrow(root) + ")";
+        EXPECT_FATAL(fromArgument(root), HasSubstr(record));
+        EXPECT_FATAL(fromProperty(root), HasSubstr(record));
+    }
+    EXPECT_FATAL(fromArgument(L"${prop.e}/", {{L"e", L"/."}}),
+                 HasSubstr("ZYPRA0099E: rcp.data property is invalid (${prop.e}/)"));
+    EXPECT_FATAL(of({}, {{L"rcp.data", L"${rcp.home}/.."}}, L"/home"),
+                 HasSubstr("ZYPRA0099E: rcp.data property is invalid (${rcp.home}/..)"));
+    std::filesystem::create_directory_symlink("/", folder_.path() / "link");
+    EXPECT_FATAL(fromArgument(folder_.wide("link")), HasSubstr("ZYPRA0099E"));
+    EXPECT_EQ(fromArgument(L"/.ws"), L"+/.ws");
+    EXPECT_EQ(fromProperty(L"/a/../.ws"), L"+/a/../.ws");
+}
+
 TEST_F(Workspace, DefaultIsBelowTheHomeDirectory) {
     const Pairs properties = {{L"rcp.install.id", L"abc123"}};
     EXPECT_EQ(of({}, properties), L"-/Users/ann/OVR/RCP/abc123/ann");

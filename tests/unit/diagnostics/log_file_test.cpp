@@ -3,6 +3,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
 #include "tests/unit/probe.h"
 
@@ -10,11 +11,14 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <stdio.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace rcp {
 namespace {
@@ -44,11 +48,11 @@ const Probe kQueueThenLog("queue then log", [](const std::vector<std::string>& a
     SvcDebugOutA("ZYPRA0000I: traced");
     setDebug(false);
     SvcDebugOutA("ZYPRA0000I: not traced");
-    report("ZYPRA0000E: error");
+    report(noReason(), "ZYPRA0000E: error");
     const std::string queued = logQueue();
     const bool wasOpen = logIsOpen();
     const bool opened = enableLogging(toWide(arguments.at(0)));
-    report("ZYPRA0000E: behind");
+    report(noReason(), "ZYPRA0000E: behind");
     printf("%s|%d|%d|%d|%s", queued.c_str(), wasOpen, opened, logIsOpen(), logQueue().c_str());
     return 0;
 });
@@ -80,7 +84,7 @@ TEST_F(LogFile, ExistingFileIsEmptied) {
 
 TEST_F(LogFile, RecordReachesTheFileAtOnce) {
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report("ZYPRA0000E: error");
+    report(noReason(), "ZYPRA0000E: error");
     EXPECT_TRUE(log().ends_with("\nZYPRA0000E: error\n")) << log();
 }
 
@@ -92,9 +96,9 @@ TEST_F(LogFile, BackslashesInTheFolderAreSlashes) {
 
 TEST_F(LogFile, SecondLauncherThatEmptiesTheFileLeavesNoHole) {
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report(std::string(500, 'x'));
+    report(noReason(), std::string(500, 'x'));
     ASSERT_EQ(truncate(folder_.narrow("rcplauncher.log").c_str(), 0), 0);
-    report("ZYPRA0000E: behind");
+    report(noReason(), "ZYPRA0000E: behind");
     EXPECT_EQ(log(), "ZYPRA0000E: behind\n");
 }
 
@@ -131,9 +135,9 @@ TEST_F(LogFile, TracedRunHasALogOfItsOwnNamedByItsTime) {
 TEST_F(LogFile, TracedRunsNeverShareALog) {
     setDebug(true);
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report("first");
+    report(noReason(), "first");
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report("second");
+    report(noReason(), "second");
     ASSERT_EQ(names().size(), 2U);
     for (const std::string& name : names()) {
         const std::string text = folder_.read(name);
@@ -146,9 +150,12 @@ TEST_F(LogFile, TracedRunsNeverShareALog) {
 
 const Probe kFatal("fatal", [](const std::vector<std::string>& arguments) {
     setDebug(arguments.at(0) == "traced");
-    report("ZYPRA0000E: queued");
-    errno = ENOENT;
-    fatal("ZYPRA0096E: Unable to load %ls file!", L"/x");
+    std::optional<ForcedTracing> forced;
+    if (arguments.at(0) == "forced") {
+        forced.emplace();
+    }
+    report(noReason(), "ZYPRA0000E: queued");
+    fatal(because(ENOENT), "ZYPRA0096E: Unable to load %ls file!", L"/x");
     return 0;
 });
 
@@ -163,16 +170,11 @@ class TemporaryLog : public LogFile {
         if (!test::hasPrivateTmp()) {
             GTEST_SKIP() << "the system gives this process no /tmp of its own";
         }
-        empty();
+        test::emptyOwnTmp();
     }
     void TearDown() override {
         if (test::hasPrivateTmp()) {
-            empty();
-        }
-    }
-    static void empty() {
-        for (const auto& entry : std::filesystem::directory_iterator("/tmp")) {
-            std::filesystem::remove_all(entry.path());
+            test::emptyOwnTmp();
         }
     }
     static std::string text(const std::string& path = kPath) {
@@ -200,6 +202,34 @@ TEST_F(TemporaryLog, FatalErrorBeforeTheLogIsKnownDumpsTheWholeQueue) {
 TEST_F(TemporaryLog, LogOfAnEarlierLaunchIsEmptied) {
     ASSERT_EQ(runProbe("fatal", {""}).status, 255);
     EXPECT_EQ(runProbe("fatal", {""}).status, 255);
+    EXPECT_EQ(text(), kRecords);
+}
+
+const Probe kFullLog("full log", [](const std::vector<std::string>& arguments) {
+    (void)signal(SIGXFSZ, SIG_IGN);
+    rlimit room{};
+    getrlimit(RLIMIT_FSIZE, &room);
+    const rlimit none{0, room.rlim_max};
+    report(noReason(), "ZYPRA0000E: queued");
+    setrlimit(RLIMIT_FSIZE, arguments.at(1) == "from the start" ? &none : &room);
+    enableLogging(toWide(arguments.at(0)));
+    setrlimit(RLIMIT_FSIZE, &none);
+    report(noReason(), "ZYPRA0000E: refused");
+    setrlimit(RLIMIT_FSIZE, &room);
+    fatal(noReason(), "ZYPRA0000E: last");
+    return 0;
+});
+
+TEST_F(TemporaryLog, TakesWhatALogThatOpensRefuses) {
+    EXPECT_EQ(runProbe("full log", {folder_.narrow(), "from the start"}).status, 255);
+    EXPECT_EQ(text(), "ZYPRA0000E: queued\nZYPRA0000E: refused\nZYPRA0000E: last\n\n");
+    EXPECT_EQ(runProbe("full log", {folder_.narrow(), "later"}).status, 255);
+    EXPECT_EQ(text(), "ZYPRA0000E: refused\nZYPRA0000E: last\n\n");
+    EXPECT_EQ(log(), "ZYPRA0000E: queued\n\nZYPRA0000E: last\n");
+}
+
+TEST_F(TemporaryLog, TracingThatTheLauncherForcesChangesNoName) {
+    EXPECT_EQ(runProbe("fatal", {"forced"}).status, 255);
     EXPECT_EQ(text(), kRecords);
 }
 

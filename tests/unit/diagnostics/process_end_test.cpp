@@ -3,6 +3,7 @@
 #include "diagnostics/svc_debug.h"
 #include "tests/unit/fixture.h"
 
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,8 +24,8 @@ struct Ended {};
 TEST(ProcessEnd, ReplacementIsCalledBehindEveryRecord) {
     const EndFunction former = setEndFunction(end);
     const std::size_t before = logQueue().size();
-    EXPECT_THROW(fatal("first"), Ended);
-    EXPECT_THROW(fatal("second"), Ended);
+    EXPECT_THROW(fatal(because(ENOENT), "first"), Ended);
+    EXPECT_THROW(fatal(because(ENOENT), "second"), Ended);
     setEndFunction(former);
     const std::string records = logQueue().substr(before);
     EXPECT_NE(records.find("first : "), std::string::npos);
@@ -61,8 +62,8 @@ TEST(ProcessEnd, FatalErrorInsideAFatalErrorEndsTheProcessAtOnce) {
         GTEST_SKIP() << "no /tmp of its own";
     }
     const auto fatalTwice = [] {
-        setEndFunction([](int) { fatal("again"); });
-        fatal("once");
+        setEndFunction([](int) { fatal(because(ENOENT), "again"); });
+        fatal(because(ENOENT), "once");
     };
     EXPECT_EQ(temporaryLogOf(fatalTwice, 255), "ZYPRA0004E: malloc failed!\n");
 }

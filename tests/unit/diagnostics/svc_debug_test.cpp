@@ -181,58 +181,66 @@ TEST_F(Errors, ForcedRecordIsWrittenAndTracingIsAsBefore) {
     EXPECT_EQ(records_.text(), "forced\nforced\n");
 }
 
+TEST_F(Errors, WhatTheUserAskedForIsKnownWhileTracingIsForced) {
+    for (const bool asked : {false, true}) {
+        setDebug(asked);
+        const ForcedTracing outer;
+        {
+            const ForcedTracing inner;
+            EXPECT_EQ(isTracingAsked(), asked);
+        }
+        EXPECT_EQ(isTracingAsked(), asked);
+    }
+    setDebug(true);
+    EXPECT_TRUE(isTracingAsked());
+}
+
 // --- Errors -------------------------------------------------------------------------------------
 
 TEST_F(Errors, ErrorIsWrittenWhileTracingIsOffAndItsTextIsReturned) {
     const FormatArgument values[] = {std::string_view("x"), 3L};
-    EXPECT_EQ(fatalError(ErrnoText::kOmit, "ZYPRA0000E: %s %d", values), "ZYPRA0000E: x 3");
+    EXPECT_EQ(reportRecord(noReason(), "ZYPRA0000E: %s %d", values), "ZYPRA0000E: x 3");
     EXPECT_EQ(records_.text(), "ZYPRA0000E: x 3\n");
 }
 
-TEST_F(Errors, SystemErrorTextIsThatOfTheBeginning) {
-    errno = ENOENT;
-    EXPECT_EQ(fatalError(ErrnoText::kAppend, "message"), "message : No such file or directory");
+TEST_F(Errors, ReasonIsWhatTheReportStatesWhateverErrnoHolds) {
     errno = EACCES;
-    fatalErrorW(L"wide", Then::kReturn, ErrnoText::kAppend);
-    errno = EEXIST;
-    fatalErrorA("%s", "narrow", Then::kReturn, ErrnoText::kAppend);
-    EXPECT_THAT(records_.text(), EndsWith("wide : Permission denied\nnarrow : File exists\n"));
-}
-
-TEST_F(Errors, ReportThatDoesNotExitReturns) {
-    fatalErrorA("a %% b %s", Then::kReturn, ErrnoText::kOmit);
-    fatalErrorA("%s", "narrow", Then::kReturn, ErrnoText::kOmit);
-    fatalErrorA("ZYPRA0019E: Could not open %ls for writing!", L"/\u00E9", Then::kReturn,
-                ErrnoText::kOmit);
-    fatalErrorW(L"wide \u00E9", Then::kReturn, ErrnoText::kOmit);
-    report("Error: %ls", L"x");
+    report(noReason(), "none");
+    report(because(ENOENT), "system");
+    report(because(0), "a call without errno");
+    report(because("not a regular file"), "words");
+    report(noReason().at(L"/\u00E9"), "place");
+    report(because(ENOENT).at(L"line 3"), "%s", "both");
+    report(because(ENOENT).at(L""), "nowhere");
     EXPECT_EQ(records_.text(),
-              "a % b %s\nnarrow\nZYPRA0019E: Could not open /\u00E9 for writing!\nwide \u00E9\n"
-              "Error: x\n");
+              "none\nsystem : No such file or directory\na call without errno\n"
+              "words : not a regular file\nplace (/\u00E9)\n"
+              "both (line 3) : No such file or directory\nnowhere : No such file or directory\n");
 }
 
-TEST_F(Errors, ErrorTextGoesIntoTheRoomThatIsLeft) {
-    errno = ENOENT;
+TEST_F(Errors, ReportTakesNarrowAndWideTextsAndNumbers) {
+    report(noReason(), "a %% b %s");
+    report(noReason(), "%s %ls %d", "narrow", std::wstring(L"wide \u00E9"), 3);
+    EXPECT_EQ(records_.text(), "a % b %s\nnarrow wide \u00E9 3\n");
+}
+
+TEST_F(Errors, ReasonGoesIntoTheRoomThatIsLeft) {
     const std::string text(4090, 'x');
-    EXPECT_EQ(fatalError(ErrnoText::kAppend, text), text + " : No");
-    errno = ENOENT;
-    EXPECT_EQ(fatalError(ErrnoText::kAppend, std::string(5000, 'y')), std::string(4095, 'y'));
+    EXPECT_EQ(reportRecord(because(ENOENT), text, {}), text + " : No");
+    EXPECT_EQ(reportRecord(because(ENOENT), std::string(5000, 'y'), {}), std::string(4095, 'y'));
     EXPECT_EQ(records_.text().size(), 2U * 4096);
 }
 
 TEST_F(Errors, LongFormatOfAnErrorIsNotDropped) {
-    report(std::string(2000, 'x'));
+    report(noReason(), std::string(2000, 'x'));
     EXPECT_EQ(records_.text(), std::string(2000, 'x') + "\n");
 }
 
 TEST_F(Errors, FatalReportEndsWithStatus255) {
-    EXPECT_FATAL((errno = ENOENT, fatal("ZYPRA0096E: Unable to load %ls file!", L"/x")),
+    EXPECT_FATAL(fatal(because(ENOENT), "ZYPRA0096E: Unable to load %ls file!", L"/x"),
                  "ZYPRA0096E: Unable to load /x file! : No such file or directory\n");
-    EXPECT_FATAL((errno = ENOENT, fatal("errno = %d", 2L)), "errno = 2 : No such file");
-    EXPECT_FATAL(fatalErrorA("plain", Then::kExit, ErrnoText::kOmit), "plain\n");
-    EXPECT_FATAL(fatalErrorA("%s", "narrow", Then::kExit, ErrnoText::kOmit), "narrow\n");
-    EXPECT_FATAL(fatalErrorA("%ls", L"wide", Then::kExit, ErrnoText::kOmit), "wide\n");
-    EXPECT_FATAL(fatalErrorW(L"message", Then::kExit, ErrnoText::kOmit), "message\n");
+    EXPECT_FATAL(fatal(because(ENOENT), "errno = %d", 2), "errno = 2 : No such file");
+    EXPECT_FATAL((errno = ENOENT, fatal(noReason(), "plain")), "plain\n");
 }
 
 TEST_F(Errors, FatalErrorWhileOneIsReportedEndsAtOnce) {
@@ -240,8 +248,8 @@ TEST_F(Errors, FatalErrorWhileOneIsReportedEndsAtOnce) {
     EXPECT_EXIT(
         {
             enableLogging(folder);
-            std::atexit([] { fatal("second"); });
-            fatal("first");
+            std::atexit([] { fatal(noReason(), "second"); });
+            fatal(noReason(), "first");
         },
         testing::ExitedWithCode(255), "");
     EXPECT_THAT(folder_.read("rcplauncher.log"), testing::HasSubstr("first"));
@@ -251,8 +259,8 @@ TEST_F(Errors, FatalErrorWhileOneIsReportedEndsAtOnce) {
 TEST_F(Errors, ReplacedEndIsCalledBehindTheRecordAndReportsWorkAgain) {
     struct Ended {};
     const EndFunction before = setEndFunction([](int) { throw Ended(); });
-    EXPECT_THROW(fatal("first"), Ended);
-    EXPECT_THROW(fatal("second"), Ended);
+    EXPECT_THROW(fatal(noReason(), "first"), Ended);
+    EXPECT_THROW(fatal(noReason(), "second"), Ended);
     EXPECT_NE(setEndFunction(before), before);
     EXPECT_TRUE(records_.has("first"));
     EXPECT_TRUE(records_.has("second"));

@@ -6,8 +6,10 @@
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
 #include "platform/text.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/core/records.h"
+#include "tests/unit/paths.h"
 #include "tests/unit/probe.h"
 
 #include <stdio.h>
@@ -20,6 +22,7 @@ using test::Probe;
 using test::ProbeResult;
 using test::propertyList;
 using test::runProbe;
+using test::seen;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -170,11 +173,12 @@ const Probe kLibrary("library", [](const std::vector<std::string>& arguments) {
 });
 
 TEST_F(HandOff, LibraryGetsAllArgumentsFirstAndThoseInFrontOfVmargsThen) {
-    const ProbeResult result = runProbe("library", {STANDIN_LIBRARY});
+    const ProbeResult result = runProbe("library", {seen(STANDIN_LIBRARY)});
     EXPECT_EQ(result.status, 3) << "the result of run is ignored";
     EXPECT_THAT(result.output, HasSubstr("\"argc\": 5,\n  \"argv\": [\n    \"/opt/Velmo\",\n"
                                          "    \"-data\",\n    \"B\u00FCro\",\n    \"-VMARGS\",\n"
-                                         "    \"-Xa\"],\n  \"library\": \"" STANDIN_LIBRARY "\""));
+                                         "    \"-Xa\"],\n  \"library\": \"" +
+                                         seen(STANDIN_LIBRARY) + "\""));
     EXPECT_THAT(result.output, HasSubstr("\"runArgc\": 3,\n  \"runArgv\": [\n    \"/opt/Velmo\",\n"
                                          "    \"-data\",\n    \"B\u00FCro\"],\n"
                                          "  \"vmArgs\": [\n    \"-Xa\"]"));
@@ -191,8 +195,9 @@ TEST_F(HandOff, LibraryThatIsNoneEndsTheProcess) {
 }
 
 TEST_F(HandOff, LibraryWithoutAnEntryPointEndsTheProcess) {
-    EXPECT_FATAL(handOffTo(STANDIN_WITHOUT_RUN), "standin_without_run.so cannot be used: .*run");
-    EXPECT_FATAL(handOffTo(STANDIN_WITHOUT_SET_INITIAL_ARGS),
+    EXPECT_FATAL(handOffTo(seen(STANDIN_WITHOUT_RUN)),
+                 "standin_without_run.so cannot be used: .*run");
+    EXPECT_FATAL(handOffTo(seen(STANDIN_WITHOUT_SET_INITIAL_ARGS)),
                  "standin_without_set_initial_args.so cannot be used: .*setInitialArgs");
 }
 
@@ -224,30 +229,34 @@ class Launch : public HandOff {
 };
 
 TEST_F(Launch, LaunchParametersAreLoggedOneALineWhetherTracingOrNot) {
-    launch("execute", "", {STANDIN_PLATFORM, "-data", "100%s", ""});
-    EXPECT_EQ(log(), "\nZYPRA0132I: ===== Begin Launch Parameters =====\n" STANDIN_PLATFORM
-                     "\n-data\n100%s\n\nZYPRA0133I: ===== End Launch Parameters =====\n");
+    launch("execute", "", {seen(STANDIN_PLATFORM), "-data", "100%s", ""});
+    EXPECT_EQ(log(), "\nZYPRA0132I: ===== Begin Launch Parameters =====\n" +
+                         seen(STANDIN_PLATFORM) +
+                         "\n-data\n100%s\n\nZYPRA0133I: ===== End Launch Parameters =====\n");
 }
 
 TEST_F(Launch, ExecutedPlatformGetsEveryArgument) {
-    const ProbeResult result =
-        launch("execute", STANDIN_LIBRARY, {STANDIN_PLATFORM, "-data", "two words", "-vmargs"});
+    const ProbeResult result = launch("execute", seen(STANDIN_LIBRARY),
+                                      {seen(STANDIN_PLATFORM), "-data", "two words", "-vmargs"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, HasSubstr("\"kind\": \"exec\",\n  \"argc\": 4,\n  \"argv\": [\n"
-                                         "    \"" STANDIN_PLATFORM "\",\n    \"-data\",\n"
+                                         "    \"" +
+                                         seen(STANDIN_PLATFORM) +
+                                         "\",\n    \"-data\",\n"
                                          "    \"two words\",\n    \"-vmargs\"]"));
 }
 
 TEST_F(Launch, InProcessPlatformRunsThroughTheLibrary) {
     const ProbeResult result =
-        launch("inside", STANDIN_LIBRARY, {"/not/there", "-data", "x", "-vmargs", "-Xa"});
+        launch("inside", seen(STANDIN_LIBRARY), {"/not/there", "-data", "x", "-vmargs", "-Xa"});
     EXPECT_EQ(result.status, 3) << "it came back from the platform";
     EXPECT_THAT(result.output, HasSubstr("\"kind\": \"library\""));
     EXPECT_THAT(result.output, HasSubstr("\"runArgc\": 3"));
 }
 
 TEST_F(Launch, WithoutALibraryThePlatformIsExecutedEvenInProcess) {
-    EXPECT_THAT(launch("inside", "", {STANDIN_PLATFORM}).output, HasSubstr("\"kind\": \"exec\""));
+    EXPECT_THAT(launch("inside", "", {seen(STANDIN_PLATFORM)}).output,
+                HasSubstr("\"kind\": \"exec\""));
 }
 
 TEST_F(Launch, FailedExecIsOneRecordAndTheStatusStays) {

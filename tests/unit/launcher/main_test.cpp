@@ -87,7 +87,7 @@ class Main : public test::LauncherTest {};
 
 TEST_F(Main, VersionAloneIsAFatalRecord) {
     EXPECT_FATAL((errno = ENOENT, doVersionCheck({L"p", L"-version"})),
-                 "ZYPRA0031I:   version = \"20211117.0921\" : No such file or directory\n");
+                 "ZYPRA0031I:   version = \"20211117.0921\"\n");
 }
 
 TEST_F(Main, VersionBesideOtherArgumentsMeansNothing) {

@@ -3,12 +3,11 @@
 #include "platform/text.h"
 #include "tests/unit/core/records.h"
 
+#include <locale.h>
 #include <sys/stat.h>
 
 namespace rcp {
 namespace {
-
-using Arguments = std::vector<Argument>;
 
 class BundleMetadata : public test::LauncherTest {
   protected:
@@ -40,29 +39,6 @@ class BundleMetadata : public test::LauncherTest {
         EXPECT_EQ(first.st_ino, second.st_ino) << "it is still the same file";
     }
 };
-
-TEST_F(BundleMetadata, IdentifierIsTheArgumentBehindTheOption) {
-    const Arguments arguments = {L"rcplauncher", L"-bundleIdentifier", L"a.b", L"x"};
-    const std::wstring* found = getBundleIdentifier(arguments);
-    ASSERT_EQ(found, &arguments[2]);
-}
-
-TEST_F(BundleMetadata, EveryArgumentIsLookedAtFromTheFirstOn) {
-    const Arguments arguments = {L"-bundleIdentifier", L"-bundleIdentifier", L"a.b"};
-    EXPECT_EQ(getBundleIdentifier(arguments), &arguments[1]);
-}
-
-TEST_F(BundleMetadata, OptionWithoutAnArgumentBehindItIsNone) {
-    EXPECT_EQ(getBundleIdentifier({}), nullptr);
-    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier"}), nullptr);
-    EXPECT_EQ(getBundleIdentifier(Arguments{L"-bundleidentifier", L"a", L"-bundleIdentifierX"}),
-              nullptr);
-}
-
-TEST_F(BundleMetadata, EndOfTheOptionsIsNoIdentifier) {
-    EXPECT_EQ(getBundleIdentifier(Arguments{L"rcplauncher", L"-bundleIdentifier", L"-vmargs"}),
-              nullptr);
-}
 
 TEST_F(BundleMetadata, DifferentIdentifierIsReplacedAndTheRestStays) {
     update(withIdentifier("org.example.client"), L"org.example.\u00FCber");
@@ -106,6 +82,35 @@ TEST_F(BundleMetadata, IdentifierThatIsNoTextLeavesTheFileUntouched) {
     isUntouched(withIdentifier("org.example"), std::wstring(1, static_cast<wchar_t>(0xD800)));
 }
 
+TEST_F(BundleMetadata, IdentifierThatCannotBeSetIsReported) {
+    for (const int character : {0xD800, 0x01, 0x1F, 0xFFFE}) {
+        const test::Records records(folder_);
+        folder_.write("Info.plist", withIdentifier("a"));
+        updateInfoPlist(folder_.wide("Info.plist"),
+                        std::wstring(1, static_cast<wchar_t>(character)));
+        EXPECT_TRUE(records.has("Error: updateInfoPlist: the identifier cannot be set in " +
+                                folder_.narrow("Info.plist") + ".\n"))
+            << character;
+        EXPECT_EQ(folder_.read("Info.plist"), withIdentifier("a"));
+    }
+}
+
+TEST_F(BundleMetadata, EmptyIdentifierIsSet) {
+    update(withIdentifier("org.example"), L"");
+    EXPECT_EQ(value("CFBundleIdentifier"), "");
+    isUntouched(content(), L"");
+}
+
+TEST_F(BundleMetadata, LocaleOfTheProcessDoesNotMatter) {
+    const std::string before = setlocale(LC_CTYPE, nullptr);
+    ASSERT_NE(setlocale(LC_CTYPE, "C"), nullptr);
+    isUntouched(withIdentifier("org.\u00DCber"), L"org.\u00DCber");
+    isUntouched(withIdentifier("org.\u00DCber"), L"ORG.\u00FCBER");
+    update(withIdentifier("org.example"), L"org.\u00FC\u65E5\U0001F600");
+    EXPECT_EQ(value("CFBundleIdentifier"), "org.\u00FC\u65E5\U0001F600");
+    (void)setlocale(LC_CTYPE, before.c_str());
+}
+
 TEST_F(BundleMetadata, RewrittenFileKeepsItsPermissions) {
     folder_.write("Info.plist", withIdentifier("a"));
     ASSERT_EQ(chmod(folder_.narrow("Info.plist").c_str(), 0604), 0);
@@ -116,12 +121,13 @@ TEST_F(BundleMetadata, RewrittenFileKeepsItsPermissions) {
     EXPECT_EQ(value("CFBundleIdentifier"), "b");
 }
 
-TEST_F(BundleMetadata, FailedWriteIsNotReported) {
+TEST_F(BundleMetadata, FailedWriteIsReported) {
     const test::Records records(folder_);
     // Something in the place of the temporary file.
     folder_.write("Info.plist.tmp/file", "");
     isUntouched(withIdentifier("a"), L"b");
-    EXPECT_EQ(records.text(), "");
+    EXPECT_EQ(records.text(), "Error: updateInfoPlist: " + folder_.narrow("Info.plist") +
+                                  " cannot be written : Is a directory\n");
     const auto parsed = createPropertiesListFromFile(folder_.wide("Info.plist"));
     ASSERT_TRUE(parsed.has_value());
     EXPECT_FALSE(writePropertyListToFile(*parsed, folder_.wide("missing/Info.plist")));

@@ -119,6 +119,22 @@ TEST_F(Files, ResolvedPathHasNoLinksAndNoDots) {
 
 // --- Streams ------------------------------------------------------------------------------------
 
+TEST_F(Files, LexicalPathIsTheTextAlone) {
+    const std::pair<const char*, const char*> paths[] = {
+        {"/a/b", "/a/b"},     {"/", "/"},
+        {"//", "/"},          {"/.", "/"},
+        {"/..", "/"},         {"/a/..", "/"},
+        {"/../../a", "/a"},   {"/a//b/", "/a/b"},
+        {"/a/./b/.", "/a/b"}, {"/a/../b", "/b"},
+        {"/a/b/..", "/a"},    {"/a/b/../../c", "/c"},
+        {"/...", "/..."},     {"/a/.b..", "/a/.b.."},
+        {"a/../b", "a/../b"}, {"", ""},
+    };
+    for (const auto& [path, expected] : paths) {
+        EXPECT_EQ(lexicalPath(path), expected) << path;
+    }
+}
+
 TEST_F(Files, BothOpenFunctionsOpenAStream) {
     for (const auto open : {&open_file, &open_wfile}) {
         folder_.write("file", "old content");
@@ -248,22 +264,34 @@ TEST_F(Files, RelativePathIsMadeFromTheRootOfTheFileSystem) {
 TEST_F(Files, FileInThePathIsAFailure) {
     folder_.write("file", "x");
     EXPECT_FALSE(mkdirs(folder_.wide("file/a")));
-    EXPECT_FALSE(ensureDirectory(folder_.wide("file/a")));
-    EXPECT_FALSE(ensureDirectory(folder_.wide("file")));
+    EXPECT_FATAL(ensureDirectory(folder_.wide("file/a"), "no %ls."),
+                 "no .*/file/a\\. : Not a directory\n");
+    EXPECT_FATAL(ensureDirectory(folder_.wide("file"), "no %ls."), "/file\\. : File exists\n");
     EXPECT_EQ(folder_.read("file"), "x");
 }
 
 TEST_F(Files, DirectoryThatAnotherLauncherMadeMeanwhileIsEnough) {
-    EXPECT_TRUE(ensureDirectory(folder_.wide("a/b")));
-    EXPECT_TRUE(ensureDirectory(folder_.wide("a/b")));
+    ensureDirectory(folder_.wide("a/b"), "no %ls.");
+    ensureDirectory(folder_.wide("a/b"), "no %ls.");
+    EXPECT_TRUE(isDirectory(folder_.wide("a/b")));
 }
 
 TEST_F(Files, LinkToADirectoryIsNotEnough) {
     makeDirectory("directory");
     link("directory", "link");
-    errno = 0;
-    EXPECT_FALSE(ensureDirectory(folder_.wide("link")));
-    EXPECT_EQ(errno, EEXIST) << "the reason of the failed creation";
+    EXPECT_FATAL(ensureDirectory(folder_.wide("link"), "no %ls."),
+                 "no .*/link\\. : it is a symbolic link\n");
+}
+
+TEST_F(Files, FirstDirectoryThatCannotBeMadeIsTheReason) {
+    folder_.write("file", "x");
+    const PathMade made = mkdirs(folder_.wide("file/a") + L"/" + std::wstring(300, L'n'));
+    EXPECT_EQ(made.error, ENOTDIR);
+    EXPECT_EQ(made.failed, folder_.wide("file/a"));
+    EXPECT_FATAL(ensureDirectory(folder_.wide("file/a/b/c"), "no %ls."),
+                 "no .*/file/a/b/c\\. \\(.*/file/a\\) : Not a directory\n");
+    EXPECT_EQ(mkdirs(folder_.wide("a/b")).error, 0) << "what is there is no failure";
+    EXPECT_EQ(mkdirs(folder_.wide("a/b")).error, 0);
 }
 
 // --- Moving and deleting ------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include "tests/unit/core/records.h"
 #include "tests/unit/probe.h"
 
+#include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,6 +28,11 @@ const Probe kExecutable("executable path", [](const std::vector<std::string>&) {
     std::string path;
     read_executable_path(path);
     print(path);
+    return 0;
+});
+
+const Probe kAsStarted("executable as started", [](const std::vector<std::string>&) {
+    print(platform::executablePathAsStarted());
     return 0;
 });
 
@@ -87,6 +93,20 @@ TEST_F(InstallLocation, ExecutablesPathIsAbsoluteWithoutLinks) {
     fs::create_directory_symlink(root_ + "/real", root_ + "/linked");
     EXPECT_EQ(ask("executable path", root_ + "/linked/../linked/./prog \u00FC"), real);
 }
+
+#ifdef __linux__
+TEST_F(InstallLocation, ExecutableStartedFromADescriptorIsTheFileBehindIt) {
+    const std::string real = program("real/prog");
+    const int file =
+        open(real.c_str(), O_RDONLY);  // NOLINT(*-cloexec-*): the name of the new process
+    ASSERT_GE(file, 0);
+    const std::string name = "/dev/fd/" + std::to_string(file);  // what fexecve(3) gives the kernel
+    EXPECT_EQ(ask("executable path", name), real);
+    EXPECT_EQ(ask("executable as started", name), real);
+    EXPECT_EQ(ask("find command", name), root_ + "/real");
+    close(file);
+}
+#endif
 
 TEST_F(InstallLocation, ExecutableStartedThroughALinkReportsTheTargetsDirectory) {
     const std::string real = program("real/prog");
@@ -275,6 +295,17 @@ TEST_F(RelativeLocation, MissingWorkingDirectoryEndsTheProcess) {
             absolute(L"ws");
         },
         "ZYPRA0800E: Unable to get working directory. : No such file or directory\n");
+}
+
+TEST_F(RelativeLocation, WorkingDirectoryThatIsNoTextEndsTheProcess) {
+    EXPECT_FATAL(
+        {
+            fs::create_directory("\xFF");
+            fs::current_path("\xFF");
+            absolute(L"ws");
+        },
+        "ZYPRA0801E: Getting file system representation for rcplauncher URL failed! : the working "
+        "directory's path is no text of this locale\n");
 }
 
 TEST_F(RelativeLocation, PathThatIsNoTextEndsTheProcess) {

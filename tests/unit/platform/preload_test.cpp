@@ -2,11 +2,14 @@
 #include "platform/preload.h"
 
 #include "diagnostics/svc_debug.h"
+#include "platform/text.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/core/records.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <fstream>
 
 namespace rcp {
 namespace {
@@ -20,30 +23,45 @@ class Preload : public test::LauncherTest {
   protected:
     void SetUp() override {
         setDebug(true);
-        folder_.write("a library/lib.so", "");
+        fs::create_directories(place_ + "/a library");
+        std::ofstream(library()).flush();
         ASSERT_FALSE(entryIsThere());
     }
     void TearDown() override {
         setDebug(false);
         std::error_code ignored;
         for (const char* qualifier : {"x64", "x86"}) {
-            fs::remove_all(linkPath(qualifier), ignored);
+            fs::remove(linkPath(qualifier), ignored);
         }
+        fs::remove_all(place_ + "/a library", ignored);
     }
     [[nodiscard]] std::string linkPath(const std::string& qualifier = "x64") const {
         return "/tmp/ovr.rcp." + user_ + "." + qualifier + ".lib.so";
     }
-    [[nodiscard]] std::string library() const { return folder_.narrow("a library/lib.so"); }
+    [[nodiscard]] std::string library() const { return place_ + "/a library/lib.so"; }
     [[nodiscard]] bool entryIsThere() const { return fs::exists(fs::symlink_status(linkPath())); }
     void set(const std::wstring& qualifier = L"x64") const {
-        setPreload(folder_.wide("a library/lib.so"), qualifier);
+        setPreload(toWide(library()), qualifier);
     }
     static std::optional<std::string> preloaded() { return test::variable("LD_PRELOAD"); }
 
+    // Where another user sees the library as well; a home directory may be closed to him.
+    const std::string place_ = test::hasPrivateTmp() ? "/tmp" : folder_.narrow();
     const std::string user_ = "unit_tests_" + std::to_string(getpid());
     ScopedVariable variable_{"LD_PRELOAD"};
     ScopedVariable name_{"USER", user_};
     test::Records records_{folder_};
+
+    void expectLinkIsUsedByAnotherUser() {
+        const std::string expected = linkPath();
+        EXPECT_EXIT(
+            {
+                const bool changed = seteuid(12346) == 0;
+                set();
+                _exit(changed && preloaded() == expected ? 3 : 4);
+            },
+            testing::ExitedWithCode(3), "");
+    }
 };
 
 TEST_F(Preload, PathWithoutABlankIsUsedAsItIsEvenWhenNothingIsThere) {
@@ -148,7 +166,6 @@ TEST_F(Preload, LinkOfAnotherUserThatCannotBeRemovedIsNeverPreloaded) {
     if (geteuid() != 0 || !test::hasPrivateTmp()) {
         GTEST_SKIP() << "only root can play another user, in a /tmp of its own";
     }
-    ASSERT_EQ(chmod(folder_.narrow().c_str(), 0755), 0);
     ASSERT_EQ(chmod("/tmp", 01777), 0);
     fs::create_symlink(library(), linkPath());
     ASSERT_EQ(lchown(linkPath().c_str(), 12345, 12345), 0);
@@ -168,21 +185,38 @@ TEST_F(Preload, LinkOfAnotherUserThatCannotBeRemovedIsNeverPreloaded) {
         "preloaded.\n$");
 }
 
+TEST_F(Preload, LinkOfAnotherUserThatCanBeRemovedIsReplaced) {
+    if (geteuid() != 0 || !test::hasPrivateTmp()) {
+        GTEST_SKIP() << "only root can play another user, in a /tmp of its own";
+    }
+    fs::create_symlink(library(), linkPath());
+    ASSERT_EQ(lchown(linkPath().c_str(), 12345, 12345), 0);
+    set();
+    EXPECT_EQ(preloaded(), linkPath());
+    struct stat status {};
+    ASSERT_EQ(lstat(linkPath().c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 0U);
+}
+
+TEST_F(Preload, OwnLinkThatCannotBeRemovedIsUsedAsItIs) {
+    if (geteuid() != 0 || !test::hasPrivateTmp()) {
+        GTEST_SKIP() << "only root can take the rights to /tmp away";
+    }
+    ASSERT_EQ(chmod("/tmp", 0755), 0);
+    fs::create_symlink("/another library/lib.so", linkPath());
+    ASSERT_EQ(lchown(linkPath().c_str(), 12346, 12346), 0);
+    expectLinkIsUsedByAnotherUser();
+    EXPECT_EQ(fs::read_symlink(linkPath()).string(), "/another library/lib.so");
+    ASSERT_EQ(chmod("/tmp", 01777), 0);
+}
+
 TEST_F(Preload, LinkOfRootIsTrusted) {
     if (geteuid() != 0 || !test::hasPrivateTmp()) {
         GTEST_SKIP() << "only root can make it, in a /tmp of its own";
     }
-    ASSERT_EQ(chmod(folder_.narrow().c_str(), 0755), 0);
     ASSERT_EQ(chmod("/tmp", 01777), 0);
     fs::create_symlink(library(), linkPath());
-    const std::string expected = linkPath();
-    EXPECT_EXIT(
-        {
-            const bool changed = seteuid(12346) == 0;
-            set();
-            _exit(changed && preloaded() == expected ? 3 : 4);
-        },
-        testing::ExitedWithCode(3), "");
+    expectLinkIsUsedByAnotherUser();
 }
 
 TEST_F(Preload, PathWithoutASlashEndsTheProcess) {

@@ -1,7 +1,7 @@
 #include "platform/removal.h"
 
 #include "platform/text.h"
-#include "tests/unit/fixture.h"
+#include "tests/unit/held_directory.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -92,15 +92,24 @@ TEST_F(Removal, DeeperFailureShowsThroughItsDirectoryWithGrowingIndentation) {
                           ">Can't delete dir " + at("tree/a") + notEmpty());
 }
 
-TEST_F(Removal, EntryThatCannotBeExaminedIsReportedAndTheOthersGo) {
-    fs::create_directories(folder_.path() / "tree");
-    fs::create_symlink("nowhere", folder_.path() / "tree/dangling");
+TEST_F(Removal, EntryThatCannotBeRemovedIsReportedAndTheOthersGo) {
+    NEED_HELD_DIRECTORY();
+    const test::HeldDirectory held(folder_.path() / "tree/held");
     folder_.write("tree/a", "");
     folder_.write("tree/z", "");
     EXPECT_FALSE(removeContents());
-    EXPECT_EQ(toNarrow(errors_), "Can't stat " + at("tree/dangling") + kMissing);
+    EXPECT_EQ(toNarrow(errors_), "Can't delete dir " + at("tree/held") +
+                                     "  -  Failed with error 16: Device or resource busy\n");
     EXPECT_FALSE(folder_.has("tree/a"));
     EXPECT_FALSE(folder_.has("tree/z"));
+}
+
+TEST_F(Removal, LinkThatLeadsNowhereIsDeletedLikeAFile) {
+    fs::create_directories(folder_.path() / "tree");
+    fs::create_symlink("nowhere", folder_.path() / "tree/dangling");
+    fs::create_symlink("loop", folder_.path() / "tree/loop");
+    EXPECT_TRUE(removeContents());
+    EXPECT_TRUE(fs::is_empty(folder_.path() / "tree"));
 }
 
 TEST_F(Removal, LinkToAFileIsDeletedAndItsTargetStays) {
@@ -112,24 +121,57 @@ TEST_F(Removal, LinkToAFileIsDeletedAndItsTargetStays) {
     EXPECT_EQ(folder_.read("target"), "x");
 }
 
-TEST_F(Removal, LinkToADirectoryIsReportedAndItsTargetIsLeftAlone) {
+TEST_F(Removal, LinkToADirectoryIsDeletedAndItsTargetIsLeftAlone) {
     folder_.write("target/file", "x");
-    fs::create_directories(folder_.path() / "tree");
+    fs::create_directories(folder_.path() / "tree/deep");
     fs::create_directory_symlink(at("target"), folder_.path() / "tree/link");
-    EXPECT_FALSE(removeContents());
-    EXPECT_EQ(toNarrow(errors_), "Can't delete dir " + at("tree/link") + kNotADirectory);
-    EXPECT_TRUE(folder_.has("tree/link"));
+    fs::create_directory_symlink(at("target"), folder_.path() / "tree/deep/link");
+    EXPECT_TRUE(removeContents());
+    EXPECT_TRUE(fs::is_empty(folder_.path() / "tree"));
     EXPECT_EQ(folder_.read("target/file"), "x");
 }
 
-TEST_F(Removal, LinkInTheTreesOwnPlaceIsNotEntered) {
+TEST_F(Removal, PatternMeansLinksByTheirOwnName) {
+    folder_.write("target/y.log", "x");
+    fs::create_directories(folder_.path() / "tree");
+    fs::create_directory_symlink(at("target"), folder_.path() / "tree/link");
+    fs::create_directory_symlink(at("target"), folder_.path() / "tree/link.log");
+    EXPECT_TRUE(removePattern(L".log"));
+    EXPECT_TRUE(fs::is_symlink(folder_.path() / "tree/link"));
+    EXPECT_FALSE(fs::is_symlink(folder_.path() / "tree/link.log"));
+    EXPECT_TRUE(folder_.has("target/y.log"));
+}
+
+TEST_F(Removal, LinkInTheTreesOwnPlaceIsNotEnteredHoweverItsNameEnds) {
     folder_.write("target/file", "x");
     fs::create_directory_symlink(at("target"), folder_.path() / "tree");
-    EXPECT_FALSE(removeContents());
-    EXPECT_EQ(toNarrow(errors_).rfind("Error in " + at("tree") + "  -  Failed with error ", 0), 0U);
+    for (const char* name : {"tree", "tree/", "tree//", "tree/.", "tree/./", "tree//././/"}) {
+        std::wstring errors;
+        errors_ = L"old";
+        EXPECT_FALSE(removeDirectoryContents(folder_.wide() + L"/" + toWide(name), errors_));
+        EXPECT_TRUE(toNarrow(errors_).starts_with("Error in " + at("tree") + "  -  Failed with"));
+        EXPECT_FALSE(removeDirectoryAndContents(folder_.wide() + L"/" + toWide(name), errors));
+        EXPECT_EQ(folder_.read("target/file"), "x") << name;
+        EXPECT_TRUE(fs::is_symlink(folder_.path() / "tree")) << name;
+    }
+}
+
+TEST_F(Removal, BelowAFolderFollowsLinksToTheFolderOnly) {
+    folder_.write("target/a/b/file", "x");
+    folder_.write("target/c/file", "x");
+    fs::create_directory_symlink("c", folder_.path() / "target/link");
+    fs::create_directory_symlink("target", folder_.path() / "folder");
     std::wstring errors;
-    EXPECT_FALSE(removeDirectoryAndContents(folder_.wide("tree"), errors));
-    EXPECT_EQ(folder_.read("target/file"), "x");
+    EXPECT_TRUE(removeDirectoryBelow(folder_.wide("folder"), L"a/b", errors));
+    EXPECT_EQ(errors, L"");
+    EXPECT_TRUE(fs::is_empty(folder_.path() / "target/a"));
+    for (const wchar_t* name : {L"link", L"link/d", L"link/../c", L""}) {
+        EXPECT_FALSE(removeDirectoryBelow(folder_.wide("folder"), name, errors));
+        EXPECT_NE(errors, L"");
+        EXPECT_TRUE(folder_.has("target/c/file"));
+    }
+    EXPECT_FALSE(removeDirectoryBelow(folder_.wide("missing"), L"a", errors));
+    EXPECT_EQ(toNarrow(errors), "Error in " + at("missing") + kMissing);
 }
 
 TEST_F(Removal, FileThatCannotBeDeletedIsReported) {

@@ -1,5 +1,7 @@
 // The functions whose implementation differs between the systems: both must pass the same tests.
 #include "platform/platform.h"
+#include "platform/property_list_guard.h"
+#include "tests/unit/core/child_process.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -9,6 +11,8 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +22,7 @@ namespace {
 using rcp::platform::absolutePath;
 using rcp::platform::equalIgnoringCase;
 using rcp::platform::executablePathAsStarted;
+using rcp::platform::isSafeBinaryPropertyList;
 using rcp::platform::parsePropertyList;
 using rcp::platform::PropertyListDocument;
 
@@ -60,6 +65,49 @@ TEST_F(ExecutablePath, StaysTheSameAfterTheWorkingDirectoryChanged) {
     ASSERT_EQ(fchdir(here), 0);
     close(here);
     EXPECT_EQ(after, before);
+}
+
+TEST_F(PlatformSeam, ExecutableOfAProcessIsWithoutLinks) {
+    EXPECT_EQ(rcp::platform::executableOfProcess(getpid()),
+              std::filesystem::canonical(executablePathAsStarted()).string());
+    EXPECT_EQ(rcp::platform::executableOfProcess(rcp::test::deadProcessId()), std::nullopt);
+}
+
+TEST_F(PlatformSeam, StartOfAProcessIsItsOwnAsLongAsItLives) {
+    using rcp::platform::startOfProcess;
+    const std::optional<std::string> own = startOfProcess(getpid());
+    ASSERT_TRUE(own.has_value());
+    EXPECT_EQ(own, startOfProcess(getpid()));
+    EXPECT_EQ(own->find_first_of(" \n"), std::string::npos);
+    usleep(50000);  // the system counts in hundredths of a second
+    rcp::test::ChildProcess other([] { return pause(); });
+    const std::optional<std::string> others = startOfProcess(other.pid());
+    ASSERT_TRUE(others.has_value());
+    EXPECT_NE(others, own);
+    kill(other.pid(), SIGKILL);
+    ASSERT_TRUE(other.endsWithin(std::chrono::seconds(10)));
+    EXPECT_EQ(startOfProcess(other.pid()), std::nullopt) << "ended, but not yet waited for";
+    other.wait();
+    EXPECT_EQ(startOfProcess(other.pid()), std::nullopt);
+}
+
+TEST_F(PlatformSeam, StartOfAProcessStaysWhenItBecomesAnotherProgram) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const rcp::test::ChildProcess child([&] {
+        char go = 0;
+        (void)!read(ends[0], &go, 1);
+        return execl("/bin/sleep", "(a b) Z", "1000", nullptr);
+    });
+    const auto before = rcp::platform::startOfProcess(child.pid());
+    ASSERT_EQ(write(ends[1], "g", 1), 1);
+    const std::string self = rcp::platform::executableOfProcess(getpid()).value_or("");
+    while (rcp::platform::executableOfProcess(child.pid()) == self) {
+        usleep(1000);
+    }
+    EXPECT_EQ(rcp::platform::startOfProcess(child.pid()), before);
+    close(ends[0]);
+    close(ends[1]);
 }
 
 #ifdef __linux__
@@ -138,6 +186,8 @@ TEST_F(EqualIgnoringCase, AsciiLetters) {
 TEST_F(EqualIgnoringCase, LettersOutsideAscii) {
     EXPECT_TRUE(equalIgnoringCase("\u00C9t\u00C9", "\u00E9T\u00E9"));
     EXPECT_TRUE(equalIgnoringCase("\u0416\u03A9", "\u0436\u03C9"));
+    EXPECT_TRUE(equalIgnoringCase("\uFF21", "\uFF41"));
+    EXPECT_TRUE(equalIgnoringCase("\U00010400", "\U00010428"));
 }
 
 TEST_F(EqualIgnoringCase, DifferentTextsDiffer) {
@@ -205,8 +255,8 @@ std::string bigEndian(std::size_t value, int bytes) {
     return result;
 }
 
-/// A binary list of the given encoded objects, the first one at the top; references have 4 bytes.
-std::string binaryList(const std::vector<std::string>& objects) {
+/// A binary list of the given encoded objects, one of them at the top; references have 4 bytes.
+std::string binaryList(const std::vector<std::string>& objects, std::size_t top = 0) {
     std::string list = "bplist00";
     std::string table;
     for (const std::string& object : objects) {
@@ -215,7 +265,7 @@ std::string binaryList(const std::vector<std::string>& objects) {
     }
     const std::size_t tableAt = list.size();
     return list + table + std::string(6, '\0') + "\x04\x04" + bigEndian(objects.size(), 8) +
-           bigEndian(0, 8) + bigEndian(tableAt, 8);
+           bigEndian(top, 8) + bigEndian(tableAt, 8);
 }
 
 /// Arrays of `width` references each, every one to the next array; the last one holds a "true".
@@ -338,6 +388,16 @@ TEST_F(PropertyList, NestingHiddenFromASimpleScanIsRefused) {
     EXPECT_FALSE(parsePropertyList(wide).has_value());
 }
 
+TEST_F(PropertyList, TextInCdataIsNoMarkup) {
+    const std::string deep = repeated("<array>", 1000);
+    for (const std::string& text : {std::string(), std::string("]"), std::string(">"), deep}) {
+        const auto list = parsePropertyList(
+            xmlList("<dict><key>a</key><string><![CDATA[" + text + "]]></string></dict>"));
+        ASSERT_TRUE(list.has_value()) << text;
+        EXPECT_EQ(list->stringForKey("a"), text);
+    }
+}
+
 TEST_F(PropertyList, ModeratelyNestedXmlIsRead) {
     EXPECT_TRUE(parsePropertyList(xmlList(repeated("<array>", 100) + repeated("</array>", 100)))
                     .has_value());
@@ -349,12 +409,43 @@ TEST_F(PropertyList, DeeplyNestedBinaryIsRefused) {
     EXPECT_FALSE(parsePropertyList(binaryChain(100000, 1)).has_value());
 }
 
+TEST_F(PropertyList, BinaryAtTheLimitIsReadAgainWhenItIsWritten) {
+    const auto list = parsePropertyList(binaryChain(rcp::platform::kMaxPropertyListDepth - 1, 1));
+    ASSERT_TRUE(list.has_value());
+    EXPECT_TRUE(parsePropertyList(list->toXml()).has_value());
+    EXPECT_FALSE(
+        parsePropertyList(binaryChain(rcp::platform::kMaxPropertyListDepth, 1)).has_value());
+}
+
+// Half of the letter hides the end of the text from who reads bytes, but not from the parser.
+TEST_F(PropertyList, NestingBehindHalfALetterIsRefused) {
+    const std::string hidden = "\x83\"]]> <!-- ]]>" + repeated("<array>", 60000) + "-->";
+    for (const std::string name :
+         {"shift_jis", "cp932", "GBK", "GB18030", "Big5", "HZ", "ISO-2022-JP"}) {
+        EXPECT_FALSE(parsePropertyList("<?xml version=\"1.0\" encoding=\"" + name +
+                                       "\"?><plist><array><string><![CDATA[" + hidden +
+                                       "]]></string></array></plist>")
+                         .has_value())
+            << name;
+    }
+}
+
 TEST_F(PropertyList, BinaryThatUnfoldsWithoutBoundIsRefused) {
     EXPECT_FALSE(parsePropertyList(binaryChain(60, 2)).has_value());
 }
 
 TEST_F(PropertyList, BinaryThatHoldsItselfIsRefused) {
     EXPECT_FALSE(parsePropertyList(binaryList({"\xA1" + bigEndian(0, 4)})).has_value());
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList({"\x09", "\xA1" + bigEndian(1, 4)}, 1)));
+}
+
+TEST_F(PropertyList, BinaryMayHaveAnyOfItsObjectsAtTheTop) {
+    const std::vector<std::string> objects = {"\x09", "\xA1" + bigEndian(0, 4), "\xD0"};
+    EXPECT_TRUE(isSafeBinaryPropertyList(binaryList(objects, 1)));
+    const auto list = parsePropertyList(binaryList(objects, 2));
+    ASSERT_TRUE(list.has_value());
+    EXPECT_TRUE(list->isDictionary());
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList(objects, 3)));
 }
 
 TEST_F(PropertyList, ListLargerThanAnyRealOneIsRefused) {

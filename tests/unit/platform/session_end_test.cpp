@@ -1,7 +1,9 @@
 // The helpers of a locked-down deployment.
 #include "platform/preload.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/paths.h"
 
 #include <sys/stat.h>
 
@@ -25,7 +27,7 @@ class SessionEnd : public test::LauncherTest {
         fs::current_path(folder_.path());
     }
     void TearDown() override { fs::current_path(before_); }
-    void deploy(const char* library) const {
+    void deploy(const std::string& library) const {
         fs::copy_file(library, folder_.path() / "lockdown.so");
     }
     ScopedVariable path_{"PATH", folder_.narrow()};
@@ -36,7 +38,7 @@ class SessionEnd : public test::LauncherTest {
 };
 
 TEST_F(SessionEnd, LogoffIsTheAnswerOfTheDeploymentsLibrary) {
-    deploy(DEPLOYMENT_LIBRARY);
+    deploy(test::seen(DEPLOYMENT_LIBRARY));
     EXPECT_EXIT(_exit(logoff() ? 3 : 4), testing::ExitedWithCode(3), "");
     const ScopedVariable refuses("DEPLOYMENT_REFUSES", "1");
     EXPECT_EXIT(_exit(logoff() ? 3 : 4), testing::ExitedWithCode(4), "");
@@ -49,7 +51,7 @@ TEST_F(SessionEnd, WithoutTheLibraryTheDesktopSessionIsEndedAndTheLauncherToo) {
 }
 
 TEST_F(SessionEnd, LibraryWithoutTheEntryPointIsLikeNone) {
-    deploy(STANDIN_LIBRARY);
+    deploy(test::seen(STANDIN_LIBRARY));
     EXPECT_EXIT(logoff(), testing::ExitedWithCode(1), "");
     EXPECT_EQ(folder_.read("killed"), "gnome-session\n");
 }
@@ -88,7 +90,7 @@ class ShutdownRequest : public SessionEnd {
 };
 
 TEST_F(ShutdownRequest, IsTwoFieldsOf256BytesAndThenLogoff) {
-    deploy(DEPLOYMENT_LIBRARY);
+    deploy(test::seen(DEPLOYMENT_LIBRARY));
     EXPECT_EXIT(_exit(shutdown() ? 3 : 4), testing::ExitedWithCode(3), "");
     EXPECT_EQ(request(), expected());
     const ScopedVariable refuses("DEPLOYMENT_REFUSES", "1");

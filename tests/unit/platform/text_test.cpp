@@ -131,8 +131,11 @@ TEST(WideBuffers, NoMemoryEndsTheProcess) {
                  "ZYPRA0004E: newString malloc failed.  Failed with error 12: Cannot allocate "
                  "memory : Cannot allocate memory\n");
     EXPECT_FATAL(mallocString(tooMuch), "ZYPRA0004E: mallocString malloc failed! : ");
-    EXPECT_FATAL(mallocString(std::numeric_limits<std::size_t>::max()),
-                 "ZYPRA0004E: mallocString malloc failed!");
+    // The second one's size in bytes would be none at all.
+    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+    for (const std::size_t n : {most, most / sizeof(wchar_t)}) {
+        EXPECT_FATAL(mallocString(n), "ZYPRA0004E: mallocString malloc failed!");
+    }
 }
 #endif
 

@@ -118,9 +118,11 @@ TEST_F(WholeFiles, FailureSaysWhy) {
     WholeFile missing(folder_.wide("missing/file"));
     EXPECT_FALSE(missing.open());
     EXPECT_EQ(errno, ENOENT);
-    folder_.write("directory/file", "");
     WholeFile directory(folder_.wide("directory"));
     ASSERT_TRUE(directory.open());
+    folder_.write("directory/file", "");
+    EXPECT_FALSE(WholeFile(folder_.wide("directory")).open());
+    EXPECT_EQ(errno, EISDIR);
     EXPECT_FALSE(directory.commit());
     EXPECT_TRUE(errno == EISDIR || errno == ENOTEMPTY || errno == EEXIST) << errno;
     EXPECT_FALSE(folder_.has("directory.tmp"));

@@ -15,7 +15,7 @@ import org.eclipse.osgi.service.environment.EnvironmentInfo;
  * Stands for an application that installs features before the client starts. It installs nothing;
  * it records the provisioning level, which is what tells the launcher that the work is done.
  */
-final class Provisioning {
+public final class Provisioning {
     /** The level this installation asks for; "rcplauncher.properties" hands it over. */
     private static final String LEVEL_PROPERTY = "sample.provisioning.level";
     private static final String LEVEL_KEY = "provisioning.manifest.version";
@@ -23,16 +23,21 @@ final class Provisioning {
     private final EnvironmentInfo platform;
     private final PrintStream out;
 
-    Provisioning(EnvironmentInfo platform, PrintStream out) {
+    public Provisioning(EnvironmentInfo platform, PrintStream out) {
         this.platform = platform;
         this.out = out;
     }
 
-    void run() throws IOException {
+    public static String level() {
         String level = System.getProperty(LEVEL_PROPERTY);
         if (level == null || level.isEmpty()) {
             throw new IllegalStateException(LEVEL_PROPERTY + " is not set: no level to record");
         }
+        return level;
+    }
+
+    public void run() throws IOException {
+        String level = level();
         Path properties = Path.of(
                 platform.getProperty("osgi.configuration.area").replaceFirst("^file:", ""),
                 "rcpinstall.properties");

@@ -8,7 +8,7 @@ import java.util.TreeSet;
 import org.eclipse.osgi.service.environment.EnvironmentInfo;
 
 /** Prints what the platform was started with: everything the launcher hands to its JVM. */
-final class Report {
+public final class Report {
     /** System properties that every launch sets; the sample's own begin with "sample.". */
     private static final List<String> LAUNCHER_PROPERTIES = List.of(
             "rcp.home", "rcp.data", "rcp.osgi.install.area", "rcp.install.config",
@@ -22,12 +22,12 @@ final class Report {
     private final EnvironmentInfo platform;
     private final PrintStream out;
 
-    Report(EnvironmentInfo platform, PrintStream out) {
+    public Report(EnvironmentInfo platform, PrintStream out) {
         this.platform = platform;
         this.out = out;
     }
 
-    void print() {
+    public void print() {
         heading("The platform is running");
         line("process id", ProcessHandle.current().pid());
         line("started as", role());
@@ -53,6 +53,12 @@ final class Report {
 
         heading("Environment");
         ENVIRONMENT.forEach(name -> line(name, System.getenv(name)));
+
+        heading("Milliseconds");
+        long jvm = ManagementFactory.getRuntimeMXBean().getStartTime();
+        ProcessHandle.current().info().startInstant().ifPresent(
+                start -> line("before the JVM", jvm - start.toEpochMilli()));
+        line("from there to this report", System.currentTimeMillis() - jvm);
     }
 
     /** A launcher that finds a running platform passes that platform's id on. */

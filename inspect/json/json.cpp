@@ -1,0 +1,3 @@
+#include "inspect/json/json.h"
+
+template class nlohmann::basic_json<>;

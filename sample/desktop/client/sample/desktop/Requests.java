@@ -1,0 +1,87 @@
+package sample.desktop;
+
+import java.io.IOException;
+import java.nio.file.ClosedWatchServiceException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.StandardWatchEventKinds;
+import java.nio.file.WatchKey;
+import java.nio.file.WatchService;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.concurrent.TimeUnit;
+import java.util.function.Consumer;
+
+import org.eclipse.osgi.service.datalocation.Location;
+
+/**
+ * How others reach the running client: each puts a file into a folder of the workspace, named for what is asked
+ * ("raise.1234"), and the client takes it away. Unlike a socket's, a file's path may be as long as a workspace's is.
+ */
+final class Requests {
+    static final String RAISE = "raise";
+
+    private static final long PATIENCE_SECONDS = 20;
+    private static final long STEP_MILLISECONDS = 50;
+
+    private final Path folder;
+
+    Requests(Location workspace) throws IOException {
+        // Platform locations are URLs whose paths are not escaped.
+        folder = Files.createDirectories(Path.of(workspace.getURL().getPath(), ".requests"));
+    }
+
+    /** Whether the running client has done what was asked. */
+    boolean send(String what) throws IOException, InterruptedException {
+        Path request = Files.createTempFile(folder, what + ".", "");
+        try {
+            long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(PATIENCE_SECONDS);
+            while (System.nanoTime() < end) {
+                if (Files.notExists(request)) {
+                    return true;
+                }
+                Thread.sleep(STEP_MILLISECONDS);
+            }
+            return false;
+        } finally {
+            Files.deleteIfExists(request);
+        }
+    }
+
+    /** Hands every request from now on to {@code answer}, until what is returned is closed. */
+    AutoCloseable listen(Consumer<String> answer) throws IOException {
+        WatchService watch = folder.getFileSystem().newWatchService();
+        folder.register(watch, StandardWatchEventKinds.ENTRY_CREATE);
+        take(); // left by somebody who asked nobody
+        Thread thread = new Thread(() -> answer(watch, answer), "requests");
+        thread.setDaemon(true);
+        thread.start();
+        return watch;
+    }
+
+    private void answer(WatchService watch, Consumer<String> answer) {
+        try {
+            for (WatchKey key = watch.take(); ; key = watch.take()) {
+                key.pollEvents();
+                take().forEach(answer);
+                key.reset();
+            }
+        } catch (InterruptedException | ClosedWatchServiceException end) {
+            // The client ends.
+        } catch (IOException failure) {
+            failure.printStackTrace();
+        }
+    }
+
+    private List<String> take() throws IOException {
+        List<String> taken = new ArrayList<>();
+        try (var requests = Files.newDirectoryStream(folder)) {
+            for (Path request : requests) {
+                if (Files.deleteIfExists(request)) {
+                    taken.add(request.getFileName().toString().replaceFirst("\\..*", ""));
+                }
+            }
+        }
+        return taken;
+    }
+}

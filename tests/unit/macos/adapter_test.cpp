@@ -1,0 +1,142 @@
+// The macOS adapter over the stand-in of Core Foundation: who owns what, and what a failed call leaves.
+#include "platform/platform.h"
+#include "tests/standin/macos/calls.h"
+#include "tests/unit/probe.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <iostream>
+
+namespace rcp::platform {
+namespace {
+
+using test::macos::failCall;
+using test::macos::hasFailed;
+using test::macos::ownedObjects;
+
+constexpr char kList[] = "<plist><dict><key>a</key><string>b</string></dict></plist>";
+
+class MacAdapter : public testing::Test {
+  protected:
+    ~MacAdapter() override {
+        hasFailed();
+        EXPECT_EQ(ownedObjects(), 0U);
+    }
+};
+
+// Every call fails once; in the end none does.
+template <typename Action>
+int failuresOf(const Action& action) {
+    int failures = 0;
+    for (bool failed = true; failed; failures += failed ? 1 : 0) {
+        failCall(static_cast<std::size_t>(failures));
+        action();
+        failed = hasFailed();
+        EXPECT_EQ(ownedObjects(), 0U) << "call " << failures;
+    }
+    return failures;
+}
+
+TEST_F(MacAdapter, CallThatFailsLosesNothing) {
+    std::string written;
+    EXPECT_EQ(failuresOf([&] {
+                  auto list = parsePropertyList(kList);
+                  if (list) {
+                      const std::string before = list->stringForKey("a").value_or("b");
+                      EXPECT_EQ(before, "b");
+                      list->setString("a", "c");
+                      const std::string after = list->stringForKey("a").value_or("b");
+                      EXPECT_TRUE(after == "b" || after == "c") << after;
+                      written = list->toXml();
+                  }
+              }),
+              12);
+    EXPECT_NE(written.find("<string>c</string>"), std::string::npos) << written;
+}
+
+TEST_F(MacAdapter, PathOfAFailedCallIsNone) {
+    std::optional<std::string> path;
+    EXPECT_EQ(failuresOf([&] {
+                  path = absolutePath("/a", "b");
+                  EXPECT_EQ(path.value_or("/a/b"), "/a/b");
+              }),
+              5);
+    EXPECT_EQ(path, "/a/b");
+}
+
+TEST_F(MacAdapter, ComparisonOfAFailedCallIsThatOfTheBytes) {
+    EXPECT_EQ(failuresOf([] { EXPECT_TRUE(equalIgnoringCase("a", "a")); }), 2);
+    EXPECT_EQ(failuresOf([] { EXPECT_FALSE(equalIgnoringCase("a", "b")); }), 2);
+}
+
+TEST_F(MacAdapter, PathThatIsNoUtf8IsNone) {
+    EXPECT_EQ(absolutePath("/a", "b\xC3("), std::nullopt);
+    EXPECT_EQ(absolutePath("/a\xFF", "b"), std::nullopt);
+    EXPECT_EQ(absolutePath("/a", "/b\xFF"), "/b\xFF") << "untouched";
+}
+
+const test::Probe startedAtTheRoot("started-at-the-root", [](const auto& arguments) {
+    test::macos::setExecutablePath(arguments.at(0));
+    const int status = chdir("/");
+    std::cout << executablePathAsStarted() << std::flush;
+    return status;
+});
+
+TEST_F(MacAdapter, ProgramStartedFromTheRootHasOneSlash) {
+    EXPECT_EQ(test::runProbe("started-at-the-root", {"Applications/x"}).output, "/Applications/x");
+    EXPECT_EQ(test::runProbe("started-at-the-root", {"//Applications/x"}).output,
+              "//Applications/x");
+    const std::string name = "a/" + std::string(3000, 'n');
+    EXPECT_EQ(test::runProbe("started-at-the-root", {name}).output, "/" + name);
+}
+
+// What the stand-in itself would not let pass.
+TEST(CoreFoundationStandIn, WrongOwnershipEndsTheProcess) {
+    const auto text = [] {
+        return CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>("a"), 1,
+                                       kCFStringEncodingUTF8, 0);
+    };
+    EXPECT_DEATH(CFRelease(nullptr), "null is no object");
+    EXPECT_DEATH(
+        {
+            const CFStringRef object = text();
+            CFRelease(object);
+            CFRelease(object);
+        },
+        "after its release");
+    EXPECT_DEATH(
+        {
+            const CFStringRef object = text();
+            CFRelease(object);
+            CFStringGetLength(object);
+        },
+        "after its release");
+    EXPECT_DEATH(CFDataGetLength(reinterpret_cast<CFDataRef>(text())), "another kind");
+    EXPECT_DEATH(
+        {
+            text();
+            std::exit(0);
+        },
+        "left at the end");
+    int other = 0;
+    EXPECT_DEATH(CFRelease(&other), "no such object");
+}
+
+TEST(CoreFoundationStandIn, ValueBelongsToItsDictionary) {
+    EXPECT_DEATH(
+        {
+            const auto data =
+                CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(kList), sizeof kList - 1);
+            const auto list = static_cast<CFDictionaryRef>(
+                CFPropertyListCreateFromXMLData(nullptr, data, 0, nullptr));
+            const auto key = CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>("a"),
+                                                     1, kCFStringEncodingUTF8, 0);
+            CFRelease(CFDictionaryGetValue(list, key));
+        },
+        "does not belong");
+}
+
+}  // namespace
+}  // namespace rcp::platform

@@ -1,0 +1,166 @@
+// What a parser of property lists may see, without a parser that could refuse it as well.
+#include "platform/property_list_guard.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+
+namespace rcp::platform {
+namespace {
+
+std::string repeated(const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+std::string nested(int depth) {
+    return repeated("<a>", depth) + repeated("</a>", depth);
+}
+
+bool isXml(const std::string& text) {
+    return guardPropertyList(text) == PropertyListForm::kXml;
+}
+
+bool isRefused(const std::string& text) {
+    return guardPropertyList(text) == PropertyListForm::kRefused;
+}
+
+// The text in units of two bytes behind their mark.
+std::string utf16(const std::string& text, bool isBigEndian) {
+    std::string units = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char c : text) {
+        units += isBigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+    }
+    return units;
+}
+
+TEST(PropertyListGuard, TextThatBeginsWithATagIsXml) {
+    EXPECT_TRUE(isXml("<a/>"));
+    EXPECT_TRUE(isXml(" \t\r\n<a></a>"));
+    EXPECT_TRUE(isXml("\xEF\xBB\xBF<a/>"));
+    for (const char* other :
+         {"", " \t\r\n", "key=value", "x<a/>", "\xEF\xBB\xBF", "\xEF\xBB<a/>"}) {
+        EXPECT_TRUE(isRefused(other)) << other;
+    }
+}
+
+TEST(PropertyListGuard, UnitsOfTwoBytesAreReadInBothOrders) {
+    for (const bool isBigEndian : {false, true}) {
+        EXPECT_TRUE(isXml(utf16(" " + nested(kMaxPropertyListDepth), isBigEndian)));
+        EXPECT_TRUE(isRefused(utf16(nested(kMaxPropertyListDepth + 1), isBigEndian)));
+        EXPECT_TRUE(isRefused(utf16("a", isBigEndian)));
+        EXPECT_TRUE(isRefused(utf16("", isBigEndian)));
+        // Half of such a unit is no markup, and half a unit at the end is none.
+        const std::string letter = isBigEndian ? std::string("\x01<") : std::string("<\x01");
+        EXPECT_TRUE(
+            isXml(utf16("<a>", isBigEndian) + letter + utf16("</a>", isBigEndian).substr(2)));
+        EXPECT_TRUE(isXml(utf16("<a/>", isBigEndian) + "<"));
+    }
+}
+
+TEST(PropertyListGuard, SizeAndDepthHaveTheirLimits) {
+    const std::size_t most = std::size_t{1} << 20;
+    EXPECT_TRUE(isXml("<a/>" + std::string(most - 4, ' ')));
+    EXPECT_TRUE(isRefused("<a/>" + std::string(most - 3, ' ')));
+    EXPECT_TRUE(isXml(nested(kMaxPropertyListDepth)));
+    EXPECT_TRUE(isRefused(nested(kMaxPropertyListDepth + 1)));
+    EXPECT_TRUE(isRefused("<a></a></a><a>"));
+    EXPECT_TRUE(isXml("<a>" + repeated("<b/>", kMaxPropertyListDepth + 1) + "</a>"));
+    EXPECT_TRUE(isXml("<plist>" + nested(kMaxPropertyListDepth) + "</plist>"));
+    EXPECT_TRUE(isRefused("<plist>" + nested(kMaxPropertyListDepth + 1) + "</plist>"));
+    const auto around = [](const std::string& value) {
+        return repeated("<a>", kMaxPropertyListDepth) + value +
+               repeated("</a>", kMaxPropertyListDepth);
+    };
+    EXPECT_TRUE(isXml(around("")));
+    EXPECT_TRUE(isRefused(around("<b/>"))) << "written, an empty text has two tags";
+}
+
+// "]]> <!-- ]]>" behind half a letter is text to one reader and markup to another.
+TEST(PropertyListGuard, NoEncodingIsDeclaredButThoseThatItReads) {
+    const auto declaring = [](const std::string& encoding) {
+        return "<?xml version='1.0' encoding" + encoding + "?><a/>";
+    };
+    const auto isHidden = [&](const char* name) {
+        const std::string hidden = "\x83\"]]> <!-- ]]>" + nested(60000) + "-->";
+        const std::string body = "<plist><string><![CDATA[" + hidden + "]]></string></plist>";
+        return isRefused(declaring("=\"" + std::string(name) + "\"")) &&
+               isRefused("<?xml version=\"1.0\" encoding=\"" + std::string(name) + "\"?>" + body);
+    };
+    for (const char* name : {"shift_jis", "Shift_JIS", "cp932", "GBK", "GB18030", "Big5", "HZ",
+                             "HZ-GB-2312", "ISO-2022-JP", "UTF-7", "UTF-16", "UTF-32", "ISO-8859-1",
+                             "US-ASCII", "UTF-8x", "nonsense"}) {
+        EXPECT_TRUE(isHidden(name)) << name;
+    }
+    for (const char* other : {"", "=", "=\"", "='UTF-8\"", "=UTF-8", "=''", " 'UTF-8'",
+                              "='UTF-8' encoding='GBK'", "='\\0\\0\\x0d-8'", "='@TF-8'"}) {
+        EXPECT_TRUE(isRefused(declaring(other))) << other;
+    }
+    for (const char* known : {"=\"UTF-8\"", "='utf-8'", " = 'Utf-8'", "\n=\n\"UTF-8\" a='b'"}) {
+        EXPECT_TRUE(isXml(declaring(known))) << known;
+    }
+    EXPECT_TRUE(isRefused("<a><?x encoding='GBK'?></a>"));
+    EXPECT_TRUE(isXml("<a><!-- encoding='GBK' --></a>"));
+    for (const bool isBigEndian : {false, true}) {
+        EXPECT_TRUE(isXml(utf16(declaring("='UTF-16'"), isBigEndian)));
+        EXPECT_TRUE(isXml(utf16(declaring("='UTF-8'"), isBigEndian)));
+        EXPECT_TRUE(isRefused(utf16(declaring("='GBK'"), isBigEndian)));
+    }
+}
+
+TEST(PropertyListGuard, WhatOneParserWouldPutRightIsRefused) {
+    for (const char* list :
+         {"<plist><string>a<!-- b -->c</string></plist>", "<plist><key>a<?b c?></key></plist>",
+          "<dict><key>a</key></dict>", "<dict><string>a</string></dict>",
+          "<dict><key>a</key><key>b</key></dict>", "<dict><key>a</key><true/><true/></dict>",
+          "<plist><dict></dict>", "<plist><dict/><dict/></plist>", "<dict/><dict/>",
+          "<plist><string>a</plist></string>", "<string><b/></string>", "<string>&#0;</string>",
+          "<string>&#x00;</string>", "</a>"}) {
+        EXPECT_TRUE(isRefused(list)) << list;
+    }
+    for (const char* list :
+         {"<plist><!-- a --><dict><key>a</key><!-- b --><true/></dict></plist>\n<!-- c -->",
+          "<dict><key/><array><string/><string>&#10;&#x30;</string></array></dict>",
+          "<plist version=\"1.0\"\n><dict /></plist >"}) {
+        EXPECT_TRUE(isXml(list)) << list;
+    }
+}
+
+TEST(PropertyListGuard, MarkInAnAttributeIsNeverTakenForTheEndOfATag) {
+    for (const char* attribute : {"a=\"/>\"", "a='/>'", "a='\"/>'", "a=\">\"", "a=\"<\"", "a="}) {
+        const std::string tag = std::string("<dict ") + attribute;
+        EXPECT_FALSE(isSafeXmlPropertyList(tag)) << tag;
+    }
+    EXPECT_TRUE(isSafeXmlPropertyList("<dict a=\"/\" b='\"'></dict>"));
+    EXPECT_FALSE(isSafeXmlPropertyList("<a><"));
+}
+
+TEST(PropertyListGuard, WhatIsNoElementIsPassedOver) {
+    const std::string deep = repeated("<a>", kMaxPropertyListDepth + 1);
+    for (const std::string& text : {std::string(), std::string("]"), std::string(">"), deep}) {
+        EXPECT_TRUE(isSafeXmlPropertyList("<a><![CDATA[" + text + "]]></a>")) << text;
+        EXPECT_FALSE(isSafeXmlPropertyList("<![CDATA[" + text + "]]>" + deep)) << text;
+    }
+    for (const std::string& text : {std::string(), std::string("x>"), deep}) {
+        EXPECT_TRUE(isSafeXmlPropertyList("<!--" + text + "--><a/>")) << text;
+        EXPECT_FALSE(isSafeXmlPropertyList("<!--" + text + "-->" + deep)) << text;
+        EXPECT_TRUE(isSafeXmlPropertyList("<?x" + text + "?><a/>")) << text;
+        EXPECT_FALSE(isSafeXmlPropertyList("<?x" + text + "?>" + deep)) << text;
+    }
+    EXPECT_TRUE(
+        isSafeXmlPropertyList("<?"
+                              "?><a/>"));
+    EXPECT_TRUE(isSafeXmlPropertyList("<!DOCTYPE plist \"a\"><a/>"));
+    for (const char* text :
+         {"<!-->", "<!--->", "<?>", "<!--", "<![CDATA[", "<?x", "<!DOCTYPE", "<!DOCTYPE [<!>]>",
+          "<!DOCTYPE <>>", "<!ELEMENT a>", "<!-- -><a/>", "<![CDATA[]>", "<![CDATA[]"}) {
+        EXPECT_FALSE(isSafeXmlPropertyList(text)) << text;
+    }
+}
+
+}  // namespace
+}  // namespace rcp::platform
