@@ -1,5 +1,6 @@
 #include "inspect/command_line.h"
 
+#include "inspect/bundle/bundle.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
 #include "launcher/rcp_launcher_main.h"
@@ -43,12 +44,22 @@ const std::vector<Command> kCommands{
      {"text", "json"}},
 };
 
+// An application bundle is an installation too.
+std::string launcherIn(const std::string& installation) {
+    const std::string bundled = launcherOfBundle(installation);
+    return bundled.empty() ? installation + "/rcp/rcplauncher" : bundled;
+}
+
 // A launcher's path from either way of naming one, as it would be started: links in it count. Empty
-// when there is none.
-std::string launcherPath(const std::string& launcher, const std::string& installation) {
-    const std::string path = launcher.empty() ? installation + "/rcp/rcplauncher" : launcher;
+// when there is none; `mayBeMissing` in a bundle.
+std::string launcherPath(const std::string& launcher, const std::string& installation,
+                         bool mayBeMissing = false) {
+    const std::string path = launcher.empty() ? launcherIn(installation) : launcher;
     std::error_code failed;
     const std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
+    if (mayBeMissing && !failed && !contentsAround(absolute).empty() && !existsA(absolute)) {
+        return absolute;
+    }
     const bool isLauncher =
         !failed && existsA(absolute) && !std::filesystem::is_directory(absolute, failed);
     return isLauncher ? absolute : std::string();
@@ -156,11 +167,14 @@ int run(int argc, char** argv) {
     if (launcher.empty() && installation.empty()) {
         installation = ".";
     }
-    options.launcher = launcherPath(launcher, installation);
+    options.launcher = launcherPath(launcher, installation, command->carryOut == check);
     if (options.launcher.empty()) {
         return wrongUse("no launcher at " + (launcher.empty() ? installation : launcher));
     }
     options.installation = installationOf(options.launcher);
+    if (options.installation.empty()) {  // the bundle's, of which the launcher is missing
+        options.installation = contentsAround(options.launcher);
+    }
     if (!other.empty()) {
         options.other = launcherPath({}, other);
         if (options.other.empty()) {

@@ -31,6 +31,7 @@ Findings findEverything(const Examination& examination) {
         findInJvmArguments(examination, findings);
         findInExtensions(examination, findings);
     }
+    findInBundle(examination, findings);
     return findings;
 }
 

@@ -203,6 +203,10 @@ Examination examine(const Options& options) {
         inputs.arguments.emplace_back(toWide(argument));
     }
     endOf([&] { getInstallDir(inputs.installDir, inputs.arguments); });
+    if (inputs.installDir.empty()) {  // a bundle without its executable
+        examination.installation = options.installation;
+        return examination;
+    }
     examination.installation = toNarrow(inputs.installDir);
     const std::wstring path = inputs.installDir + L"/rcp/rcplauncher.properties";
     if (!addFile(examination, kLauncherFile, path)) {

@@ -152,6 +152,45 @@ constexpr FindingRule kRules[] = {
     {"RI606", "no-platform-xml", kWarning,
      "There is no master copy of platform.xml. Every launch records an error until there is one.",
      "Add the file, or set update.policy.managed=false."},
+    // Application bundles
+    {"RI701", "bundle-incomplete", kError,
+     "The application bundle lacks something without which it does not start.",
+     "Lay the bundle out as docs/porting.md shows."},
+    {"RI702", "bundle-key", kError,
+     "A key of the bundle's Info.plist is missing or names something else than the bundle holds.",
+     "Correct the key that the message names."},
+    {"RI703", "code-damaged", kError,
+     "A program or library of the bundle cannot be read as one of macOS.",
+     "Build or copy the file again."},
+    {"RI704", "processor-missing", kError,
+     "The launcher loads the platform's library and the JVM into its own process, so they need "
+     "code for the processor as which it runs.",
+     "Add the code, or set LSArchitecturePriority in Info.plist to the processor that all have."},
+    {"RI705", "newer-system", kWarning,
+     "The code wants a newer system than the bundle promises. On the older ones it cannot be "
+     "loaded.",
+     "Build it for the older system, or raise LSMinimumSystemVersion."},
+    {"RI706", "library-not-found", kError,
+     "A library or search path leads neither into the bundle nor to a library of the system.",
+     "Put the library into the bundle, or correct the name with install_name_tool."},
+    {"RI707", "restart-path", kWarning,
+     "rcplauncher.plist names no executable of the bundle, so it is not counted.",
+     "Name the launcher's path in the bundle's final place."},
+    {"RI708", "not-signed", kWarning,
+     "Code without signature is not started after a download, and on arm64 never.",
+     "Sign the bundle when everything is in it: codesign --force --deep, or from the inside out."},
+    {"RI709", "launch-breaks-seal", kWarning,
+     "A launch writes into the bundle what its signature seals. From then on the signature is "
+     "broken.",
+     "Write the value before the bundle is signed, or keep the file outside of the bundle."},
+    {"RI710", "script-loses-variables", kWarning,
+     "The system starts the interpreter of this script without the variables whose names begin "
+     "with DYLD_.",
+     "Use a program instead of the script."},
+    {"RI711", "entitlement-missing", kWarning,
+     "The launcher is signed for the hardened runtime without an entitlement that a JVM in its "
+     "process needs.",
+     "Sign it with packaging/macos/entitlements.plist."},
 };
 
 }  // namespace

@@ -1,0 +1,129 @@
+#include "inspect/bundle/bundle.h"
+
+#include "inspect/check/launcher_end.h"
+#include "inspect/quiet_read.h"
+#include "platform/bundle_metadata.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+
+namespace rcp::inspect {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kStart = 16;  // bytes that tell what a file is
+
+std::optional<platform::PropertyListDocument> readList(const std::string& path) {
+    std::optional<platform::PropertyListDocument> list;
+    endOf([&] { list = createPropertiesListFromFile(toWide(path)); });
+    return list && list->isDictionary() ? std::move(list) : std::nullopt;
+}
+
+// The first text of an array, in the form in which every list is written.
+std::string firstOf(const std::string& xml, const std::string& key) {
+    constexpr std::string_view kText = "<string>";
+    const std::size_t array = xml.find("<key>" + key + "</key>");
+    const std::size_t end = xml.find("</array>", array);
+    const std::size_t text = xml.find(kText, array);
+    if (array == std::string::npos || end == std::string::npos || text > end) {
+        return {};
+    }
+    const std::size_t first = text + kText.size();
+    return xml.substr(first, xml.find('<', first) - first);
+}
+
+void addCode(const fs::directory_entry& entry, Bundle& bundle) {
+    const std::string path = entry.path().string();
+    std::error_code failed;
+    if (!entry.is_regular_file(failed) || entry.is_symlink(failed) ||
+        !looksLikeMachO(readQuietly(path, kStart))) {
+        return;
+    }
+    CodeFile file;
+    file.path = path.substr(bundle.contents.size() + 1);
+    file.isExecutable = isExecutable(path);
+    file.images = readMachO(readQuietly(path)).value_or(std::vector<CodeImage>());
+    bundle.code.push_back(std::move(file));
+}
+
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        result += c == '&' ? "&amp;" : c == '<' ? "&lt;" : c == '>' ? "&gt;" : std::string(1, c);
+    }
+    return result;
+}
+
+}  // namespace
+
+bool Bundle::has(const std::string& name) const {
+    return existsA(pathOf(name));
+}
+
+const CodeFile* Bundle::codeFile(const std::string& name) const {
+    const auto found = std::find_if(code.begin(), code.end(),
+                                    [&](const CodeFile& file) { return file.path == name; });
+    return found == code.end() ? nullptr : &*found;
+}
+
+bool Bundle::seals(const std::string& name) const {
+    return seal.find("<key>" + escaped(name) + "</key>") != std::string::npos;
+}
+
+std::string contentsAround(const std::string& launcher) {
+    const fs::path folder = fs::path(launcher).parent_path();
+    const fs::path contents = folder.parent_path();
+    const bool isBundle = folder.filename() == "MacOS" && contents.filename() == "Contents";
+    return isBundle ? contents.string() : std::string();
+}
+
+std::string launcherOfBundle(const std::string& path) {
+    const std::string contents = path + "/Contents";
+    if (!isDirectory(toWide(contents))) {
+        return {};
+    }
+    const std::string executable = readBundleKeys(contents + "/Info.plist").executable;
+    const bool isName = !executable.empty() && executable.find('/') == std::string::npos;
+    return contents + "/MacOS/" + (isName ? executable : "rcplauncher");
+}
+
+BundleKeys readBundleKeys(const std::string& path) {
+    BundleKeys keys;
+    const auto list = readList(path);
+    if (!list) {
+        return keys;
+    }
+    const auto value = [&](const char* key) { return list->stringForKey(key).value_or(""); };
+    keys.isRead = true;
+    keys.executable = value("CFBundleExecutable");
+    keys.identifier = value("CFBundleIdentifier");
+    keys.type = value("CFBundlePackageType");
+    keys.oldestSystem = value("LSMinimumSystemVersion");
+    keys.firstProcessor = firstOf(list->toXml(), "LSArchitecturePriority");
+    return keys;
+}
+
+Bundle readBundle(const std::string& contents, const std::string& launcher) {
+    Bundle bundle;
+    bundle.contents = contents;
+    bundle.launcher = launcher.substr(contents.size() + 1);
+    bundle.keys = readBundleKeys(bundle.pathOf("Info.plist"));
+    if (const auto seal = readList(bundle.pathOf("_CodeSignature/CodeResources"))) {
+        bundle.seal = seal->toXml();
+    }
+    std::error_code failed;
+    fs::recursive_directory_iterator files(contents, fs::directory_options::skip_permission_denied,
+                                           failed);
+    for (; !failed && files != fs::recursive_directory_iterator(); files.increment(failed)) {
+        addCode(*files, bundle);
+    }
+    std::sort(bundle.code.begin(), bundle.code.end(),
+              [](const CodeFile& left, const CodeFile& right) { return left.path < right.path; });
+    return bundle;
+}
+
+}  // namespace rcp::inspect

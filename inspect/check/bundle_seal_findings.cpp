@@ -1,0 +1,107 @@
+// The signatures of an application bundle, and what a launch does to them.
+#include "inspect/check/bundle_subjects.h"
+#include "launcher/core/option_values.h"
+#include "platform/platform.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace rcp::inspect {
+namespace {
+
+// What a JVM needs in a process with the hardened runtime: it makes code, loads libraries that others
+// have signed, and finds some of them by variables.
+constexpr const char* kEntitlements[] = {
+    "com.apple.security.cs.allow-jit",
+    "com.apple.security.cs.allow-unsigned-executable-memory",
+    "com.apple.security.cs.disable-library-validation",
+    "com.apple.security.cs.allow-dyld-environment-variables",
+};
+
+void findInSignatures(const Bundle& bundle, Findings& findings) {
+    for (const CodeFile& file : bundle.code) {
+        for (const CodeImage& image : file.images) {
+            if (image.kind != CodeKind::kOther && !image.signature) {
+                findings.add("RI708", bundle.pathOf(file.path), 0,
+                             "the code for " + image.processor + " is not signed");
+            }
+        }
+    }
+    if (bundle.seal.empty()) {
+        findings.add("RI708", bundle.pathOf("_CodeSignature/CodeResources"), 0,
+                     "the bundle is not sealed");
+    }
+}
+
+void findInEntitlements(const Bundle& bundle, Findings& findings) {
+    const CodeFile* const launcher = bundle.codeFile(bundle.launcher);
+    if (launcher == nullptr) {
+        return;
+    }
+    for (const CodeImage& image : launcher->images) {
+        for (const char* name : kEntitlements) {
+            const std::string key = "<key>" + std::string(name) + "</key>";
+            if (image.signature && image.signature->isHardened &&
+                image.signature->entitlements.find(key) == std::string::npos) {
+                findings.add("RI711", bundle.pathOf(bundle.launcher), 0,
+                             std::string(name) + " is missing");
+            }
+        }
+    }
+}
+
+// The name behind Contents/ of a file in the bundle; empty when it lies elsewhere.
+std::string nameIn(const Bundle& bundle, const std::wstring& path) {
+    const std::string plain = std::filesystem::path(toNarrow(path)).lexically_normal().string();
+    const std::string folder = bundle.contents + "/";
+    return plain.starts_with(folder) ? plain.substr(folder.size()) : std::string();
+}
+
+// The launcher writes the identifier that it is given into the platform's copy of Info.plist.
+void findInIdentifier(const Bundle& bundle, const Examination& examination, Findings& findings) {
+    if (examination.base.empty()) {
+        return;
+    }
+    const std::wstring path = examination.base + L"/macosx/x86/Info.plist";
+    const std::string name = nameIn(bundle, path);
+    const BundleKeys keys = readBundleKeys(toNarrow(path));
+    const Argument* const given = getBundleIdentifier(examination.inputs.arguments);
+    const std::string wanted = given == nullptr ? bundle.keys.identifier : toNarrow(*given);
+    if (!wanted.empty() && keys.isRead && bundle.seals(name) &&
+        !platform::equalIgnoringCase(keys.identifier, wanted)) {
+        findings.add("RI709", examination.nameOf(path), 0,
+                     "a launch with -bundleIdentifier " + wanted + " writes it, in place of \"" +
+                         keys.identifier + "\"");
+    }
+}
+
+void findInInstallId(const Bundle& bundle, const Examination& examination, Findings& findings) {
+    const std::wstring path = examination.inputs.installDir + L"/rcp/rcplauncher.properties";
+    const PropertyFile* const file = examination.file(kLauncherFile);
+    if (file != nullptr && file->entries.find(L"rcp.install.id") == nullptr &&
+        bundle.seals(nameIn(bundle, path))) {
+        findings.add("RI709", examination.nameOf(path), 0,
+                     "the first launch appends rcp.install.id");
+    }
+}
+
+void findInWorkspace(const Bundle& bundle, const Examination& examination, Findings& findings) {
+    const std::string name = nameIn(bundle, examination.inputs.workspace);
+    if (!bundle.seal.empty() && !name.empty()) {
+        findings.add("RI709", examination.launcherFile(), 0,
+                     "the workspace lies in the bundle, at Contents/" + name);
+    }
+}
+
+}  // namespace
+
+void findInBundleSeal(const Bundle& bundle, const Examination& examination, Findings& findings) {
+    findInSignatures(bundle, findings);
+    findInEntitlements(bundle, findings);
+    findInIdentifier(bundle, examination, findings);
+    findInInstallId(bundle, examination, findings);
+    findInWorkspace(bundle, examination, findings);
+}
+
+}  // namespace rcp::inspect
