@@ -20,6 +20,9 @@ PropertyListForm guardPropertyList(std::string_view data);
 /// but UTF-8 and the one that its byte order mark says.
 bool isSafeXmlPropertyList(std::string_view text, std::string_view marked = {});
 
+/// Whether the text of an element is what every parser takes for a number or date; any text is for others.
+bool isSafePropertyListValue(std::string_view element, std::string_view text);
+
 /// Whether the binary list's objects lie inside the data, are nested to a harmless depth and unfold
 /// into a harmless amount.
 bool isSafeBinaryPropertyList(std::string_view data);

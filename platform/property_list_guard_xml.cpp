@@ -124,6 +124,7 @@ class Follower {
   private:
     struct Element {
         std::string_view name;
+        std::size_t text = 0;  // where it begins, behind the tag
         std::size_t children = 0;
         bool awaitsValue = false;  // a dictionary behind a key
     };
@@ -166,16 +167,17 @@ class Follower {
         const bool isEmpty = !closes && tag.ends_with('/');
         tag.remove_prefix(closes ? 1 : 0);
         tag = tag.substr(0, tag.find_first_of(" \t\r\n/"));
-        const bool isRight = (closes || enter(tag)) && (!(closes || isEmpty) || leave(tag));
+        const bool isRight = (closes || enter(tag, *end + 1)) &&
+                             (!(closes || isEmpty) || leave(tag, closes ? at : *end + 1));
         return isRight ? Position(*end + 1) : std::nullopt;
     }
 
-    bool enter(std::string_view name) {
+    bool enter(std::string_view name, std::size_t text) {
         if (open_.empty() ? hasRoot_ : !mayHold(open_.back(), name)) {
             return false;
         }
         hasRoot_ = true;
-        open_.push_back({name});
+        open_.push_back({name, text});
         // The element around every list that is written is none of the list's own levels.
         const std::size_t wrapper = open_.front().name == "plist" ? 1 : 0;
         return open_.size() - wrapper <= std::size_t{kMaxPropertyListDepth};
@@ -192,8 +194,12 @@ class Follower {
         return !holdsText(parent.name);
     }
 
-    bool leave(std::string_view name) {
+    bool leave(std::string_view name, std::size_t end) {
         if (open_.empty() || open_.back().name != name || open_.back().awaitsValue) {
+            return false;
+        }
+        const std::size_t text = open_.back().text;
+        if (!isSafePropertyListValue(name, text_.substr(text, end - text))) {
             return false;
         }
         open_.pop_back();

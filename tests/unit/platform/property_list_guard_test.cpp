@@ -139,6 +139,40 @@ TEST(PropertyListGuard, MarkInAnAttributeIsNeverTakenForTheEndOfATag) {
     EXPECT_FALSE(isSafeXmlPropertyList("<a><"));
 }
 
+TEST(PropertyListGuard, NumbersAndDatesAreThoseThatEveryParserReadsAlike) {
+    const auto passes = [](const std::string& element, const std::string& text) {
+        return isXml("<plist><" + element + ">" + text + "</" + element + "></plist>");
+    };
+    for (const char* text :
+         {"0", "-1", "+2", " 3\n", "0x1F", "18446744073709551615", "-9223372036854775808"}) {
+        EXPECT_TRUE(passes("integer", text)) << text;
+    }
+    for (const char* text : {"", " ", "-", "one", "1x", "0x", "1.0", "--1", "+-1", "1 2", "&#49;",
+                             "<![CDATA[1]]>", "18446744073709551616", "-9223372036854775809"}) {
+        EXPECT_FALSE(passes("integer", text)) << text;
+    }
+    for (const char* text :
+         {"1", "-1.5", ".5", "5.", "1e9", "1.5E-3", "nan", "-infinity", "+inf"}) {
+        EXPECT_TRUE(passes("real", text)) << text;
+    }
+    for (const char* text : {"", ".", "e3", "1e", "1e+", "1,5", "0x1p3", "1.2.3", "infinite"}) {
+        EXPECT_FALSE(passes("real", text)) << text;
+    }
+    for (const char* text : {"2026-11-21T10:00:00Z", "0001-01-31T23:59:60Z"}) {
+        EXPECT_TRUE(passes("date", text)) << text;
+    }
+    for (const char* text :
+         {"", "yesterday", "2026-11-21", "2026-11-21T10:00:00", "2026-13-21T10:00:00Z",
+          "2026-00-21T10:00:00Z", "2026-11-32T10:00:00Z", "2026-11-21T24:00:00Z",
+          "2026-11-21T10:60:00Z", "2026-11-21T10:00:61Z", "26-11-21T10:00:00Z"}) {
+        EXPECT_FALSE(passes("date", text)) << text;
+    }
+    for (const char* element : {"integer", "real", "date"}) {
+        EXPECT_FALSE(isXml("<plist><" + std::string(element) + "/></plist>")) << element;
+    }
+    EXPECT_TRUE(passes("string", "one"));
+}
+
 TEST(PropertyListGuard, WhatIsNoElementIsPassedOver) {
     const std::string deep = repeated("<a>", kMaxPropertyListDepth + 1);
     for (const std::string& text : {std::string(), std::string("]"), std::string(">"), deep}) {
