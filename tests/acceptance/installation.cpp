@@ -268,6 +268,31 @@ StayingLaunch Installation::startStaying(const Texts& arguments) const {
     return {*this, std::make_unique<Process>(wanted), report, marker, output};
 }
 
+std::string Installation::hold() {
+#ifdef ACCEPTANCE_STANDIN_HOLD
+    std::string marker = write("hold", "");
+    environment["RCP_STANDIN_HOLD"] = marker;
+    environment["LD_PRELOAD"] = rcp::test::seen(ACCEPTANCE_STANDIN_HOLD);
+    std::string& options = environment["ASAN_OPTIONS"];
+    options += options.empty() ? "" : ":";
+    options += "verify_asan_link_order=0";
+    return marker;
+#else
+    return "";
+#endif
+}
+
+bool isReached(const std::string& marker) {
+    const auto end = std::chrono::steady_clock::now() + Installation::kLimit;
+    while (!fileExists(marker + ".reached")) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
 Texts Installation::logNames() const {
     Texts names;
     std::error_code missing;

@@ -146,6 +146,11 @@ class Installation {
     Report start(const Texts& arguments = {}) const;
     /// Starts the launcher with a platform that stays.
     StayingLaunch startStaying(const Texts& arguments = {}) const;
+    /// Launches from now on stop where they sleep, and right before the platform runs (in the library's
+    /// first call, or in front of the system call that replaces the program), while the file that is
+    /// returned is there. Waits of a second are over at once then. Empty where the system's own calls
+    /// cannot be replaced.
+    std::string hold();
     /// The names in the workspace's log folder.
     [[nodiscard]] Texts logNames() const;
 
@@ -169,6 +174,9 @@ class Installation {
     mutable std::string writtenInstall_;
     mutable int launches_ = 0;
 };
+
+/// Waits until a launch stops for the file of `Installation::hold`.
+bool isReached(const std::string& marker);
 
 /// The text of a file; empty when it cannot be read.
 std::string readFile(const std::string& path);

@@ -38,31 +38,6 @@ class PlatformLock : public testing::TestWithParam<const char*> {
         close(file);
         return !isFree;
     }
-    // Stops hand-offs right before the platform runs: in the library's first call, or in front of
-    // the system call that replaces the program.
-    std::string holdHandOffs() {
-        std::string marker = velmo_.write("hold", "");
-        velmo_.environment["RCP_STANDIN_HOLD"] = marker;
-#ifdef ACCEPTANCE_STANDIN_HOLD
-        velmo_.environment["LD_PRELOAD"] = rcp::test::seen(ACCEPTANCE_STANDIN_HOLD);
-        if (velmo_.environment.contains("ASAN_OPTIONS")) {
-            velmo_.environment["ASAN_OPTIONS"] += ":verify_asan_link_order=0";
-        } else {
-            velmo_.environment["ASAN_OPTIONS"] = "verify_asan_link_order=0";
-        }
-#endif
-        return marker;
-    }
-    static bool isReached(const std::string& marker) {
-        const auto end = std::chrono::steady_clock::now() + Installation::kLimit;
-        while (!fileExists(marker + ".reached")) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            std::this_thread::sleep_for(1ms);
-        }
-        return true;
-    }
 
     Installation velmo_;
 };
@@ -133,7 +108,7 @@ TEST_P(PlatformLock, PlatformRunsWithTheLockFree) {
 #ifdef ACCEPTANCE_STANDIN_HOLD
 
 TEST_P(PlatformLock, IsHeldUntilThePlatformIsThereAlthoughItsIdIsRecorded) {
-    const std::string marker = holdHandOffs();
+    const std::string marker = velmo_.hold();
     StayingLaunch first = velmo_.startStaying();
     ASSERT_TRUE(isReached(marker));
     StayingLaunch second = velmo_.startStaying();
@@ -151,7 +126,7 @@ TEST_P(PlatformLock, IsHeldUntilThePlatformIsThereAlthoughItsIdIsRecorded) {
 }
 
 TEST_P(PlatformLock, IsHeldByTheRecordingProcessAlone) {
-    const std::string marker = holdHandOffs();
+    const std::string marker = velmo_.hold();
     StayingLaunch launch = velmo_.startStaying();
     ASSERT_TRUE(isReached(marker));
     int holders = 0;
@@ -167,7 +142,7 @@ TEST_P(PlatformLock, IsHeldByTheRecordingProcessAlone) {
 }
 
 TEST_P(PlatformLock, LauncherThatDiesAtTheHandOffLetsOneOfTheWaitingOnesThrough) {
-    const std::string marker = holdHandOffs();
+    const std::string marker = velmo_.hold();
     StayingLaunch first = velmo_.startStaying();
     ASSERT_TRUE(isReached(marker));
     velmo_.environment.erase("RCP_STANDIN_HOLD");

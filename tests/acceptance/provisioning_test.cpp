@@ -75,14 +75,20 @@ TEST_F(Provisioning, SecondClickWaitsForItsEndAndThenReadsEverythingAfresh) {
         EXPECT_TRUE(first.platform().has("com.ovr.provision"));
         const std::string file = velmo.workspace + "/.rcp.provisioning";
         EXPECT_TRUE(readFile(file).starts_with(std::to_string(first.pid()) + " "));
+        const std::string marker = *inProcess == '1' ? velmo.hold() : "";
         StayingLaunch second = velmo.startStaying();
         StayingLaunch third = velmo.startStaying();
-        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        if (marker.empty()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        } else {
+            EXPECT_TRUE(isReached(marker));
+        }
         EXPECT_FALSE(second.reported().has_value());
         EXPECT_FALSE(third.reported().has_value());
         const std::string properties = velmo.rcp + "/rcplauncher.properties";
         velmo.write(properties, readFile(properties) + "product=com.ovr.new\n");
         EXPECT_EQ(first.finish().status, 0);
+        files::remove(marker);
         const Report platforms[] = {second.platform(), third.platform()};
         const Report& main = platforms[platforms[0].has("-useDaemon") ? 1 : 0];
         const Report& daemon = platforms[platforms[0].has("-useDaemon") ? 0 : 1];

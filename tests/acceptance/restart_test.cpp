@@ -1,6 +1,7 @@
 // A restarted launcher, which waits for the old platform to end.
 #include "checks.h"
 
+#include <filesystem>
 #include <thread>
 
 namespace acceptance {
@@ -23,11 +24,17 @@ void expectWait(const char* inProcess) {
     velmo.set("invoke.eclipse.dylib", inProcess);
     StayingLaunch first = velmo.startStaying();
     first.waitUntilRecorded();
+    const std::string marker = *inProcess == '1' ? velmo.hold() : "";
     StayingLaunch second = velmo.startStaying(restartOf(first.pid()));
-    std::this_thread::sleep_for(1500ms);
+    if (marker.empty()) {
+        std::this_thread::sleep_for(1500ms);
+    } else {
+        ASSERT_TRUE(isReached(marker));
+    }
     EXPECT_TRUE(second.running());
     EXPECT_FALSE(second.reported().has_value());
     EXPECT_EQ(first.finish().status, 0);
+    std::filesystem::remove(marker);
     EXPECT_FALSE(second.platform().has("-useDaemon"));
     second.waitUntilRecorded();
     const Launch launch = second.finish();

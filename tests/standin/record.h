@@ -44,7 +44,7 @@ void deliver(const Text& report);
 /// Returns when the file that RCP_STANDIN_STAY names is gone, after 60 seconds at the latest.
 void stay();
 
-/// The same for RCP_STANDIN_HOLD, which stops a hand-off on its way: makes a file of that name and
+/// The same for RCP_STANDIN_HOLD, which stops a launch on its way: makes a file of that name and
 /// ".reached" first, so that whoever waits for it knows that the way has come this far.
 void hold();
 
