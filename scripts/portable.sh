@@ -22,13 +22,14 @@ processors() {
 }
 
 # lock_descriptor NUMBER: waits for the lock of the file that is open there; it lasts until all close it.
+# Fails after twenty minutes: whoever has it hangs.
 lock_descriptor() {
     # portable: asked for
     if command -v flock >/dev/null; then
-        flock "$1" # portable: it is there
+        flock -w 1200 "$1" # portable: it is there
     else
         # portable: the system call
-        perl -e 'open(LOCK, ">&=", $ARGV[0]) && flock(LOCK, 2) or die "flock: $!\n"' "$1"
+        perl -e 'alarm 1200; open(LOCK, ">&=", $ARGV[0]) && flock(LOCK, 2) or die "flock: $!\n"' "$1"
     fi
 }
 

@@ -9,11 +9,11 @@ open_screen() {
     local number
     exec {screen_answer}< <(exec Xvfb -displayfd 1 -screen 0 1280x900x24 -nolisten tcp 2>/dev/null)
     screen_processes=("$!")
-    read -r -u "$screen_answer" number || return 1
+    read -r -t 300 -u "$screen_answer" number || return 1
     export DISPLAY=:$number
     exec {screen_events}< <(exec "$1" watch)
     screen_processes+=("$!")
-    read -r -u "$screen_events" _ # "ready": from here on nothing is missed.
+    read -r -t 300 -u "$screen_events" _ # "ready": from here on nothing is missed.
 }
 
 close_screen() {

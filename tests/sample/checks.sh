@@ -17,6 +17,7 @@ end_running() {
     local id
     for id in "${running[@]}"; do
         kill "$id" 2>/dev/null || true
+        timeout 100 tail --pid="$id" -s 0.02 -f /dev/null || kill -KILL "$id" 2>/dev/null || true
         wait "$id" 2>/dev/null || true
     done
     running=()

@@ -6,6 +6,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
 #include <chrono>
 #include <functional>
 #include <string>
@@ -13,12 +17,20 @@
 
 namespace rcp::test {
 
+/// A test that crashes leaves nobody who waits for ever and keeps its output open.
+inline void endWithTheTest() {
+#ifdef __linux__
+    (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+}
+
 /// Runs `body` in a process of its own, which ends with the status that it returns; killed when the
 /// object goes.
 class ChildProcess {
   public:
     explicit ChildProcess(const std::function<int()>& body) : pid_(fork()) {
         if (pid_ == 0) {
+            endWithTheTest();
             _exit(body());
         }
     }
