@@ -129,6 +129,23 @@ Json lastJson(const std::optional<LastLaunch>& last) {
             {"outcome", nameOf(last->outcome)}, {"record", recordJson(last->record)}};
 }
 
+Json platformErrorsJson(const std::optional<PlatformLog>& log) {
+    if (!log) {
+        return {};
+    }
+    Json errors = Json::array();
+    for (const PlatformError& error : log->errors) {
+        errors.push_back({{"bundle", error.bundle},
+                          {"message", error.message},
+                          {"exception", orNull(error.exception)},
+                          {"missing", error.missing}});
+    }
+    return {{"time", utcTime(log->time)},
+            {"log", log->path},
+            {"count", log->count},
+            {"errors", std::move(errors)}};
+}
+
 }  // namespace
 
 nlohmann::ordered_json toJson(const WorkspaceState& state) {
@@ -146,7 +163,8 @@ nlohmann::ordered_json toJson(const WorkspaceState& state) {
               {"isOld", state.ids.isOld}}},
             {"provisioning", provisioningJson(state.provisioning)},
             {"nextLaunch", nextJson(state.next)},
-            {"lastLaunch", lastJson(state.last)}};
+            {"lastLaunch", lastJson(state.last)},
+            {"platformErrors", platformErrorsJson(state.platformErrors)}};
 }
 
 }  // namespace rcp::inspect

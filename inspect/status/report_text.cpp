@@ -207,6 +207,35 @@ void addLast(Page& page, const std::optional<LastLaunch>& last) {
     }
 }
 
+// What the platform has against its installation. Some events say no more than that they are errors.
+std::string textOf(const PlatformError& error) {
+    constexpr std::string_view kEvent = "FrameworkEvent ERROR";
+    std::string text = error.bundle;
+    if (!error.message.empty() && (error.message != kEvent || error.exception.empty())) {
+        text += ": " + error.message;
+    }
+    return error.exception.empty() ? text : text + ": " + error.exception;
+}
+
+void addPlatformErrors(Page& page, const std::optional<PlatformLog>& log) {
+    if (!log) {
+        return;
+    }
+    const std::string number = log->count == 1 ? "1 error" : std::to_string(log->count) + " errors";
+    const std::string shown =
+        log->errors.size() == log->count
+            ? ""
+            : ", the last " + std::to_string(log->errors.size()) + " of them here";
+    page.line("platform log", localTime(log->time) + " has " + number + shown, Tone::kBad);
+    page.more(log->path);
+    for (const PlatformError& error : log->errors) {
+        page.more(textOf(error), Tone::kBad);
+        for (const std::string& missing : error.missing) {
+            page.more("missing: " + missing);
+        }
+    }
+}
+
 }  // namespace
 
 std::string toText(const WorkspaceState& state, bool isColored) {
@@ -227,6 +256,7 @@ std::string toText(const WorkspaceState& state, bool isColored) {
     }
     addNext(page, state);
     addLast(page, state.last);
+    addPlatformErrors(page, state.platformErrors);
     return page.text();
 }
 

@@ -130,6 +130,9 @@ WorkspaceState WorkspaceWatch::look() {
     }
     state.next = nextLaunch(launch_);
     state.last = lastLaunch(text(facts, "logs"), options_.launcher);
+    if (!state.workspace.empty() && state.last) {
+        state.platformErrors = platformLog(state.configuration, state.workspace, state.last->time);
+    }
     return state;
 }
 

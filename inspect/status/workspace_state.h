@@ -6,6 +6,7 @@
 #include "inspect/status/last_launch.h"
 #include "inspect/status/lock_file.h"
 #include "inspect/status/lock_holders.h"
+#include "inspect/status/platform_log.h"
 
 #include <chrono>
 #include <nlohmann/json.hpp>
@@ -60,6 +61,7 @@ struct WorkspaceState {
     std::optional<ProvisioningState> provisioning;  // none for a launch that would end before
     NextLaunch next;
     std::optional<LastLaunch> last;
+    std::optional<PlatformLog> platformErrors;  // since then
 };
 
 /// One workspace, looked at once or again and again. Nothing is changed but a temporary folder that
