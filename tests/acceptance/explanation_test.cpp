@@ -15,22 +15,8 @@ class Explanations : public testing::TestWithParam<unsigned> {
 
     // Kinds of installations and of launches that the random lines rarely make.
     static void vary(Installation& velmo, Dice& dice) {
-        static const Texts lines = {"install.configuration=multiuser",
-                                    "install.configuration=lockdown",
-                                    "install.configuration=userpb",
-                                    "install.configuration=serial.multiuser",
-                                    "provisioning=true",
-                                    "provisioning.application=sample.provision",
-                                    "provisioning.manifest.version=2",
-                                    "rcp.data=${env.HOME}/elsewhere",
-                                    "config.initial.1=-initialCompleteFlag",
-                                    "config.initial.2=initial.complete",
-                                    "library.preload=/lib/some.so",
-                                    "vmarg.Dshare=-Xshareclasses",
-                                    "vmarg.a=-Xa",
-                                    "vmarg.a="};
         for (size_t left = dice.below(4); left > 0; --left) {
-            velmo.addLine(dice.pick(lines));
+            velmo.addLine(dice.pick(unusualLines()));
         }
         if (dice.chance(10)) {
             velmo.write("Velmo/rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini",

@@ -84,6 +84,24 @@ std::string randomLine(Dice& dice) {
     }
 }
 
+const Texts& unusualLines() {
+    static const Texts lines = {"install.configuration=multiuser",
+                                "install.configuration=lockdown",
+                                "install.configuration=userpb",
+                                "install.configuration=serial.multiuser",
+                                "provisioning=true",
+                                "provisioning.application=sample.provision",
+                                "provisioning.manifest.version=2",
+                                "rcp.data=${env.HOME}/elsewhere",
+                                "config.initial.1=-initialCompleteFlag",
+                                "config.initial.2=initial.complete",
+                                "library.preload=/lib/some.so",
+                                "vmarg.Dshare=-Xshareclasses",
+                                "vmarg.a=-Xa",
+                                "vmarg.a="};
+    return lines;
+}
+
 Texts makeRandom(Installation& velmo, Dice& dice) {
     Texts properties;
     for (size_t left = dice.below(25); left > 0; --left) {

@@ -27,6 +27,8 @@ unsigned seedFor(unsigned standard);
 
 /// One line for a property file, usually sound.
 std::string randomLine(Dice& dice);
+/// Lines for kinds of installations and of launches that the random ones rarely make.
+const Texts& unusualLines();
 /// Property files at random; returns the lines of the launcher's own.
 Texts makeRandom(Installation& velmo, Dice& dice);
 Texts randomArguments(const Installation& velmo, Dice& dice);
