@@ -1,7 +1,9 @@
 #include "diagnostics/log_file.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
-#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -18,8 +20,8 @@ namespace {
 constexpr wchar_t kTemporaryFolder[] = L"/tmp";
 constexpr wchar_t kLogName[] = L"/rcplauncher.log";
 
-// The log file's descriptor, -1 until enableLogging succeeds. The launcher never closes it: it is
-// close-on-exec and goes with the process.
+// The log file's descriptor, -1 until enableLogging succeeds. Nobody owns it: it is close-on-exec and goes
+// with the process, for the last record may come from anywhere.
 constinit int logFILE = -1;
 
 // Every record written while no log file is open and, in a log that refuses one (its disk is full),
@@ -27,21 +29,6 @@ constinit int logFILE = -1;
 std::string& queue() {
     static std::string logque;
     return logque;
-}
-
-// False when the file system refuses some of it.
-bool writeFully(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 std::wstring withSlashes(std::wstring path) {
@@ -70,7 +57,7 @@ constexpr int kLogFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 // file of his own there, or a second name of one of ours.
 bool mayWrite(int descriptor, bool inTemporaryFolder) {
     struct stat status {};
-    if (fstat(descriptor, &status) != 0) {
+    if (calls::fstat(descriptor, &status) != 0) {
         return false;
     }
     if (!S_ISREG(status.st_mode)) {
@@ -82,32 +69,24 @@ bool mayWrite(int descriptor, bool inTemporaryFolder) {
         return false;
     }
     // One of an earlier launch may be readable for others.
-    return !inTemporaryFolder || fchmod(descriptor, 0600) == 0;
+    return !inTemporaryFolder || calls::fchmod(descriptor, 0600) == 0;
 }
 
-int openLog(const char* path, bool inTemporaryFolder, int extraFlags) {
+UniqueFd openLog(const char* path, bool inTemporaryFolder, int extraFlags) {
     const int flags = kLogFlags | extraFlags | (inTemporaryFolder ? O_NOFOLLOW : 0);
     const mode_t mode = inTemporaryFolder ? 0600 : 0666;
-    const int descriptor = calls::open(path, flags, mode);
-    if (descriptor < 0) {
-        return -1;
-    }
-    if (!mayWrite(descriptor, inTemporaryFolder)) {
-        const int savedErrno = errno;
-        close(descriptor);
-        errno = savedErrno;
-        return -1;
-    }
-    return descriptor;
+    UniqueFd opened(calls::open(path, flags, mode));
+    return opened && mayWrite(opened.get(), inTemporaryFolder) ? std::move(opened) : UniqueFd();
 }
 
 // The log becomes `text`. What an earlier launch left is written over and then cut off: a file that
 // was emptied first would be sent to the disk as soon as it is closed, while the platform starts.
 // Later records are appended, so that a second launcher that does this leaves no hole of zeros
 // before the first one's next record. False when the file system refuses some of the text.
-bool startLog(int descriptor, std::string_view text) {
+bool startLog(UniqueFd file, std::string_view text) {
+    const int descriptor = file.release();
     const bool isWritten = writeFully(descriptor, text);
-    (void)ftruncate(descriptor, lseek(descriptor, 0, SEEK_CUR));
+    (void)calls::ftruncate(descriptor, lseek(descriptor, 0, SEEK_CUR));
     fcntl(descriptor, F_SETFL, O_APPEND | O_NONBLOCK);
     logFILE = descriptor;
     return isWritten;
@@ -115,7 +94,7 @@ bool startLog(int descriptor, std::string_view text) {
 
 // A traced launch keeps its log: the name carries the start time to the millisecond, and a launch
 // that meets an existing name waits a second for the next one.
-int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstring& path) {
+UniqueFd openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstring& path) {
     for (;;) {
         std::wstring time;
         getTimeString(time);
@@ -124,9 +103,9 @@ int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstrin
         path += time;
         path += L".log";
         path = withSlashes(path);
-        const int descriptor = openLog(pathBytes(path).c_str(), inTemporaryFolder, O_EXCL);
-        if (descriptor >= 0 || errno != EEXIST) {
-            return descriptor;
+        UniqueFd opened = openLog(pathBytes(path).c_str(), inTemporaryFolder, O_EXCL);
+        if (opened || errno != EEXIST) {
+            return opened;
         }
         sleep(1);
     }
@@ -134,14 +113,13 @@ int openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstrin
 
 bool enableLoggingIn(const std::wstring& folder, bool inTemporaryFolder) {
     std::wstring path = withSlashes(folder + kLogName);
-    const int descriptor = isTracingAsked()
-                               ? openFreshLog(folder, inTemporaryFolder, path)
-                               : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
-    if (descriptor < 0) {
+    UniqueFd file = isTracingAsked() ? openFreshLog(folder, inTemporaryFolder, path)
+                                     : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
+    if (!file) {
         report(because(errno), "ZYPRA0019E: Could not open %ls for writing!", path);
         return false;
     }
-    if (startLog(descriptor, queue() + '\n')) {
+    if (startLog(std::move(file), queue() + '\n')) {
         queue().clear();
     }
     return true;
@@ -160,9 +138,9 @@ void writeLastWords(std::string_view text) {
     if (logFILE >= 0 && writeFully(logFILE, text)) {
         return;
     }
-    const int descriptor = openLog("/tmp/rcplauncher.log", true, 0);
-    if (descriptor >= 0) {
-        (void)startLog(descriptor, text);
+    UniqueFd file = openLog("/tmp/rcplauncher.log", true, 0);
+    if (file) {
+        (void)startLog(std::move(file), text);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "inspect/bundle/bundle.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
+#include "inspect/rehearsal/rehearsed_calls.h"
 #include "launcher/rcp_launcher_main.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -117,6 +118,7 @@ std::string installationOf(const std::string& launcher) {
 }
 
 int run(int argc, char** argv) {
+    const InstalledCalls quiet(quietCalls());
     endOf(setCharacterLocale);
     std::vector<std::string> own;
     Options options;

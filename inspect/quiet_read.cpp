@@ -1,5 +1,7 @@
 #include "inspect/quiet_read.h"
 
+#include "base/unique_fd.h"
+
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,21 +24,17 @@ int openQuietly(const std::string& path, int flags) {
 }
 
 std::string readQuietly(const std::string& path, std::size_t limit) {
-    const int descriptor = openQuietly(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return {};
-    }
+    const UniqueFd file(openQuietly(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     std::string text;
     std::array<char, 65536> buffer;
-    bool goesOn = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    bool goesOn = file && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
     while (goesOn && text.size() < limit) {
         const ssize_t length =
-            read(descriptor, buffer.data(), std::min(buffer.size(), limit - text.size()));
+            read(file.get(), buffer.data(), std::min(buffer.size(), limit - text.size()));
         goesOn = length > 0 || (length < 0 && errno == EINTR);
         text.append(buffer.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
     }
-    close(descriptor);
     return text;
 }
 

@@ -1,5 +1,6 @@
 #include "launcher/hand_off.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
@@ -8,7 +9,6 @@
 #include "platform/platform.h"
 #include "platform/signals.h"
 #include "platform/text.h"
-#include "system/system_calls.h"
 
 #include <dlfcn.h>
 #include <errno.h>

@@ -1,6 +1,6 @@
 #include "platform/file_lock.h"
 
-#include "system/system_calls.h"
+#include "base/system_calls.h"
 
 #include <errno.h>
 #include <sys/file.h>
@@ -24,7 +24,7 @@ using Status = int (*)(const char* path, struct stat* status);
 bool isSame(int descriptor, const std::string& path, Status statusOf) {
     struct stat opened {};
     struct stat named {};
-    return fstat(descriptor, &opened) == 0 && statusOf(path.c_str(), &named) == 0 &&
+    return calls::fstat(descriptor, &opened) == 0 && statusOf(path.c_str(), &named) == 0 &&
            opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 

@@ -1,8 +1,9 @@
 #include "platform/files.h"
 
+#include "base/system_calls.h"
+#include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
-#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -46,7 +47,7 @@ struct FreeMemory {
 
 bool isRegular(int descriptor) {
     struct stat status {};
-    if (fstat(descriptor, &status) != 0) {
+    if (calls::fstat(descriptor, &status) != 0) {
         return false;
     }
     if (S_ISREG(status.st_mode)) {
@@ -68,12 +69,8 @@ Reason whyNoDirectory(const std::wstring& path, const PathMade& made) {
 
 bool existsA(const std::string& path) {
     // Non-blocking, so that a pipe without a writer answers at once.
-    const int descriptor = calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (descriptor < 0) {
-        return false;
-    }
-    close(descriptor);
-    return true;
+    const UniqueFd file(calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    return static_cast<bool>(file);
 }
 
 bool exists(const std::wstring& path) {
@@ -139,18 +136,13 @@ void open_file(Stream& stream, const std::wstring& path, const std::wstring& mod
         errno = EINVAL;
         return;
     }
-    const int descriptor = calls::open(toNarrow(path).c_str(),
-                                       openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
-    if (descriptor < 0) {
-        return;
+    UniqueFd file(calls::open(toNarrow(path).c_str(),
+                              openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
+    if (file && isRegular(file.get())) {
+        stream.reset(fdopen(file.get(), openMode->stream));
     }
-    if (isRegular(descriptor)) {
-        stream.reset(fdopen(descriptor, openMode->stream));
-    }
-    if (!stream) {
-        const int savedErrno = errno;
-        close(descriptor);
-        errno = savedErrno;
+    if (stream) {
+        (void)file.release();  // the stream's from now on
     }
 }
 

@@ -1,5 +1,8 @@
 #include "platform/process.h"
 
+#include "base/pipe.h"
+#include "base/transfer.h"
+
 #include <errno.h>
 #include <fcntl.h>
 #include <locale.h>
@@ -10,46 +13,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <string_view>
-#include <utility>
 
 extern char** environ;  // environ(7)
 
 namespace rcp {
 namespace {
-
-class Pipe {
-  public:
-    Pipe() {
-        if (pipe(ends_.data()) == 0) {
-            fcntl(ends_[0], F_SETFD, FD_CLOEXEC);
-            fcntl(ends_[1], F_SETFD, FD_CLOEXEC);
-        }
-    }
-    ~Pipe() {
-        closeEnd(0);
-        closeEnd(1);
-    }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
-    Pipe(Pipe&&) = delete;
-    Pipe& operator=(Pipe&&) = delete;
-
-    [[nodiscard]] bool isOpen() const { return ends_[0] >= 0; }
-    [[nodiscard]] int readEnd() const { return ends_[0]; }
-    [[nodiscard]] int writeEnd() const { return ends_[1]; }
-    void closeWriteEnd() { closeEnd(1); }
-
-  private:
-    void closeEnd(std::size_t end) {
-        if (ends_[end] >= 0) {
-            close(std::exchange(ends_[end], -1));
-        }
-    }
-    std::array<int, 2> ends_{-1, -1};
-};
 
 // Variables that change what a listing looks like; the reader of its lines wants it plain and
 // whole. The locale is given anew: the launcher's own may not be the one that the environment asks
@@ -125,19 +95,6 @@ class FileActions {
     posix_spawn_file_actions_t actions_{};
 };
 
-std::string readToEnd(int descriptor) {
-    std::string text;
-    std::array<char, 4096> buffer;
-    for (;;) {
-        const ssize_t length = read(descriptor, buffer.data(), buffer.size());
-        if (length > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(length));
-        } else if (length == 0 || errno != EINTR) {
-            return text;
-        }
-    }
-}
-
 bool waitForSuccess(pid_t process) {
     int status = 0;
     while (waitpid(process, &status, 0) < 0) {
@@ -152,12 +109,12 @@ bool waitForSuccess(pid_t process) {
 
 std::optional<ProgramResult> runProgram(const std::vector<std::string>& arguments) {
     Pipe output;
-    if (!output.isOpen() || arguments.empty()) {
+    if (!output.readEnd || arguments.empty()) {
         return std::nullopt;
     }
     FileActions actions;
     actions.useNullDevice(STDIN_FILENO, O_RDONLY);
-    actions.duplicate(output.writeEnd(), STDOUT_FILENO);
+    actions.duplicate(output.writeEnd.get(), STDOUT_FILENO);
     actions.useNullDevice(STDERR_FILENO, O_WRONLY);
 
     std::vector<std::string> copies = arguments;  // posix_spawn(3) takes them as writable
@@ -175,9 +132,9 @@ std::optional<ProgramResult> runProgram(const std::vector<std::string>& argument
         0) {
         return std::nullopt;
     }
-    output.closeWriteEnd();
+    output.writeEnd.reset();
     ProgramResult result;
-    result.output = readToEnd(output.readEnd());
+    result.output = readToEnd(output.readEnd.get());
     result.succeeded = waitForSuccess(process);
     return result;
 }

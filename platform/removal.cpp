@@ -1,9 +1,10 @@
 #include "platform/removal.h"
 
+#include "base/system_calls.h"
+#include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "system/system_calls.h"
 
 #include <dirent.h>
 #include <errno.h>
@@ -38,16 +39,11 @@ Entry atPath(const std::string& path) {
 
 // Null, with errno set, also for a link in the directory's place.
 Directory openDirectory(const Entry& entry) {
-    const int descriptor = calls::openat(entry.directory, entry.name.c_str(),
-                                         O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    Directory directory(fdopendir(descriptor));
-    if (!directory) {
-        const int savedErrno = errno;
-        close(descriptor);
-        errno = savedErrno;
+    UniqueFd opened(calls::openat(entry.directory, entry.name.c_str(),
+                                  O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    Directory directory(opened ? fdopendir(opened.get()) : nullptr);
+    if (directory) {
+        (void)opened.release();  // the stream's from now on
     }
     return directory;
 }

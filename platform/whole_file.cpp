@@ -1,9 +1,9 @@
 #include "platform/whole_file.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
 #include "platform/file_lock.h"
 #include "platform/text.h"
-#include "platform/transfer.h"
-#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -22,49 +22,51 @@ constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 
 // Opens the temporary file. What a killed launch left under its name may be no file that can be
 // written, or not with these permissions; the name is ours, so it goes.
-int openTemporary(const char* path) {
+UniqueFd openTemporary(const char* path) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const int descriptor = calls::open(path, kFlags, 0666);
-    if (descriptor >= 0 || (errno != EACCES && errno != ELOOP)) {
-        return descriptor;
+    UniqueFd opened(calls::open(path, kFlags, 0666));
+    const int error = errno;
+    if (!opened && (error == EACCES || error == ELOOP)) {
+        if (calls::unlink(path) == 0) {
+            opened.reset(calls::open(path, kFlags, 0666));
+        } else {
+            errno = error;
+        }
     }
-    const int savedErrno = errno;
-    if (calls::unlink(path) != 0) {
-        errno = savedErrno;
-        return -1;
-    }
-    return calls::open(path, kFlags, 0666);
+    return opened;
 }
 
-// Whether the locked file is ours to write, emptied. `isStale` when it has lost its name meanwhile:
-// the former holder of the lock renames or removes it.
-bool takeOver(int descriptor, const char* path, bool& isStale) {
+enum class TakeOver { kOurs, kFailed, kLostItsName };
+
+// Empties the locked file unless it has lost its name meanwhile: the former holder of the lock renames
+// or removes it. Failure leaves errno set.
+TakeOver takeOver(int descriptor, const char* path) {
     struct stat status {};
-    if (!lockExclusively(descriptor) || fstat(descriptor, &status) != 0) {
-        return false;
+    if (!lockExclusively(descriptor) || calls::fstat(descriptor, &status) != 0) {
+        return TakeOver::kFailed;
     }
-    isStale = !isNamed(descriptor, path);
-    if (isStale || !S_ISREG(status.st_mode)) {
+    if (!isNamed(descriptor, path)) {
+        return TakeOver::kLostItsName;
+    }
+    if (!S_ISREG(status.st_mode)) {
         errno = EINVAL;
-        return false;
+        return TakeOver::kFailed;
     }
-    return status.st_size == 0 || ftruncate(descriptor, 0) == 0;
+    const bool isEmpty = status.st_size == 0 || calls::ftruncate(descriptor, 0) == 0;
+    return isEmpty ? TakeOver::kOurs : TakeOver::kFailed;
 }
 
 // Opens `path` and locks it; a file that lost its name while its lock was waited for is given up
 // for the next one.
-int openAndLock(const char* path) {
+UniqueFd openAndLock(const char* path) {
     for (;;) {
-        const int descriptor = openTemporary(path);
-        bool isStale = false;
-        if (descriptor < 0 || takeOver(descriptor, path, isStale)) {
-            return descriptor;
+        UniqueFd opened = openTemporary(path);
+        const TakeOver result = opened ? takeOver(opened.get(), path) : TakeOver::kFailed;
+        if (result == TakeOver::kOurs) {
+            return opened;
         }
-        const int savedErrno = errno;
-        close(descriptor);
-        errno = savedErrno;
-        if (!isStale) {
-            return -1;
+        if (result == TakeOver::kFailed) {
+            return {};
         }
     }
 }
@@ -107,30 +109,20 @@ void TemporaryName::removeAll() {
 }
 
 bool holdsText(const std::wstring& path, std::string_view text) {
-    const int descriptor = calls::open(toNarrow(path).c_str(),
-                                       O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
+    const UniqueFd file(calls::open(toNarrow(path).c_str(),
+                                    O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
-    bool isSame = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-                  status.st_size == static_cast<off_t>(text.size());
-    isSame = isSame && readBeginning(descriptor, text.size()) == text;
-    close(descriptor);
-    return isSame;
+    return file && calls::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
+           status.st_size == static_cast<off_t>(text.size()) &&
+           readBeginning(file.get(), text.size()) == text;
 }
 
 void removeUnfinished(const std::wstring& target) {
     const std::string path = toNarrow(target + L".tmp");
-    const int descriptor =
-        calls::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) {
-        return;
-    }
-    if (calls::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && isNamed(descriptor, path)) {
+    const UniqueFd file(calls::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file && calls::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && isNamed(file.get(), path)) {
         calls::unlink(path.c_str());
     }
-    close(descriptor);
 }
 
 WholeFile::WholeFile(std::wstring target, const std::wstring& suffix)
@@ -150,8 +142,8 @@ bool WholeFile::open() {
         errno = EISDIR;  // nothing could be renamed over it
         return false;
     }
-    descriptor_ = openAndLock(temporary_.path().c_str());
-    if (descriptor_ < 0) {
+    file_ = openAndLock(temporary_.path().c_str());
+    if (!file_) {
         return false;
     }
     temporary_.claim();
@@ -164,7 +156,7 @@ bool WholeFile::write(std::string_view bytes) {
 }
 
 bool WholeFile::flush() {
-    if (firstError_ == 0 && !writeFully(descriptor_, buffer_)) {
+    if (firstError_ == 0 && !writeFully(file_.get(), buffer_)) {
         firstError_ = errno;
     }
     buffer_.clear();
@@ -177,16 +169,16 @@ bool WholeFile::keepPermissionsOfTarget() const {
     if (calls::stat(targetBytes_.c_str(), &status) != 0) {
         return errno == ENOENT;
     }
-    return fchmod(descriptor_, status.st_mode & 07777U) == 0;
+    return calls::fchmod(file_.get(), status.st_mode & 07777U) == 0;
 }
 
 bool WholeFile::commit() {
-    if (descriptor_ < 0 || !flush() || !keepPermissionsOfTarget() ||
+    if (!file_ || !flush() || !keepPermissionsOfTarget() ||
         calls::rename(temporary_.path().c_str(), targetBytes_.c_str()) != 0) {
-        const int savedErrno = errno;
+        const int error = errno;
         temporary_.remove();
         closeAndForget();
-        errno = savedErrno;
+        errno = error;
         return false;
     }
     temporary_.release();
@@ -195,9 +187,7 @@ bool WholeFile::commit() {
 }
 
 void WholeFile::closeAndForget() {
-    if (descriptor_ >= 0) {
-        close(std::exchange(descriptor_, -1));
-    }
+    file_.reset();
     buffer_.clear();
 }
 

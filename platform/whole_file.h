@@ -8,6 +8,8 @@
 // a fatal error too, leaves no temporary name behind.
 #pragma once
 
+#include "base/unique_fd.h"
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -80,7 +82,7 @@ class WholeFile {
     std::string targetBytes_;
     TemporaryName temporary_;
     std::string buffer_;
-    int descriptor_ = -1;
+    UniqueFd file_;
     int firstError_ = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "inspect/check/examination.h"
 
+#include "base/transfer.h"
 #include "diagnostics/svc_debug.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/memory_file.h"
@@ -181,15 +182,11 @@ Origin Examination::originOf(std::wstring_view key) const {
 
 PropertyList parseProperties(const std::string& text) {
     PropertyList list;
-    const int descriptor = openMemoryFile();
-    if (descriptor < 0) {
-        return list;
+    const UniqueFd file = openMemoryFile();
+    if (file && writeFully(file.get(), text)) {
+        lseek(file.get(), 0, SEEK_SET);  // where opening by number gives the same position
+        endOf([&] { getProperties(L"/dev/fd/" + std::to_wstring(file.get()), list); });
     }
-    if (write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size())) {
-        lseek(descriptor, 0, SEEK_SET);  // where opening by number gives the same position
-        endOf([&] { getProperties(L"/dev/fd/" + std::to_wstring(descriptor), list); });
-    }
-    close(descriptor);
     return list;
 }
 

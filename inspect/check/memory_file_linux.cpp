@@ -4,8 +4,8 @@
 
 namespace rcp::inspect {
 
-int openMemoryFile() {
-    return memfd_create("rcpinspect", MFD_CLOEXEC);
+UniqueFd openMemoryFile() {
+    return UniqueFd(memfd_create("rcpinspect", MFD_CLOEXEC));
 }
 
 }  // namespace rcp::inspect

@@ -7,14 +7,14 @@
 namespace rcp::inspect {
 
 // There is no file without a name here, only one whose name is gone at once.
-int openMemoryFile() {
+UniqueFd openMemoryFile() {
     char name[] = "/tmp/rcpinspect.XXXXXX";
-    const int descriptor = mkstemp(name);
-    if (descriptor >= 0) {
+    UniqueFd file(mkstemp(name));
+    if (file) {
         unlink(name);
-        fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+        fcntl(file.get(), F_SETFD, FD_CLOEXEC);
     }
-    return descriptor;
+    return file;
 }
 
 }  // namespace rcp::inspect

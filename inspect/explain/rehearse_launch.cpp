@@ -1,5 +1,7 @@
 #include "inspect/explain/rehearse_launch.h"
 
+#include "base/pipe.h"
+#include "base/transfer.h"
 #include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
@@ -10,7 +12,6 @@
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
-#include "platform/transfer.h"
 
 #include <errno.h>
 #include <poll.h>
@@ -187,37 +188,23 @@ void tellIfSlow(int descriptor) {
     }
 }
 
-std::string readToEnd(int descriptor) {
-    std::string text;
-    char buffer[4096];
-    for (;;) {
-        const ssize_t length = read(descriptor, buffer, sizeof buffer);
-        if (length > 0) {
-            text.append(buffer, static_cast<std::size_t>(length));
-        } else if (length == 0 || errno != EINTR) {
-            return text;
-        }
-    }
-}
-
 // What the rehearsal's process tells, and its wait status.
 std::string runRehearsal(const Options& options, int& status) {
     const TemporaryFolder folder;
-    int ends[2];
-    if (pipe(ends) != 0) {
+    Pipe answer;
+    if (!answer.readEnd) {
         throw std::runtime_error("no pipe can be made");
     }
     const pid_t child = fork();
     if (child == 0) {
-        close(ends[0]);
-        rehearse(options, folder.path(), ends[1]);
+        answer.readEnd.reset();
+        rehearse(options, folder.path(), answer.writeEnd.get());
     }
-    close(ends[1]);
+    answer.writeEnd.reset();
     if (child > 0) {
-        tellIfSlow(ends[0]);
+        tellIfSlow(answer.readEnd.get());
     }
-    std::string text = child < 0 ? std::string() : readToEnd(ends[0]);
-    close(ends[0]);
+    std::string text = child < 0 ? std::string() : readToEnd(answer.readEnd.get());
     if (child < 0 || waitpid(child, &status, 0) != child) {
         throw std::runtime_error("no process can be made");
     }

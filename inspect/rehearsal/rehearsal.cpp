@@ -1,7 +1,9 @@
 #include "inspect/rehearsal/rehearsal.h"
 
+#include "base/transfer.h"
+#include "base/unique_fd.h"
 #include "inspect/quiet_read.h"
-#include "platform/transfer.h"
+#include "inspect/rehearsal/rehearsed_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -53,7 +55,7 @@ void standIn(const std::string& place, const std::string& original) {
     } else if (type == std::filesystem::file_type::symlink) {
         std::filesystem::create_symlink("nowhere", place, ignored);
     } else {
-        close(::open(place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        const UniqueFd made(::open(place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     }
 }
 
@@ -63,7 +65,7 @@ Rehearsal* currentRehearsal() {
     return current;
 }
 
-Rehearsal::Rehearsal(std::string folder) : tree_(std::move(folder)) {
+Rehearsal::Rehearsal(std::string folder) : tree_(std::move(folder)), calls_(rehearsedCalls()) {
     current = this;
 }
 
@@ -232,14 +234,9 @@ std::string Rehearsal::copyUp(const Found& file) {
     if (::stat(file.place.c_str(), &status) != 0) {
         return {};
     }
-    const int descriptor = ::open(copy.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    if (descriptor < 0) {
-        return {};
-    }
-    const bool isCopied = writeFully(descriptor, readQuietly(file.place)) &&
-                          fchmod(descriptor, status.st_mode & 07777U) == 0;
-    close(descriptor);
-    if (!isCopied) {
+    const UniqueFd opened(::open(copy.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    if (!opened || !writeFully(opened.get(), readQuietly(file.place)) ||
+        fchmod(opened.get(), status.st_mode & 07777U) != 0) {
         return {};
     }
     tree_.put(file, copy);

@@ -3,6 +3,7 @@
 // when it is opened for writing.
 #pragma once
 
+#include "base/system_calls.h"
 #include "inspect/rehearsal/changed_tree.h"
 
 #include <map>
@@ -29,7 +30,7 @@ class Rehearsal {
     /// From now on there is nothing at `path`.
     void hide(const std::string& path);
 
-    // The calls themselves; system/system_calls.h tells what each does.
+    // The calls themselves; base/system_calls.h tells what each does.
     int open(const std::string& path, int flags, unsigned mode);
     /// What `path` means for a call that starts from an open directory.
     [[nodiscard]] std::string pathFrom(int directory, const std::string& path) const;
@@ -55,6 +56,7 @@ class Rehearsal {
     std::string copyUp(const Found& file);
 
     ChangedTree tree_;
+    InstalledCalls calls_;
     std::map<int, std::string> directories_;  // those that were opened, by descriptor
 };
 

@@ -1,5 +1,6 @@
 // macOS: the two kinds of locks see each other, so a question for a record lock tells whether the
 // file is locked; libproc(3) tells who has it open.
+#include "base/unique_fd.h"
 #include "inspect/status/lock_holders.h"
 
 #include <fcntl.h>
@@ -12,16 +13,11 @@ namespace rcp::inspect {
 namespace {
 
 bool isLocked(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
+    const UniqueFd file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct flock question {};
     question.l_type = F_RDLCK;
     question.l_whence = SEEK_SET;
-    const bool isAnswered = fcntl(descriptor, F_GETLK, &question) == 0;
-    close(descriptor);
-    return isAnswered && question.l_type != F_UNLCK;
+    return file && fcntl(file.get(), F_GETLK, &question) == 0 && question.l_type != F_UNLCK;
 }
 
 Process processOf(pid_t id) {

@@ -1,15 +1,13 @@
 #include "launcher/core/hand_off_tools.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
 #include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/signals.h"
 #include "platform/text.h"
 
 #include <errno.h>
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <utility>
 
 namespace rcp {
 
@@ -41,7 +39,7 @@ void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments
 
 void becomeProgram(NarrowArguments& command) {
     restoreFileSizeSignal();
-    execv(command.data()[0], command.data());
+    calls::execv(command.data()[0], command.data());
     const int error = errno;
     ignoreFileSizeSignal();
     report(because(error), "Error: execv: %ls could not be started",
@@ -51,36 +49,15 @@ void becomeProgram(NarrowArguments& command) {
     }
 }
 
-Gate::Gate() {
-    if (pipe(ends_.data()) != 0) {
-        ends_ = {-1, -1};
-        return;
-    }
-    for (const int end : ends_) {
-        fcntl(end, F_SETFD, FD_CLOEXEC);
-    }
-}
-
-Gate::~Gate() {
-    closeEnd(0);
-    closeEnd(1);
-}
-
 void Gate::open() {
-    closeEnd(0);
-    closeEnd(1);
+    pipe_.readEnd.reset();
+    pipe_.writeEnd.reset();
 }
 
 void Gate::wait() {
-    closeEnd(1);
-    char unused = 0;
-    while (ends_[0] >= 0 && read(ends_[0], &unused, 1) < 0 && errno == EINTR) {
-    }
-}
-
-void Gate::closeEnd(std::size_t end) {
-    if (ends_[end] >= 0) {
-        close(std::exchange(ends_[end], -1));
+    pipe_.writeEnd.reset();
+    if (pipe_.readEnd) {
+        (void)readToEnd(pipe_.readEnd.get());
     }
 }
 

@@ -1,9 +1,9 @@
 // What both hand-offs, to the platform and to the provisioning application, need.
 #pragma once
 
+#include "base/pipe.h"
 #include "diagnostics/argument.h"
 
-#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -44,21 +44,13 @@ void becomeProgram(NarrowArguments& command);
 /// the parent's end. Without descriptors for a pipe the gate is open from the start.
 class Gate {
   public:
-    Gate();
-    ~Gate();
-    Gate(const Gate&) = delete;
-    Gate& operator=(const Gate&) = delete;
-    Gate(Gate&&) = delete;
-    Gate& operator=(Gate&&) = delete;
-
     /// In the parent.
     void open();
     /// In the child.
     void wait();
 
   private:
-    void closeEnd(std::size_t end);
-    std::array<int, 2> ends_{-1, -1};
+    Pipe pipe_;
 };
 
 }  // namespace rcp

@@ -1,5 +1,7 @@
 #include "launcher/core/install_id.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_state.h"
@@ -7,7 +9,6 @@
 #include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "platform/transfer.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -30,7 +31,7 @@ bool lastLineIsOpen(int descriptor, off_t size) {
 // Appends the id as a line of its own. A line that cannot be written whole is taken back.
 bool appendLine(int descriptor, const std::wstring& id) {
     struct stat status {};
-    if (fstat(descriptor, &status) != 0) {
+    if (calls::fstat(descriptor, &status) != 0) {
         return false;
     }
     std::string line = lastLineIsOpen(descriptor, status.st_size) ? "\n" : "";
@@ -38,12 +39,12 @@ bool appendLine(int descriptor, const std::wstring& id) {
     if (writeFully(descriptor, line)) {
         return true;
     }
-    const int savedErrno = errno;
-    if (ftruncate(descriptor, status.st_size) != 0) {
+    const int error = errno;
+    if (calls::ftruncate(descriptor, status.st_size) != 0) {
         report(because(errno),
                "Error: getInstallID: an incomplete line stays in the property file.");
     }
-    errno = savedErrno;
+    errno = error;
     return false;
 }
 

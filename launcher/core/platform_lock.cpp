@@ -1,5 +1,8 @@
 #include "launcher/core/platform_lock.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_state.h"
 #include "launcher/core/lock_content.h"
@@ -9,8 +12,6 @@
 #include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "platform/transfer.h"
-#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -39,12 +40,12 @@ std::wstring mainPidFilePath;
 std::wstring provisioningFilePath;
 std::wstring pipename;
 bool bDirtyShutdown = false;
-int lockFILE = -1;  // open from locateLockFile until closeLockFile
+UniqueFd lockFILE;  // open from locateLockFile until closeLockFile
 
 // A file that cannot be read must not count as empty: that would make this launcher the main one
 // beside a running platform.
 std::string contentOfLockFile() {
-    std::optional<std::string> content = readBeginning(lockFILE, kLongestContent);
+    std::optional<std::string> content = readBeginning(lockFILE.get(), kLongestContent);
     if (!content) {
         fatal(because(errno), "ZYPRA0092E: Error reading platform lock file. (%ls)", lockFilePath);
     }
@@ -56,10 +57,10 @@ std::string contentOfLockFile() {
 // file elsewhere, where a network home cannot be locked.
 void takeLock() {
     for (int comparison = 1;; ++comparison) {
-        if (!lockExclusively(lockFILE)) {
+        if (!lockExclusively(lockFILE.get())) {
             fatal(because(errno), "ZYPRA0053E: Error locking platform lock file. ");
         }
-        if (isLedTo(lockFILE, toNarrow(lockFilePath))) {
+        if (isLedTo(lockFILE.get(), toNarrow(lockFilePath))) {
             return;
         }
         if (comparison == kMostComparisons) {
@@ -126,15 +127,15 @@ Launch locateLockFile(const Arguments& arguments, const std::wstring& workspace,
 void createAndOpenLockFile() {
     const std::string path = toNarrow(lockFilePath);
     closeLockFile();
-    lockFILE =
-        calls::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600);
-    if (lockFILE < 0) {
+    lockFILE.reset(
+        calls::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600));
+    if (!lockFILE) {
         const int error = errno;
         report(noReason(), "ZYPRA0199E: CreateLockFile failed. errno=%d", error);
         fatal(because(error), "ZYPRA0054E: Error locating platform lock file");
     }
     struct stat status {};
-    const int error = fstat(lockFILE, &status) == 0 ? 0 : errno;
+    const int error = calls::fstat(lockFILE.get(), &status) == 0 ? 0 : errno;
     if (error != 0 || !S_ISREG(status.st_mode)) {
         fatal(error != 0 ? because(error) : because("not a regular file"),
               "ZYPRA0054E: Error locating platform lock file");
@@ -163,29 +164,27 @@ Launch lockLockFile(const std::wstring& sidPath, const std::wstring& processMark
 }
 
 void unlockLockFile() {
-    if (lockFILE < 0) {
+    if (!lockFILE) {
         return;
     }
-    if (calls::flock(lockFILE, LOCK_UN) != 0) {
+    if (calls::flock(lockFILE.get(), LOCK_UN) != 0) {
         fatal(because(errno), "ZYPRA0070E: Error unlocking platform lock file. ");
     }
     traceWithTime(L"ZYPRA0306I: lock file released @ %s");
 }
 
 void closeLockFile() {
-    if (lockFILE >= 0) {
-        close(std::exchange(lockFILE, -1));
-    }
+    lockFILE.reset();
 }
 
 void invalidateLockFile() {
-    if (!writeFullyAt(lockFILE, kClearedLockContent, 0)) {
+    if (!writeFullyAt(lockFILE.get(), kClearedLockContent, 0)) {
         report(because(errno), "ZYPRA0052E: Unable to invalidate platform lock file");
     }
 }
 
 bool isMainProcessRunning(const std::wstring& processMarker) {
-    if (lockFILE < 0 || !exists(lockFilePath)) {
+    if (!lockFILE || !exists(lockFilePath)) {
         return false;
     }
     report(noReason(), "ZYPRA0090E: Existing platform lock file found - checking validity.");
@@ -208,7 +207,7 @@ void populateLockFile(int processId) {
         return;
     }
     populateMainPidFile(static_cast<unsigned long>(processId));
-    if (!writeFullyAt(lockFILE, lockContentFor(processId), 0)) {
+    if (!writeFullyAt(lockFILE.get(), lockContentFor(processId), 0)) {
         report(because(errno), "ZYPRA0051E: Unable to write to platform lock file");
     }
 }
@@ -226,7 +225,8 @@ void populateMainPidFile(unsigned long processId) {
     // What an earlier launch left is written over and then cut off: a file that was emptied first
     // would be sent to the disk as soon as it is closed, while the platform starts.
     const int written = fprintf(stream.get(), "%lu    ", processId);
-    if (written < 0 || fflush(stream.get()) != 0 || ftruncate(fileno(stream.get()), written) != 0) {
+    if (written < 0 || fflush(stream.get()) != 0 ||
+        calls::ftruncate(fileno(stream.get()), written) != 0) {
         SvcDebugOutA("ZYPRA00XXI: Unable to write pid to rcp.main file");
     }
 }

@@ -1,5 +1,6 @@
 #include "launcher/core/provisioning.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/command_line.h"
 #include "launcher/core/hand_off_tools.h"
@@ -12,7 +13,6 @@
 #include "platform/files.h"
 #include "platform/removal.h"
 #include "platform/text.h"
-#include "system/system_calls.h"
 
 #include <stdlib.h>
 #include <sys/wait.h>

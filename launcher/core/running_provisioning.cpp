@@ -1,12 +1,13 @@
 #include "launcher/core/running_provisioning.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/environment.h"
 #include "platform/platform.h"
 #include "platform/text.h"
-#include "platform/transfer.h"
 #include "platform/whole_file.h"
-#include "system/system_calls.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -22,14 +23,10 @@ constexpr int kPatience = 60;  // seconds, until an error is recorded
 constexpr std::size_t kLongestContent = 256;
 
 std::string contentOf(const std::wstring& path) {
-    const int descriptor =
-        calls::open(toNarrow(path).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return {};
-    }
-    std::string content = readBeginning(descriptor, kLongestContent).value_or(std::string());
-    close(descriptor);
-    return content;
+    const UniqueFd file(
+        calls::open(toNarrow(path).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    return file ? readBeginning(file.get(), kLongestContent).value_or(std::string())
+                : std::string();
 }
 
 std::string recordOf(pid_t process, const std::string& start) {

@@ -1,10 +1,10 @@
 #include "launcher/core/shared_classes.h"
 
+#include "base/system_calls.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
-#include "system/system_calls.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "tests/inspect/rehearsal_fixture.h"
 
-#include "system/system_calls.h"
+#include "base/system_calls.h"
 
 #include <dirent.h>
 #include <errno.h>

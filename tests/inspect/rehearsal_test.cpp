@@ -1,5 +1,5 @@
 // File calls that change nothing: the same results as the real ones, and the changes told.
-#include "system/system_calls.h"
+#include "base/system_calls.h"
 #include "tests/inspect/rehearsal_fixture.h"
 
 #include <fcntl.h>

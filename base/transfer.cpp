@@ -1,7 +1,10 @@
-#include "platform/transfer.h"
+#include "base/transfer.h"
+
+#include "base/system_calls.h"
 
 #include <errno.h>
-#include <unistd.h>
+
+#include <array>
 
 namespace rcp {
 namespace {
@@ -26,13 +29,13 @@ bool writeAll(std::string_view bytes, Transfer transfer) {
 
 bool writeFully(int descriptor, std::string_view bytes) {
     return writeAll(bytes, [descriptor](const char* from, std::size_t size, std::size_t) {
-        return write(descriptor, from, size);
+        return calls::write(descriptor, from, size);
     });
 }
 
 bool writeFullyAt(int descriptor, std::string_view bytes, off_t offset) {
     return writeAll(bytes, [=](const char* from, std::size_t size, std::size_t done) {
-        return pwrite(descriptor, from, size, offset + static_cast<off_t>(done));
+        return calls::pwrite(descriptor, from, size, offset + static_cast<off_t>(done));
     });
 }
 
@@ -41,7 +44,7 @@ std::optional<std::string> readBeginning(int descriptor, std::size_t limit) {
     std::size_t done = 0;
     while (done < limit) {
         const ssize_t length =
-            pread(descriptor, text.data() + done, limit - done, static_cast<off_t>(done));
+            calls::pread(descriptor, text.data() + done, limit - done, static_cast<off_t>(done));
         if (length < 0 && errno != EINTR) {
             return std::nullopt;
         }
@@ -52,6 +55,19 @@ std::optional<std::string> readBeginning(int descriptor, std::size_t limit) {
     }
     text.resize(done);
     return text;
+}
+
+std::string readToEnd(int descriptor) {
+    std::string text;
+    std::array<char, 4096> buffer;
+    for (;;) {
+        const ssize_t length = calls::read(descriptor, buffer.data(), buffer.size());
+        if (length > 0) {
+            text.append(buffer.data(), static_cast<std::size_t>(length));
+        } else if (length == 0 || errno != EINTR) {
+            return text;
+        }
+    }
 }
 
 }  // namespace rcp

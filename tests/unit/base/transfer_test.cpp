@@ -1,4 +1,4 @@
-#include "platform/transfer.h"
+#include "base/transfer.h"
 
 #include "tests/unit/fixture.h"
 

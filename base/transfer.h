@@ -20,4 +20,7 @@ bool writeFullyAt(int descriptor, std::string_view bytes, off_t offset);
 /// position alone. Empty optional, with errno set, when it cannot be read.
 std::optional<std::string> readBeginning(int descriptor, std::size_t limit);
 
+/// What is left to read, to its end or to a failure, which leaves errno set.
+std::string readToEnd(int descriptor);
+
 }  // namespace rcp

@@ -1,0 +1,41 @@
+#include "base/system_calls.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace rcp {
+
+// Where the system's function takes more, or another number of arguments, a function of ours stands in.
+constinit const SystemCalls kSystemsOwnCalls = {
+    .open = [](const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); },
+    .openat = [](int directory, const char* path,
+                 int flags) { return ::openat(directory, path, flags); },
+    .stat = ::stat,
+    .lstat = ::lstat,
+    .fstatat = ::fstatat,
+    .fstat = ::fstat,
+    .realpath = [](const char* path) { return ::realpath(path, nullptr); },
+    .readlink = ::readlink,
+    .mkdir = ::mkdir,
+    .rename = ::rename,
+    .unlink = ::unlink,
+    .unlinkat = ::unlinkat,
+    .symlink = ::symlink,
+    .flock = ::flock,
+    .read = ::read,
+    .pread = ::pread,
+    .write = ::write,
+    .pwrite = ::pwrite,
+    .ftruncate = ::ftruncate,
+    .fchmod = ::fchmod,
+    .pipe = ::pipe,
+    .fork = ::fork,
+    .execv = ::execv,
+};
+
+constinit SystemCalls systemCalls = kSystemsOwnCalls;
+
+}  // namespace rcp
