@@ -1,10 +1,10 @@
 #include "platform/preload.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "system/system_calls.h"
 
 #include <errno.h>
 #include <limits.h>
@@ -104,6 +104,11 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
     SvcDebugOutW(L"setPreload():found property: library.preload=%s", library);
     const std::string libraryPath = toNarrow(library);
     if (!existsA(libraryPath)) {
+        if (errno != ENOENT && errno != ENOTDIR) {
+            // It may well be there, and whoever configured it counts on it.
+            report(because(errno), "Error: setPreload: %ls cannot be read and is not preloaded.",
+                   library);
+        }
         return;
     }
     const std::wstring wideLinkPath = linkPathFor(library, qualifier);

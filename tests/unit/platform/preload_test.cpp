@@ -1,11 +1,14 @@
 // The library preload link.
 #include "platform/preload.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/core/records.h"
 
+#include <errno.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -72,6 +75,23 @@ TEST_F(Preload, PathWithoutABlankIsUsedAsItIsEvenWhenNothingIsThere) {
     EXPECT_EQ(records_.text(), "setPreload():setting LD_PRELOAD=/not/there.so\n");
     setPreload(L"name.so", L"x64");
     EXPECT_EQ(preloaded(), "name.so");
+}
+
+TEST_F(Preload, ALibraryThatCannotBeReadIsMissedInARecord) {
+    SystemCalls failing = systemCalls;
+    failing.open = [](const char*, int, mode_t) {
+        errno = EINTR;
+        return -1;
+    };
+    {
+        const InstalledCalls installed(failing);
+        set();
+    }
+    EXPECT_EQ(preloaded(), std::nullopt);
+    EXPECT_EQ(records_.text(), "setPreload():found property: library.preload=" + library() +
+                                   "\nError: setPreload: " + library() +
+                                   " cannot be read and is not preloaded. : " + strerror(EINTR) +
+                                   "\n");
 }
 
 TEST_F(Preload, PathWithABlankThatDoesNotExistLeavesTheVariableUntouched) {
