@@ -20,10 +20,6 @@ bool debug = false;
 
 namespace {
 
-// The record may be the last thing this process says, so a failure while it is made must not
-// start another report.
-bool reportingFatalError = false;
-
 void writeRecord(std::string text) {
     text.resize(cutAtCharacter(text, kRecordLimit).size());
     text += '\n';
@@ -38,28 +34,6 @@ void output_doit(std::string_view format, std::span<const FormatArgument> argume
 }
 
 constexpr int kFatalStatus = 255;
-
-void endProcess(int status) {
-    if (status != 0 && !logHasAll()) {
-        dumpLogToTempLocation();
-    }
-    exit(status);
-}
-
-constinit EndFunction endFunction = &endProcess;
-
-// Set while a fatal error is reported. A replaced end leaves by an exception, which clears it.
-class Reporting {
-  public:
-    Reporting() { reportingFatalError = true; }
-    ~Reporting() { reportingFatalError = false; }
-    Reporting(const Reporting&) = delete;
-    Reporting& operator=(const Reporting&) = delete;
-    Reporting(Reporting&&) = delete;
-    Reporting& operator=(Reporting&&) = delete;
-};
-
-void runOutOfMemory();
 
 // Held back so that the report of an exhausted memory has memory to work with.
 class EmergencyReserve {
@@ -77,9 +51,18 @@ class EmergencyReserve {
 
 constinit EmergencyReserve emergencyReserve;
 
+// The record may be the last thing this process says, so a failure while it is made must not start
+// another report.
 void runOutOfMemory() {
-    emergencyReserve.release();
-    fatal(because(ENOMEM), "ZYPRA0004E: malloc failed!");
+    static bool isReporting = false;
+    if (std::exchange(isReporting, true)) {
+        writeLastWords("ZYPRA0004E: malloc failed!\n");
+    } else {
+        emergencyReserve.release();
+        reportRecord(because(ENOMEM), "ZYPRA0004E: malloc failed!", {});
+        endedWith(kFatalStatus);
+    }
+    _exit(kFatalStatus);
 }
 
 }  // namespace
@@ -195,24 +178,18 @@ std::string reportRecord(const Reason& reason, std::string_view format,
 
 void endWithRecord(const Reason& reason, std::string_view format,
                    std::span<const FormatArgument> arguments) {
-    if (reportingFatalError) {
-        // Only exhausted memory fails while it is being reported.
-        writeLastWords("ZYPRA0004E: malloc failed!\n");
-        _exit(kFatalStatus);
-    }
-    const Reporting reporting;
-    reportRecord(reason, format, arguments);
-    endFunction(kFatalStatus);
-    _exit(kFatalStatus);  // not reached
+    throw LaunchEnded{kFatalStatus, reportRecord(reason, format, arguments)};
 }
 
 void endLaunch(int status) {
-    endFunction(status);
-    _exit(status);  // not reached
+    throw LaunchEnded{status, {}};
 }
 
-EndFunction setEndFunction(EndFunction function) {
-    return std::exchange(endFunction, function);
+int endedWith(int status) {
+    if (status != 0 && !logHasAll()) {
+        dumpLogToTempLocation();
+    }
+    return status;
 }
 
 void GetLastErrorMsg(std::string& out) {

@@ -77,8 +77,7 @@ void Output(std::string_view format, std::span<const FormatArgument> arguments);
 /// One error record: `format` with `arguments`, then what `reason` knows. Returns it.
 std::string reportRecord(const Reason& reason, std::string_view format,
                          std::span<const FormatArgument> arguments);
-/// The same, then the end of the process with status 255 (exit(3), so what was registered with
-/// atexit(3) runs).
+/// The same, then the end of the launch with status 255.
 [[noreturn]] void endWithRecord(const Reason& reason, std::string_view format,
                                 std::span<const FormatArgument> arguments);
 
@@ -89,22 +88,26 @@ void report(const Reason& reason, std::string_view format, const Values&... valu
     reportRecord(reason, format, arguments);
 }
 
-/// Reports a failure that ends the launch.
+/// Reports a failure that ends the launch (LaunchEnded).
 template <typename... Values>
 [[noreturn]] void fatal(const Reason& reason, std::string_view format, const Values&... values) {
     const std::array<FormatArgument, sizeof...(Values)> arguments{FormatArgument(values)...};
     endWithRecord(reason, format, arguments);
 }
 
-/// Ends the process where a launch is over before the hand-off; with another status than 0 the
-/// records go to the temporary log when no log is open, or the open one has refused some.
+/// The end of a launch before its hand-off. The launcher's only exception: whoever makes a launch catches
+/// it and calls endedWith, and nobody in between does more than tidy up.
+struct LaunchEnded {
+    int status = 0;
+    std::string record;  // the fatal one; empty without
+};
+
+/// Ends the launch.
 [[noreturn]] void endLaunch(int status);
 
-using EndFunction = void (*)(int status);
-/// Replaces what endLaunch and fatal errors end the process by and returns the former function, so
-/// that a fuzzer can go on with its next input. The replacement leaves by an exception; it must not
-/// return.
-EndFunction setEndFunction(EndFunction function);
+/// The last thing of a launch that has ended with `status`, which is returned: with another than 0 its
+/// records go to the temporary log when no log is open, or the open one has refused some.
+int endedWith(int status);
 
 /// " Failed with error N: text" for the current errno.
 void GetLastErrorMsg(std::string& out);
@@ -127,7 +130,8 @@ void getTimeString(std::wstring& out);
 /// What has been written while no log file was open. For tests.
 const std::string& logQueue();
 
-/// From now on running out of memory ends the process with a record instead of an exception.
+/// From now on running out of memory ends the process at once with a record: there is no memory for an
+/// exception, nor for those who would tidy up.
 void installOutOfMemoryReport();
 
 }  // namespace rcp

@@ -124,7 +124,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         inputs.properties.append({L"config.x." + std::to_wstring(i + 1), values[i], {}});
     }
     (void)SetInstallConfiguration(inputs.properties, false);
-    const bool ended = fuzz::endsProcess([&] {
+    const bool ended = fuzz::endsLaunch([&] {
         inputs.arguments = addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap,
                                                     inputs.installDir);
     });

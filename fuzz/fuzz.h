@@ -37,15 +37,12 @@ class Fields {
 /// every byte still means something.
 std::wstring wide(std::string_view bytes);
 
-/// Thrown where the process would have ended.
-struct ProcessEnd {};
-
-/// Runs `work`; whether it ended with a fatal error.
+/// Runs `work`; whether it ended the launch.
 template <typename Work>
-bool endsProcess(const Work& work) {
+bool endsLaunch(const Work& work) {
     try {
         work();
-    } catch (const ProcessEnd&) {
+    } catch (const LaunchEnded&) {
         return true;
     }
     return false;

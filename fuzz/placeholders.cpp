@@ -97,7 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const std::size_t entries = list.entries().size();
     const bool listEnded =
-        fuzz::endsProcess([&] { replacePlaceholdersInRcpInstallProp(locations, list); });
+        fuzz::endsLaunch([&] { replacePlaceholdersInRcpInstallProp(locations, list); });
     require(list.entries().size() == entries, "no entry is lost");
     if (!listEnded) {
         for (const Property& entry : list.entries()) {

@@ -102,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                   findProperty(L"rcp.base.location", properties) != nullptr),
             "a block is made from the two required values");
     const std::string target = fuzz::folder() + "/rcpinstall.properties";
-    const bool ended = fuzz::endsProcess([&] {
+    const bool ended = fuzz::endsLaunch([&] {
         require(fixUserRCPInstallProperties(fuzz::fileWith(file), toWide(target), properties) == 0,
                 "the file is written");
     });

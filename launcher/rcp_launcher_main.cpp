@@ -99,9 +99,10 @@ std::optional<Arguments> prepareLaunch(int argc, char** argv) {
     return arguments;
 }
 
-// Nothing below should throw. If something does, what was recorded so far is not lost.
-[[noreturn]] void endUnexpectedly(std::string_view reason) {
-    fatal(noReason(), "Error: startup: unexpected failure: %s", reason);
+// What the standard library throws is a fault of ours. What was recorded so far is not lost to it.
+int unexpectedEnd(std::string_view reason) {
+    report(noReason(), "Error: startup: unexpected failure: %s", reason);
+    return endedWith(255);
 }
 
 }  // namespace
@@ -126,12 +127,14 @@ int runLauncher(int argc, char** argv) {
     installOutOfMemoryReport();
     try {
         launch(argc, argv);
+        return 0;
+    } catch (const LaunchEnded& end) {
+        return endedWith(end.status);
     } catch (const std::exception& exception) {
-        endUnexpectedly(exception.what());
+        return unexpectedEnd(exception.what());
     } catch (...) {
-        endUnexpectedly("unknown");
+        return unexpectedEnd("unknown");
     }
-    return 0;
 }
 
 void setCharacterLocale() {

@@ -15,12 +15,12 @@ struct Installation {
     PropertyList properties;
 };
 
-/// Failure ends the process.
+/// Failure ends the launch.
 Installation readInstallation(const Arguments& arguments);
 
 /// Prepares the user's area and fills `launchArgs` (launcher/core/launch_arguments.h). `arguments`
 /// are the launcher's own as process entry extended them, `installation` is what process entry has
-/// read. Every failure ends the process. A launch that begins anew has decided nothing yet, but made
+/// read. Every failure ends the launch. A launch that begins anew has decided nothing yet, but made
 /// the workspace if it was missing.
 [[nodiscard]] Launch startup(const Arguments& arguments, Installation installation);
 

@@ -1,6 +1,6 @@
 // Files and directories: the small set of functions through which the launcher touches the file
 // system. Paths are wide strings unless a name or signature says otherwise. Nothing here throws;
-// only ensureDirectory and copyFile end the process on failure.
+// only ensureDirectory and copyFile end the launch on failure.
 #pragma once
 
 #include <cstdio>
@@ -91,10 +91,10 @@ struct PathMade {
 /// True when the last one was made now or `path` has no components; an existing path gives false.
 PathMade mkdirs(const std::wstring& path);
 /// mkdirs for callers that need the directory; another process may make it meanwhile. A failure
-/// ends the process with `message`, whose "%ls" is `path`.
+/// ends the launch with `message`, whose "%ls" is `path`.
 void ensureDirectory(const std::wstring& path, const char* message);
 
-/// Copies a file byte for byte; the target is replaced as a whole. Every failure ends the process.
+/// Copies a file byte for byte; the target is replaced as a whole. Every failure ends the launch.
 bool copyFile(const std::wstring& source, const std::wstring& destination);
 /// rename(2); no copy across volumes.
 bool moveFile(const std::wstring& source, const std::wstring& destination);

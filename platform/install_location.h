@@ -14,7 +14,7 @@ namespace rcp {
 std::string launcherExecutable();
 void setLauncherExecutable(std::string path);
 
-/// The launcher's absolute path without links. Ends the process when the system cannot
+/// The launcher's absolute path without links. Ends the launch when the system cannot
 /// tell.
 void read_executable_path(std::string& path);
 /// The launcher path configured as "mlauncher.path" in "rcplauncher.plist" beside the executable
@@ -32,7 +32,7 @@ std::optional<std::wstring> getRCPDirectory(std::span<const Argument> arguments)
 ///   folder of the executable --named "rcp"--> its parent --sibling "Eclipse"--> + "/../Eclipse"
 ///
 /// The last form stays unnormalised; it is the bundle layout with the executable in one folder and
-/// the platform in the sibling folder Eclipse. Ends the process when there is none.
+/// the platform in the sibling folder Eclipse. Ends the launch when there is none.
 void getInstallDir(std::wstring& directory, std::span<const Argument> arguments);
 
 /// `path` made absolute against the working directory. Already absolute paths are returned

@@ -16,7 +16,7 @@ namespace rcp {
 /// removed: its owner could point it anywhere.
 void setPreload(const std::wstring& library, const std::wstring& qualifier);
 
-/// The target of the symbolic link at `link`. Ends the process when it cannot be read.
+/// The target of the symbolic link at `link`. Ends the launch when it cannot be read.
 void readsymln(std::string& target, const std::string& link);
 
 /// The result of the entry point "logoff" of the deployment library "./lockdown.so". Without

@@ -1,4 +1,4 @@
-// Signals whose default would end the launch without a word.
+// Signals whose default would end the process without a word.
 #pragma once
 
 namespace rcp {

@@ -18,7 +18,7 @@ struct FreeWideString {
 /// An owned, zero-terminated wide buffer.
 using WideBuffer = std::unique_ptr<wchar_t[], FreeWideString>;
 
-/// n + 1 wide characters, all zero. Ends the process with a "ZYPRA0004E" record when there is no
+/// n + 1 wide characters, all zero. Ends the launch with a "ZYPRA0004E" record when there is no
 /// memory.
 WideBuffer newString(std::size_t n);
 /// The same, uninitialised.

@@ -73,38 +73,10 @@ UniqueFd openAndLock(const char* path) {
 
 }  // namespace
 
-TemporaryName* TemporaryName::claimed_ = nullptr;
-
-void TemporaryName::claim() {
-    if (isClaimed_) {
-        return;
-    }
-    static const bool isRegistered = std::atexit(removeAll) == 0;
-    (void)isRegistered;
-    next_ = std::exchange(claimed_, this);
-    isClaimed_ = true;
-}
-
-void TemporaryName::release() {
-    for (TemporaryName** link = &claimed_; *link != nullptr; link = &(*link)->next_) {
-        if (*link == this) {
-            *link = next_;
-            break;
-        }
-    }
-    isClaimed_ = false;
-}
-
 void TemporaryName::remove() {
     if (isClaimed_) {
         calls::unlink(path_.c_str());
         release();
-    }
-}
-
-void TemporaryName::removeAll() {
-    while (claimed_ != nullptr) {
-        claimed_->remove();
     }
 }
 

@@ -16,8 +16,7 @@
 
 namespace rcp {
 
-/// A name in the file system that is removed when this object ends, and by exit(3) when it does not
-/// get that far.
+/// A name in the file system that is removed when this object ends.
 class TemporaryName {
   public:
     explicit TemporaryName(std::string path) : path_(std::move(path)) {}
@@ -28,21 +27,16 @@ class TemporaryName {
     ~TemporaryName() { remove(); }
 
     /// From now on the name is ours to remove.
-    void claim();
+    void claim() { isClaimed_ = true; }
     /// The name is somebody else's from now on (it was renamed).
-    void release();
+    void release() { isClaimed_ = false; }
     /// Removes the name if it is claimed.
     void remove();
     [[nodiscard]] const std::string& path() const { return path_; }
 
   private:
-    static void removeAll();
-
     std::string path_;
     bool isClaimed_ = false;
-    TemporaryName* next_ = nullptr;  // all claimed ones, for removeAll
-
-    static TemporaryName* claimed_;
 };
 
 /// Whether the file at `path`, itself and not through a link, holds exactly `text`. What is there

@@ -107,26 +107,15 @@ void tell(int status) {
     (void)writeFully(stage->output, {reinterpret_cast<const char*>(text.data()), text.size()});
 }
 
-struct LaunchEnded {
-    int status;
-};
-
-[[noreturn]] void leaveLaunch(int status) {
-    throw LaunchEnded{status};
-}
-
 // The launch up to its end, wherever that is; its exit status.
 int launchOnStage(int argc, char** argv) {
     try {
         launch(argc, argv);
         return 0;
     } catch (const LaunchEnded& end) {
-        if (end.status != 0 && !logHasAll()) {
-            // That no log can be written either is not what the launch ends with.
-            stage->lastError = lastErrorOf(describeRecords(*stage->rehearsal));
-            dumpLogToTempLocation();
-        }
-        return end.status;
+        // That no log can be written either is not what the launch ends with.
+        stage->lastError = lastErrorOf(describeRecords(*stage->rehearsal));
+        return endedWith(end.status);
     }
 }
 
@@ -138,7 +127,6 @@ int launchOnStage(int argc, char** argv) {
     stage->rehearsal = std::make_unique<Rehearsal>(folder);
     setLauncherExecutable(options.launcher);
     setSleepFunction(noteWait);
-    setEndFunction(leaveLaunch);
     observer = &stage->witness;
     std::vector<std::string> words{options.launcher};
     words.insert(words.end(), options.arguments.begin(), options.arguments.end());

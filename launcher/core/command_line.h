@@ -15,13 +15,13 @@ enum class LaunchKind {
 };
 
 /// Fills `launchArgs` and sets the environment of the JVM. Replaces the placeholders in the
-/// per-user list and in the VM argument map. Every failure ends the process.
+/// per-user list and in the VM argument map. Every failure ends the launch.
 void getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
 
-/// The launcher executable, first element, and the launcher library's path. Ends the process when
+/// The launcher executable, first element, and the launcher library's path. Ends the launch when
 /// the base location is unknown or either file is missing.
 void addBaseEclipseToCommandLine(const PropertyList& properties);
-/// The path of the platform's own program. Ends the process when the base location is unknown.
+/// The path of the platform's own program. Ends the launch when the base location is unknown.
 Argument platformProgram(const PropertyList& properties);
 /// What execv(3) gets: that program or, in the direct Java shape, the JVM.
 Argument executedProgram(const LaunchInputs& inputs);

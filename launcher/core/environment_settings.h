@@ -14,7 +14,7 @@ void addEnvSetToCommandLine(const PropertyList& properties);
 /// kept.
 void addLibpathToCommandLine(const PropertyList& properties);
 
-/// Preloads "library.preload". Ends the process when "rcp.install.id", which names the preload
+/// Preloads "library.preload". Ends the launch when "rcp.install.id", which names the preload
 /// link, is missing.
 void addLdPreloadToCommandLine(const PropertyList& properties);
 

@@ -8,7 +8,7 @@
 namespace rcp {
 
 /// Whether the installation has numbered "config.initial." arguments and the property that they
-/// name behind "-initialCompleteFlag" is not yet "true..." in the per-user list. Ends the process
+/// name behind "-initialCompleteFlag" is not yet "true..." in the per-user list. Ends the launch
 /// when the numbers have a gap or the flag is missing.
 bool isInitialRequired(const PropertyList& properties, const PropertyList& userProperties);
 

@@ -10,7 +10,7 @@ namespace rcp {
 
 /// The install id of the launcher properties. In the "userpb" configuration a missing one is made
 /// and appended to the launcher property file at `propertyFile` and to `properties`; two launchers
-/// that start at once agree on one. In every other configuration a missing one ends the process.
+/// that start at once agree on one. In every other configuration a missing one ends the launch.
 std::wstring getInstallID(const std::wstring& propertyFile, PropertyList& properties);
 
 /// Whether `directory` holds an "rcpinstall.properties" whose install id is not empty and not

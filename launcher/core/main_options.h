@@ -19,7 +19,7 @@ CopyRule copyRuleFor(std::wstring_view argument);
 
 /// Appends the platform options: the user's own, less those that the launcher decides, then
 /// "-data", "-configuration", and from the properties whatever of "-application",
-/// "-plugincustomization", "-product" and "-personality" the user did not give. Ends the process
+/// "-plugincustomization", "-product" and "-personality" the user did not give. Ends the launch
 /// without "rcp.install.id" and when the plug-in customization file is missing.
 void addMainOptionsToCommandLine(const LaunchInputs& inputs);
 

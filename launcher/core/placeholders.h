@@ -53,12 +53,12 @@ bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties)
 /// behind the standard step.
 bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
                             const PropertyList& properties);
-/// Ends the process over the placeholders of `text`, which `key` at `origin` has brought.
+/// Ends the launch over the placeholders of `text`, which `key` at `origin` has brought.
 [[noreturn]] void refusePlaceholders(const std::wstring& text, const std::wstring& key,
                                      const Origin& origin);
 
 /// replaceAllPlaceholders for every value of the per-user list, resolved against the list itself.
-/// One that cannot be resolved ends the process.
+/// One that cannot be resolved ends the launch.
 void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties);
 /// The same for every value of the map, resolved against `properties`.
 void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyList& properties,

@@ -37,7 +37,7 @@ enum class Launch { kGoesOn, kBeginsAnew };
 /// Forms the paths of the lock's files in `workspace`, opens the lock file, on a restart waits for
 /// the old platform to end (about 20 seconds at most), takes the lock and decides whether this
 /// launcher is the main one (setMainProcess). `processMarker` is what the process check looks for.
-/// Failures end the process.
+/// Failures end the launch.
 [[nodiscard]] Launch locateLockFile(const Arguments& arguments, const std::wstring& workspace,
                                     const std::wstring& processMarker);
 
@@ -54,7 +54,7 @@ void closeLockFile();
 /// Clears the recorded process id.
 void invalidateLockFile();
 
-/// Whether the process recorded in the lock file is alive and is the platform. Ends the process
+/// Whether the process recorded in the lock file is alive and is the platform. Ends the launch
 /// when the file holds something else than a number.
 bool isMainProcessRunning(const std::wstring& processMarker);
 

@@ -12,7 +12,7 @@ namespace rcp {
 /// Makes the update directory and in it "platform.xml", unless there is one or
 /// "update.policy.managed" is "false". With `bareFeatures` the lines of the JVM features become
 /// "<feature>". False in the "userpb" configuration, which has no platform.xml; true otherwise.
-/// Only a directory that cannot be made ends the process.
+/// Only a directory that cannot be made ends the launch.
 bool createPlatformXML(const std::wstring& configuration, const std::wstring& base,
                        const PropertyList& properties, bool bareFeatures);
 

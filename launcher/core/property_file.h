@@ -13,7 +13,7 @@ namespace rcp {
 /// the process; every text is a property file, so nothing in one is an error.
 void getProperties(const std::wstring& path, PropertyList& list);
 /// The same for a file that need not be there; false, and nothing appended, without one. What is
-/// there (`exists`) and is no file still ends the process.
+/// there (`exists`) and is no file still ends the launch.
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list);
 
 }  // namespace rcp

@@ -28,11 +28,11 @@ void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap);
 void doProvisioning();
 
 /// Appends "-application", the provisioning application and, when a user's launch asked for it,
-/// "-userProvLaunch". Ends the process when no application is configured.
+/// "-userProvLaunch". Ends the launch when no application is configured.
 void addProvisioningApplication(const PropertyList& properties, bool startedByUser);
 
 /// At a new provisioning level empties the JVM's shared classes directory
-/// ("jvm.shareclasses.fullpath"); what cannot be emptied ends the process. A directory that may hold
+/// ("jvm.shareclasses.fullpath"); what cannot be emptied ends the launch. A directory that may hold
 /// more than shared classes (reasonNotToEmpty) is left alone and reported.
 void emptySharedClassesOnNewLevel(const LaunchInputs& inputs);
 

@@ -17,7 +17,7 @@
 
 namespace rcp {
 
-/// For an installation that has been replaced by another. Failures end the process.
+/// For an installation that has been replaced by another. Failures end the launch.
 void createReusableWorkspace(const std::wstring& workspace, const std::wstring& configuration);
 
 /// For "-resetconfig"; also clears the plug-in directories named by "resetDir." properties.
@@ -32,7 +32,7 @@ struct CopyPlace {
     std::wstring name;
 };
 
-/// Copies or moves `source` to `target`, replacing what is there. A missing source ends the process
+/// Copies or moves `source` to `target`, replacing what is there. A missing source ends the launch
 /// only when it is `required`; every other failure always does.
 void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required, bool move);
 void handleFileMove(const CopyPlace& target, const CopyPlace& source, bool required);

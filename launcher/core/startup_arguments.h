@@ -11,7 +11,7 @@ namespace rcp {
 
 /// Writes "args.properties" into the configuration directory: the arguments less those that belong
 /// to this one start, then their number, then the library path. `restartExe` (may be null or empty)
-/// is the program to restart with; without one it is the launcher. Every failure ends the process
+/// is the program to restart with; without one it is the launcher. Every failure ends the launch
 /// and leaves an older file as it was.
 void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
                       const std::wstring* restartExe, const PropertyList& properties,

@@ -15,7 +15,7 @@ namespace rcp {
 /// when it exists, else base/name. A configuration without folder gives two slashes in a row.
 std::wstring getCoreFileLocation(const std::wstring& base, const std::wstring& name);
 
-/// Makes the user's "config.ini" unless there is one. Failure ends the process.
+/// Makes the user's "config.ini" unless there is one. Failure ends the launch.
 void createConfigIni(const std::wstring& configuration, const std::wstring& base);
 
 /// Makes the user's "rcpinstall.properties" unless there is one, and returns its path.

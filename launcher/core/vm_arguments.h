@@ -12,7 +12,7 @@ namespace rcp {
 /// `vmIsEeOrDll` is what addVmToCommandLine returned.
 void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll);
 
-/// Appends the "-D" system properties. Ends the process without "rcp.install.id" and for an
+/// Appends the "-D" system properties. Ends the launch without "rcp.install.id" and for an
 /// unrecognised install configuration.
 void addDashDToCommandLine(const LaunchInputs& inputs);
 

@@ -59,7 +59,7 @@ bool endsIn(std::wstring_view text, std::wstring_view suffix);
 
 /// Whether "-vm" is on the command line.
 bool isVmOverride(const Arguments& arguments);
-/// Whether the JVM path ends in `name`. Ends the process when no such executable exists. No step of
+/// Whether the JVM path ends in `name`. Ends the launch when no such executable exists. No step of
 /// a launch asks.
 bool isJavaw(const std::wstring& jvm, const std::wstring& name);
 /// Replaces the ending `name` of the JVM path by `replacement`.

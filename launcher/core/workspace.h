@@ -17,7 +17,7 @@ namespace rcp {
 ///   property "rcp.data"        its value likewise, but a relative one stays relative
 ///   otherwise                  HOME/OVR/RCP/<install id>/<user name>
 ///
-/// False only for the last. Ends the process when the rule that applies cannot give a path.
+/// False only for the last. Ends the launch when the rule that applies cannot give a path.
 bool getWorkspaceLocation(std::wstring& workspace, const PropertyList& properties,
                           const Arguments& arguments, const std::wstring& rcpHome);
 

@@ -2,10 +2,16 @@
 // a private /tmp where the system allows one.
 #pragma once
 
+#include "diagnostics/svc_debug.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <type_traits>
 
 namespace rcp::test {
 
@@ -32,6 +38,20 @@ class TestFolder {
     std::filesystem::path path_;
 };
 
+/// No file of this process grows beyond the limit meanwhile: writing fails as on a full disk.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes);
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    FileSizeLimit(FileSizeLimit&&) = delete;
+    FileSizeLimit& operator=(FileSizeLimit&&) = delete;
+    ~FileSizeLimit() { (void)setrlimit(RLIMIT_FSIZE, &former_); }
+
+  private:
+    rlimit former_{};
+};
+
 /// Every process-wide flag of the launcher as at its start.
 void resetLauncherState();
 
@@ -47,16 +67,28 @@ class LauncherTest : public ::testing::Test {
 
 }  // namespace rcp::test
 
-/// The statement must end the process with status 255 and leave a record that matches `record`.
-#define EXPECT_FATAL(statement, record) \
-    EXPECT_EXIT(                        \
-        {                               \
-            ::rcp::test::logToStderr(); \
-            statement;                  \
-        },                              \
-        ::testing::ExitedWithCode(255), record)
-
 namespace rcp::test {
-/// From now on log records go to the standard error stream, at exit: for EXPECT_FATAL.
-void logToStderr();
+
+/// How `work` ends the launch; fails the test when it does not.
+LaunchEnded endOfLaunch(const std::function<void()>& work);
+/// The record with which `work` ends the launch, as a line; fails the test when it does not end with 255.
+std::string fatalRecordOf(const std::function<void()>& work);
+/// The status that a process ends with which does `work` and no more: for child processes.
+int statusOf(const std::function<void()>& work);
+
+/// A text is a regular expression that the record contains; anything else is the matcher itself.
+template <typename Expected>
+auto recordMatcher(Expected expected) {
+    if constexpr (std::is_convertible_v<Expected, std::string>) {
+        return ::testing::ContainsRegex(std::string(expected));
+    } else {
+        return expected;
+    }
+}
+
 }  // namespace rcp::test
+
+/// The statement must end the launch with status 255 and a record that matches `expected`.
+#define EXPECT_FATAL(statement, expected)                       \
+    EXPECT_THAT(::rcp::test::fatalRecordOf([&] { statement; }), \
+                ::rcp::test::recordMatcher(expected))

@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 #include <locale.h>
+#include <signal.h>
 
 #include <filesystem>
 #include <fstream>
@@ -57,6 +58,13 @@ bool TestFolder::has(const std::string& name) const {
     return std::filesystem::exists(std::filesystem::symlink_status(path_ / name));
 }
 
+FileSizeLimit::FileSizeLimit(rlim_t bytes) {
+    (void)signal(SIGXFSZ, SIG_IGN);
+    (void)getrlimit(RLIMIT_FSIZE, &former_);
+    const rlimit limit = {bytes, former_.rlim_max};
+    (void)setrlimit(RLIMIT_FSIZE, &limit);
+}
+
 void resetLauncherState() {
     debug = false;
     userFirstLaunch = false;
@@ -76,21 +84,29 @@ bool hasPrivateTmp() {
     return hasOwnTmp();
 }
 
-// The log is a new one, so that neither a log of another test nor one that is left in /tmp can be
-// taken for the statement's.
-void logToStderr() {
-    static TestFolder* folder = new TestFolder();
-    static std::streamoff begin = 0;
-    const bool isTracing = std::exchange(debug, false);
-    enableLogging(folder->wide());
-    debug = isTracing;
-    begin = static_cast<std::streamoff>(folder->read("rcplauncher.log").size());
-    const auto show = [] {
-        std::cerr << folder->read("rcplauncher.log").substr(static_cast<std::size_t>(begin))
-                  << std::flush;
-        delete std::exchange(folder, nullptr);
-    };
-    std::atexit(show);
+LaunchEnded endOfLaunch(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const LaunchEnded& end) {
+        return end;
+    }
+    ADD_FAILURE() << "the launch goes on";
+    return {};
+}
+
+std::string fatalRecordOf(const std::function<void()>& work) {
+    const LaunchEnded end = endOfLaunch(work);
+    EXPECT_EQ(end.status, 255);
+    return end.record + "\n";
+}
+
+int statusOf(const std::function<void()>& work) {
+    try {
+        work();
+        return 0;
+    } catch (const LaunchEnded& end) {
+        return endedWith(end.status);
+    }
 }
 
 }  // namespace rcp::test

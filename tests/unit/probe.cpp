@@ -2,6 +2,7 @@
 
 #include "platform/platform.h"
 #include "tests/support/sandbox.h"
+#include "tests/unit/fixture.h"
 
 #include <stdio.h>
 #include <sys/wait.h>
@@ -84,7 +85,9 @@ std::optional<int> answerProbe(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 3, argv + argc);
     for (const Probe* probe = firstProbe(); probe != nullptr; probe = probe->next_) {
         if (std::string_view(probe->name_) == argv[2]) {
-            const int status = probe->body_(arguments);
+            int result = 0;
+            const int end = statusOf([&] { result = probe->body_(arguments); });
+            const int status = end == 0 ? result : end;
             (void)fflush(stdout);
             return status;
         }

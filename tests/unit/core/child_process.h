@@ -1,6 +1,8 @@
 // A forked process of a test.
 #pragma once
 
+#include "tests/unit/fixture.h"
+
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -31,7 +33,9 @@ class ChildProcess {
     explicit ChildProcess(const std::function<int()>& body) : pid_(fork()) {
         if (pid_ == 0) {
             endWithTheTest();
-            _exit(body());
+            int result = 0;
+            const int status = statusOf([&] { result = body(); });
+            _exit(status == 0 ? result : status);
         }
     }
     /// Another program under a name of its own.

@@ -146,7 +146,7 @@ TEST_F(InstallId, FileThatCannotBeWrittenToIsFatalAndStaysAsItIs) {
             "a=" + std::string(1'000, 'b') + "\n" + std::string(size - 1'003, '\n');
         writeFile(text);
         const auto makeLimited = [this] {
-            limitFileSize(30'000);
+            const FileSizeLimit limit(30'000);
             make();
         };
         EXPECT_FATAL(makeLimited(),

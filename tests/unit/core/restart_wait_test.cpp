@@ -178,7 +178,7 @@ TEST_F(RestartWait, EmptyAndUnreadableLockFilesEndIt) {
     EXPECT_TRUE(isMainProcess());
     unlockLockFile();
     writeLock("letters");
-    EXPECT_EXIT(restartAfter(platformId()), testing::ExitedWithCode(255), "");
+    EXPECT_FATAL(restartAfter(platformId()), "ZYPRA0092E");
 }
 
 }  // namespace

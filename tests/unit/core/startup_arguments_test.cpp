@@ -169,7 +169,7 @@ constexpr std::size_t kBuffered = 65536;
 TEST_F(StartupArguments, FullDiskNamesTheLineThatFailed) {
     folder_.write("ws/.config/args.properties", "older\n");
     const auto writeLimited = [this](std::size_t length) {
-        limitFileSize(30'000);
+        const FileSizeLimit limit(30'000);
         write({L"x", std::wstring(length, L'a')});
     };
     const std::string file = "Error writing to .*/args.properties file. : File too large";

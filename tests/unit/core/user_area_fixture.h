@@ -27,13 +27,6 @@ inline PropertyList listOf(
     return list;
 }
 
-/// From now on no file of this process grows beyond the limit: writing fails as on a full disk.
-inline void limitFileSize(rlim_t bytes) {
-    (void)signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit = {bytes, bytes};
-    (void)setrlimit(RLIMIT_FSIZE, &limit);
-}
-
 /// From now on this process has to keep to the permissions of files.
 inline void becomeOrdinaryUser() {
     if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
@@ -90,7 +83,7 @@ class UserAreaTest : public LauncherTest {
             {                                                                \
                 enableLogging(folder_.wide("log"));                          \
                 becomeOrdinaryUser();                                        \
-                statement;                                                   \
+                _exit(::rcp::test::statusOf([&] { statement; }));            \
             },                                                               \
             ::testing::ExitedWithCode(255), "");                             \
         const std::string log_ = folder_.read("log/rcplauncher.log");        \

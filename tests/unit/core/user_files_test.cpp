@@ -297,7 +297,7 @@ TEST_F(UserFilesTest, FullDiskIsReportedAndLeavesNoFile) {
     folder_.write("copy", copy);
     const auto fixLimited = [this] {
         const Records records(folder_);
-        limitFileSize(30'000);
+        const FileSizeLimit limit(30'000);
         const int result =
             fixUserRCPInstallProperties(folder_.wide("copy"), folder_.wide("target"), properties);
         const bool both = records.has(

@@ -243,27 +243,14 @@ TEST_F(Errors, FatalReportEndsWithStatus255) {
     EXPECT_FATAL((errno = ENOENT, fatal(noReason(), "plain")), "plain\n");
 }
 
-TEST_F(Errors, FatalErrorWhileOneIsReportedEndsAtOnce) {
-    const std::wstring folder = folder_.wide();
-    EXPECT_EXIT(
-        {
-            enableLogging(folder);
-            std::atexit([] { fatal(noReason(), "second"); });
-            fatal(noReason(), "first");
-        },
-        testing::ExitedWithCode(255), "");
-    EXPECT_THAT(folder_.read("rcplauncher.log"), testing::HasSubstr("first"));
-    EXPECT_THAT(folder_.read("rcplauncher.log"), testing::Not(testing::HasSubstr("second")));
-}
-
-TEST_F(Errors, ReplacedEndIsCalledBehindTheRecordAndReportsWorkAgain) {
-    struct Ended {};
-    const EndFunction before = setEndFunction([](int) { throw Ended(); });
-    EXPECT_THROW(fatal(noReason(), "first"), Ended);
-    EXPECT_THROW(fatal(noReason(), "second"), Ended);
-    EXPECT_NE(setEndFunction(before), before);
-    EXPECT_TRUE(records_.has("first"));
-    EXPECT_TRUE(records_.has("second"));
+TEST_F(Errors, EndOfALaunchCarriesItsStatusAndItsRecord) {
+    const LaunchEnded fatalEnd = test::endOfLaunch([] { fatal(because(ENOENT), "first %d", 1); });
+    EXPECT_EQ(fatalEnd.status, 255);
+    EXPECT_EQ(fatalEnd.record, "first 1 : No such file or directory");
+    EXPECT_EQ(records_.text(), fatalEnd.record + "\n");
+    const LaunchEnded plainEnd = test::endOfLaunch([] { endLaunch(3); });
+    EXPECT_EQ(plainEnd.status, 3);
+    EXPECT_EQ(plainEnd.record, "");
 }
 
 TEST_F(Errors, LastErrorMessageNamesNumberAndText) {
@@ -302,12 +289,15 @@ TEST_F(Errors, RunningOutOfMemoryEndsWithARecord) {
         GTEST_SKIP() << "the sanitizer's allocator ends the process itself";
     }
     volatile std::size_t tooMuch = std::numeric_limits<std::ptrdiff_t>::max() / 2;
-    EXPECT_FATAL(
+    EXPECT_EXIT(
         {
+            enableLogging(folder_.wide());
             installOutOfMemoryReport();
             ::operator delete(::operator new(tooMuch));
         },
-        "ZYPRA0004E: malloc failed! : Cannot allocate memory\n");
+        testing::ExitedWithCode(255), "");
+    EXPECT_THAT(folder_.read("rcplauncher.log"),
+                testing::EndsWith("ZYPRA0004E: malloc failed! : Cannot allocate memory\n"));
 }
 
 }  // namespace

@@ -8,11 +8,6 @@
 namespace rcp {
 namespace {
 
-void limitFileSize(rlim_t size) {
-    const rlimit limit{size, size};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-}
-
 class CopyFile : public test::LauncherTest {
   protected:
     void copies(const std::string& content) const {
@@ -91,8 +86,7 @@ TEST_F(CopyFile, FailedWriteEndsTheProcessAndLeavesTheOldFile) {
     folder_.write("to", "old");
     EXPECT_FATAL(
         {
-            (void)signal(SIGXFSZ, SIG_IGN);
-            limitFileSize(100'000);
+            const test::FileSizeLimit limit(100'000);
             copyFile(folder_.wide("from"), folder_.wide("to"));
         },
         "ZYPRA0192E: Encountered error copying file contents : File too large\n");

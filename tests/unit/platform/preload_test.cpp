@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <iostream>
 
 namespace rcp {
 namespace {
@@ -190,19 +191,17 @@ TEST_F(Preload, LinkOfAnotherUserThatCannotBeRemovedIsNeverPreloaded) {
     fs::create_symlink(library(), linkPath());
     ASSERT_EQ(lchown(linkPath().c_str(), 12345, 12345), 0);
     setDebug(false);
-    EXPECT_EXIT(
-        {
-            test::logToStderr();
-            setenv("LD_PRELOAD", "/old.so", 1);
-            const bool changed = seteuid(12346) == 0;
-            set();
-            const bool isOld = preloaded() == "/old.so";
-            (void)(seteuid(0) == 0);
-            exit(changed && isOld ? 3 : 4);
-        },
-        testing::ExitedWithCode(3),
-        "^\n*Error: setPreload: /tmp/ovr.rcp.*lib.so belongs to another user and is not "
-        "preloaded.\n$");
+    const auto setAsAnotherUser = [this] {
+        setenv("LD_PRELOAD", "/old.so", 1);
+        const bool changed = seteuid(12346) == 0;
+        set();
+        const bool isOld = preloaded() == "/old.so";
+        std::cerr << records_.text();
+        _exit(changed && isOld ? 3 : 4);
+    };
+    EXPECT_EXIT(setAsAnotherUser(), testing::ExitedWithCode(3),
+                "^Error: setPreload: /tmp/ovr.rcp.*lib.so belongs to another user and is not "
+                "preloaded.\n$");
 }
 
 TEST_F(Preload, LinkOfAnotherUserThatCanBeRemovedIsReplaced) {

@@ -48,15 +48,15 @@ TEST_F(WholeFiles, WithoutACommitNothingIsLeft) {
     EXPECT_FALSE(folder_.has("file.new"));
 }
 
-TEST_F(WholeFiles, ProcessThatEndsInBetweenLeavesNoTemporaryFile) {
+TEST_F(WholeFiles, LaunchThatEndsInBetweenLeavesNoTemporaryFile) {
     EXPECT_FATAL(
         {
             WholeFile file(folder_.wide("file"));
             if (file.open() && file.write("half")) {
-                exit(255);
+                fatal(noReason(), "ended");
             }
         },
-        "");
+        "ended");
     EXPECT_FALSE(folder_.has("file"));
     EXPECT_FALSE(folder_.has("file.tmp"));
 }
