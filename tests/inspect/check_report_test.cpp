@@ -3,13 +3,13 @@
 #include "inspect/check/check.h"
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
+#include "inspect/json/json.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <iostream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace rcp::inspect {

@@ -1,6 +1,8 @@
 // What is not in the argument list, the environment, and what became of every property.
 #include "tests/inspect/explain_fixture.h"
 
+#include <regex>
+
 namespace rcp::inspect::test {
 namespace {
 

@@ -1,9 +1,9 @@
 // The text of an explanation by itself.
 #include "inspect/explain/explain_text.h"
 
-#include <gtest/gtest.h>
+#include "inspect/json/json.h"
 
-#include <nlohmann/json.hpp>
+#include <gtest/gtest.h>
 
 namespace rcp::inspect {
 namespace {

@@ -1,5 +1,6 @@
 #include "inspect/page/page.h"
 
+#include "inspect/json/json.h"
 #include "tests/inspect/paths.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
@@ -11,7 +12,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <regex>
 
 namespace rcp::inspect {

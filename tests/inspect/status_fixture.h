@@ -1,10 +1,9 @@
 // An installation with the stand-in platform, a user, and what "rcpinspect status" says about them.
 #pragma once
 
-#include "tests/inspect/paths.h"
+#include "inspect/json/json.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
-#include "tests/unit/paths.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -13,14 +12,12 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
-#include <regex>
+#include <functional>
+#include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace rcp::inspect::test {
@@ -30,75 +27,25 @@ using Json = nlohmann::json;
 using rcp::test::seen;
 
 /// A pipe that no started program keeps open.
-inline std::array<int, 2> makePipe() {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(pipe(ends.data()), 0);
-    for (const int end : ends) {
-        fcntl(end, F_SETFD, FD_CLOEXEC);
-    }
-    return ends;
-}
+std::array<int, 2> makePipe();
 
 /// A started program whose output is read through a pipe; killed when the object goes.
 class Program {
   public:
-    Program(const Words& words, const Words& environment) {
-        const std::array<int, 2> ends = makePipe();
-        id_ = fork();
-        if (id_ == 0) {
-            dup2(ends[1], STDOUT_FILENO);
-            execve(words.front().c_str(), pointers(words).data(), pointers(environment).data());
-            _exit(127);
-        }
-        close(ends[1]);
-        output_ = ends[0];
-    }
+    Program(const Words& words, const Words& environment);
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
     Program(Program&&) = delete;
     Program& operator=(Program&&) = delete;
-    ~Program() {
-        if (id_ > 0) {
-            kill(id_, SIGKILL);
-            wait();
-        }
-        close(output_);
-    }
+    ~Program();
 
     [[nodiscard]] pid_t id() const { return id_; }
     /// The next line without its end; empty at the end of the output.
-    std::string line() {
-        std::string text;
-        char character = 0;
-        while (read(output_, &character, 1) == 1 && character != '\n') {
-            text += character;
-        }
-        return text;
-    }
-    std::string rest() {
-        std::string text;
-        std::array<char, 4096> buffer{};
-        for (ssize_t length = 0; (length = read(output_, buffer.data(), buffer.size())) > 0;) {
-            text.append(buffer.data(), static_cast<std::size_t>(length));
-        }
-        return text;
-    }
-    int wait() {
-        int status = 0;
-        waitpid(std::exchange(id_, -1), &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    std::string line();
+    std::string rest();
+    int wait();
 
   private:
-    static std::vector<char*> pointers(const Words& words) {
-        std::vector<char*> result;
-        for (const std::string& word : words) {
-            result.push_back(const_cast<char*>(word.c_str()));
-        }
-        result.push_back(nullptr);
-        return result;
-    }
-
     pid_t id_ = -1;
     int output_ = -1;
 };
@@ -107,96 +54,31 @@ class StatusTest : public ::testing::Test {
   protected:
     StatusTest() { makeInstallation({}); }
 
-    void makeInstallation(const Words& options) {
-        Words words = {seen(INSPECT_SOURCES "/scripts/make-sample"),
-                       installation(),
-                       seen(INSPECT_LAUNCHER),
-                       "--mode",
-                       "exec",
-                       "--stand-in",
-                       std::filesystem::path(seen(STANDIN_PLATFORM)).parent_path()};
-        words.insert(words.end(), options.begin(), options.end());
-        Program program(words, environment());
-        ASSERT_EQ(program.wait(), 0);
-        std::filesystem::create_directories(folder_.path() / "home");
-    }
+    void makeInstallation(const Words& options);
 
     [[nodiscard]] std::string installation() const { return folder_.narrow("client"); }
     [[nodiscard]] std::string launcher() const { return installation() + "/rcp/rcplauncher"; }
-    [[nodiscard]] Words environment() const {
-        return {"HOME=" + folder_.narrow("home"), "USER=ann",
-                "PATH=" + std::string(getenv("PATH")),  // "ps" and what make-sample needs
-                "LANG=C.UTF-8", "RCP_STANDIN_REPORT=" + folder_.narrow("report")};
-    }
+    [[nodiscard]] Words environment() const;
     /// A path in the workspace, for folder_.
     static std::string area(const std::string& name) { return "home/workspace/ann/" + name; }
 
-    [[nodiscard]] Words words(const Words& arguments, const Words& options = {}) const {
-        Words all = {seen(INSPECT_PROGRAM), "status", "--install", installation()};
-        all.insert(all.end(), options.begin(), options.end());
-        all.emplace_back("--");
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return all;
-    }
-    [[nodiscard]] std::string text(const Words& arguments = {}) const {
-        Program program(words(arguments), environment());
-        std::string output = program.rest();
-        EXPECT_EQ(program.wait(), 0);
-        return output;
-    }
-    [[nodiscard]] Json status(const Words& arguments = {}) const {
-        Program program(words(arguments, {"--format", "json"}), environment());
-        const std::string output = program.rest();
-        EXPECT_EQ(program.wait(), 0);
-        return Json::parse(output);
-    }
+    [[nodiscard]] Words words(const Words& arguments, const Words& options = {}) const;
+    [[nodiscard]] std::string text(const Words& arguments = {}) const;
+    [[nodiscard]] Json status(const Words& arguments = {}) const;
 
-    [[nodiscard]] Words launchWords(Words arguments) const {
-        arguments.insert(arguments.begin(), launcher());
-        return arguments;
-    }
+    [[nodiscard]] Words launchWords(Words arguments) const;
     /// One launch to its end, that of the process which watches its hand-off included. The
     /// platform's report tells what was started.
-    int launch(const Words& arguments = {}) const {
-        std::filesystem::remove(folder_.path() / "report");
-        Program program(launchWords(arguments), environment());
-        (void)program.rest();
-        return program.wait();
-    }
-    [[nodiscard]] bool hasStarted(const std::string& argument) const {
-        return folder_.read("report").find("\"" + argument + "\"") != std::string::npos;
-    }
+    int launch(const Words& arguments = {}) const;
+    [[nodiscard]] bool hasStarted(const std::string& argument) const;
     /// The platform of this launch stays, until the test ends, and is recorded.
-    void startPlatform(std::unique_ptr<Program>& platform) const {
-        folder_.write("stay", "");
-        Words variables = environment();
-        variables.push_back("RCP_STANDIN_STAY=" + folder_.narrow("stay"));
-        platform = std::make_unique<Program>(launchWords({}), variables);
-        const std::string id = std::to_string(platform->id()) + " ";
-        waitUntil([&] {
-            return folder_.read(area(".rcp.lock")).starts_with(id) && folder_.has("report");
-        });
-    }
-    template <typename Condition>
-    static void waitUntil(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(400);
-        while (!condition()) {
-            ASSERT_LT(std::chrono::steady_clock::now(), end) << "what was waited for did not come";
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
+    void startPlatform(std::unique_ptr<Program>& platform) const;
+    static void waitUntil(const std::function<bool()>& condition);
 
     /// `pattern` becomes `replacement` in a file of the folder.
     void replaceIn(const std::string& name, const std::string& pattern,
-                   const std::string& replacement) const {
-        const std::string text = folder_.read(name);
-        const std::string changed = std::regex_replace(text, std::regex(pattern), replacement);
-        ASSERT_NE(text, changed) << name << " has no " << pattern;
-        folder_.write(name, changed);
-    }
-    void append(const std::string& name, const std::string& lines) const {
-        folder_.write(name, folder_.read(name) + lines);
-    }
+                   const std::string& replacement) const;
+    void append(const std::string& name, const std::string& lines) const;
     static constexpr const char* kProperties = "client/rcp/rcplauncher.properties";
 
     rcp::test::TestFolder folder_;

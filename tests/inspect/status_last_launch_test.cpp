@@ -1,6 +1,8 @@
 #include "inspect/status/last_launch.h"
 #include "tests/inspect/status_fixture.h"
 
+#include <regex>
+
 namespace rcp::inspect::test {
 namespace {
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <map>
+#include <regex>
 
 namespace rcp::inspect::test {
 namespace {

@@ -1,13 +1,13 @@
 // Writes the page of an explanation or of a check's report, for the test that looks at it in a browser.
 //
 // usage: write_page JSON-FILE PAGE
+#include "inspect/json/json.h"
 #include "inspect/page/page.h"
 
 #include <stdio.h>
 
 #include <clocale>
 #include <fstream>
-#include <nlohmann/json.hpp>
 
 int main(int argc, char** argv) {
     if (argc != 3) {
