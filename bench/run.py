@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Measures what a start costs, prints one table and writes bench/results.json in the build folder.
 
-usage: run.py BUILD_FOLDER [launches] [java] [growth]
+usage: run.py BUILD_FOLDER [launches] [java] [window] [growth]
 The figures worth comparing are the ratios: every round of a comparison starts each program once, and
 a ratio is the median over the rounds of one program's time over another's. What an entry adds to a
 whole launch is told in processor time, of which there is too little to be seen in the whole time.
@@ -14,14 +14,19 @@ import pathlib
 import platform
 import re
 import resource
+import select
 import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
+import time
 
 ROUNDS = 600
 JVM_ROUNDS = 100
+WINDOW_ROUNDS = 20
+WINDOW_TITLE = "Velmo Sample"
+PATIENCE = 300  # seconds, for a window
 GROWTH_WORK = 1_000_000  # entries a comparison goes through
 REMOVAL_WORK = 30_000  # files that are made and removed for one size
 FILES_PER_FOLDER = 100
@@ -188,6 +193,120 @@ def first_line_of_java():
     row("jpackage / launcher", f"{ratio:.2f}", "above 1.00", ratio > 1)
 
 
+# --- The window of a desktop client ----------------------------------------------------------------
+
+class Screen:
+    """A virtual one, on which x_client tells what appears."""
+
+    def __init__(self):
+        xvfb = self._start("Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp")
+        self.display = ":" + xvfb.stdout.readline().decode().strip()
+        self._events = self._start(build / "x_client", "watch", DISPLAY=self.display).stdout
+        self._read = b""
+        self._line()  # "ready"
+
+    @staticmethod
+    def _start(*command, **variables):
+        # However this program ends, the other one does too.
+        process = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", *map(str, command)],
+                                   env={**environment(work), **variables}, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        atexit.register(process.kill)
+        return process
+
+    def _line(self):
+        while b"\n" not in self._read:
+            ready, _, _ = select.select([self._events], [], [], PATIENCE)
+            more = os.read(self._events.fileno(), 4096) if ready else b""
+            if not more:
+                sys.exit("no window appears")
+            self._read += more
+        line, self._read = self._read.split(b"\n", 1)
+        return line.decode(errors="replace")
+
+    def time_of(self, what, title="", window=None):
+        """Waits for an event of a window; its time in milliseconds, and the window."""
+        while True:
+            event, milliseconds, number, _, name = (self._line() + " ").split(" ", 4)
+            if event == what and name.startswith(title) and window in (None, number):
+                return int(milliseconds), number
+
+
+def until_window(command, home, screen):
+    """Whole time and processor time from the start to the window, in milliseconds."""
+    start = time.clock_gettime(time.CLOCK_MONOTONIC) * 1e3
+    process = subprocess.Popen([str(word) for word in command],
+                               env={**environment(home), "DISPLAY": screen.display},
+                               stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+    try:
+        mapped, window = screen.time_of("map", WINDOW_TITLE)
+        # clock_getcpuclockid(3), which Python does not have.
+        used = time.clock_gettime((~process.pid << 3) | 2) * 1e3
+    finally:
+        process.kill()
+        process.wait()
+    screen.time_of("unmap", window=window)
+    return mapped - start, used
+
+
+def desktop_client():
+    """Its launcher, or why there is none."""
+    for program in ("Xvfb", "setpriv"):
+        if not shutil.which(program):
+            return None, f"no {program} (scripts/install-dependencies desktop)"
+    if not (build / "x_client").exists():
+        return None, "no x_client, for want of an X library (scripts/install-dependencies desktop)"
+    try:
+        return make_installation(work / "window/Velmo", "--desktop"), None
+    except subprocess.CalledProcessError:
+        return None, "no workbench (scripts/install-dependencies desktop)"
+
+
+def plain_java(home, jar):
+    """The command line without the launcher that starts the same JVM with the same platform."""
+    launch = launched(home)
+    options = launch[launch.index("-vmargs") + 1:launch.index("-cp")]
+    options += launch[launch.index("-cp") + 2:]
+    options.remove("-XstartOnFirstThread")  # java knows it on macOS alone
+    arguments = launch[launch.index("-nosplash"):launch.index("-vm")]
+    return [work / "window/Velmo/jre/bin/java", *options, "-jar", jar, *arguments]
+
+
+def window():
+    launcher, obstacle = desktop_client()
+    if obstacle:
+        row("a client's window", "left out: " + obstacle)
+        return
+    screen = Screen()
+    command = [launcher, "-nosplash", "-config", "sample"]
+    homes = {"java": work / "window/java", "launcher": work / "window/launcher"}
+    for home in homes.values():  # The first start of each makes its area and the platform's caches.
+        home.mkdir()
+        until_window(command, home, screen)
+    jar = launcher.parent / "eclipse/plugins/com.ovr.rcp.base/startup.jar"
+    commands = {"java": plain_java(homes["java"], jar), "launcher": command}
+    taken = {name: [] for name in commands}
+    for i in range(-1, WINDOW_ROUNDS):  # The first round is not counted.
+        for name in sorted(commands, reverse=i % 2 == 0):
+            times = until_window(commands[name], homes[name], screen)
+            if i >= 0:
+                taken[name].append(times)
+    results["window"] = taken
+    for column, kind in enumerate(("whole time", "processor time")):
+        times = {name: [both[column] for both in all_times] for name, all_times in taken.items()}
+        for name, unit in (("java", "java -jar"), ("launcher", "launcher")):
+            row(f"{unit} to the window, {kind}", f"{statistics.median(times[name]):.0f} ms")
+        # Of each round, so that what else the machine does falls on both.
+        ratios = [mine / other for mine, other in zip(times["launcher"], times["java"])]
+        lower, ratio, upper = statistics.quantiles(ratios, n=4, method="inclusive")
+        if kind == "processor time":
+            at_most(f"launcher / java -jar, {kind}", ratio, 1.01, "{:.3f}")
+        else:
+            row(f"launcher / java -jar, {kind}", f"{ratio:.3f}")
+        row("    half of the rounds", f"{lower:.3f} to {upper:.3f}")
+
+
 # --- Growth ----------------------------------------------------------------------------------------
 
 GROWING_LINES = {
@@ -287,7 +406,8 @@ def main():
                        (64 << 20, resource.getrlimit(resource.RLIMIT_STACK)[1]))
     results["date"] = datetime.datetime.now().isoformat(timespec="minutes")
     results["machine"] = machine()
-    parts = {"launches": whole_launches, "java": first_line_of_java, "growth": growth}
+    parts = {"launches": whole_launches, "java": first_line_of_java, "window": window,
+             "growth": growth}
     for name in sys.argv[2:] or parts:
         parts[name]()
     results["table"] = rows

@@ -4,14 +4,19 @@
 
 readonly window_title="Velmo Sample"
 
+# tied COMMAND...: ends with the shell that starts it, however that ends.
+tied() {
+    exec setpriv --pdeathsig KILL "$@"
+}
+
 # open_screen X_CLIENT: DISPLAY becomes a new virtual screen, on which X_CLIENT tells what appears.
 open_screen() {
     local number
-    exec {screen_answer}< <(exec Xvfb -displayfd 1 -screen 0 1280x900x24 -nolisten tcp 2>/dev/null)
+    exec {screen_answer}< <(tied Xvfb -displayfd 1 -screen 0 1280x900x24 -nolisten tcp 2>/dev/null)
     screen_processes=("$!")
     read -r -t 300 -u "$screen_answer" number || return 1
     export DISPLAY=:$number
-    exec {screen_events}< <(exec "$1" watch)
+    exec {screen_events}< <(tied "$1" watch)
     screen_processes+=("$!")
     read -r -t 300 -u "$screen_events" _ # "ready": from here on nothing is missed.
 }
@@ -21,30 +26,60 @@ close_screen() {
     screen_processes=()
 }
 
-# await_window TITLE SECONDS [PROCESS]: reads on until a window is mapped whose title begins so; then
-# `window` is its id. Status 1 when the time is over or the process has ended. `screen_log` collects the
-# lines that were read.
+# next_event: the next line of x_client, in `event`. Status 1: nothing has happened in half a second; 2: the
+# screen is gone. `screen_log` collects the lines.
 screen_log=''
+next_event() {
+    local status=0
+    read -r -t 0.5 -u "$screen_events" event || status=$?
+    ((status <= 128)) || return 1
+    ((status == 0)) || return 2
+    screen_log+=$event$'\n'
+}
+
+# await_window TITLE SECONDS [PROCESS]: reads on until a window is mapped whose title begins so; then
+# `window` is its id. Status 1 when the time is over or the process has ended.
 await_window() {
-    local line what size name status
+    local what size name status
     local -r end=$((SECONDS + $2))
     while ((SECONDS < end)); do
         status=0
-        read -r -t 0.5 -u "$screen_events" line || status=$?
-        if ((status > 128)); then # Nothing has happened in that time.
-            [[ -z ${3-} ]] || kill -0 "$3" 2>/dev/null || return 1
-        elif ((status != 0)); then
-            return 1
-        else
-            screen_log+=$line$'\n'
-            read -r what _ window size name <<<"$line"
+        next_event || status=$?
+        case $status in
+        0)
+            read -r what _ window size name <<<"$event"
             [[ $what != map || $name != "$1"* ]] || return 0
-        fi
+            ;;
+        1) [[ -z ${3-} ]] || kill -0 "$3" 2>/dev/null || return 1 ;;
+        *) return 1 ;;
+        esac
     done
     return 1
 }
 
-# take_picture WINDOW FILE
+# Whether another window than $1 is on the screen: the splash goes when the client has drawn its own.
+has_other_window() {
+    awk -v own="$1" '$1 == "map" && $3 != own { on[$3] } $1 == "unmap" { delete on[$3] }
+        END { for (window in on) exit 0; exit 1 }' <<<"$screen_log"
+}
+
+# take_picture WINDOW FILE: as soon as the window has been drawn, with text in it, and stays as it is. Status 1
+# when it does not within two minutes.
 take_picture() {
-    xwd -silent -id "$1" | xwdtopnm 2>/dev/null | pnmtopng 2>/dev/null >"$2.new" && mv -f -- "$2.new" "$2"
+    local -r end=$((SECONDS + 120))
+    while ((SECONDS < end)) && has_other_window "$1"; do
+        next_event || (($? == 1)) || return 1
+    done
+    while ((SECONDS < end)); do
+        xwd -silent -id "$1" | xwdtopnm 2>/dev/null >"$2.new" || return 1
+        if cmp -s -- "$2.new" "$2.before" && (($(ppmhist -noheader "$2.new" | wc -l) > 16)); then
+            pnmtopng 2>/dev/null <"$2.new" >"$2"
+            rm -- "$2.new" "$2.before"
+            return 0
+        fi
+        mv -f -- "$2.new" "$2.before"
+        sleep 0.5
+    done
+    rm -f -- "$2.new" "$2.before"
+    return 1
 }

@@ -11,12 +11,13 @@ need() {
     exit "$skipped"
 }
 
-# Ends only what this test has started.
+# Ends only what this test has started, also what it has stopped or what hangs.
 running=()
 end_running() {
     local id
     for id in "${running[@]}"; do
         kill "$id" 2>/dev/null || true
+        kill -CONT "$id" 2>/dev/null || true
         timeout 100 tail --pid="$id" -s 0.02 -f /dev/null || kill -KILL "$id" 2>/dev/null || true
         wait "$id" 2>/dev/null || true
     done

@@ -25,7 +25,8 @@ public final class Application implements IApplication {
         Path destination = Path.of(System.getProperty("rcp.data"), "provisioned");
         Object result = new DirectorApplication().run(new String[] {
                 "-repository", installation.resolve("repository").toUri().toString(),
-                "-installIU", "sample.content/" + Provisioning.level() + ".0.0",
+                // With the unit that says how bundles are installed; it is the same at every level.
+                "-installIU", "tooling.osgi.bundle.default,sample.content/1.0.0." + Provisioning.level(),
                 "-destination", destination.toString(),
                 "-profile", "sample"});
         if (!EXIT_OK.equals(result)) {
