@@ -2,7 +2,6 @@
 // file's end, on any system.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,7 +13,10 @@ namespace rcp::inspect {
 struct SystemVersion {
     unsigned major = 0;
     unsigned minor = 0;
-    auto operator<=>(const SystemVersion&) const = default;
+    bool operator==(const SystemVersion&) const = default;
+    bool operator<(const SystemVersion& other) const {
+        return major != other.major ? major < other.major : minor < other.minor;
+    }
 };
 
 /// "10.13"; none when the text is no version. What stands behind the second number does not count.

@@ -59,7 +59,7 @@ void findInSystems(const Bundle& bundle, const CodeFile& file, Findings& finding
         }
         const SystemVersion allowed =
             image.processor == kApple ? std::max(*promised, kFirstOfArm64) : *promised;
-        if (*image.oldestSystem > allowed) {
+        if (allowed < *image.oldestSystem) {
             findings.add("RI705", bundle.pathOf(file.path), 0,
                          image.processor + " wants macOS " + textOf(*image.oldestSystem) +
                              ", LSMinimumSystemVersion promises " + bundle.keys.oldestSystem);
