@@ -9,7 +9,7 @@
 namespace rcp {
 
 // Where the system's function takes more, or another number of arguments, a function of ours stands in.
-constinit const SystemCalls kSystemsOwnCalls = {
+constexpr SystemCalls kSystemsOwnCalls = {
     .open = [](const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); },
     .openat = [](int directory, const char* path,
                  int flags) { return ::openat(directory, path, flags); },
