@@ -57,7 +57,7 @@ std::string launcherPath(const std::string& launcher, const std::string& install
                          bool mayBeMissing = false) {
     const std::string path = launcher.empty() ? launcherIn(installation) : launcher;
     std::error_code failed;
-    const std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
+    std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
     if (mayBeMissing && !failed && !contentsAround(absolute).empty() && !existsA(absolute)) {
         return absolute;
     }
