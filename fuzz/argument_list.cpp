@@ -89,7 +89,7 @@ void checkExtension(const Arguments& arguments, const Arguments& values,
 }
 
 // Arguments that are nobody's option nor value and stand in front of "-vmargs" are all handed on.
-void checkMainOptions(const LaunchInputs& inputs) {
+void checkMainOptions(const Arguments& launchArgs, const LaunchInputs& inputs) {
     Arguments plain;
     for (std::size_t i = 1; i < inputs.arguments.size() && inputs.arguments[i] != L"-vmargs"; ++i) {
         const bool isBehindOption = inputs.arguments[i - 1].starts_with(L"-");
@@ -135,13 +135,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     checkExtension(arguments, values, inputs.arguments);
 
-    bRestart = isRestart(inputs.arguments);
-    addPathToCommandLine(L"/eclipse");
-    addMainOptionsToCommandLine(inputs);
-    checkMainOptions(inputs);
-    addVmargsToCommandLine(inputs, true);
-    addDashDToCommandLine(inputs);
-    addXargsToCommandLine(inputs.properties);
+    CommandLine line(isRestart(inputs.arguments) ? Start::kRestart : Start::kOrdinary);
+    line.setProgram(L"/eclipse");
+    addMainOptionsToCommandLine(line, inputs);
+    checkMainOptions(line.arguments(), inputs);
+    addVmargsToCommandLine(line, inputs, true);
+    addDashDToCommandLine(line, inputs);
+    addXargsToCommandLine(line, inputs.properties);
+    const Arguments& launchArgs = line.arguments();
     require(launchArgs.front() == L"/eclipse", "the program is the first element");
     require(launchArgs.size() <= inputs.arguments.size() + inputs.vmargMap.size() + 20,
             "the list has a bound");

@@ -1,6 +1,7 @@
 #include "launcher/hand_off.h"
 
 #include "base/system_calls.h"
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
@@ -57,10 +58,10 @@ void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArgum
 }
 
 // The parent. In the direct Java shape there is no library, whatever the hand-off.
-void becomePlatform(NarrowArguments& launchArguments, Gate& gate) {
+void becomePlatform(const std::wstring& library, NarrowArguments& launchArguments, Gate& gate) {
     closeLockFile();
-    if (invokeDylib && !eclipseSoPath.empty()) {
-        invokeEclipseDylib(launchArguments, gate);
+    if (invokeDylib && !library.empty()) {
+        invokeEclipseDylib(library, launchArguments, gate);
         return;
     }
     becomeProgram(launchArguments);
@@ -68,8 +69,11 @@ void becomePlatform(NarrowArguments& launchArguments, Gate& gate) {
 
 }  // namespace
 
-void launchEclipse(const Arguments& arguments) {
-    NarrowArguments launchArguments(launchArgs);
+void launchEclipse(const Arguments& arguments, const CommandLine& line) {
+    if (observer != nullptr) {
+        observer->handedOff(line);
+    }
+    NarrowArguments launchArguments(line.arguments());
     logLaunchArguments("ZYPRA0132I: ===== Begin Launch Parameters =====", launchArguments,
                        "ZYPRA0133I: ===== End Launch Parameters =====");
     Gate gate;
@@ -83,11 +87,11 @@ void launchEclipse(const Arguments& arguments) {
         report(because(errno), "Error: fork: the platform's process id is not recorded");
         unlockLockFile();  // nobody else will
     }
-    becomePlatform(launchArguments, gate);
+    becomePlatform(line.library(), launchArguments, gate);
 }
 
-void invokeEclipseDylib(NarrowArguments& arguments, Gate& gate) {
-    std::string path = toNarrow(eclipseSoPath);
+void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& arguments, Gate& gate) {
+    std::string path = toNarrow(libraryPath);
     void* library = dlopen(path.c_str(), RTLD_NOW);
     if (library == nullptr) {
         libraryFailed(path, dlerror());

@@ -12,6 +12,7 @@
 
 #include "launcher/core/arguments.h"
 #include "launcher/core/hand_off_tools.h"
+#include "launcher/core/launch_arguments.h"
 #include "launcher/core/property_list.h"
 
 #include <string>
@@ -22,15 +23,15 @@ namespace rcp {
 /// The VM arguments found behind "-vmargs" by parseArgs; null until then and without "-vmargs".
 extern char** userVMarg;
 
-/// Hands `launchArgs` off. Returns in both processes when there is nothing left to do: in the
+/// Hands the command line off. Returns in both processes when there is nothing left to do: in the
 /// child, in the parent when the library's "run" returned or execv(3) failed. `arguments` are the
 /// launcher's own.
-void launchEclipse(const Arguments& arguments);
+void launchEclipse(const Arguments& arguments, const CommandLine& line);
 
-/// Loads the library at `eclipseSoPath`, opens the gate and runs the platform in this process. The
+/// Loads the library, opens the gate and runs the platform in this process. The
 /// result of "run" is ignored. A library that cannot be loaded or lacks an entry point ends the
 /// process with the gate still closed: until then no platform is there that others could find.
-void invokeEclipseDylib(NarrowArguments& arguments, Gate& gate);
+void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& arguments, Gate& gate);
 
 /// Cuts `argv` at the first "-vmargs" (in any letter case): sets it to null and `argc` to its
 /// index, and with `mode` 1 `userVMarg` to what stands behind. `argv[argc]` is null afterwards in

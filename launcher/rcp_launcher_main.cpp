@@ -69,9 +69,9 @@ Arguments wideArguments(int argc, char** argv) {
 }
 
 // What the launcher's own properties decide before the start-up sequence.
-void applyProperties(Arguments& arguments, const PropertyList& properties) {
+void applyProperties(Arguments& arguments, const PropertyList& properties, Start start) {
     initInvokeDylib(properties);
-    if (!bRestart) {
+    if (start != Start::kRestart) {
         rewriteExtensionDirectories(arguments, properties);
         appendVm(arguments, properties);
     }
@@ -82,21 +82,27 @@ void dumpArguments(const Arguments& arguments) {
     SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
 }
 
-// All that comes before the hand-off; the launcher's arguments, or nothing when the launch has to
-// begin anew.
-std::optional<Arguments> prepareLaunch(int argc, char** argv) {
+struct Prepared {
+    Arguments arguments;  // the launcher's own
+    CommandLine line;
+};
+
+// All that comes before the hand-off; nothing when the launch has to begin anew.
+std::optional<Prepared> prepareLaunch(int argc, char** argv) {
     userFirstLaunch = false;
     Arguments arguments = wideArguments(argc, argv);
-    bRestart = haveLaunchOption("-restart", {argv, argv + argc});
+    const Start start =
+        haveLaunchOption("-restart", {argv, argv + argc}) ? Start::kRestart : Start::kOrdinary;
     Installation installation = readInstallation(arguments);
-    applyProperties(arguments, installation.properties);
+    applyProperties(arguments, installation.properties, start);
     setDebug(isDebug(arguments));
     dumpArguments(arguments);
     doVersionCheck(arguments);
-    if (startup(arguments, std::move(installation)) == Launch::kBeginsAnew) {
+    std::optional<CommandLine> line = startup(arguments, std::move(installation), start);
+    if (!line) {
         return std::nullopt;
     }
-    return arguments;
+    return Prepared{std::move(arguments), *std::move(line)};
 }
 
 // What the standard library throws is a fault of ours. What was recorded so far is not lost to it.
@@ -112,13 +118,13 @@ void launch(int argc, char** argv) {
         quitWithNoJavaWarning();
     }
     setCharacterLocale();
-    std::optional<Arguments> arguments;
-    while (!arguments) {
-        arguments = prepareLaunch(argc, argv);
+    std::optional<Prepared> prepared;
+    while (!prepared) {
+        prepared = prepareLaunch(argc, argv);
     }
-    addArgToCommandLine(L"-Dfile.encoding=UTF-8", false);
-    addArgToCommandLine(L"-XstartOnFirstThread", false);
-    launchEclipse(*arguments);
+    prepared->line.add(L"-Dfile.encoding=UTF-8");
+    prepared->line.add(L"-XstartOnFirstThread");
+    launchEclipse(prepared->arguments, prepared->line);
 }
 
 int runLauncher(int argc, char** argv) {

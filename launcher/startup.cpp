@@ -29,6 +29,7 @@
 
 #include <stdlib.h>
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -222,8 +223,10 @@ Installation readInstallation(const Arguments& arguments) {
     return installation;
 }
 
-Launch startup(const Arguments& arguments, Installation installation) {
+std::optional<CommandLine> startup(const Arguments& arguments, Installation installation,
+                                   Start start) {
     LaunchInputs inputs;
+    inputs.start = start;
     reportMissingValue(arguments);
     const std::wstring base = applyInstallation(arguments, std::move(installation), inputs);
     prepareWorkspace(inputs);
@@ -233,7 +236,7 @@ Launch startup(const Arguments& arguments, Installation installation) {
     platformExecutable = executedProgram(inputs);
     if (locateLockFile(inputs.arguments, inputs.workspace, mainProcessName) ==
         Launch::kBeginsAnew) {
-        return Launch::kBeginsAnew;
+        return std::nullopt;
     }
     openLog(inputs.workspace);
     waitForDeletionOfDebugFile();
@@ -258,8 +261,7 @@ Launch startup(const Arguments& arguments, Installation installation) {
     }
     reportSecondPlatform();
     switchToInitialConfiguration(inputs);
-    getUserCmdString(inputs, LaunchKind::kPlatform);
-    return Launch::kGoesOn;
+    return getUserCmdString(inputs, LaunchKind::kPlatform);
 }
 
 }  // namespace rcp

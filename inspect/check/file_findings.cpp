@@ -37,19 +37,18 @@ void needProgram(const Examination& examination, const std::wstring& path, const
 }
 
 // The elements that a piece of the command line adds.
-Arguments elementsOf(const std::function<void()>& piece) {
-    launchArgs.clear();
-    endOf(piece);
-    return std::move(launchArgs);
+Arguments elementsOf(const std::function<void(CommandLine&)>& piece) {
+    CommandLine line;
+    endOf([&] { piece(line); });
+    return line.arguments();
 }
 
 void findInBase(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
     const Origin origin = examination.originOf(L"rcp.base.location");
     // The record names the file; only the program's tells about its permission.
-    const auto record = endOf([&] { addBaseEclipseToCommandLine(properties); });
-    const Arguments program = std::move(launchArgs);
-    launchArgs.clear();
+    CommandLine line;
+    const auto record = endOf([&] { addBaseEclipseToCommandLine(line, properties); });
     if (record) {
         std::wstring name;
         getEclipseExeName(name, properties);
@@ -57,29 +56,30 @@ void findInBase(const Examination& examination, Findings& findings) {
         const bool isThere = isProgram && exists(examination.base + L"/macosx/x86/" + name);
         findings.add(isThere ? "RI602" : "RI601", examination.nameOf(origin), origin.line, *record);
     }
-    for (const Argument& jar :
-         elementsOf([&] { addStartupToCommandLine(properties, examination.inputs.arguments); })) {
+    for (const Argument& jar : elementsOf([&](CommandLine& startup) {
+             addStartupToCommandLine(startup, properties, examination.inputs.arguments);
+         })) {
         if (jar != L"-startup") {
             needFile(examination, jar, origin, findings);
         }
     }
-    if (program.empty()) {
+    if (line.arguments().empty()) {
         return;
     }
     // The process of a script runs the interpreter, so only its listing can tell what it is.
-    const std::string path = toNarrow(program.front());
+    const std::string path = toNarrow(line.arguments().front());
     std::wstring name;
     getMainProcessName(name, properties);
     if (!invokeDylib && readQuietly(path, 2) == "#!" &&
         !listingShowsPlatform(path, toNarrow(name), true)) {
         findings.add("RI603", examination.nameOf(origin), origin.line,
-                     quoted(program.front()) + " is not recognised");
+                     quoted(line.arguments().front()) + " is not recognised");
     }
 }
 
 void findInClassPath(const Examination& examination, Findings& findings) {
-    const Arguments elements =
-        elementsOf([&] { addClasspathToCommandLine(examination.inputs.properties); });
+    const Arguments elements = elementsOf(
+        [&](CommandLine& line) { addClasspathToCommandLine(line, examination.inputs.properties); });
     if (elements.empty()) {
         return;
     }

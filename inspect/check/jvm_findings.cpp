@@ -21,14 +21,13 @@ Arguments jvmArguments(const Examination& examination) {
         const bool resolved = replaceAllPlaceholders(locations, text, inputs.properties);
         argument = Argument(resolved ? text : std::wstring(), argument.origin);
     }
-    launchArgs.clear();
+    CommandLine line;
     endOf([&] {
-        addVmargsToCommandLine(inputs, false);
-        addDashDToCommandLine(inputs);
+        addVmargsToCommandLine(line, inputs, false);
+        addDashDToCommandLine(line, inputs);
     });
-    addXargsToCommandLine(inputs.properties);
-    Arguments arguments = std::move(launchArgs);
-    launchArgs.clear();
+    addXargsToCommandLine(line, inputs.properties);
+    Arguments arguments = line.arguments();
     std::erase_if(arguments, [](const Argument& one) { return one == L"-vmargs"; });
     return arguments;
 }

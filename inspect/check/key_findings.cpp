@@ -36,8 +36,10 @@ void findMissing(const Examination& examination, Findings& findings) {
         }
     }
     const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
-    if (enabled != nullptr && *enabled == L"true" &&
-        endOf([&] { addProvisioningApplication(inputs.properties, true); })) {
+    if (enabled != nullptr && *enabled == L"true" && endOf([&] {
+            CommandLine unused;
+            addProvisioningApplication(unused, inputs.properties, true);
+        })) {
         findings.add("RI201", examination.launcherFile(), 0,
                      "\"provisioning.application\" is missing, but provisioning is enabled");
     }

@@ -6,6 +6,7 @@
 #include "inspect/explain/witness.h"
 #include "inspect/options.h"
 #include "inspect/rehearsal/rehearsal.h"
+#include "launcher/core/launch_arguments.h"
 
 #include <map>
 #include <nlohmann/json.hpp>
@@ -22,6 +23,7 @@ struct Account {
     const Options& options;
     const Witness& witness;
     const Sources& sources;
+    const CommandLine& line;  // empty where the launch ended before the hand-off
     const Variables& before;  // the environment at the beginning
     int status;               // of the launch's end
     bool hasWaitedForMarker;  // until it was removed
@@ -36,7 +38,7 @@ nlohmann::json describeChanges(const Rehearsal& rehearsal);
 /// The lines of the launch's log.
 nlohmann::json describeRecords(const Rehearsal& rehearsal);
 /// How the launch ended as far as it knows itself: kind, role and program.
-nlohmann::json describeOutcome(const nlohmann::json& records);
+nlohmann::json describeOutcome(const CommandLine& line, const nlohmann::json& records);
 
 /// What only the launcher's functions know, asked of them as long as they see what the launch has
 /// left: "isInitial", whether the initial configuration stands in for the arguments, and

@@ -44,10 +44,11 @@ bool isSamePlace(const Origin& one, const Origin& other) {
            (one.file == nullptr || *one.file == *other.file);
 }
 
-std::vector<std::size_t> elementsFrom(const Origin& origin) {
+std::vector<std::size_t> elementsFrom(const Origin& origin, const Account& account) {
+    const Arguments& elements = account.line.arguments();
     std::vector<std::size_t> found;
-    for (std::size_t i = 0; i < launchArgs.size(); ++i) {
-        if (isSamePlace(launchArgs[i].origin, origin)) {
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        if (isSamePlace(elements[i].origin, origin)) {
             found.push_back(i);
         }
     }

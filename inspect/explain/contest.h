@@ -28,7 +28,7 @@ const char* whyWon(const Rival& winner, const Account& account);
 
 bool isSamePlace(const Origin& one, const Origin& other);
 /// The elements that come from there, as the reader counts them.
-std::vector<std::size_t> elementsFrom(const Origin& origin);
+std::vector<std::size_t> elementsFrom(const Origin& origin, const Account& account);
 /// The arguments that the launch's "-config" stands for, as far as their properties are numbered.
 std::vector<const Property*> extensionEntries(const Account& account);
 

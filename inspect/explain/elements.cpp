@@ -45,25 +45,26 @@ json describePlaceholders(const std::wstring& written, const Witness& witness) {
     return placeholders;
 }
 
-bool isWorkspacePath(std::size_t index) {
-    const Argument& element = launchArgs[index];
+bool isWorkspacePath(std::size_t index, const Account& account) {
+    const Arguments& elements = account.line.arguments();
+    const Argument& element = elements[index];
     if (index == 0 || element.origin.line != 0 || element.origin.file) {
         return false;
     }
-    const Argument& before = launchArgs[index - 1];
+    const Argument& before = elements[index - 1];
     return before == L"-data" || before == L"-configuration" || element.starts_with(L"-Drcp.data=");
 }
 
 // The workspace, what is made of it and the kind of installation are computed; the user wants to
 // know from what.
 Origin originAt(std::size_t index, const Account& account) {
-    const Argument& element = launchArgs[index];
+    const Argument& element = account.line.arguments()[index];
     const bool isComputed = !element.origin.file && element.origin.line == 0;
     if (isComputed && element.starts_with(L"-Drcp.install.config=")) {
         const auto entries = account.sources.entriesOf(L"install.configuration");
         return entries.empty() ? Origin() : entries.front()->origin;
     }
-    if (!isWorkspacePath(index)) {
+    if (!isWorkspacePath(index, account)) {
         return element.origin;
     }
     const auto rivals = rivalsForOption(L"-data", account);
@@ -71,7 +72,7 @@ Origin originAt(std::size_t index, const Account& account) {
 }
 
 json sourceAt(std::size_t index, const Origin& origin, const Account& account) {
-    const bool isDefault = isWorkspacePath(index) && !origin.file && origin.line == 0;
+    const bool isDefault = isWorkspacePath(index, account) && !origin.file && origin.line == 0;
     return isDefault ? json{{"kind", "environment"}, {"name", "HOME"}}
                      : account.sources.describe(origin);
 }
@@ -82,17 +83,17 @@ std::vector<Rival> rivalsAt(std::size_t index, const Property* entry, const std:
     if (!vmarg.empty()) {
         return rivalsForVmarg(vmarg, account);
     }
-    if (index > 0 && !propertiesFor(launchArgs[index - 1]).empty()) {
-        return rivalsForOption(launchArgs[index - 1], account);
+    if (index > 0 && !propertiesFor(account.line.arguments()[index - 1]).empty()) {
+        return rivalsForOption(account.line.arguments()[index - 1], account);
     }
     return entry == nullptr ? std::vector<Rival>() : rivalsOf(*entry, account);
 }
 
 json describeLosers(std::size_t index, const std::vector<Rival>& rivals, const Account& account) {
     json losers = json::array();
-    const bool isWon =
-        !rivals.empty() &&
-        (isSamePlace(rivals.front().origin, launchArgs[index].origin) || isWorkspacePath(index));
+    const bool isWon = !rivals.empty() && (isSamePlace(rivals.front().origin,
+                                                       account.line.arguments()[index].origin) ||
+                                           isWorkspacePath(index, account));
     for (std::size_t i = 1; isWon && i < rivals.size(); ++i) {
         losers.push_back({{"text", jsonText(rivals[i].text)},
                           {"source", account.sources.describe(rivals[i].origin)},
@@ -102,7 +103,7 @@ json describeLosers(std::size_t index, const std::vector<Rival>& rivals, const A
 }
 
 json describeElement(std::size_t index, const Arguments& given, const Account& account) {
-    const Argument& element = launchArgs[index];
+    const Argument& element = account.line.arguments()[index];
     const Origin origin = originAt(index, account);
     const Property* source = account.sources.entryAt(origin);
     const Property* entry = account.sources.entryAt(element.origin);
@@ -112,17 +113,18 @@ json describeElement(std::size_t index, const Arguments& given, const Account& a
         written.erase(0, vmarg.size() + 1);
     }
     return {{"text", jsonText(element)},
-            {"rule", ruleFor(launchArgs, index, entry, vmarg)},
+            {"rule", ruleFor(account.line.arguments(), index, entry, vmarg)},
             {"source", sourceAt(index, origin, account)},
             {"placeholders", describePlaceholders(written, account.witness)},
             {"instead", describeLosers(index, rivalsAt(index, entry, vmarg, account), account)}};
 }
 
 bool isInitialStarted(const Account& account) {
-    return std::any_of(launchArgs.begin(), launchArgs.end(), [&](const Argument& element) {
-        const Property* entry = account.sources.entryAt(element.origin);
-        return entry != nullptr && entry->key.starts_with(L"config.initial.");
-    });
+    return std::any_of(account.line.arguments().begin(), account.line.arguments().end(),
+                       [&](const Argument& element) {
+                           const Property* entry = account.sources.entryAt(element.origin);
+                           return entry != nullptr && entry->key.starts_with(L"config.initial.");
+                       });
 }
 
 }  // namespace
@@ -138,7 +140,7 @@ Arguments launcherArguments(const Options& options) {
 json describeElements(const Account& account) {
     const Arguments given = launcherArguments(account.options);
     json elements = json::array();
-    for (std::size_t i = 0; i < launchArgs.size(); ++i) {
+    for (std::size_t i = 0; i < account.line.arguments().size(); ++i) {
         elements.push_back(describeElement(i, given, account));
     }
     return elements;
@@ -149,8 +151,9 @@ json describeDropped(const Account& account) {
     const Argument* name = optionValue(L"-config", given);
     const bool isInitial = isInitialStarted(account) && (name == nullptr || *name != L"initial");
     json dropped = json::array();
-    for (std::size_t position = 1; position < given.size() && !launchArgs.empty(); ++position) {
-        if (elementsFrom(given[position].origin).empty()) {
+    for (std::size_t position = 1; position < given.size() && !account.line.arguments().empty();
+         ++position) {
+        if (elementsFrom(given[position].origin, account).empty()) {
             dropped.push_back({{"position", position},
                                {"text", jsonText(given[position])},
                                {"why", whyDropped(given, position, isInitial)}});

@@ -47,14 +47,14 @@ bool hasRecord(const json& records, const std::string& beginning) {
 }
 
 // "execv", "in-process", "provisioning", or "ends" for a launch that did not come that far.
-std::string kindOfEnd(const json& records) {
+std::string kindOfEnd(const CommandLine& line, const json& records) {
     if (hasRecord(records, "ZYPRA0129I")) {
         return "provisioning";
     }
     if (!hasRecord(records, "ZYPRA0132I")) {
         return "ends";
     }
-    return invokeDylib && !eclipseSoPath.empty() ? "in-process" : "execv";
+    return invokeDylib && !line.library().empty() ? "in-process" : "execv";
 }
 
 const char* role() {
@@ -287,11 +287,12 @@ std::string debugMarker(const Options& options) {
     return options.installation + "/rcp/rcplauncher.debug";
 }
 
-json describeOutcome(const json& records) {
-    const std::string kind = kindOfEnd(records);
+json describeOutcome(const CommandLine& line, const json& records) {
+    const std::string kind = kindOfEnd(line, records);
     json outcome{{"kind", kind}, {"role", role()}};
-    if (!launchArgs.empty()) {
-        outcome["program"] = jsonText(kind == "in-process" ? eclipseSoPath : launchArgs.front());
+    if (!line.arguments().empty()) {
+        outcome["program"] =
+            jsonText(kind == "in-process" ? line.library() : line.arguments().front());
     }
     return outcome;
 }

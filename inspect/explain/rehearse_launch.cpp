@@ -75,10 +75,11 @@ std::string lastErrorOf(const json& records) {
 json tellAll(int status) {
     observer = nullptr;
     const Sources sources(stage->witness);
-    const Account account{stage->options, stage->witness, sources,
-                          stage->before,  status,         stage->hasWaitedForMarker};
+    const Account account{stage->options,           stage->witness, sources,
+                          stage->witness.line(),    stage->before,  status,
+                          stage->hasWaitedForMarker};
     const json records = describeRecords(*stage->rehearsal);
-    json outcome = describeOutcome(records);
+    json outcome = describeOutcome(stage->witness.line(), records);
     const std::string& last = stage->lastError;
     outcome["record"] = last.empty() ? lastErrorOf(records) : last;
     if (outcome["kind"] == "provisioning") {

@@ -93,7 +93,7 @@ Use useOfIdle(const Property& entry, const Account& account) {
 }
 
 Use useOf(const Property& entry, const Account& account) {
-    const std::vector<std::size_t> elements = elementsFrom(entry.origin);
+    const std::vector<std::size_t> elements = elementsFrom(entry.origin, account);
     if (!elements.empty()) {
         return {"used", elementText(elements)};
     }

@@ -38,68 +38,70 @@ void settleEnvironment(const PropertyList& properties) {
 }
 
 // The JVM's part of a command line for the launcher library.
-void addJvmSection(const LaunchInputs& inputs, bool vmIsEeOrDll) {
-    addVmargsToCommandLine(inputs, vmIsEeOrDll);
-    addDashDToCommandLine(inputs);
-    addXargsToCommandLine(inputs.properties);
-    addClasspathToCommandLine(inputs.properties);
+void addJvmSection(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
+    addVmargsToCommandLine(line, inputs, vmIsEeOrDll);
+    addDashDToCommandLine(line, inputs);
+    addXargsToCommandLine(line, inputs.properties);
+    addClasspathToCommandLine(line, inputs.properties);
 }
 
-void assembleProvisioning(const LaunchInputs& inputs, bool startedByUser) {
-    addBaseEclipseToCommandLine(inputs.properties);
-    addMainOptionsToCommandLine(inputs);
-    addProvisioningApplication(inputs.properties, startedByUser);
-    const bool vmIsEeOrDll = addVmToCommandLine(inputs);
-    addStartupToCommandLine(inputs.properties, inputs.arguments);
+void assembleProvisioning(CommandLine& line, const LaunchInputs& inputs, bool startedByUser) {
+    addBaseEclipseToCommandLine(line, inputs.properties);
+    addMainOptionsToCommandLine(line, inputs);
+    addProvisioningApplication(line, inputs.properties, startedByUser);
+    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    addStartupToCommandLine(line, inputs.properties, inputs.arguments);
     addLibpathToCommandLine(inputs.properties);
-    addJvmSection(inputs, vmIsEeOrDll);
+    addJvmSection(line, inputs, vmIsEeOrDll);
     settleEnvironment(inputs.properties);
 }
 
-void assembleForLauncherLibrary(const LaunchInputs& inputs) {
-    addBaseEclipseToCommandLine(inputs.properties);
-    addMainOptionsToCommandLine(inputs);
-    const bool vmIsEeOrDll = addVmToCommandLine(inputs);
-    addUseDaemonToCommandLine();
-    addStartupToCommandLine(inputs.properties, inputs.arguments);
+void assembleForLauncherLibrary(CommandLine& line, const LaunchInputs& inputs) {
+    addBaseEclipseToCommandLine(line, inputs.properties);
+    addMainOptionsToCommandLine(line, inputs);
+    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    addUseDaemonToCommandLine(line);
+    addStartupToCommandLine(line, inputs.properties, inputs.arguments);
     addLibpathToCommandLine(inputs.properties);
-    addJvmSection(inputs, vmIsEeOrDll);
+    addJvmSection(line, inputs, vmIsEeOrDll);
     settleEnvironment(inputs.properties);
 }
 
-void assembleForJava(const LaunchInputs& inputs) {
-    const bool vmIsEeOrDll = addVmToCommandLine(inputs);
+void assembleForJava(CommandLine& line, const LaunchInputs& inputs) {
+    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
     addLibpathToCommandLine(inputs.properties);
-    addJvmSection(inputs, vmIsEeOrDll);
-    addMainClassToCommandLine();
-    addMainOptionsToCommandLine(inputs);
+    addJvmSection(line, inputs, vmIsEeOrDll);
+    addMainClassToCommandLine(line);
+    addMainOptionsToCommandLine(line, inputs);
     settleEnvironment(inputs.properties);
 }
 
 }  // namespace
 
-void getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
+CommandLine getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
     const StandardLocations locations{inputs.workspace, inputs.installDir};
     replacePlaceholdersInRcpInstallProp(locations, inputs.userProperties);
     replacePlaceholdersInArgv(locations, inputs.arguments);
     replacePlaceholdersInVmargMap(locations, inputs.properties, inputs.vmargMap);
     validateJvmArguments(inputs.arguments, inputs.vmargMap);
     emptySharedClassesOnNewLevel(inputs);
+    CommandLine line(inputs.start);
     if (kind != LaunchKind::kPlatform) {
-        assembleProvisioning(inputs, kind == LaunchKind::kUserProvisioning);
+        assembleProvisioning(line, inputs, kind == LaunchKind::kUserProvisioning);
     } else if (isDirectJavaShape()) {
-        assembleForJava(inputs);
+        assembleForJava(line, inputs);
     } else {
-        assembleForLauncherLibrary(inputs);
+        assembleForLauncherLibrary(line, inputs);
     }
+    return line;
 }
 
-void addBaseEclipseToCommandLine(const PropertyList& properties) {
+void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
     const Argument program = platformProgram(properties);
     if (!isExecutable(program)) {
         fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program);
     }
-    addPathToCommandLine(program);
+    line.setProgram(program);
     const std::wstring library =
         inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
     if (!exists(library)) {
@@ -107,7 +109,7 @@ void addBaseEclipseToCommandLine(const PropertyList& properties) {
               "Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
               library);
     }
-    setEclipseSoPath(library);
+    line.setLibrary(library);
 }
 
 Argument platformProgram(const PropertyList& properties) {
@@ -120,23 +122,24 @@ Argument executedProgram(const LaunchInputs& inputs) {
     return isDirectJavaShape() ? vmProgram(inputs) : platformProgram(inputs.properties);
 }
 
-void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments) {
-    addArgToCommandLine(L"-startup", false);
+void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
+                             const Arguments& arguments) {
+    line.add(L"-startup");
     const Argument* jar = optionValue(L"-perfJar", arguments);
-    addArgToCommandLine(jar == nullptr ? inBaseLocation(L"/launcher.jar", properties) : *jar, true);
+    line.add(jar == nullptr ? inBaseLocation(L"/launcher.jar", properties) : *jar);
 }
 
-void addMainClassToCommandLine() {
-    addArgToCommandLine(L"org.eclipse.core.launcher.Main", true);
+void addMainClassToCommandLine(CommandLine& line) {
+    line.add(L"org.eclipse.core.launcher.Main");
 }
 
-void addClasspathToCommandLine(const PropertyList& properties) {
+void addClasspathToCommandLine(CommandLine& line, const PropertyList& properties) {
     if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
-        addArgToCommandLine(L"-cp", false);
-        addArgToCommandLine(inBaseLocation(L"/startup.jar", properties), true);
+        line.add(L"-cp");
+        line.add(inBaseLocation(L"/startup.jar", properties));
     } else if (const Property* classPath = properties.find(L"cp")) {
-        addArgToCommandLine(L"-cp", false);
-        addArgToCommandLine(argumentFrom(*classPath), true);
+        line.add(L"-cp");
+        line.add(argumentFrom(*classPath));
     }
 }
 

@@ -1,5 +1,5 @@
 // The final order of the command line. getUserCmdString is its table of contents: it calls the
-// pieces in order, and each piece appends its own elements to `launchArgs`.
+// pieces in order, and each piece appends its own elements.
 #pragma once
 
 #include "launcher/core/launch_inputs.h"
@@ -14,24 +14,25 @@ enum class LaunchKind {
     kInstallerProvisioning,  // asked for by an installer
 };
 
-/// Fills `launchArgs` and sets the environment of the JVM. Replaces the placeholders in the
+/// The command line of a launch; sets the environment of the JVM. Replaces the placeholders in the
 /// per-user list and in the VM argument map. Every failure ends the launch.
-void getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
+CommandLine getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
 
 /// The launcher executable, first element, and the launcher library's path. Ends the launch when
 /// the base location is unknown or either file is missing.
-void addBaseEclipseToCommandLine(const PropertyList& properties);
+void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties);
 /// The path of the platform's own program. Ends the launch when the base location is unknown.
 Argument platformProgram(const PropertyList& properties);
 /// What execv(3) gets: that program or, in the direct Java shape, the JVM.
 Argument executedProgram(const LaunchInputs& inputs);
 /// "-startup" and the startup jar: the argument behind "-perfJar", or launcher.jar of the base
 /// location.
-void addStartupToCommandLine(const PropertyList& properties, const Arguments& arguments);
+void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
+                             const Arguments& arguments);
 /// The main class of the direct Java shape.
-void addMainClassToCommandLine();
+void addMainClassToCommandLine(CommandLine& line);
 /// "-cp" and the class path, if there is one.
-void addClasspathToCommandLine(const PropertyList& properties);
+void addClasspathToCommandLine(CommandLine& line, const PropertyList& properties);
 
 /// The value of "eclipse.name", or "eclipse".
 void getEclipseExeName(std::wstring& name, const PropertyList& properties);

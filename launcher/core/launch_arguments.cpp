@@ -1,25 +1,17 @@
 #include "launcher/core/launch_arguments.h"
 
-#include "launcher/core/launch_state.h"
-
 namespace rcp {
 
-Arguments launchArgs;
-std::wstring eclipseSoPath;
-
-void addArgToCommandLine(const Argument& argument, bool /*isValue*/) {
-    if (bRestart && (argument == DEBUGARG || argument == CONSOLEARG)) {
+void CommandLine::add(const Argument& argument) {
+    if (start_ == Start::kRestart && (argument == DEBUGARG || argument == CONSOLEARG)) {
         return;
     }
-    launchArgs.push_back(argument);
+    arguments_.push_back(argument);
 }
 
-void addPathToCommandLine(const Argument& path) {
-    launchArgs.assign(1, path);
-}
-
-void setEclipseSoPath(const std::wstring& path) {
-    eclipseSoPath = path;
+void CommandLine::add(const Argument& option, const Argument& value) {
+    add(option);
+    add(value);
 }
 
 }  // namespace rcp

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "launcher/core/arguments.h"
+#include "launcher/core/launch_arguments.h"
 #include "launcher/core/property_list.h"
 #include "launcher/core/vm_argument_map.h"
 
@@ -17,6 +18,7 @@ struct LaunchInputs {
     PropertyList properties;      // the launcher property list
     PropertyList userProperties;  // the per-user install property list
     VmArgumentMap vmargMap;
+    Start start = Start::kOrdinary;
 };
 
 }  // namespace rcp

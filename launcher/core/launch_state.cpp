@@ -8,7 +8,6 @@
 namespace rcp {
 
 bool userFirstLaunch = false;
-bool bRestart = false;
 bool invokeDylib = false;
 std::wstring mainProcessName;
 std::wstring platformExecutable;

@@ -12,9 +12,6 @@ namespace rcp {
 /// level changed. While false, reuse and reset of the user's area are considered.
 extern bool userFirstLaunch;
 
-/// The launcher was started with "-restart".
-extern bool bRestart;
-
 /// True: hand off inside this process through the launcher library; false: hand off with execv(3).
 extern bool invokeDylib;
 

@@ -37,19 +37,19 @@ constexpr OptionRule kOptionRules[] = {
 };
 
 // The user's arguments in front of "-vmargs", which is never taken for an option's value.
-void copyUserOptions(const Arguments& arguments) {
+void copyUserOptions(CommandLine& line, const Arguments& arguments) {
     const int separator = findOption(L"-vmargs", arguments);
     const std::size_t end = separator < 0 ? arguments.size() : static_cast<std::size_t>(separator);
     for (std::size_t i = 1; i < end; ++i) {
         const bool hasValue = i + 1 < end && canBeValue(arguments[i + 1]);
         switch (copyRuleFor(arguments[i])) {
             case CopyRule::kCopy:
-                addArgToCommandLine(arguments[i], true);
+                line.add(arguments[i]);
                 break;
             case CopyRule::kCopyWithValue:
-                addArgToCommandLine(arguments[i], false);
+                line.add(arguments[i]);
                 if (hasValue) {
-                    addArgToCommandLine(arguments[++i], true);
+                    line.add(arguments[++i]);
                 }
                 break;
             case CopyRule::kDrop:
@@ -61,20 +61,15 @@ void copyUserOptions(const Arguments& arguments) {
     }
 }
 
-void addOption(const std::wstring& option, const Argument& value) {
-    addArgToCommandLine(option, false);
-    addArgToCommandLine(value, true);
-}
-
 // An option that the user gave anywhere, behind "-vmargs" too, is not added again.
-void addFromProperty(const std::wstring& option, const Property* property,
+void addFromProperty(CommandLine& line, const std::wstring& option, const Property* property,
                      const Arguments& arguments) {
     if (property != nullptr && !hasOption(option, arguments)) {
-        addOption(option, argumentFrom(*property));
+        line.add(option, argumentFrom(*property));
     }
 }
 
-void addPluginCustomization(const LaunchInputs& inputs) {
+void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
     if (hasOption(L"-plugincustomization", inputs.arguments)) {
         return;
     }
@@ -88,7 +83,7 @@ void addPluginCustomization(const LaunchInputs& inputs) {
         fatal(reason.at(placeOf(key, value.origin)),
               "ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
     }
-    addOption(L"-plugincustomization", path);
+    line.add(L"-plugincustomization", path);
 }
 
 }  // namespace
@@ -102,33 +97,33 @@ CopyRule copyRuleFor(std::wstring_view argument) {
     return CopyRule::kCopy;
 }
 
-void addMainOptionsToCommandLine(const LaunchInputs& inputs) {
+void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     const Arguments& arguments = inputs.arguments;
     if (isDirectJavaShape()) {
-        addArgToCommandLine(L"-nosplash", false);
+        line.add(L"-nosplash");
     }
     if (!isDebug(arguments)) {
-        addArgToCommandLine(L"--launcher.suppressErrors", false);
+        line.add(L"--launcher.suppressErrors");
     }
-    copyUserOptions(arguments);
+    copyUserOptions(line, arguments);
     if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
         fatal(noReason(), "ZYPRA0005E: Couldn't find the rcp.install.id property!");
     }
-    addOption(L"-data", inputs.workspace);
-    addOption(L"-configuration", inputs.configuration);
-    addFromProperty(L"-application", inputs.properties.find(L"application"), arguments);
-    addPluginCustomization(inputs);
+    line.add(L"-data", inputs.workspace);
+    line.add(L"-configuration", inputs.configuration);
+    addFromProperty(line, L"-application", inputs.properties.find(L"application"), arguments);
+    addPluginCustomization(line, inputs);
     const Property* product = inputs.userProperties.find(L"product");
     if (product == nullptr) {
         product = inputs.properties.find(L"product");
     }
-    addFromProperty(L"-product", product, arguments);
-    addFromProperty(L"-personality", inputs.properties.find(L"personality"), arguments);
+    addFromProperty(line, L"-product", product, arguments);
+    addFromProperty(line, L"-personality", inputs.properties.find(L"personality"), arguments);
 }
 
-void addUseDaemonToCommandLine() {
+void addUseDaemonToCommandLine(CommandLine& line) {
     if (!isMainProcess()) {
-        addOption(L"-useDaemon", std::to_wstring(pid));
+        line.add(L"-useDaemon", std::to_wstring(pid));
     }
 }
 

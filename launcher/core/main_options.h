@@ -21,9 +21,9 @@ CopyRule copyRuleFor(std::wstring_view argument);
 /// "-data", "-configuration", and from the properties whatever of "-application",
 /// "-plugincustomization", "-product" and "-personality" the user did not give. Ends the launch
 /// without "rcp.install.id" and when the plug-in customization file is missing.
-void addMainOptionsToCommandLine(const LaunchInputs& inputs);
+void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 /// Appends "-useDaemon" and the main process id unless this is the main process.
-void addUseDaemonToCommandLine();
+void addUseDaemonToCommandLine(CommandLine& line);
 
 }  // namespace rcp

@@ -1,6 +1,7 @@
 #include "launcher/core/provisioning.h"
 
 #include "base/system_calls.h"
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/command_line.h"
 #include "launcher/core/hand_off_tools.h"
@@ -87,15 +88,17 @@ void checkForProvisioning(LaunchInputs& inputs) {
     SvcDebugOutA(
         "ZYPRA0076I: Detected platform initial launch or user initial launch. Executing platform "
         "provisioning.");
-    getUserCmdString(inputs, startedByInstaller ? LaunchKind::kInstallerProvisioning
-                                                : LaunchKind::kUserProvisioning);
-    doProvisioning();
+    doProvisioning(getUserCmdString(inputs, startedByInstaller ? LaunchKind::kInstallerProvisioning
+                                                               : LaunchKind::kUserProvisioning));
     unlockLockFile();
     endLaunch(0);
 }
 
-void doProvisioning() {
-    NarrowArguments command(launchArgs);
+void doProvisioning(const CommandLine& line) {
+    if (observer != nullptr) {
+        observer->handedOff(line);
+    }
+    NarrowArguments command(line.arguments());
     logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
                        "ZYPRA0130I: ===== End Provisioning Parameters =====");
     recordProvisioning(getProvisioningFilePath());
@@ -117,17 +120,17 @@ void doProvisioning() {
     }
 }
 
-void addProvisioningApplication(const PropertyList& properties, bool startedByUser) {
+void addProvisioningApplication(CommandLine& line, const PropertyList& properties,
+                                bool startedByUser) {
     const Property* application = properties.find(L"provisioning.application");
     if (application == nullptr) {
         fatal(noReason(),
               "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
               "property is missing.");
     }
-    addArgToCommandLine(L"-application", false);
-    addArgToCommandLine(argumentFrom(*application), true);
+    line.add(L"-application", argumentFrom(*application));
     if (startedByUser) {
-        addArgToCommandLine(L"-userProvLaunch", false);
+        line.add(L"-userProvLaunch");
     }
 }
 

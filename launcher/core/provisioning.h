@@ -23,13 +23,14 @@ void checkForProvisioning(LaunchInputs& inputs);
 /// change under it.
 void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap);
 
-/// Replaces the process with the command in `launchArgs`, having recorded its own as the one that
+/// Replaces the process with the command, having recorded its own as the one that
 /// provisions (running_provisioning.h) and the id of a forked child as the main process. Returns in the child, and in the parent when execv(3) failed.
-void doProvisioning();
+void doProvisioning(const CommandLine& line);
 
 /// Appends "-application", the provisioning application and, when a user's launch asked for it,
 /// "-userProvLaunch". Ends the launch when no application is configured.
-void addProvisioningApplication(const PropertyList& properties, bool startedByUser);
+void addProvisioningApplication(CommandLine& line, const PropertyList& properties,
+                                bool startedByUser);
 
 /// At a new provisioning level empties the JVM's shared classes directory
 /// ("jvm.shareclasses.fullpath"); what cannot be emptied ends the launch. A directory that may hold

@@ -17,7 +17,7 @@ constexpr wchar_t VMFIXARG_PROPERTY[] = L"vmfix.noconsole";
 
 // What the user put behind "-vmargs". A "-vm" there is a choice of the launcher's, not a JVM
 // option.
-void addUserVmargs(const Arguments& arguments) {
+void addUserVmargs(CommandLine& line, const Arguments& arguments) {
     const int separator = findOption(L"-vmargs", arguments);
     if (separator < 0) {
         return;
@@ -26,12 +26,12 @@ void addUserVmargs(const Arguments& arguments) {
         if (arguments[i] == L"-vm") {
             i += i + 1 < arguments.size() && canBeValue(arguments[i + 1]) ? 1 : 0;
         } else {
-            addArgToCommandLine(arguments[i], true);
+            line.add(arguments[i]);
         }
     }
 }
 
-void addConsoleFix(const LaunchInputs& inputs) {
+void addConsoleFix(CommandLine& line, const LaunchInputs& inputs) {
     const auto fixes = findProperties(VMFIXARG_PROPERTY, inputs.properties);
     if (fixes.empty()) {
         return;
@@ -40,24 +40,24 @@ void addConsoleFix(const LaunchInputs& inputs) {
     replaceFirst(fix, L"${workspace.location}", inputs.workspace);
     convertToOsSeparator(fix);
     if (!fix.empty()) {
-        addArgToCommandLine(fix, true);
+        line.add(fix);
     }
 }
 
 // The terminator that setArgProperty leaves at the end is not part of the argument.
-void addSystemProperty(const std::wstring& key, const Argument& value) {
+void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value) {
     std::wstring item;
     setArgProperty(item, key, value);
-    addArgToCommandLine({item.c_str(), value.origin}, false);
+    line.add({item.c_str(), value.origin});
 }
 
-void addPropertyDefinitions(const PropertyList& properties) {
+void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
     for (const Property* property : findProperties(L"-D", properties)) {
         std::wstring item;
         setArgProperty(item, property->key, property->value);
         item.pop_back();
         SvcDebugOutW(L"ZYPRA0075I: commandArg  = \"%s\"", item);
-        addArgToCommandLine({item, property->origin}, false);
+        line.add({item, property->origin});
     }
 }
 
@@ -69,52 +69,53 @@ Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view opt
 
 }  // namespace
 
-void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll) {
+void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
     if (!isDirectJavaShape()) {
-        addArgToCommandLine(L"-vmargs", false);
+        line.add(L"-vmargs");
     }
-    addUserVmargs(inputs.arguments);
+    addUserVmargs(line, inputs.arguments);
     const bool hasConsole = hasOption(CONSOLEARG, inputs.arguments) && !isRestart(inputs.arguments);
     if (!hasConsole && !vmIsEeOrDll) {
-        addConsoleFix(inputs);
+        addConsoleFix(line, inputs);
     }
     for (const auto& [key, argument] : inputs.vmargMap) {
         if (!argument.empty()) {
-            addArgToCommandLine(argument, true);
+            line.add(argument);
         }
     }
 }
 
-void addDashDToCommandLine(const LaunchInputs& inputs) {
-    addSystemProperty(L"-Drcp.home", inputs.installDir);
-    addSystemProperty(L"-Drcp.data", inputs.workspace);
+void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+    addSystemProperty(line, L"-Drcp.home", inputs.installDir);
+    addSystemProperty(line, L"-Drcp.data", inputs.workspace);
     if (const Property* splash = inputs.userProperties.find(L"osgi.splashPath")) {
-        addSystemProperty(L"-Dosgi.splashPath", argumentFrom(*splash));
+        addSystemProperty(line, L"-Dosgi.splashPath", argumentFrom(*splash));
     }
     const Property* installId = inputs.properties.find(L"rcp.install.id");
     if (installId == nullptr) {
         fatal(noReason(), "ZYPRA0036E: Couldn't find the rcp.install.id property!");
     }
-    addSystemProperty(L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
+    addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
     const std::wstring configuration = installConfigurationName();
     if (configuration.empty()) {
         fatal(noReason(),
               "ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
     }
-    addSystemProperty(L"-Drcp.install.config", configuration);
-    addPropertyDefinitions(inputs.properties);
-    addSystemProperty(L"-Drcp.osgi.install.area", osPath(inputs.installDir + L"/rcp/eclipse"));
+    addSystemProperty(line, L"-Drcp.install.config", configuration);
+    addPropertyDefinitions(line, inputs.properties);
+    addSystemProperty(line, L"-Drcp.osgi.install.area",
+                      osPath(inputs.installDir + L"/rcp/eclipse"));
 }
 
-void addXargsToCommandLine(const PropertyList& properties) {
+void addXargsToCommandLine(CommandLine& line, const PropertyList& properties) {
     for (const Property* property : findProperties(L"-X", properties)) {
-        addArgToCommandLine({property->key + property->value, property->origin}, true);
+        line.add({property->key + property->value, property->origin});
     }
     if (const Property* prepend = properties.find(L"Xbootclasspath.prepend")) {
-        addArgToCommandLine({L"-Xbootclasspath/p:" + prepend->value, prepend->origin}, false);
+        line.add({L"-Xbootclasspath/p:" + prepend->value, prepend->origin});
     }
     if (const Property* append = properties.find(L"Xbootclasspath.append")) {
-        addArgToCommandLine({L"-Xbootclasspath/a:" + append->value, append->origin}, false);
+        line.add({L"-Xbootclasspath/a:" + append->value, append->origin});
     }
 }
 

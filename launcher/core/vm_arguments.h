@@ -10,14 +10,14 @@ namespace rcp {
 /// Appends the JVM section: "-vmargs" (not in the direct Java shape), what the user put behind
 /// "-vmargs" less any "-vm" pair, the console fix argument, and the VM argument map in key order.
 /// `vmIsEeOrDll` is what addVmToCommandLine returned.
-void addVmargsToCommandLine(const LaunchInputs& inputs, bool vmIsEeOrDll);
+void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll);
 
 /// Appends the "-D" system properties. Ends the launch without "rcp.install.id" and for an
 /// unrecognised install configuration.
-void addDashDToCommandLine(const LaunchInputs& inputs);
+void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 /// Appends the "-X" properties and the boot class path.
-void addXargsToCommandLine(const PropertyList& properties);
+void addXargsToCommandLine(CommandLine& line, const PropertyList& properties);
 
 /// Removes the second occurrence of `option`; the first and any third stay, so one call removes at
 /// most one duplicate.

@@ -77,7 +77,7 @@ Argument vmProgram(const LaunchInputs& inputs) {
     return vm;
 }
 
-bool addVmToCommandLine(const LaunchInputs& inputs) {
+bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (hasOption(L"-rcpLauncherWait", inputs.arguments)) {
         setWaitMode();
     }
@@ -90,10 +90,9 @@ bool addVmToCommandLine(const LaunchInputs& inputs) {
         return false;
     }
     if (isDirectJavaShape()) {
-        addPathToCommandLine(vm);
+        line.setProgram(vm);
     } else {
-        addArgToCommandLine(L"-vm", false);
-        addArgToCommandLine(vm, true);
+        line.add(L"-vm", vm);
     }
     return endsIn(vm, L".ee") || endsIn(vm, L".dll");
 }

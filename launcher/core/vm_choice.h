@@ -22,7 +22,7 @@ Argument vmProgram(const LaunchInputs& inputs);
 /// element.
 /// "-rcpLauncherWait" switches wait mode on. True when the path ends in ".ee" or ".dll". Ends the
 /// process when "-vm" has no value, and in the direct Java shape when there is no JVM at all.
-bool addVmToCommandLine(const LaunchInputs& inputs);
+bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 struct JvmPropertyLocation {
     std::wstring file;       // root + "jvm.properties"; need not exist in the default root

@@ -2,7 +2,6 @@
 // they do and no temporary log of a fatal error disturbs anybody.
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_state.h"
 #include "launcher/core/platform_lock.h"
 #include "launcher/hand_off.h"
@@ -68,14 +67,11 @@ FileSizeLimit::FileSizeLimit(rlim_t bytes) {
 void resetLauncherState() {
     debug = false;
     userFirstLaunch = false;
-    bRestart = false;
     invokeDylib = false;
     mainProcessName.clear();
     platformExecutable.clear();
     setMainProcess(false);
     eConfig = InstallConfiguration::kUnknown;
-    launchArgs.clear();
-    eclipseSoPath.clear();
     userVMarg = nullptr;
     pid = 0;
 }

@@ -18,9 +18,9 @@ using test::variable;
 using testing::HasSubstr;
 
 // An installation with a launcher executable, its library and a customization file.
-class CommandLine : public test::LauncherTest {
+class CommandLinePieces : public test::CommandLineTest {
   protected:
-    CommandLine() {
+    CommandLinePieces() {
         eConfig = InstallConfiguration::kUser;
         write("base/macosx/x86/eclipse");
         write("base/macosx/x86/other");
@@ -39,16 +39,16 @@ class CommandLine : public test::LauncherTest {
     const std::wstring program_ = folder_.wide("base/macosx/x86/eclipse");
 };
 
-TEST_F(CommandLine, StartsWithTheLauncherExecutable) {
-    launchArgs = {L"-before"};
-    addBaseEclipseToCommandLine(withBase());
-    EXPECT_EQ(launchArgs, Arguments{program_});
-    EXPECT_EQ(eclipseSoPath, folder_.wide("base/macosx/x86/eclipse_1615.so"));
+TEST_F(CommandLinePieces, StartsWithTheLauncherExecutable) {
+    line_.setProgram(L"-before");
+    addBaseEclipseToCommandLine(line_, withBase());
+    EXPECT_EQ(line_.arguments(), Arguments{program_});
+    EXPECT_EQ(line_.library(), folder_.wide("base/macosx/x86/eclipse_1615.so"));
 }
 
-TEST_F(CommandLine, ExecutableMayHaveAnotherName) {
-    addBaseEclipseToCommandLine(withBase({{L"eclipse.name", L"other"}}));
-    EXPECT_EQ(launchArgs, Arguments{folder_.wide("base/macosx/x86/other")});
+TEST_F(CommandLinePieces, ExecutableMayHaveAnotherName) {
+    addBaseEclipseToCommandLine(line_, withBase({{L"eclipse.name", L"other"}}));
+    EXPECT_EQ(line_.arguments(), Arguments{folder_.wide("base/macosx/x86/other")});
     std::wstring name;
     getEclipseExeName(name, propertyList({{L"eclipse.name", L"a"}, {L"eclipse.name", L"b"}}));
     EXPECT_EQ(name, L"a");
@@ -56,68 +56,71 @@ TEST_F(CommandLine, ExecutableMayHaveAnotherName) {
     EXPECT_EQ(name, L"eclipse");
 }
 
-TEST_F(CommandLine, MissingBaseLocationIsFatal) {
-    EXPECT_FATAL(addBaseEclipseToCommandLine({}),
+TEST_F(CommandLinePieces, MissingBaseLocationIsFatal) {
+    EXPECT_FATAL(addBaseEclipseToCommandLine(line_, {}),
                  HasSubstr("ZYPRA0011E: Unable to determine RCP Base Plugin location. If the "
                            "problem persists, reinstall."));
 }
 
-TEST_F(CommandLine, ExecutableMustBeOne) {
-    EXPECT_FATAL(addBaseEclipseToCommandLine(withBase({{L"eclipse.name", L"none"}})),
+TEST_F(CommandLinePieces, ExecutableMustBeOne) {
+    EXPECT_FATAL(addBaseEclipseToCommandLine(line_, withBase({{L"eclipse.name", L"none"}})),
                  HasSubstr("ZYPRA0007E: " + folder_.narrow("base/macosx/x86/none") +
                            " is not executable or does not exist."));
-    EXPECT_FATAL(addBaseEclipseToCommandLine(withBase({{L"eclipse.name", L"eclipse_1615.so"}})),
-                 HasSubstr("ZYPRA0007E"));
+    EXPECT_FATAL(
+        addBaseEclipseToCommandLine(line_, withBase({{L"eclipse.name", L"eclipse_1615.so"}})),
+        HasSubstr("ZYPRA0007E"));
 }
 
-TEST_F(CommandLine, LibraryMustExist) {
+TEST_F(CommandLinePieces, LibraryMustExist) {
     std::filesystem::remove(folder_.path() / "base/macosx/x86/eclipse_1615.so");
-    EXPECT_FATAL(addBaseEclipseToCommandLine(withBase()),
+    EXPECT_FATAL(addBaseEclipseToCommandLine(line_, withBase()),
                  HasSubstr("Error: addBaseEclipseToCommandLine: " +
                            folder_.narrow("base/macosx/x86/eclipse_1615.so") +
                            " is not executable or does not exist."));
 }
 
-TEST_F(CommandLine, StartupJarIsTheBasesUnlessAnotherIsNamed) {
-    addStartupToCommandLine(propertyList({{L"rcp.base.location", L"/b"}}), {L"p", L"-perfjar"});
-    EXPECT_EQ(launchArgs, (Arguments{L"-startup", L"/b/launcher.jar"}));
-    launchArgs.clear();
-    addStartupToCommandLine(propertyList({}), {L"p", L"-perfJar", L"/perf.jar"});
-    EXPECT_EQ(launchArgs, (Arguments{L"-startup", L"/perf.jar"}));
+TEST_F(CommandLinePieces, StartupJarIsTheBasesUnlessAnotherIsNamed) {
+    addStartupToCommandLine(line_, propertyList({{L"rcp.base.location", L"/b"}}),
+                            {L"p", L"-perfjar"});
+    EXPECT_EQ(line_.arguments(), (Arguments{L"-startup", L"/b/launcher.jar"}));
+    line_ = CommandLine(start_);
+    addStartupToCommandLine(line_, propertyList({}), {L"p", L"-perfJar", L"/perf.jar"});
+    EXPECT_EQ(line_.arguments(), (Arguments{L"-startup", L"/perf.jar"}));
 }
 
-TEST_F(CommandLine, MainClassIsTheFrameworks) {
-    addMainClassToCommandLine();
-    EXPECT_EQ(launchArgs, Arguments{L"org.eclipse.core.launcher.Main"});
+TEST_F(CommandLinePieces, MainClassIsTheFrameworks) {
+    addMainClassToCommandLine(line_);
+    EXPECT_EQ(line_.arguments(), Arguments{L"org.eclipse.core.launcher.Main"});
 }
 
-TEST_F(CommandLine, ClassPathIsThePropertys) {
+TEST_F(CommandLinePieces, ClassPathIsThePropertys) {
     const PropertyList properties =
         propertyList({{L"cp", L"/a.jar:/b.jar"}, {L"rcp.base.location", L"/b"}});
     for (const int code : {1, 2, 3, 4, 5, 6, 8}) {
         eConfig = static_cast<InstallConfiguration>(code);
-        launchArgs.clear();
-        addClasspathToCommandLine(properties);
-        EXPECT_EQ(launchArgs, (Arguments{L"-cp", L"/a.jar:/b.jar"})) << code;
-        launchArgs.clear();
-        addClasspathToCommandLine({});
-        EXPECT_EQ(launchArgs, Arguments{}) << code;
+        line_ = CommandLine(start_);
+        addClasspathToCommandLine(line_, properties);
+        EXPECT_EQ(line_.arguments(), (Arguments{L"-cp", L"/a.jar:/b.jar"})) << code;
+        line_ = CommandLine(start_);
+        addClasspathToCommandLine(line_, {});
+        EXPECT_EQ(line_.arguments(), Arguments{}) << code;
     }
 }
 
-TEST_F(CommandLine, ClassPathOfTheServiceInitialisationIsTheStartupJar) {
+TEST_F(CommandLinePieces, ClassPathOfTheServiceInitialisationIsTheStartupJar) {
     SetInstallConfiguration({}, true);
-    addClasspathToCommandLine(propertyList({{L"cp", L"/a.jar"}, {L"rcp.base.location", L"/b"}}));
-    EXPECT_EQ(launchArgs, (Arguments{L"-cp", L"/b/startup.jar"}));
+    addClasspathToCommandLine(line_,
+                              propertyList({{L"cp", L"/a.jar"}, {L"rcp.base.location", L"/b"}}));
+    EXPECT_EQ(line_.arguments(), (Arguments{L"-cp", L"/b/startup.jar"}));
 }
 
-TEST_F(CommandLine, OldInterfaceAppendsNothing) {
+TEST_F(CommandLinePieces, OldInterfaceAppendsNothing) {
     getCmdString({L"p", L"-x"});
-    EXPECT_EQ(launchArgs, Arguments{});
+    EXPECT_EQ(line_.arguments(), Arguments{});
 }
 
 // The whole list, with every piece present or none.
-class WholeCommandLine : public CommandLine {
+class WholeCommandLine : public CommandLinePieces {
   protected:
     void prepareEverything() {
         setMainProcess(false);
@@ -156,8 +159,8 @@ class WholeCommandLine : public CommandLine {
         finishInputs();
     }
     const Arguments& assembled(LaunchKind kind = LaunchKind::kPlatform) {
-        getUserCmdString(inputs_, kind);
-        return launchArgs;
+        line_ = getUserCmdString(inputs_, kind);
+        return line_.arguments();
     }
     // `front`, the JVM section of everything present, `back`.
     static Arguments around(Arguments front, const Arguments& back = {}) {
@@ -258,7 +261,7 @@ TEST_F(WholeCommandLine, ForPlainJava) {
                                         L"/ws", L"-configuration", L"/ws/.config", L"-application",
                                         L"app", L"-plugincustomization", customization(),
                                         L"-product", L"pro", L"-personality", L"per"}));
-        EXPECT_EQ(eclipseSoPath, L"") << "no library is needed";
+        EXPECT_EQ(line_.library(), L"") << "no library is needed";
         EXPECT_EQ(variable("DYLD_LIBRARY_PATH"), "/lib");
         EXPECT_EQ(variable("LD_PRELOAD"), "/preload.so");
         EXPECT_EQ(variable("JAVA_HIGH_ZIPFDS"), "2");

@@ -14,8 +14,6 @@ using testing::HasSubstr;
 
 class Environment : public test::LauncherTest {
   protected:
-    ~Environment() override { EXPECT_TRUE(launchArgs.empty()) << "an argument was appended"; }
-
     static std::string libraryPath(const Pairs& properties) {
         setenv("DYLD_LIBRARY_PATH", "inherited", 1);
         addLibpathToCommandLine(propertyList(properties));

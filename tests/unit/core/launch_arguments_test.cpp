@@ -1,52 +1,50 @@
 #include "launcher/core/launch_arguments.h"
 
-#include "launcher/core/launch_state.h"
 #include "tests/unit/core/launch_pieces.h"
 
 namespace rcp {
 namespace {
 
-using LaunchList = test::LauncherTest;
-
-TEST_F(LaunchList, ArgumentsAreAppendedKeywordOrValue) {
-    addArgToCommandLine(L"-a", false);
-    addArgToCommandLine(L"", true);
-    addArgToCommandLine(L"-a", true);
-    EXPECT_EQ(launchArgs, (Arguments{L"-a", L"", L"-a"}));
+TEST(CommandLine, ArgumentsAreAppendedOptionOrValue) {
+    CommandLine line;
+    line.add(L"-a");
+    line.add(L"");
+    line.add(L"-a", L"value");
+    EXPECT_EQ(line.arguments(), (Arguments{L"-a", L"", L"-a", L"value"}));
 }
 
-TEST_F(LaunchList, PathEmptiesTheList) {
-    addArgToCommandLine(L"-a", false);
-    addPathToCommandLine(L"/x y/eclipse");
-    EXPECT_EQ(launchArgs, Arguments{L"/x y/eclipse"});
-    addArgToCommandLine(L"-b", false);
-    EXPECT_EQ(launchArgs, (Arguments{L"/x y/eclipse", L"-b"}));
+TEST(CommandLine, ProgramEmptiesTheList) {
+    CommandLine line;
+    line.add(L"-a");
+    line.setProgram(L"/x y/eclipse");
+    EXPECT_EQ(line.arguments(), Arguments{L"/x y/eclipse"});
+    line.add(L"-b");
+    EXPECT_EQ(line.arguments(), (Arguments{L"/x y/eclipse", L"-b"}));
 }
 
-TEST_F(LaunchList, RestartDropsTheDebugConsole) {
-    for (const wchar_t* argument : {L"-debug", L"-console", L"-consoleLog", L"-Debug", L"debug"}) {
-        addArgToCommandLine(argument, true);
-        addArgToCommandLine(argument, false);
+TEST(CommandLine, RestartDropsTheDebugConsole) {
+    const std::vector<std::wstring> arguments = {L"-debug", L"-console", L"-consoleLog", L"-Debug",
+                                                 L"debug"};
+    CommandLine ordinary;
+    CommandLine restart(Start::kRestart);
+    for (const std::wstring& argument : arguments) {
+        ordinary.add(argument);
+        restart.add(argument);
     }
-    EXPECT_EQ(launchArgs.size(), 10U);
-    launchArgs.clear();
-    bRestart = true;
-    for (const wchar_t* argument : {L"-debug", L"-console", L"-consoleLog", L"-Debug", L"debug"}) {
-        addArgToCommandLine(argument, true);
-        addArgToCommandLine(argument, false);
-    }
-    EXPECT_EQ(launchArgs, (Arguments{L"-consoleLog", L"-consoleLog", L"-Debug", L"-Debug", L"debug",
-                                     L"debug"}));
+    EXPECT_EQ(ordinary.arguments().size(), arguments.size());
+    EXPECT_EQ(restart.arguments(), (Arguments{L"-consoleLog", L"-Debug", L"debug"}));
 }
 
-TEST_F(LaunchList, LibraryPathIsTheLastOneSet) {
-    setEclipseSoPath(L"/a");
-    setEclipseSoPath(L"/b");
-    EXPECT_EQ(eclipseSoPath, L"/b");
-    EXPECT_TRUE(launchArgs.empty());
+TEST(CommandLine, LibraryIsTheLastOneSet) {
+    CommandLine line;
+    EXPECT_EQ(line.library(), L"");
+    line.setLibrary(L"/a");
+    line.setLibrary(L"/b");
+    EXPECT_EQ(line.library(), L"/b");
+    EXPECT_TRUE(line.arguments().empty());
 }
 
-TEST_F(LaunchList, FixedNames) {
+TEST(CommandLine, FixedNames) {
     EXPECT_STREQ(ECLIPSE_SO_NAME_DEFAULT, L"eclipse_1615.so");
     EXPECT_STREQ(CONSOLEARG, L"-console");
     EXPECT_STREQ(DEBUGARG, L"-debug");

@@ -1,6 +1,7 @@
 // What the tests of the command line's pieces share.
 #pragma once
 
+#include "launcher/core/launch_arguments.h"
 #include "launcher/core/launch_inputs.h"
 #include "launcher/core/property_list.h"
 #include "launcher/core/vm_argument_map.h"
@@ -16,6 +17,13 @@
 #include <vector>
 
 namespace rcp::test {
+
+/// For the pieces of a command line.
+class CommandLineTest : public LauncherTest {
+  protected:
+    Start start_ = Start::kOrdinary;
+    CommandLine line_;
+};
 
 using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
 

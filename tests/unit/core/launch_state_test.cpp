@@ -12,8 +12,8 @@ namespace {
 class LaunchState : public test::LauncherTest {};
 
 const test::Probe kInitial("initial state", [](const std::vector<std::string>&) {
-    const bool isOff = !userFirstLaunch && !bRestart && !invokeDylib && !isMainProcess() &&
-                       !isWaitMode() && mainProcessName.empty();
+    const bool isOff = !userFirstLaunch && !invokeDylib && !isMainProcess() && !isWaitMode() &&
+                       mainProcessName.empty();
     setWaitMode();
     return isOff && isWaitMode() ? 3 : 4;
 });

@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 constexpr wchar_t kSuppress[] = L"--launcher.suppressErrors";
 
-class MainOptions : public test::LauncherTest {
+class MainOptions : public test::CommandLineTest {
   protected:
     MainOptions() {
         eConfig = InstallConfiguration::kUser;
@@ -37,9 +37,9 @@ class MainOptions : public test::LauncherTest {
     Arguments all(const Arguments& options) {
         inputs_.arguments = options;
         inputs_.arguments.insert(inputs_.arguments.begin(), L"rcplauncher");
-        launchArgs.clear();
-        addMainOptionsToCommandLine(inputs_);
-        return launchArgs;
+        line_ = CommandLine(start_);
+        addMainOptionsToCommandLine(line_, inputs_);
+        return line_.arguments();
     }
     // The copied options: what stands between the two that are always written.
     Arguments copied(const Arguments& options) {
@@ -126,7 +126,7 @@ TEST_F(MainOptions, NoOptionTakesTheSeparatorForItsValue) {
 }
 
 TEST_F(MainOptions, RestartDropsTheDebugConsole) {
-    bRestart = true;
+    start_ = Start::kRestart;
     EXPECT_EQ(copied({L"-restart", L"-console", L"-debug", L"-consoleLog"}),
               Arguments{L"-consoleLog"});
 }
@@ -198,28 +198,28 @@ TEST_F(MainOptions, MegabyteOfArgumentsIsCopied) {
     EXPECT_EQ(copied(options), expected);
 }
 
-using Daemon = test::LauncherTest;
+using Daemon = test::CommandLineTest;
 
 TEST_F(Daemon, NamesTheMainProcess) {
     pid = 4711;
-    addUseDaemonToCommandLine();
-    EXPECT_EQ(launchArgs, (Arguments{L"-useDaemon", L"4711"}));
+    addUseDaemonToCommandLine(line_);
+    EXPECT_EQ(line_.arguments(), (Arguments{L"-useDaemon", L"4711"}));
 }
 
 TEST_F(Daemon, IdIsPrintedWhole) {
     pid = std::numeric_limits<long>::max();
-    addUseDaemonToCommandLine();
-    EXPECT_EQ(launchArgs.back(), std::to_wstring(std::numeric_limits<long>::max()));
+    addUseDaemonToCommandLine(line_);
+    EXPECT_EQ(line_.arguments().back(), std::to_wstring(std::numeric_limits<long>::max()));
     pid = -1;
-    addUseDaemonToCommandLine();
-    EXPECT_EQ(launchArgs.back(), L"-1");
+    addUseDaemonToCommandLine(line_);
+    EXPECT_EQ(line_.arguments().back(), L"-1");
 }
 
 TEST_F(Daemon, MainProcessIsNone) {
     setMainProcess(true);
     pid = 4711;
-    addUseDaemonToCommandLine();
-    EXPECT_EQ(launchArgs, Arguments{});
+    addUseDaemonToCommandLine(line_);
+    EXPECT_EQ(line_.arguments(), Arguments{});
 }
 
 }  // namespace

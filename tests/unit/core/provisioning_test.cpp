@@ -100,7 +100,6 @@ TEST_F(Provisioning, NotAtTheSameLevel) {
     EXPECT_EQ(check(), 99);
     EXPECT_FALSE(isStarted());
     checkForProvisioning(inputs_);
-    EXPECT_TRUE(launchArgs.empty());
     EXPECT_FALSE(userFirstLaunch);
 }
 
@@ -158,13 +157,16 @@ TEST_F(Provisioning, OnlyInConfigurationsThatProvision) {
 }
 
 TEST_F(Provisioning, ApplicationStandsBehindTheMainOptions) {
-    launchArgs = {L"program"};
-    addProvisioningApplication(inputs_.properties, true);
-    EXPECT_EQ(launchArgs,
+    CommandLine users;
+    users.setProgram(L"program");
+    addProvisioningApplication(users, inputs_.properties, true);
+    EXPECT_EQ(users.arguments(),
               (Arguments{L"program", L"-application", L"com.ovr.provision", L"-userProvLaunch"}));
-    launchArgs = {L"program"};
-    addProvisioningApplication(inputs_.properties, false);
-    EXPECT_EQ(launchArgs, (Arguments{L"program", L"-application", L"com.ovr.provision"}));
+    CommandLine installers;
+    installers.setProgram(L"program");
+    addProvisioningApplication(installers, inputs_.properties, false);
+    EXPECT_EQ(installers.arguments(),
+              (Arguments{L"program", L"-application", L"com.ovr.provision"}));
 }
 
 TEST_F(Provisioning, MissingApplicationIsFatalBeforeAnythingIsStarted) {
@@ -217,9 +219,11 @@ TEST_F(Provisioning, SharedClassesThatAreNotThereStayAbsent) {
 TEST_F(Provisioning, CommandIsLoggedAndReplacesTheProcess) {
     locate();
     const Records records(folder_);
-    launchArgs = {L"/bin/sh", L"-c", L"exit 9"};
+    CommandLine line;
+    line.setProgram(L"/bin/sh");
+    line.add(L"-c", L"exit 9");
     ChildProcess launcher([&] {
-        doProvisioning();
+        doProvisioning(line);
         folder_.write("records.new", records.text());  // in the forked child, which goes on
         std::filesystem::rename(folder_.path() / "records.new", folder_.path() / "records");
         return 0;

@@ -14,7 +14,7 @@ using test::Pairs;
 using test::propertyList;
 using testing::HasSubstr;
 
-class JvmSection : public test::LauncherTest {
+class JvmSection : public test::CommandLineTest {
   protected:
     JvmSection() {
         eConfig = InstallConfiguration::kUser;
@@ -25,9 +25,9 @@ class JvmSection : public test::LauncherTest {
     Arguments vmargs(const Arguments& options, bool vmIsEeOrDll = false) {
         inputs_.arguments = options;
         inputs_.arguments.insert(inputs_.arguments.begin(), L"rcplauncher");
-        launchArgs.clear();
-        addVmargsToCommandLine(inputs_, vmIsEeOrDll);
-        return launchArgs;
+        line_ = CommandLine(start_);
+        addVmargsToCommandLine(line_, inputs_, vmIsEeOrDll);
+        return line_.arguments();
     }
     void setFix(const std::wstring& value) {
         inputs_.properties = propertyList({{L"vmfix.noconsole", value}});
@@ -56,7 +56,7 @@ TEST_F(JvmSection, TrailingVmIsDroppedAlone) {
 }
 
 TEST_F(JvmSection, RestartDropsTheDebugConsoleHereToo) {
-    bRestart = true;
+    start_ = Start::kRestart;
     EXPECT_EQ(vmargs({L"-vmargs", L"-console", L"-debug", L"-consoleLog"}),
               (Arguments{L"-vmargs", L"-consoleLog"}));
 }
@@ -111,9 +111,9 @@ class SystemProperties : public JvmSection {
   protected:
     SystemProperties() { inputs_.properties = propertyList({{L"rcp.install.id", L"id"}}); }
     Arguments definitions() {
-        launchArgs.clear();
-        addDashDToCommandLine(inputs_);
-        return launchArgs;
+        line_ = CommandLine(start_);
+        addDashDToCommandLine(line_, inputs_);
+        return line_.arguments();
     }
 };
 
@@ -182,21 +182,21 @@ TEST_F(SystemProperties, PropertiesAreTracedAsTheyAreWritten) {
 }
 
 TEST_F(JvmSection, XOptionsAreJoinedAndTheBootClassPathFollows) {
-    addXargsToCommandLine(propertyList({{L"Xbootclasspath.append", L"/a"},
-                                        {L"-Xss", L""},
-                                        {L"Xbootclasspath.prepend", L""},
-                                        {L"-Xmx", L"512m"},
-                                        {L"-x", L"1"},
-                                        {L"-X", L"y"},
-                                        {L"X-Xz", L"1"},
-                                        {L"-Xss", L"2m"}}));
-    EXPECT_EQ(launchArgs, (Arguments{L"-Xss", L"-Xmx512m", L"-Xy", L"-Xss2m", L"-Xbootclasspath/p:",
-                                     L"-Xbootclasspath/a:/a"}));
+    addXargsToCommandLine(line_, propertyList({{L"Xbootclasspath.append", L"/a"},
+                                               {L"-Xss", L""},
+                                               {L"Xbootclasspath.prepend", L""},
+                                               {L"-Xmx", L"512m"},
+                                               {L"-x", L"1"},
+                                               {L"-X", L"y"},
+                                               {L"X-Xz", L"1"},
+                                               {L"-Xss", L"2m"}}));
+    EXPECT_EQ(line_.arguments(), (Arguments{L"-Xss", L"-Xmx512m", L"-Xy", L"-Xss2m",
+                                            L"-Xbootclasspath/p:", L"-Xbootclasspath/a:/a"}));
 }
 
 TEST_F(JvmSection, NoXPropertyAddsNothing) {
-    addXargsToCommandLine({});
-    EXPECT_EQ(launchArgs, Arguments{});
+    addXargsToCommandLine(line_, {});
+    EXPECT_EQ(line_.arguments(), Arguments{});
 }
 
 TEST(Duplicates, SecondSingleIsRemovedAndTheThirdStays) {

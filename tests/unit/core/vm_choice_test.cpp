@@ -33,45 +33,45 @@ TEST(EndsIn, HoldsForATextOneCharacterShorterThanTheSuffix) {
     EXPECT_FALSE(endsIn(L"x", L".dll"));
 }
 
-class VmPiece : public test::LauncherTest {
+class VmPiece : public test::CommandLineTest {
   protected:
     VmPiece() { eConfig = InstallConfiguration::kUser; }
-    static bool add(const Arguments& options, const Pairs& properties = {}) {
+    bool add(const Arguments& options, const Pairs& properties = {}) {
         LaunchInputs inputs;
         inputs.arguments = options;
         inputs.arguments.insert(inputs.arguments.begin(), L"rcplauncher");
         inputs.properties = propertyList(properties);
         inputs.installDir = L"/opt/i";
-        launchArgs = {L"first"};
-        return addVmToCommandLine(inputs);
+        line_.setProgram(L"first");
+        return addVmToCommandLine(line_, inputs);
     }
 };
 
 TEST_F(VmPiece, NamesTheJvmOfTheCommandLine) {
     EXPECT_FALSE(add({L"-vm", L"/j/java", L"-vm", L"/k/java"}, {{L"vm", L"/p/java"}}));
-    EXPECT_EQ(launchArgs, (Arguments{L"first", L"-vm", L"/j/java"}));
+    EXPECT_EQ(line_.arguments(), (Arguments{L"first", L"-vm", L"/j/java"}));
 }
 
 TEST_F(VmPiece, NamesTheJvmOfTheProperty) {
     EXPECT_FALSE(add({}, {{L"vm", L"/p/java"}, {L"vm", L"/q/java"}}));
-    EXPECT_EQ(launchArgs, (Arguments{L"first", L"-vm", L"/p/java"}));
+    EXPECT_EQ(line_.arguments(), (Arguments{L"first", L"-vm", L"/p/java"}));
 }
 
 TEST_F(VmPiece, FirstRcpHomeOfThePropertyIsReplacedInWhatIsHandedOver) {
     add({}, {{L"vm", L"${rcp.home}/jre/bin/java"}});
-    EXPECT_EQ(launchArgs, (Arguments{L"first", L"-vm", L"/opt/i/jre/bin/java"}));
+    EXPECT_EQ(line_.arguments(), (Arguments{L"first", L"-vm", L"/opt/i/jre/bin/java"}));
 }
 
 TEST_F(VmPiece, IsMissingForTheExternalJvm) {
     EXPECT_FALSE(add({L"-console", L"-consoleLog"}));
-    EXPECT_EQ(launchArgs, (Arguments{L"first"}));
+    EXPECT_EQ(line_.arguments(), (Arguments{L"first"}));
 }
 
 TEST_F(VmPiece, IsTheProgramInTheDirectJavaShape) {
     for (const int code : {1, 7}) {
         eConfig = static_cast<InstallConfiguration>(code);
         EXPECT_FALSE(add({L"-vm", L"/j/java"}));
-        EXPECT_EQ(launchArgs, (Arguments{L"/j/java"}));
+        EXPECT_EQ(line_.arguments(), (Arguments{L"/j/java"}));
     }
 }
 
@@ -98,7 +98,7 @@ TEST_F(VmPiece, TellsDescriptionFilesAndLibraries) {
 
 TEST_F(VmPiece, SwitchesWaitModeOnOnlyWhenAsked) {
     // In processes of their own: nothing switches it off again.
-    const auto waits = [](const Arguments& options) {
+    const auto waits = [this](const Arguments& options) {
         add(options);
         _exit(isWaitMode() ? 1 : 0);
     };

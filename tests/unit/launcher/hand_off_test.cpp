@@ -161,10 +161,9 @@ TEST_F(HandOff, NameIsThatUnderWhichTheProgramWasStarted) {
 // --- The library --------------------------------------------------------------------------------
 
 void handOffTo(const std::string& library) {
-    setEclipseSoPath(toWide(library));
     NarrowArguments arguments(Arguments{L"/opt/Velmo", L"-data", L"B\u00FCro", L"-VMARGS", L"-Xa"});
     Gate gate;
-    invokeEclipseDylib(arguments, gate);
+    invokeEclipseDylib(toWide(library), arguments, gate);
 }
 
 const Probe kLibrary("library", [](const std::vector<std::string>& arguments) {
@@ -207,12 +206,13 @@ TEST_F(HandOff, LibraryWithoutAnEntryPointEndsTheProcess) {
 const Probe kLaunch("launch", [](const std::vector<std::string>& arguments) {
     enableLogging(toWide(arguments.at(0)));
     invokeDylib = arguments.at(1) == "inside";
-    setEclipseSoPath(toWide(arguments.at(2)));
+    CommandLine line;
+    line.setLibrary(toWide(arguments.at(2)));
     for (std::size_t i = 3; i < arguments.size(); ++i) {
-        addArgToCommandLine(toWide(arguments[i]), true);
+        line.add(toWide(arguments[i]));
     }
     const pid_t self = getpid();
-    launchEclipse({L"rcplauncher"});
+    launchEclipse({L"rcplauncher"}, line);
     // Two processes come here; only the one that was started is the test's.
     return getpid() == self ? 3 : 0;
 });

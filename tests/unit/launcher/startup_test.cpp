@@ -26,11 +26,12 @@ const test::Probe kStartup("start-up sequence", [](const std::vector<std::string
     for (const std::string& text : texts) {
         arguments.emplace_back(toWide(text));
     }
-    bRestart = isRestart(arguments);
-    if (startup(arguments, readInstallation(arguments)) == Launch::kBeginsAnew) {
+    const Start start = isRestart(arguments) ? Start::kRestart : Start::kOrdinary;
+    const std::optional<CommandLine> line = startup(arguments, readInstallation(arguments), start);
+    if (!line) {
         return 1;
     }
-    for (const Argument& argument : launchArgs) {
+    for (const Argument& argument : line->arguments()) {
         (void)printf("%s\n", toNarrow(argument).c_str());
     }
     return 0;
