@@ -2,7 +2,8 @@
 // closes one.
 //
 // usage: x_client watch             a line for each window that is mapped or unmapped: "map" or
-//                                   "unmap", milliseconds of the monotonic clock, id, size, title;
+//                                   "unmap", milliseconds of the monotonic clock, id, size, title
+//                                   (one that is mapped before it has a title comes twice);
 //                                   the first line, "ready", says that no later window is missed
 //        x_client close ID          asks the window to close, as its frame's button would
 //
@@ -16,6 +17,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -61,12 +63,15 @@ long milliseconds() {
 // The sizes that the events told: a window may be gone by the time it could be asked for its own.
 using Sizes = std::map<xcb_window_t, std::string>;
 
-void tell(xcb_connection_t* screen, const char* what, xcb_window_t window, const Sizes& sizes) {
+// Whether the window has a title.
+bool tell(xcb_connection_t* screen, const char* what, xcb_window_t window, const Sizes& sizes) {
     const long time = milliseconds();
     const auto known = sizes.find(window);
+    const std::string name = title(screen, window);
     std::cout << what << ' ' << time << ' ' << window << ' '
-              << (known == sizes.end() ? size(screen, window) : known->second) << ' '
-              << title(screen, window) << std::endl;
+              << (known == sizes.end() ? size(screen, window) : known->second) << ' ' << name
+              << std::endl;
+    return !name.empty();
 }
 
 int watch(xcb_connection_t* screen, xcb_window_t root) {
@@ -75,6 +80,7 @@ int watch(xcb_connection_t* screen, xcb_window_t root) {
     (void)size(screen, root);  // an answer: from here on every event comes
     std::cout << "ready" << std::endl;
     Sizes sizes;
+    std::set<xcb_window_t> untitled;  // are told once more when they have a title
     while (const Owned<xcb_generic_event_t> event{xcb_wait_for_event(screen)}) {
         const int kind = event->response_type & 0x7f;
         if (kind == XCB_CREATE_NOTIFY) {
@@ -85,7 +91,16 @@ int watch(xcb_connection_t* screen, xcb_window_t root) {
             sizes[now->window] = std::to_string(now->width) + "x" + std::to_string(now->height);
         } else if (kind == XCB_MAP_NOTIFY) {
             const auto* map = reinterpret_cast<xcb_map_notify_event_t*>(event.get());
-            tell(screen, "map", map->window, sizes);
+            const std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE;
+            xcb_change_window_attributes(screen, map->window, XCB_CW_EVENT_MASK, &changes);
+            if (!tell(screen, "map", map->window, sizes)) {
+                untitled.insert(map->window);
+            }
+        } else if (kind == XCB_PROPERTY_NOTIFY) {
+            const auto* set = reinterpret_cast<xcb_property_notify_event_t*>(event.get());
+            if (set->atom == XCB_ATOM_WM_NAME && untitled.erase(set->window) != 0) {
+                tell(screen, "map", set->window, sizes);
+            }
         } else if (kind == XCB_UNMAP_NOTIFY) {
             const auto* unmap = reinterpret_cast<xcb_unmap_notify_event_t*>(event.get());
             tell(screen, "unmap", unmap->window, sizes);
