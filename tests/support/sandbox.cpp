@@ -53,6 +53,12 @@ std::string inCopy(const std::string& path) {
                                                           {"RCP_TEST_SOURCES", SANDBOX_SOURCES}};
     for (const auto& [variable, folder] : places) {
         const char* const copy = getenv(variable);
+        if (copy != nullptr && isBelow(path, copy)) {
+            return path;  // the copy may lie in the project itself
+        }
+    }
+    for (const auto& [variable, folder] : places) {
+        const char* const copy = getenv(variable);
         if (copy != nullptr && isBelow(path, folder)) {
             return copy + path.substr(folder.size());
         }
