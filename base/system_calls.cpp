@@ -18,6 +18,7 @@ constexpr SystemCalls kSystemsOwnCalls = {
     .fstatat = ::fstatat,
     .fstat = ::fstat,
     .realpath = [](const char* path) { return ::realpath(path, nullptr); },
+    .getcwd = ::getcwd,
     .readlink = ::readlink,
     .mkdir = ::mkdir,
     .rename = ::rename,

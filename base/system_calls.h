@@ -20,6 +20,7 @@ struct SystemCalls {
     int (*fstatat)(int directory, const char* path, struct stat* status, int flags);
     int (*fstat)(int descriptor, struct stat* status);
     char* (*realpath)(const char* path);  // allocated; the caller frees it
+    char* (*getcwd)(char* buffer, std::size_t size);
     ssize_t (*readlink)(const char* path, char* buffer, std::size_t size);
     int (*mkdir)(const char* path, mode_t mode);
     int (*rename)(const char* source, const char* target);
@@ -83,6 +84,9 @@ inline int fstat(int descriptor, struct stat* status) {
 }
 inline char* realpath(const char* path) {
     return systemCalls.realpath(path);
+}
+inline char* getcwd(char* buffer, std::size_t size) {
+    return systemCalls.getcwd(buffer, size);
 }
 inline ssize_t readlink(const char* path, char* buffer, std::size_t size) {
     return systemCalls.readlink(path, buffer, size);

@@ -1,5 +1,6 @@
 #include "platform/standard_streams.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 
 #include <errno.h>
@@ -15,7 +16,7 @@ void openMissingStandardStreams() {
         }
         // The lowest free number is given out first, and all below are in use by now. Not
         // close-on-exec: it is the platform's stream too.
-        const int opened = open("/dev/null", O_RDWR | O_NOCTTY);  // NOLINT(*-cloexec-*)
+        const int opened = calls::open("/dev/null", O_RDWR | O_NOCTTY);  // NOLINT(*-cloexec-*)
         if (opened < 0) {
             fatal(because(errno), "Error: openMissingStandardStreams: /dev/null cannot be opened");
         }

@@ -1,8 +1,9 @@
 // The working directory as text of any length: getcwd(3) with a buffer that grows.
 #include "platform/working_directory.h"
 
+#include "base/system_calls.h"
+
 #include <errno.h>
-#include <unistd.h>
 
 #include <cstddef>
 
@@ -14,7 +15,7 @@ constexpr std::size_t kFirstSize = 1024;
 
 std::string workingDirectory() {
     std::string buffer(kFirstSize, '\0');
-    while (getcwd(buffer.data(), buffer.size()) == nullptr) {
+    while (calls::getcwd(buffer.data(), buffer.size()) == nullptr) {
         if (errno != ERANGE) {
             return {};
         }

@@ -234,6 +234,7 @@ TEST_F(Files, ExistingPathIsNotMadeAndNotChanged) {
     EXPECT_FALSE(mkdirs(folder_.wide("a/b")));
     EXPECT_EQ(folder_.read("a/b/file"), "x");
     EXPECT_TRUE(mkdirs(folder_.wide("a/b/c"))) << "only the last one counts";
+    EXPECT_TRUE(mkdirs(folder_.wide("a/b/d//"))) << "an empty element is none";
 }
 
 TEST_F(Files, PathWithoutComponentsIsMade) {

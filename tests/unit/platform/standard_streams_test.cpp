@@ -1,7 +1,12 @@
 #include "platform/standard_streams.h"
 
+#include "base/system_calls.h"
+#include "tests/unit/fixture.h"
+
+#include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,6 +45,24 @@ TEST(StandardStreams, ClosedOnesBecomeTheNullDeviceAndOthersStay) {
         ASSERT_EQ(waitpid(child, &status, 0), child);
         EXPECT_EQ(status, 0) << closed;
     }
+}
+
+TEST(StandardStreams, MissingNullDeviceEndsTheLaunch) {
+    SystemCalls failing = systemCalls;
+    failing.open = [](const char*, int, mode_t) {
+        errno = ENXIO;
+        return -1;
+    };
+    const InstalledCalls installed(failing);
+    const int before = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const LaunchEnded end = test::endOfLaunch(openMissingStandardStreams);
+    dup2(before, STDIN_FILENO);
+    close(before);
+    EXPECT_EQ(end.status, 255);
+    EXPECT_EQ(end.record,
+              std::string("Error: openMissingStandardStreams: /dev/null cannot be opened : ") +
+                  strerror(ENXIO));
 }
 
 }  // namespace
