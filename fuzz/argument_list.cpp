@@ -130,7 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     });
     if (ended) {
         const auto isVmarg = [](const std::wstring& text) { return text.starts_with(L"vmarg."); };
-        require(std::any_of(all.begin(), all.end(), isVmarg), "only a bad vmarg ends the process");
+        require(std::any_of(all.begin(), all.end(), isVmarg), "only a bad vmarg ends the launch");
         return 0;
     }
     checkExtension(arguments, values, inputs.arguments);

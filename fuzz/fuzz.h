@@ -2,6 +2,8 @@
 // under test survives its own fatal errors.
 #pragma once
 
+#include "diagnostics/svc_debug.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

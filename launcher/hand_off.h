@@ -28,9 +28,9 @@ extern char** userVMarg;
 /// launcher's own.
 void launchEclipse(const Arguments& arguments, const CommandLine& line);
 
-/// Loads the library, opens the gate and runs the platform in this process. The
-/// result of "run" is ignored. A library that cannot be loaded or lacks an entry point ends the
-/// process with the gate still closed: until then no platform is there that others could find.
+/// Loads the library, opens the gate and runs the platform in this process. The result of "run" is
+/// ignored. A library that cannot be loaded or lacks an entry point ends the launch with the gate still
+/// closed: until then no platform is there that others could find.
 void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& arguments, Gate& gate);
 
 /// Cuts `argv` at the first "-vmargs" (in any letter case): sets it to null and `argc` to its

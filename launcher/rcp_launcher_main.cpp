@@ -128,10 +128,10 @@ void launch(int argc, char** argv) {
 }
 
 int runLauncher(int argc, char** argv) {
-    openMissingStandardStreams();
-    ignoreFileSizeSignal();
-    installOutOfMemoryReport();
     try {
+        openMissingStandardStreams();
+        ignoreFileSizeSignal();
+        installOutOfMemoryReport();
         launch(argc, argv);
         return 0;
     } catch (const LaunchEnded& end) {

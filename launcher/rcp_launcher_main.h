@@ -16,7 +16,7 @@ int runLauncher(int argc, char** argv);
 void launch(int argc, char** argv);
 
 /// Sets the character-type locale from the environment, UTF-8 where it asks for "C". Failure ends
-/// the process.
+/// the launch.
 void setCharacterLocale();
 
 /// Behind every "-Djava.ext.dirs..." argument: ":", the JVM location and the extension folder. When

@@ -37,7 +37,7 @@ void getInstallDir(std::wstring& directory, std::span<const Argument> arguments)
 
 /// `path` made absolute against the working directory. Already absolute paths are returned
 /// untouched; so are the two other forms that count as absolute, "\\?\..." and "\\...". Ends the
-/// process for a path that still begins with a placeholder and when the system cannot form the
+/// launch for a path that still begins with a placeholder and when the system cannot form the
 /// path.
 void convert_from_relative_location(const std::wstring& path, std::wstring& absolute);
 

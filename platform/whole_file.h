@@ -5,7 +5,8 @@
 // The temporary name is always the same, target + suffix. What a killed launch left under it is
 // therefore taken over by the next one instead of piling up. Two launchers that write the same file
 // take turns: each locks the temporary file before it touches it. A launch that ends by itself, by
-// a fatal error too, leaves no temporary name behind.
+// a fatal error too, leaves no temporary name behind; one that runs out of memory leaves it like a
+// killed one.
 #pragma once
 
 #include "base/unique_fd.h"

@@ -1,5 +1,6 @@
 // The signatures of an application bundle, and what a launch does to them.
 #include "inspect/check/bundle_subjects.h"
+#include "launcher/core/install_configuration.h"
 #include "launcher/core/option_values.h"
 #include "platform/platform.h"
 #include "platform/text.h"
@@ -79,7 +80,9 @@ void findInIdentifier(const Bundle& bundle, const Examination& examination, Find
 void findInInstallId(const Bundle& bundle, const Examination& examination, Findings& findings) {
     const std::wstring path = examination.inputs.installDir + L"/rcp/rcplauncher.properties";
     const PropertyFile* const file = examination.file(kLauncherFile);
-    if (file != nullptr && file->entries.find(L"rcp.install.id") == nullptr &&
+    // Any other installation without one ends its launches.
+    const bool isAppended = eConfig == InstallConfiguration::kUserpb;
+    if (isAppended && file != nullptr && file->entries.find(L"rcp.install.id") == nullptr &&
         bundle.seals(nameIn(bundle, path))) {
         findings.add("RI709", examination.nameOf(path), 0,
                      "the first launch appends rcp.install.id");

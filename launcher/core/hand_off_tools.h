@@ -44,6 +44,18 @@ void becomeProgram(NarrowArguments& command);
 /// the parent's end. Without descriptors for a pipe the gate is open from the start.
 class Gate {
   public:
+    Gate() = default;
+    /// One that was not opened opens when this process is gone, not with its object: a parent that fails is
+    /// still alive while it tells why, and nobody may find it recorded as the platform.
+    ~Gate() {
+        (void)pipe_.readEnd.release();
+        (void)pipe_.writeEnd.release();
+    }
+    Gate(const Gate&) = delete;
+    Gate& operator=(const Gate&) = delete;
+    Gate(Gate&&) = delete;
+    Gate& operator=(Gate&&) = delete;
+
     /// In the parent.
     void open();
     /// In the child.

@@ -25,7 +25,7 @@ constexpr wchar_t kKey[] = L"rcp.install.id";
 // Whether the last line of the file lacks its line feed; what is appended would become part of it.
 bool lastLineIsOpen(int descriptor, off_t size) {
     char last = '\n';
-    return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+    return size > 0 && calls::pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
 }
 
 // Appends the id as a line of its own. A line that cannot be written whole is taken back.

@@ -10,7 +10,7 @@
 namespace rcp {
 
 /// Appends the entries of the file at `path` to `list`. A file that cannot be opened or read ends
-/// the process; every text is a property file, so nothing in one is an error.
+/// the launch; every text is a property file, so nothing in one is an error.
 void getProperties(const std::wstring& path, PropertyList& list);
 /// The same for a file that need not be there; false, and nothing appended, without one. What is
 /// there (`exists`) and is no file still ends the launch.

@@ -19,7 +19,7 @@ using VmArgumentMap = std::map<std::wstring, Argument, std::less<>>;
 /// Moves every "vmarg." entry out of `properties` into the map.
 void insertPropToVmargMap(VmArgumentMap& map, PropertyList& properties);
 /// Takes the arguments "vmarg.NAME=ARGUMENT" of the command line into the map. One without "=" ends
-/// the process. The properties are not used.
+/// the launch. The properties are not used.
 void insertArgsToVmargMap(VmArgumentMap& map, const Arguments& arguments,
                           const PropertyList& properties);
 /// The same for the arguments of a configuration extension.

@@ -21,7 +21,7 @@ Argument vmProgram(const LaunchInputs& inputs);
 /// Appends the JVM piece: "-vm" and its path, or in the direct Java shape the path as first
 /// element.
 /// "-rcpLauncherWait" switches wait mode on. True when the path ends in ".ee" or ".dll". Ends the
-/// process when "-vm" has no value, and in the direct Java shape when there is no JVM at all.
+/// launch when "-vm" has no value, and in the direct Java shape when there is no JVM at all.
 bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 struct JvmPropertyLocation {

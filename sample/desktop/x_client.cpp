@@ -103,6 +103,7 @@ int watch(xcb_connection_t* screen, xcb_window_t root) {
             }
         } else if (kind == XCB_UNMAP_NOTIFY) {
             const auto* unmap = reinterpret_cast<xcb_unmap_notify_event_t*>(event.get());
+            untitled.erase(unmap->window);
             tell(screen, "unmap", unmap->window, sizes);
         }
     }

@@ -130,6 +130,7 @@ TEST(Environment, RecordedLibraryPathStandsInTheMiddle) {
     EXPECT_EQ(velmo.start({"-restart"}).variable("DYLD_LIBRARY_PATH"), "/p:/one:/two:/a");
 }
 
+#ifdef __linux__
 TEST(Environment, FileSizeSignalIsThePlatformsAsItWasTheLaunchers) {
     for (const bool ignored : {false, true}) {
         Installation velmo;
@@ -146,6 +147,7 @@ TEST(Environment, FileSizeSignalIsThePlatformsAsItWasTheLaunchers) {
         EXPECT_EQ((mask >> (SIGXFSZ - 1) & 1) != 0, ignored);
     }
 }
+#endif
 
 class Preload : public testing::Test {
   protected:

@@ -125,6 +125,7 @@ TEST_P(PlatformLock, IsHeldUntilThePlatformIsThereAlthoughItsIdIsRecorded) {
     EXPECT_EQ(second.finish().status, 0);
 }
 
+#ifdef __linux__
 TEST_P(PlatformLock, IsHeldByTheRecordingProcessAlone) {
     const std::string marker = velmo_.hold();
     StayingLaunch launch = velmo_.startStaying();
@@ -140,6 +141,7 @@ TEST_P(PlatformLock, IsHeldByTheRecordingProcessAlone) {
     std::filesystem::remove(marker);
     EXPECT_EQ(launch.finish().status, 0);
 }
+#endif
 
 TEST_P(PlatformLock, LauncherThatDiesAtTheHandOffLetsOneOfTheWaitingOnesThrough) {
     const std::string marker = velmo_.hold();

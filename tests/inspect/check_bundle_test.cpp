@@ -5,6 +5,7 @@
 #include "inspect/commands.h"
 #include "mach_o_fixture.h"
 #include "tests/inspect/paths.h"
+#include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
 
 #include <gtest/gtest.h>
@@ -331,8 +332,8 @@ TEST(CheckBundle, IsFoundByItsFolder) {
 TEST(CheckBundle, IsCheckedByTheProgramEvenWithoutLauncher) {
     const AppBundle bundle;
     const auto statusOf = [&](const std::string& command) {
-        const std::string line = std::string(INSPECT_PROGRAM) + " " + command + " --install '" +
-                                 bundle.folder().narrow("Velmo.app") + "' >'" +
+        const std::string line = "'" + test::seen(INSPECT_PROGRAM) + "' " + command +
+                                 " --install '" + bundle.folder().narrow("Velmo.app") + "' >'" +
                                  bundle.folder().narrow("out") + "' 2>&1 </dev/null";
         const int status = std::system(line.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;

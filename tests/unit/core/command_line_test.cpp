@@ -114,11 +114,6 @@ TEST_F(CommandLinePieces, ClassPathOfTheServiceInitialisationIsTheStartupJar) {
     EXPECT_EQ(line_.arguments(), (Arguments{L"-cp", L"/b/startup.jar"}));
 }
 
-TEST_F(CommandLinePieces, OldInterfaceAppendsNothing) {
-    getCmdString({L"p", L"-x"});
-    EXPECT_EQ(line_.arguments(), Arguments{});
-}
-
 // The whole list, with every piece present or none.
 class WholeCommandLine : public CommandLinePieces {
   protected:

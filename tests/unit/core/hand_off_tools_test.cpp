@@ -124,6 +124,13 @@ TEST_F(HandOffTools, GateOpensWhenTheParentEnds) {
     EXPECT_TRUE(processes.childPassesWithin(100'000));
 }
 
+TEST_F(HandOffTools, GateThatGoesUnopenedStaysClosedWhileItsProcessLives) {
+    auto gate = std::make_unique<Gate>();
+    ChildProcess child([&] { return passGate(*gate); });
+    gate.reset();
+    EXPECT_FALSE(child.endsWithin(50ms));
+}
+
 TEST_F(HandOffTools, GateOpensWhenTheParentIsKilled) {
     ParentAndChild processes([] {
         pause();

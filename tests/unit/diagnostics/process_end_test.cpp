@@ -1,4 +1,4 @@
-// How a fatal error ends the process, and what is left of it when there is no memory at all.
+// How a fatal error ends the launch, and what is left of it when there is no memory at all.
 #include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
 #include "tests/unit/fixture.h"

@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 
 #include <fstream>
+#include <iostream>
 
 namespace rcp {
 namespace {
@@ -129,7 +130,13 @@ TEST_F(Main, CharacterSetIsTheEnvironmentsOtherwiseAndNothingElseIs) {
 }
 
 TEST_F(Main, UnknownLocaleEndsTheProcess) {
-    EXPECT_FATAL(printLocale("nonsense.nowhere"), "ZYPRA0182E: Set locale error! : ");
+    const auto fail = [] {
+        const std::string record =
+            test::endOfLaunch([] { printLocale("nonsense.nowhere"); }).record;
+        std::cerr << record;
+        _exit(3);
+    };
+    EXPECT_EXIT(fail(), testing::ExitedWithCode(3), "ZYPRA0182E: Set locale error! : ");
 }
 
 // --- A launch up to the point where its installation is found to be incomplete

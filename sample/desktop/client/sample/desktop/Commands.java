@@ -50,7 +50,8 @@ final class Commands {
     /** The launcher waits until this process, which it gets the id of, has ended. */
     private static void launchAfterThis(String... arguments) {
         List<String> command = new ArrayList<>(List.of(System.getProperty("rcp.home") + "/rcp/rcplauncher",
-                "-restart", "-rcp_old_pid", Long.toString(ProcessHandle.current().pid())));
+                "-restart", "-rcp_old_pid", Long.toString(ProcessHandle.current().pid()),
+                "-data", System.getProperty("rcp.data")));
         command.addAll(List.of(arguments));
         try {
             new ProcessBuilder(command).inheritIO().start();
