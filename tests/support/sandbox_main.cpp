@@ -47,7 +47,8 @@ int main(int argc, char** argv) {
         folder, option == "--kept" ? rcp::test::Shelter::kKept : rcp::test::Shelter::kFresh);
     const std::string& obstacle = rcp::test::sandboxObstacle();
     if (!obstacle.empty()) {
-        std::cerr << "not shut in: " << obstacle << "\n";
+        std::cerr << (option == "--fresh" ? "skipped: " : "") << "not shut in: " << obstacle
+                  << "\n";
         if (option == "--fresh") {
             return kSkipped;
         }

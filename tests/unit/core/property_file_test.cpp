@@ -257,7 +257,7 @@ TEST_F(PropertyFile, NothingIsTracedWithoutTracing) {
     EXPECT_EQ(records.text(), "");
 }
 
-TEST_F(PropertyFile, FileThatCannotBeOpenedEndsTheProcess) {
+TEST_F(PropertyFile, FileThatCannotBeOpenedEndsTheLaunch) {
     PropertyList found;
     EXPECT_FATAL(getProperties(folder_.wide("missing"), found),
                  "ZYPRA0096E: Unable to load " + folder_.narrow("missing") +
@@ -278,7 +278,7 @@ TEST_F(PropertyFile, FileThatNeedNotBeThereMayBeMissingButNotBeNoFile) {
 }
 
 #ifdef __linux__
-TEST_F(PropertyFile, ReadThatFailsEndsTheProcess) {
+TEST_F(PropertyFile, ReadThatFailsEndsTheLaunch) {
     // The process's memory is an ordinary file that opens and has nothing at its beginning.
     PropertyList list;
     EXPECT_FATAL(getProperties(L"/proc/self/mem", list),

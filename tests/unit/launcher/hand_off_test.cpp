@@ -183,17 +183,17 @@ TEST_F(HandOff, LibraryGetsAllArgumentsFirstAndThoseInFrontOfVmargsThen) {
                                          "  \"vmArgs\": [\n    \"-Xa\"]"));
 }
 
-TEST_F(HandOff, LibraryThatIsMissingEndsTheProcessWithPathAndReason) {
+TEST_F(HandOff, LibraryThatIsMissingEndsTheLaunchWithPathAndReason) {
     const std::string path = folder_.narrow("missing.so");
     EXPECT_FATAL(handOffTo(path), "Error: invokeEclipseDylib: " + path + " cannot be used: .+\n");
 }
 
-TEST_F(HandOff, LibraryThatIsNoneEndsTheProcess) {
+TEST_F(HandOff, LibraryThatIsNoneEndsTheLaunch) {
     folder_.write("text.so", "no library");
     EXPECT_FATAL(handOffTo(folder_.narrow("text.so")), "text.so cannot be used: .+\n");
 }
 
-TEST_F(HandOff, LibraryWithoutAnEntryPointEndsTheProcess) {
+TEST_F(HandOff, LibraryWithoutAnEntryPointEndsTheLaunch) {
     EXPECT_FATAL(handOffTo(seen(STANDIN_WITHOUT_RUN)),
                  "standin_without_run.so cannot be used: .*run");
     EXPECT_FATAL(handOffTo(seen(STANDIN_WITHOUT_SET_INITIAL_ARGS)),

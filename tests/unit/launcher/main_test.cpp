@@ -1,4 +1,5 @@
 // What main does around the start-up sequence.
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_state.h"
 #include "launcher/rcp_launcher_main.h"
@@ -6,11 +7,14 @@
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/probe.h"
 
+#include <errno.h>
 #include <locale.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <iostream>
+#include <string_view>
 
 namespace rcp {
 namespace {
@@ -129,7 +133,7 @@ TEST_F(Main, CharacterSetIsTheEnvironmentsOtherwiseAndNothingElseIs) {
                 std::string("^") + platform::kUtf8LocaleName + " C$");
 }
 
-TEST_F(Main, UnknownLocaleEndsTheProcess) {
+TEST_F(Main, UnknownLocaleEndsTheLaunch) {
     const auto fail = [] {
         const std::string record =
             test::endOfLaunch([] { printLocale("nonsense.nowhere"); }).record;
@@ -178,6 +182,31 @@ class WholeLaunch : public Main {
     static constexpr char kLog[] = "/tmp/rcplauncher.log";
     std::string program_;
 };
+
+// What fails before a launch begins ends like one.
+const test::Probe kNoNullDevice("no null device", [](const std::vector<std::string>&) {
+    SystemCalls failing = systemCalls;
+    failing.open = [](const char* path, int flags, mode_t mode) {
+        if (std::string_view(path) != "/dev/null") {
+            return kSystemsOwnCalls.open(path, flags, mode);
+        }
+        errno = ENXIO;
+        return -1;
+    };
+    const InstalledCalls installed(failing);
+    close(STDIN_FILENO);
+    std::string name = "rcplauncher";
+    char* arguments[] = {name.data(), nullptr};
+    return runLauncher(1, arguments);
+});
+
+TEST_F(WholeLaunch, MissingNullDeviceIsARecordAndAStatus) {
+    EXPECT_EQ(test::runProbe("no null device").status, 255);
+    std::ifstream log(kLog);
+    const std::string text{std::istreambuf_iterator<char>(log), std::istreambuf_iterator<char>()};
+    EXPECT_THAT(text,
+                HasSubstr("Error: openMissingStandardStreams: /dev/null cannot be opened : "));
+}
 
 TEST_F(WholeLaunch, ArgumentsAreDumpedWithTheVmPairWithoutTracing) {
     const std::string log = launch({"Velmo", "-data", "B\u00FCro", "-Djava.ext.dirs=/x"});

@@ -203,7 +203,7 @@ TEST_F(Startup, TraceShowsWhatWasReadBeforeTheLaunchWasKnownToBeTraced) {
     EXPECT_THAT(trace, HasSubstr("ZYPRA0032I: Prop Line = \"rcp.install.id=abc123\""));
 }
 
-TEST_F(Startup, DirectoryThatCannotBeMadeEndsTheProcessWithARecordOfItsOwn) {
+TEST_F(Startup, DirectoryThatCannotBeMadeEndsTheLaunchWithARecordOfItsOwn) {
     expectEndAt(".config", "ZYPRA0093E");
     expectEndAt("applications/eclipse/features", "ZYPRA0094E");
     expectEndAt("applications/eclipse/plugins", "ZYPRA0095E");

@@ -67,21 +67,21 @@ TEST_F(CopyFile, DestinationThatIsALinkToACopyIsReplaced) {
     EXPECT_FALSE(std::filesystem::is_symlink(folder_.path() / "to"));
 }
 
-TEST_F(CopyFile, MissingSourceEndsTheProcess) {
+TEST_F(CopyFile, MissingSourceEndsTheLaunch) {
     EXPECT_FATAL(copyFile(folder_.wide("from"), folder_.wide("to")),
                  "ZYPRA0190E: Unable to open source file " + folder_.narrow("from") +
                      " to be copied : No such file or directory\n");
     EXPECT_FALSE(folder_.has("to"));
 }
 
-TEST_F(CopyFile, DestinationThatCannotBeOpenedEndsTheProcess) {
+TEST_F(CopyFile, DestinationThatCannotBeOpenedEndsTheLaunch) {
     folder_.write("from", "x");
     EXPECT_FATAL(copyFile(folder_.wide("from"), folder_.wide("missing/to")),
                  "ZYPRA0191E: Unable to open destination file " + folder_.narrow("missing/to") +
                      " to be copied to : No such file or directory\n");
 }
 
-TEST_F(CopyFile, FailedWriteEndsTheProcessAndLeavesTheOldFile) {
+TEST_F(CopyFile, FailedWriteEndsTheLaunchAndLeavesTheOldFile) {
     folder_.write("from", std::string(300'000, 'x'));
     folder_.write("to", "old");
     EXPECT_FATAL(
@@ -94,7 +94,7 @@ TEST_F(CopyFile, FailedWriteEndsTheProcessAndLeavesTheOldFile) {
     EXPECT_FALSE(folder_.has("to.tmp"));
 }
 
-TEST_F(CopyFile, DestinationThatIsADirectoryEndsTheProcess) {
+TEST_F(CopyFile, DestinationThatIsADirectoryEndsTheLaunch) {
     folder_.write("from", "x");
     folder_.write("to/file", "x");
     EXPECT_FATAL(copyFile(folder_.wide("from"), folder_.wide("to")),
@@ -110,7 +110,7 @@ TEST_F(CopyFile, SourceThatIsNoTextOfTheLocaleIsCopiedByteForByte) {
 }
 
 // A process's own memory: it opens like a file, and there is nothing to read at its beginning.
-TEST_F(CopyFile, SourceThatCannotBeReadToItsEndEndsTheProcessAndIsNamed) {
+TEST_F(CopyFile, SourceThatCannotBeReadToItsEndEndsTheLaunchAndIsNamed) {
     if (!existsA("/proc/self/mem")) {
         GTEST_SKIP() << "needs Linux's /proc";
     }

@@ -144,7 +144,7 @@ const Probe kRemoved("removed executable", [](const std::vector<std::string>& ar
     return 0;
 });
 
-TEST_F(InstallLocation, ExecutableThatIsGoneEndsTheProcess) {
+TEST_F(InstallLocation, ExecutableThatIsGoneEndsTheLaunch) {
     EXPECT_EQ(runProbe("removed executable", {root_}, program("prog")).status, 255);
     EXPECT_EQ(folder_.read("rcplauncher.log"),
               "\nZYPRA0184E: Getting executable path failed! errno = 2 : "
@@ -280,13 +280,13 @@ TEST_F(RelativeLocation, DollarAloneIsAName) {
     EXPECT_EQ(absolute(L"a${x}"), root_ + "/a${x}");
 }
 
-TEST_F(RelativeLocation, PlaceholderThatWasNotReplacedEndsTheProcess) {
+TEST_F(RelativeLocation, PlaceholderThatWasNotReplacedEndsTheLaunch) {
     EXPECT_FATAL(absolute(L"${rcp.home}/ws"),
                  "ZYPRA0301E: Starts with placeholder. This should be translated");
     EXPECT_FATAL(absolute(L"${"), "ZYPRA0301E");
 }
 
-TEST_F(RelativeLocation, MissingWorkingDirectoryEndsTheProcess) {
+TEST_F(RelativeLocation, MissingWorkingDirectoryEndsTheLaunch) {
     EXPECT_FATAL(
         {
             fs::create_directory("gone");
@@ -297,7 +297,7 @@ TEST_F(RelativeLocation, MissingWorkingDirectoryEndsTheProcess) {
         "ZYPRA0800E: Unable to get working directory. : No such file or directory\n");
 }
 
-TEST_F(RelativeLocation, WorkingDirectoryThatIsNoTextEndsTheProcess) {
+TEST_F(RelativeLocation, WorkingDirectoryThatIsNoTextEndsTheLaunch) {
     EXPECT_FATAL(
         {
             fs::create_directory("\xFF");
@@ -308,7 +308,7 @@ TEST_F(RelativeLocation, WorkingDirectoryThatIsNoTextEndsTheProcess) {
         "directory's path is no text of this locale\n");
 }
 
-TEST_F(RelativeLocation, PathThatIsNoTextEndsTheProcess) {
+TEST_F(RelativeLocation, PathThatIsNoTextEndsTheLaunch) {
     EXPECT_FATAL(absolute(std::wstring(1, static_cast<wchar_t>(0xD800))),
                  "ZYPRA0302E: Unable to convert relative workspace path to a full path");
 }

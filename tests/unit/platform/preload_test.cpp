@@ -238,7 +238,7 @@ TEST_F(Preload, LinkOfRootIsTrusted) {
     expectLinkIsUsedByAnotherUser();
 }
 
-TEST_F(Preload, PathWithoutASlashEndsTheProcess) {
+TEST_F(Preload, PathWithoutASlashEndsTheLaunch) {
     const fs::path before = fs::current_path();
     folder_.write("a lib.so", "");
     fs::current_path(folder_.path());
@@ -247,12 +247,12 @@ TEST_F(Preload, PathWithoutASlashEndsTheProcess) {
     fs::current_path(before);
 }
 
-TEST_F(Preload, MissingUserNameEndsTheProcess) {
+TEST_F(Preload, MissingUserNameEndsTheLaunch) {
     const ScopedVariable noUser("USER");
     EXPECT_FATAL(set(), "ZYPRA0006E: Couldn't find the user name!");
 }
 
-TEST_F(Preload, UserNameThatLeadsElsewhereEndsTheProcess) {
+TEST_F(Preload, UserNameThatLeadsElsewhereEndsTheLaunch) {
     const ScopedVariable user("USER", "../ann");
     EXPECT_FATAL(set(), "ZYPRA0006E: Couldn't find the user name!");
 }
@@ -269,7 +269,7 @@ TEST_F(Preload, TargetOfALinkOfAnyLengthIsRead) {
     }
 }
 
-TEST_F(Preload, TargetOfWhatIsNoLinkEndsTheProcess) {
+TEST_F(Preload, TargetOfWhatIsNoLinkEndsTheLaunch) {
     std::string target;
     EXPECT_FATAL(readsymln(target, folder_.narrow("missing")),
                  "ZYPRA0184E: Getting command path failed! errno = 2 : No such file");

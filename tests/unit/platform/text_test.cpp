@@ -125,7 +125,7 @@ TEST(WideBuffers, FreeingNullIsNothing) {
 
 // The sanitizer's own allocator ends the process when it is asked for too much.
 #ifndef RCP_HAS_ADDRESS_SANITIZER
-TEST(WideBuffers, NoMemoryEndsTheProcess) {
+TEST(WideBuffers, NoMemoryEndsTheLaunch) {
     const volatile std::size_t tooMuch = std::numeric_limits<std::size_t>::max() / 8;
     EXPECT_FATAL(newString(tooMuch),
                  "ZYPRA0004E: newString malloc failed.  Failed with error 12: Cannot allocate "

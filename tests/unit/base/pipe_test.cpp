@@ -1,0 +1,39 @@
+#include "base/pipe.h"
+
+#include "base/system_calls.h"
+#include "base/transfer.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+namespace rcp {
+namespace {
+
+TEST(Pipe, CarriesBytesAndIsInheritedByNoProgram) {
+    Pipe pipe;
+    ASSERT_TRUE(pipe.readEnd);
+    ASSERT_TRUE(pipe.writeEnd);
+    for (const int end : {pipe.readEnd.get(), pipe.writeEnd.get()}) {
+        EXPECT_NE(fcntl(end, F_GETFD) & FD_CLOEXEC, 0);
+    }
+    EXPECT_TRUE(writeFully(pipe.writeEnd.get(), "text"));
+    pipe.writeEnd.reset();
+    EXPECT_EQ(readToEnd(pipe.readEnd.get()), "text");
+}
+
+TEST(Pipe, IsEmptyWhereTheSystemHasNone) {
+    SystemCalls failing = systemCalls;
+    failing.pipe = [](int*) {
+        errno = EMFILE;
+        return -1;
+    };
+    const InstalledCalls installed(failing);
+    const Pipe pipe;
+    EXPECT_EQ(errno, EMFILE);
+    EXPECT_FALSE(pipe.readEnd);
+    EXPECT_FALSE(pipe.writeEnd);
+}
+
+}  // namespace
+}  // namespace rcp
