@@ -1,11 +1,16 @@
 // Walks the object graph of a binary property list the way a parser would, but only to count:
 // "bplist00", the objects, a table of their offsets, and a trailer of 32 bytes that describes the
-// table. Every number is big-endian.
+// table. Every number is big-endian. What the parsers of the two systems read differently is refused:
+// a key that stands in its dictionary twice (one takes the first, the other the last of them) or is
+// no text, and text with the character 0, with a byte that is no ASCII or with half a surrogate pair.
 #include "platform/property_list_guard.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace rcp::platform {
 
@@ -20,6 +25,23 @@ constexpr std::uint64_t kObjectCost = 16;
 constexpr std::uint64_t kMaxCost = std::uint64_t{4} << 20;
 
 constexpr unsigned kCountFollows = 0xF;
+
+// The upper half of an object's first byte.
+constexpr unsigned kAsciiText = 0x5;
+constexpr unsigned kUtf16Text = 0x6;
+
+/// Whether no parser ends the text early or drops a part of it.
+bool isWholeText(const std::u16string& text) {
+    bool isPairOpen = false;
+    for (const char16_t unit : text) {
+        const bool isLow = unit >= 0xDC00 && unit <= 0xDFFF;
+        if (unit == 0 || isLow != isPairOpen) {
+            return false;
+        }
+        isPairOpen = unit >= 0xD800 && unit <= 0xDBFF;
+    }
+    return !isPairOpen;
+}
 
 class Walker {
   public:
@@ -59,14 +81,19 @@ class Walker {
         return value;
     }
 
+    /// Where the object begins; none when that is out of bounds.
+    [[nodiscard]] std::optional<std::uint64_t> offsetOf(std::uint64_t object) const {
+        if (object >= objectCount_) {
+            return std::nullopt;
+        }
+        const auto offset = integer(table_ + object * offsetSize_, offsetSize_);
+        return offset && *offset >= kHeaderSize && *offset < table_ ? offset : std::nullopt;
+    }
+
     /// Counts the object and what it holds; false when anything is out of bounds.
     bool visit(std::uint64_t object, int depth) {
-        if (depth > kMaxPropertyListDepth || object >= objectCount_) {
-            return false;
-        }
-        const std::optional<std::uint64_t> offset =
-            integer(table_ + object * offsetSize_, offsetSize_);
-        if (!offset || *offset < kHeaderSize || *offset >= table_) {
+        const std::optional<std::uint64_t> offset = offsetOf(object);
+        if (depth > kMaxPropertyListDepth || !offset) {
             return false;
         }
         const unsigned kind = byteAt(*offset) >> 4U;
@@ -90,16 +117,15 @@ class Walker {
         }
         switch (kind) {
             case 0x4:
-            case 0x5:
-            case 0x7:
                 return spend(*count, at);
-            case 0x6:
-                return spend(*count * 2, at);
+            case kAsciiText:
+            case kUtf16Text:
+                return spend(*count * unitSize(kind), at) && textAt(kind, *count, at).has_value();
             case 0xA:
             case 0xC:
                 return visitAll(*count, at, depth);
             case 0xD:
-                return visitAll(*count * 2, at, depth);
+                return visitAll(*count * 2, at, depth) && haveDifferentTexts(*count, at);
             default:
                 return false;
         }
@@ -116,6 +142,39 @@ class Walker {
             }
         }
         return true;
+    }
+
+    static std::uint64_t unitSize(unsigned kind) { return kind == kUtf16Text ? 2 : 1; }
+
+    /// The text of so many units, all of them inside the objects; none when parsers read it differently.
+    [[nodiscard]] std::optional<std::u16string> textAt(unsigned kind, std::uint64_t units,
+                                                       std::uint64_t at) const {
+        std::u16string text;
+        for (std::uint64_t i = 0; i < units; ++i) {
+            const std::uint64_t unit = *integer(at + i * unitSize(kind), unitSize(kind));
+            if (kind == kAsciiText && unit > 0x7F) {
+                return std::nullopt;
+            }
+            text += static_cast<char16_t>(unit);
+        }
+        return isWholeText(text) ? std::optional(text) : std::nullopt;
+    }
+
+    /// Whether the references at `at`, which were visited, lead to texts, each to another one.
+    [[nodiscard]] bool haveDifferentTexts(std::uint64_t references, std::uint64_t at) const {
+        std::vector<std::u16string> texts;
+        for (std::uint64_t i = 0; i < references; ++i) {
+            std::uint64_t offset = *offsetOf(*integer(at + i * referenceSize_, referenceSize_));
+            const unsigned kind = byteAt(offset) >> 4U;
+            const unsigned info = byteAt(offset++) & 0xFU;
+            if (kind != kAsciiText && kind != kUtf16Text) {
+                return false;
+            }
+            const std::uint64_t units = *countOf(info, offset);
+            texts.push_back(*textAt(kind, units, offset));
+        }
+        std::sort(texts.begin(), texts.end());
+        return std::adjacent_find(texts.begin(), texts.end()) == texts.end();
     }
 
     /// The element count of an object, moving `at` behind an integer that holds it.

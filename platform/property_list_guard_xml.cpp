@@ -92,8 +92,11 @@ bool holdsText(std::string_view element) {
     return std::find(std::begin(kNames), std::end(kNames), element) != std::end(kNames);
 }
 
-/// Whether the text refers to the character 0, where a text would end for one reader only.
-bool refersToNul(std::string_view text) {
+/// Whether the text holds or refers to the character 0, where a text would end for one reader only.
+bool holdsNul(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos) {
+        return true;
+    }
     for (Position at = behind(text, "&#", 0); at; at = behind(text, "&#", *at)) {
         const std::size_t end = text.find_first_not_of("xX0", *at);
         if (end != std::string_view::npos && end > *at && text[end] == ';') {
@@ -215,7 +218,7 @@ class Follower {
 }  // namespace
 
 bool isSafeXmlPropertyList(std::string_view text, std::string_view marked) {
-    return !refersToNul(text) && Follower(text, marked).run();
+    return !holdsNul(text) && Follower(text, marked).run();
 }
 
 }  // namespace rcp::platform

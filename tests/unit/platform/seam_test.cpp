@@ -439,6 +439,55 @@ TEST_F(PropertyList, BinaryThatHoldsItselfIsRefused) {
     EXPECT_FALSE(isSafeBinaryPropertyList(binaryList({"\x09", "\xA1" + bigEndian(1, 4)}, 1)));
 }
 
+// One parser takes the first of them, the other the last.
+TEST_F(PropertyList, BinaryWithAKeyTwiceIsRefused) {
+    const auto references = [](std::initializer_list<int> objects) {
+        std::string bytes;
+        for (const int object : objects) {
+            bytes += bigEndian(object, 4);
+        }
+        return bytes;
+    };
+    const std::string wideA("\x61\x00\x61", 3);
+    const std::vector<std::string> objects = {
+        "\x51\x61",                         // "a"
+        wideA,                              // "a" in 16-bit units
+        "\x51\x62",                         // "b"
+        "\xD2" + references({0, 2, 2, 2}),  // {a: b, b: b}
+        "\xD2" + references({0, 0, 2, 2}),  // {a: b, a: b}
+        "\xD2" + references({0, 1, 2, 2}),  // {a: b, a: b}, told apart by their bytes alone
+    };
+    EXPECT_TRUE(isSafeBinaryPropertyList(binaryList(objects, 3)));
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList(objects, 4)));
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList(objects, 5)));
+}
+
+TEST_F(PropertyList, BinaryWithAKeyThatIsNoTextIsRefused) {
+    const std::vector<std::string> objects = {std::string("\x10\x07"), "\x51\x62",
+                                              "\xD1" + bigEndian(0, 4) + bigEndian(1, 4)};
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList(objects, 2)));
+}
+
+TEST_F(PropertyList, TextThatParsersEndOrReadDifferentlyIsRefused) {
+    const auto text = [](std::string_view bytes) {
+        return isSafeBinaryPropertyList(binaryList({std::string(bytes)}));
+    };
+    using namespace std::string_literals;
+    using namespace std::string_view_literals;
+    EXPECT_TRUE(text("\x52\x61\x7F"sv));
+    EXPECT_FALSE(text("\x52\x61\x00"sv));
+    EXPECT_FALSE(text("\x52\x61\x80"sv));
+    EXPECT_TRUE(text("\x62\xD8\x3D\xDE\x00"sv));
+    EXPECT_FALSE(text("\x62\x00\x61\x00\x00"sv));
+    EXPECT_FALSE(text("\x61\xD8\x3D"sv));
+    EXPECT_FALSE(text("\x61\xDE\x00"sv));
+    EXPECT_FALSE(text("\x62\xD8\x3D\x00\x61"sv));
+    EXPECT_FALSE(text("\x71\x61"sv));
+    EXPECT_FALSE(
+        parsePropertyList(xmlList("<dict><key>a</key><string>b"s + '\0' + "c</string></dict>"))
+            .has_value());
+}
+
 TEST_F(PropertyList, BinaryMayHaveAnyOfItsObjectsAtTheTop) {
     const std::vector<std::string> objects = {"\x09", "\xA1" + bigEndian(0, 4), "\xD0"};
     EXPECT_TRUE(isSafeBinaryPropertyList(binaryList(objects, 1)));
