@@ -2,6 +2,7 @@ import java.io.IOException;
 import java.io.OutputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.nio.file.StandardCopyOption;
 import java.util.ArrayList;
 import java.util.Collections;
 import java.util.LinkedHashMap;
@@ -20,7 +21,8 @@ import java.util.stream.Collectors;
  * Puts the bundles of the desktop sample together from Debian's jars, as "bundles.list" says.
  *
  * <p>usage: Bundles PLUGINS INFO LIST... PLUGINS is the folder of the bundles, which are links where nothing
- * changes; INFO is the configurator's list of them.
+ * changes; INFO is the configurator's list of them. A bundle that a running platform may have open is replaced by
+ * rename.
  */
 public final class Bundles {
     private static final Path JARS = Path.of("/usr/share/java");
@@ -75,8 +77,13 @@ public final class Bundles {
     }
 
     private Path link(Path jar) throws IOException {
-        Path target = fresh(nameIn(manifestOf(jar)));
-        return Files.createSymbolicLink(target, jar);
+        Path target = bundle(nameIn(manifestOf(jar)));
+        if (Files.isSymbolicLink(target) && Files.readSymbolicLink(target).equals(jar)) {
+            return target;
+        }
+        Path next = beside(target);
+        Files.createSymbolicLink(next, jar);
+        return Files.move(next, target, StandardCopyOption.ATOMIC_MOVE);
     }
 
     private Path edit(Path jar, Map<String, String> headers) throws IOException {
@@ -125,9 +132,10 @@ public final class Bundles {
     }
 
     private Path write(Manifest manifest, Path jar, Choice choice) throws IOException {
-        Path target = fresh(nameIn(manifest));
+        Path target = bundle(nameIn(manifest));
+        Path next = beside(target);
         try (JarFile from = new JarFile(jar.toFile());
-                OutputStream file = Files.newOutputStream(target);
+                OutputStream file = Files.newOutputStream(next);
                 JarOutputStream to = new JarOutputStream(file, manifest)) {
             for (JarEntry entry : Collections.list(from.entries())) {
                 if (!entry.isDirectory() && choice.takes(entry.getName())) {
@@ -136,13 +144,18 @@ public final class Bundles {
                 }
             }
         }
-        return target;
+        return Files.move(next, target, StandardCopyOption.ATOMIC_MOVE);
     }
 
-    private Path fresh(String name) throws IOException {
-        Path target = plugins.resolve(name + ".jar");
-        Files.deleteIfExists(target);
-        return target;
+    private Path bundle(String name) {
+        return plugins.resolve(name + ".jar");
+    }
+
+    /** Nothing is there, not even what a run that was killed has left. */
+    private static Path beside(Path target) throws IOException {
+        Path next = target.resolveSibling(target.getFileName() + ".new");
+        Files.deleteIfExists(next);
+        return next;
     }
 
     /** An empty level: the default one, and nothing starts the bundle but a class that is asked of it. */

@@ -46,7 +46,7 @@ public final class Activator implements BundleActivator {
         // System.out follows the terminal's locale; a path may hold any character.
         PrintStream out = new PrintStream(
                 new FileOutputStream(FileDescriptor.out), true, StandardCharsets.UTF_8);
-        if (PROVISIONING.equals(CommandLine.last(platform, "-application"))) {
+        if (PROVISIONING.equals(CommandLine.last(platform.getCommandLineArgs(), "-application"))) {
             new Provisioning(platform, out).run();
         } else {
             new Report(platform, out).print();

@@ -32,8 +32,8 @@ public final class Report {
         line("process id", ProcessHandle.current().pid());
         line("started as", role());
         line("JVM", System.getProperty("java.vm.name") + " " + System.getProperty("java.version"));
-        line("application", CommandLine.last(platform, "-application"));
-        line("product", CommandLine.last(platform, "-product"));
+        line("application", CommandLine.last(platform.getCommandLineArgs(), "-application"));
+        line("product", CommandLine.last(platform.getCommandLineArgs(), "-product"));
         line("-data", path("osgi.instance.area"));
         line("-configuration", path("osgi.configuration.area"));
 
@@ -63,7 +63,7 @@ public final class Report {
 
     /** A launcher that finds a running platform passes that platform's id on. */
     private String role() {
-        String mainProcess = CommandLine.last(platform, "-useDaemon");
+        String mainProcess = CommandLine.last(platform.getCommandLineArgs(), "-useDaemon");
         return mainProcess == null
                 ? "the main process of its workspace"
                 : "a daemon of process " + mainProcess;

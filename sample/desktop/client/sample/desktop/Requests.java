@@ -9,6 +9,7 @@ import java.nio.file.WatchKey;
 import java.nio.file.WatchService;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Optional;
 import java.util.concurrent.TimeUnit;
 import java.util.function.Consumer;
 
@@ -21,7 +22,17 @@ import org.eclipse.osgi.service.datalocation.Location;
 final class Requests {
     static final String RAISE = "raise";
 
-    private static final long PATIENCE_SECONDS = 20;
+    /** What becomes of a request. */
+    enum Fate {
+        TAKEN,
+        /** The client that was asked has ended. */
+        LOST,
+        /** It is there and does not answer. */
+        UNANSWERED
+    }
+
+    /** A client that is only starting, or closing, answers nobody for a while. */
+    private static final long PATIENCE_SECONDS = Long.getLong("sample.desktop.patience", 180);
     private static final long STEP_MILLISECONDS = 50;
 
     private final Path folder;
@@ -31,18 +42,20 @@ final class Requests {
         folder = Files.createDirectories(Path.of(workspace.getURL().getPath(), ".requests"));
     }
 
-    /** Whether the running client has done what was asked. */
-    boolean send(String what) throws IOException, InterruptedException {
+    /** Waits until the client, which is {@code process}, takes the request, has ended, or has had its time. */
+    Fate send(String what, Optional<ProcessHandle> process) throws IOException, InterruptedException {
         Path request = Files.createTempFile(folder, what + ".", "");
         try {
             long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(PATIENCE_SECONDS);
-            while (System.nanoTime() < end) {
+            boolean isThere = true;
+            while (isThere && System.nanoTime() < end) {
+                isThere = process.map(ProcessHandle::isAlive).orElse(false); // before the look: nothing comes after it
                 if (Files.notExists(request)) {
-                    return true;
+                    return Fate.TAKEN;
                 }
                 Thread.sleep(STEP_MILLISECONDS);
             }
-            return false;
+            return isThere ? Fate.UNANSWERED : Fate.LOST;
         } finally {
             Files.deleteIfExists(request);
         }
@@ -52,7 +65,7 @@ final class Requests {
     AutoCloseable listen(Consumer<String> answer) throws IOException {
         WatchService watch = folder.getFileSystem().newWatchService();
         folder.register(watch, StandardWatchEventKinds.ENTRY_CREATE);
-        take(); // left by somebody who asked nobody
+        take(); // nobody was there to hear them; who asks for the window gets it now
         Thread thread = new Thread(() -> answer(watch, answer), "requests");
         thread.setDaemon(true);
         thread.start();
