@@ -35,6 +35,7 @@ constexpr SystemCalls kSystemsOwnCalls = {
     .pipe = ::pipe,
     .fork = ::fork,
     .execv = ::execv,
+    .sleep = ::sleep,
 };
 
 constinit SystemCalls systemCalls = kSystemsOwnCalls;

@@ -37,6 +37,7 @@ struct SystemCalls {
     int (*pipe)(int* ends);
     pid_t (*fork)();
     int (*execv)(const char* path, char* const* arguments);
+    unsigned (*sleep)(unsigned seconds);
 };
 
 /// The calls themselves.
@@ -135,6 +136,9 @@ inline pid_t fork() {
 }
 inline int execv(const char* path, char* const* arguments) {
     return systemCalls.execv(path, arguments);
+}
+inline unsigned sleep(unsigned seconds) {
+    return systemCalls.sleep(seconds);
 }
 
 }  // namespace calls

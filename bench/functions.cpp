@@ -118,7 +118,7 @@ void extendConfiguration(benchmark::State& state) {
     const rcp::Arguments started{L"launcher", L"-config", L"many"};
     for (auto _ : state) {
         rcp::VmArgumentMap map;
-        benchmark::DoNotOptimize(rcp::addConfigExtentionsToArg(started, list, map, L"/nowhere"));
+        benchmark::DoNotOptimize(rcp::addConfigExtentionsToArg(started, list, map, std::nullopt));
     }
     countEntries(state);
 }

@@ -6,7 +6,6 @@
 
 namespace rcp {
 
-class CommandLine;
 struct Property;
 
 class Observer {
@@ -23,8 +22,6 @@ class Observer {
     virtual void propertyFound(const Property& entry) = 0;
     virtual void placeholderReplaced(const std::wstring& before, std::wstring_view placeholder,
                                      const std::wstring& value, const std::wstring& after) = 0;
-    /// The launch is about to become what the command line starts.
-    virtual void handedOff(const CommandLine& line) = 0;
 };
 
 /// Null in a launch.

@@ -6,7 +6,6 @@
 #include "launcher/core/config_extensions.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/main_options.h"
 #include "launcher/core/vm_arguments.h"
 
@@ -123,10 +122,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t i = 0; i < values.size(); ++i) {
         inputs.properties.append({L"config.x." + std::to_wstring(i + 1), values[i], {}});
     }
-    (void)SetInstallConfiguration(inputs.properties, false);
+    inputs.traits.eConfig = installConfigurationOf(inputs.properties);
     const bool ended = fuzz::endsLaunch([&] {
         inputs.arguments = addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap,
-                                                    inputs.installDir);
+                                                    inputs.debugFile);
     });
     if (ended) {
         const auto isVmarg = [](const std::wstring& text) { return text.starts_with(L"vmarg."); };

@@ -1,13 +1,8 @@
 #include "launcher/hand_off.h"
 
 #include "base/system_calls.h"
-#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
-#include "platform/install_location.h"
-#include "platform/platform.h"
+#include "launcher/core/running_provisioning.h"
 #include "platform/signals.h"
 #include "platform/text.h"
 
@@ -18,11 +13,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 
 namespace rcp {
-
-char** userVMarg = nullptr;
 
 namespace {
 
@@ -44,13 +36,12 @@ void* entryPoint(void* library, const char* name, const std::string& path) {
 
 // The child: the only holder of the lock from the hand-off on. The parent's id was taken before the
 // fork: asked for afterwards, that of a parent that has died already would be process 1's.
-void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArguments, pid_t parent,
+void watchHandOff(const Launch& launch, const NarrowArguments& launchArguments, pid_t parent,
                   Gate& gate) {
-    populateLockFile(parent);
+    launch.lock->record(parent);
     gate.wait();
-    unlockLockFile();
-    if (hasOption(L"-rcpLauncherWait", arguments) ||
-        haveLaunchOption("-console", launchArguments.texts())) {
+    launch.lock->release();
+    if (isWaitMode(launch.arguments) || haveLaunchOption("-console", launchArguments.texts())) {
         // Asked for by those who wait for the platform. The parent is no child of this process, so
         // the answer comes at once; the callers have come to rely on that.
         waitpid(parent, nullptr, 0);
@@ -58,9 +49,10 @@ void watchHandOff(const Arguments& arguments, const NarrowArguments& launchArgum
 }
 
 // The parent. In the direct Java shape there is no library, whatever the hand-off.
-void becomePlatform(const std::wstring& library, NarrowArguments& launchArguments, Gate& gate) {
-    closeLockFile();
-    if (invokeDylib && !library.empty()) {
+void becomePlatform(Launch& launch, NarrowArguments& launchArguments, Gate& gate) {
+    launch.lock->leaveToChild();
+    const std::wstring& library = launch.plan->line.library();
+    if (launch.inputs.traits.invokeDylib && !library.empty()) {
         invokeEclipseDylib(library, launchArguments, gate);
         return;
     }
@@ -69,25 +61,55 @@ void becomePlatform(const std::wstring& library, NarrowArguments& launchArgument
 
 }  // namespace
 
-void launchEclipse(const Arguments& arguments, const CommandLine& line) {
-    if (observer != nullptr) {
-        observer->handedOff(line);
+void handOff(Launch& launch) {
+    if (launch.plan->kind == LaunchKind::kPlatform) {
+        launchEclipse(launch);
+        return;
     }
-    NarrowArguments launchArguments(line.arguments());
+    doProvisioning(launch);
+    launch.lock->release();
+    endLaunch(0);
+}
+
+void launchEclipse(Launch& launch) {
+    NarrowArguments launchArguments(launch.plan->line.arguments());
     logLaunchArguments("ZYPRA0132I: ===== Begin Launch Parameters =====", launchArguments,
                        "ZYPRA0133I: ===== End Launch Parameters =====");
     Gate gate;
     const pid_t self = getpid();
     const pid_t child = calls::fork();
     if (child == 0) {
-        watchHandOff(arguments, launchArguments, self, gate);
+        watchHandOff(launch, launchArguments, self, gate);
         return;
     }
     if (child < 0) {
         report(because(errno), "Error: fork: the platform's process id is not recorded");
-        unlockLockFile();  // nobody else will
+        launch.lock->release();  // nobody else will
     }
-    becomePlatform(line.library(), launchArguments, gate);
+    becomePlatform(launch, launchArguments, gate);
+}
+
+void doProvisioning(const Launch& launch) {
+    NarrowArguments command(launch.plan->line.arguments());
+    logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
+                       "ZYPRA0130I: ===== End Provisioning Parameters =====");
+    recordProvisioning(provisioningFileOf(launch.inputs.workspace));
+    Gate gate;
+    const pid_t child = calls::fork();
+    if (child == 0) {
+        // Holds the lock until the parent has recorded the id: only then may the next launcher
+        // look.
+        waitpid(getpid(), nullptr, 0);
+        gate.wait();
+        return;
+    }
+    launch.lock->record(child);
+    gate.open();
+    becomeProgram(command);
+    if (child > 0) {
+        // It runs this launcher's executable: as long as it is there, its recorded id is a platform's.
+        waitpid(child, nullptr, 0);
+    }
 }
 
 void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& arguments, Gate& gate) {
@@ -106,50 +128,26 @@ void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& argume
     std::vector<char*> initial(arguments.data(), arguments.data() + arguments.count() + 1);
     setInitialArgs(arguments.count(), initial.data(), path.data());
     int count = arguments.count();
-    parseArgs(count, arguments.data(), 1);
+    char** const vmArguments = parseArgs(count, arguments.data());
     gate.open();
-    run(count, arguments.data(), userVMarg);
+    run(count, arguments.data(), vmArguments);
 }
 
-void parseArgs(int& argc, char** argv, int mode) {
+char** parseArgs(int& argc, char** argv) {
     argv[argc] = nullptr;
-    for (int i = 0; i < argc; ++i) {
-        if (strcasecmp(argv[i], "-vmargs") == 0) {
-            if (mode == 1) {
-                userVMarg = &argv[i + 1];
-            }
-            argv[i] = nullptr;
-            argc = i;
-        }
+    char** const end = argv + argc;
+    char** const separator =
+        std::find_if(argv, end, [](const char* text) { return strcasecmp(text, "-vmargs") == 0; });
+    if (separator == end) {
+        return nullptr;
     }
+    *separator = nullptr;
+    argc = static_cast<int>(separator - argv);
+    return separator + 1;
 }
 
 bool haveLaunchOption(const std::string& option, const std::vector<std::string>& arguments) {
     return std::find(arguments.begin(), arguments.end(), option) != arguments.end();
-}
-
-void initInvokeDylib(const PropertyList& properties) {
-    const std::string path = launcherExecutable();
-    if (path.substr(path.rfind('/') + 1) != "rcplauncher") {
-        invokeDylib = true;
-        return;
-    }
-    if (const std::wstring* value = findProperty(L"invoke.eclipse.dylib", properties)) {
-        invokeDylib = *value == L"1";
-        return;
-    }
-    invokeDylib = isInProcessVersion(platform::productVersion());
-}
-
-bool isInProcessVersion(const std::string& version) {
-    const char* const end = version.data() + version.size();
-    unsigned major = 0;
-    unsigned minor = 0;
-    const char* dot = std::from_chars(version.data(), end, major).ptr;
-    if (dot != end && *dot == '.') {
-        std::from_chars(dot + 1, end, minor);
-    }
-    return major == 10 && minor == 15;
 }
 
 }  // namespace rcp

@@ -2,7 +2,6 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/hand_off.h"
 #include "launcher/startup.h"
 #include "platform/install_location.h"
@@ -19,7 +18,6 @@
 
 #include <cstring>
 #include <exception>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -70,7 +68,6 @@ Arguments wideArguments(int argc, char** argv) {
 
 // What the launcher's own properties decide before the start-up sequence.
 void applyProperties(Arguments& arguments, const PropertyList& properties, Start start) {
-    initInvokeDylib(properties);
     if (start != Start::kRestart) {
         rewriteExtensionDirectories(arguments, properties);
         appendVm(arguments, properties);
@@ -82,27 +79,22 @@ void dumpArguments(const Arguments& arguments) {
     SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
 }
 
-struct Prepared {
-    Arguments arguments;  // the launcher's own
-    CommandLine line;
-};
-
-// All that comes before the hand-off; nothing when the launch has to begin anew.
-std::optional<Prepared> prepareLaunch(int argc, char** argv) {
-    userFirstLaunch = false;
-    Arguments arguments = wideArguments(argc, argv);
+// All that comes before the hand-off. False for a launch that has to begin anew.
+bool prepareLaunch(Launch& launch, int argc, char** argv) {
+    launch.arguments = wideArguments(argc, argv);
     const Start start =
         haveLaunchOption("-restart", {argv, argv + argc}) ? Start::kRestart : Start::kOrdinary;
-    Installation installation = readInstallation(arguments);
-    applyProperties(arguments, installation.properties, start);
-    setDebug(isDebug(arguments));
-    dumpArguments(arguments);
-    doVersionCheck(arguments);
-    std::optional<CommandLine> line = startup(arguments, std::move(installation), start);
-    if (!line) {
-        return std::nullopt;
+    Installation installation = readInstallation(launch.arguments);
+    applyProperties(launch.arguments, installation.properties, start);
+    setDebug(isDebug(launch.arguments));
+    dumpArguments(launch.arguments);
+    doVersionCheck(launch.arguments);
+    launch.plan = startup(launch, std::move(installation), start);
+    if (launch.plan && launch.plan->kind == LaunchKind::kPlatform) {
+        launch.plan->line.add(L"-Dfile.encoding=UTF-8");
+        launch.plan->line.add(L"-XstartOnFirstThread");
     }
-    return Prepared{std::move(arguments), *std::move(line)};
+    return launch.plan.has_value();
 }
 
 // What the standard library throws is a fault of ours. What was recorded so far is not lost to it.
@@ -113,18 +105,15 @@ int unexpectedEnd(std::string_view reason) {
 
 }  // namespace
 
-void launch(int argc, char** argv) {
+void run(Launch& launch, int argc, char** argv) {
     if (!isJREPluginInstalled() && GetJavaHome().empty()) {
         quitWithNoJavaWarning();
     }
     setCharacterLocale();
-    std::optional<Prepared> prepared;
-    while (!prepared) {
-        prepared = prepareLaunch(argc, argv);
+    while (!prepareLaunch(launch, argc, argv)) {
+        launch = Launch();
     }
-    prepared->line.add(L"-Dfile.encoding=UTF-8");
-    prepared->line.add(L"-XstartOnFirstThread");
-    launchEclipse(prepared->arguments, prepared->line);
+    handOff(launch);
 }
 
 int runLauncher(int argc, char** argv) {
@@ -132,7 +121,8 @@ int runLauncher(int argc, char** argv) {
         openMissingStandardStreams();
         ignoreFileSizeSignal();
         installOutOfMemoryReport();
-        launch(argc, argv);
+        Launch launch;
+        run(launch, argc, argv);
         return 0;
     } catch (const LaunchEnded& end) {
         return endedWith(end.status);
@@ -181,8 +171,6 @@ void doVersionCheck(const Arguments& arguments) {
         fatal(noReason(), "ZYPRA0031I:   version = \"%ls\"", kVersion);
     }
 }
-
-void setSemVersion(const wchar_t* /*version*/) {}
 
 bool isJREPluginInstalled() {
     return true;

@@ -3,6 +3,7 @@
 
 #include "launcher/core/arguments.h"
 #include "launcher/core/property_list.h"
+#include "launcher/startup.h"
 
 namespace rcp {
 
@@ -12,8 +13,9 @@ inline constexpr wchar_t kVersion[] = L"20211117.0921";
 /// The whole launch, from the process's arguments to the hand-off. Returns the exit status of main.
 int runLauncher(int argc, char** argv);
 
-/// The launch itself, without what runLauncher puts around it for the process's sake.
-void launch(int argc, char** argv);
+/// The launch itself, without what runLauncher puts around it for the process's sake. However it ends,
+/// `launch` tells how far it came.
+void run(Launch& launch, int argc, char** argv);
 
 /// Sets the character-type locale from the environment, UTF-8 where it asks for "C". Failure ends
 /// the launch.
@@ -28,9 +30,6 @@ void appendVm(Arguments& arguments, const PropertyList& properties);
 /// With "-version" as the only argument: a record with the version, and the process ends. A launch
 /// has appended the "-vm" pair by then and never matches.
 void doVersionCheck(const Arguments& arguments);
-
-/// Does nothing; nothing calls it.
-void setSemVersion(const wchar_t* version);
 
 /// Always true: the JVM is part of the installation.
 bool isJREPluginInstalled();

@@ -4,14 +4,12 @@
 #include "launcher/core/argument_checks.h"
 #include "launcher/core/command_line.h"
 #include "launcher/core/config_extensions.h"
+#include "launcher/core/debug_file.h"
 #include "launcher/core/initial_configuration.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/install_id.h"
 #include "launcher/core/launch_inputs.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/option_values.h"
 #include "launcher/core/placeholders.h"
-#include "launcher/core/platform_lock.h"
 #include "launcher/core/platform_xml.h"
 #include "launcher/core/property_file.h"
 #include "launcher/core/provisioning.h"
@@ -37,11 +35,11 @@ namespace rcp {
 namespace {
 
 // Makes a directory of the user's area unless it is there. `message` carries the step's number.
-void ensure(const std::wstring& directory, const char* message) {
+void ensure(LaunchInputs& inputs, const std::wstring& directory, const char* message) {
     if (isDirectory(directory)) {
         return;
     }
-    userFirstLaunch = true;
+    inputs.userFirstLaunch = true;
     ensureDirectory(directory, message);
 }
 
@@ -64,7 +62,7 @@ std::wstring propertyFileOf(const std::wstring& installDir) {
 }
 
 // The installation's properties and what of the arguments decides how they are read.
-std::wstring applyInstallation(const Arguments& arguments, Installation installation,
+std::wstring applyInstallation(const Arguments& arguments, Installation installation, Start start,
                                LaunchInputs& inputs) {
     if (debug) {
         // Read before it was known that this launch is traced, and the trace shows what is read.
@@ -73,20 +71,20 @@ std::wstring applyInstallation(const Arguments& arguments, Installation installa
     inputs.installDir = std::move(installation.directory);
     inputs.properties = std::move(installation.properties);
     const std::wstring propertyFile = propertyFileOf(inputs.installDir);
+    inputs.debugFile = debugFile(inputs.installDir);
     inputs.arguments =
-        addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap, inputs.installDir);
+        addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap, inputs.debugFile);
     insertPropToVmargMap(inputs.vmargMap, inputs.properties);
     setDebug(isDebug(inputs.arguments));
-    SetInstallConfiguration(inputs.properties, false);
-    getInstallID(propertyFile, inputs.properties);
+    inputs.traits = traitsOf(inputs.properties, start);
+    getInstallID(inputs.traits.eConfig, propertyFile, inputs.properties);
     return settleBaseLocation(inputs, propertyFile);
 }
 
 void prepareWorkspace(LaunchInputs& inputs) {
-    getWorkspaceLocation(inputs.workspace, inputs.properties, inputs.arguments, inputs.installDir);
-    convertToOsSeparator(inputs.workspace);
-    inputs.configuration = osPath(configurationFor(inputs.workspace, inputs.installDir));
-    ensure(inputs.workspace, "ZYPRA0083E: Unable to create %ls directory.");
+    inputs.workspace = osPath(getWorkspaceLocation(inputs));
+    inputs.configuration = osPath(getConfigurationLocation(inputs));
+    ensure(inputs, inputs.workspace, "ZYPRA0083E: Unable to create %ls directory.");
 }
 
 void reportMissingValue(const Arguments& arguments) {
@@ -104,10 +102,9 @@ void checkArguments(const Arguments& arguments) {
     validateNoJavaLibraryPath(arguments);
 }
 
-void openLog(const std::wstring& workspace) {
-    std::wstring folder;
-    getLogLocation(folder, workspace);
-    ensure(folder, "ZYPRA0084E: Unable to create %ls directory.");
+void openLog(LaunchInputs& inputs) {
+    const std::wstring folder = getLogLocation(inputs.workspace);
+    ensure(inputs, folder, "ZYPRA0084E: Unable to create %ls directory.");
     if (!enableLogging(folder)) {
         endLaunch(255);
     }
@@ -118,7 +115,7 @@ void openLog(const std::wstring& workspace) {
 // the configuration area: under a daemon a platform is running in it.
 void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
     const bool isAsked = isResetConfig(inputs.arguments);
-    if (userFirstLaunch) {
+    if (inputs.userFirstLaunch) {
         if (isAsked) {
             report(noReason(),
                    "Error: startup: -resetconfig is not carried out, because directories of the "
@@ -133,23 +130,25 @@ void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
     if (!isOld && !isAsked) {
         return;
     }
-    if (!isMainProcess()) {
+    if (!inputs.isMainProcess()) {
         report(noReason(),
                "Error: startup: %ls is in use by the running platform and is not renewed.",
                inputs.configuration);
     } else if (isOld) {
         createReusableWorkspace(inputs.workspace, inputs.configuration);
     } else {
-        resetWorkspace(inputs.workspace, inputs.configuration, base);
+        resetWorkspace(inputs, base);
     }
 }
 
 // The folders in which the user's own extensions are installed, and the installation's link file,
 // which always wins.
-void prepareExtensions(const LaunchInputs& inputs) {
+void prepareExtensions(LaunchInputs& inputs) {
     const std::wstring applications = inputs.workspace + L"/applications/eclipse";
-    ensure(osPath(applications + L"/features"), "ZYPRA0094E: Unable to create %ls directory.");
-    ensure(osPath(applications + L"/plugins"), "ZYPRA0095E: Unable to create %ls directory.");
+    ensure(inputs, osPath(applications + L"/features"),
+           "ZYPRA0094E: Unable to create %ls directory.");
+    ensure(inputs, osPath(applications + L"/plugins"),
+           "ZYPRA0095E: Unable to create %ls directory.");
     const std::wstring shared = osPath(inputs.installDir + L"/shared/eclipse/.eclipseextension");
     if (exists(shared)) {
         copyFile(shared, osPath(applications + L"/.eclipseextension"));
@@ -159,7 +158,7 @@ void prepareExtensions(const LaunchInputs& inputs) {
 // For a later restart. `arguments` are the launcher's own, before "-config" is replaced by what it
 // stands for: the restarted launcher replaces it itself.
 void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
-    if (!isMainProcess() || isRestart(arguments)) {
+    if (!inputs.isMainProcess() || isRestart(arguments)) {
         return;
     }
     std::wstring restartExe;
@@ -169,10 +168,10 @@ void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
 }
 
 void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
-    createConfigIni(inputs.configuration, base);
-    const std::wstring userFile =
-        createRCPInstallProps(inputs.configuration, base, inputs.properties);
-    getProperties(userFile, inputs.userProperties);
+    const bool isConfigMade = createConfigIni(inputs, base);
+    const bool isUserFileMade = createRCPInstallProps(inputs, base);
+    inputs.userFirstLaunch = inputs.userFirstLaunch || isConfigMade || isUserFileMade;
+    getProperties(userFileOf(inputs.configuration), inputs.userProperties);
     std::wstring workspace = inputs.workspace;
     convertBS2S(workspace);
     SvcDebugOutW(L"ZYPRA0077I: Velmo workspaceLocation is -  \"%s\"", workspace);
@@ -195,23 +194,38 @@ void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
 }
 
 // A plain Java command line has no word for a daemon.
-void reportSecondPlatform() {
-    if (!isMainProcess() && isDirectJavaShape()) {
+void reportSecondPlatform(const LaunchInputs& inputs) {
+    if (inputs.runningPlatform && inputs.traits.isDirectJavaShape()) {
         report(
             noReason(),
             "Error: startup: process %ls is this workspace's platform; another one starts beside "
             "it.",
-            std::to_wstring(pid));
+            std::to_wstring(*inputs.runningPlatform));
     }
 }
 
 // Until the first configuration is complete the launch runs with it instead of its own arguments.
 void switchToInitialConfiguration(LaunchInputs& inputs) {
-    if (isInitialRequired(inputs.properties, inputs.userProperties)) {
+    if (isInitialRequired(inputs)) {
+        inputs.debugFile = debugFile(inputs.installDir);
         inputs.arguments =
             addConfigExtentionsToArg(initialArguments(inputs.arguments), inputs.properties,
-                                     inputs.vmargMap, inputs.installDir);
+                                     inputs.vmargMap, inputs.debugFile);
     }
+}
+
+// Decides who this launcher is in its workspace. False for a launch that has to begin anew.
+bool takeLock(Launch& launch) {
+    LaunchInputs& inputs = launch.inputs;
+    launch.marker = {.mainProcessName = getMainProcessName(inputs.traits, inputs.properties),
+                     .platformExecutable = executedProgram(inputs),
+                     .invokeDylib = inputs.traits.invokeDylib};
+    launch.lock =
+        PlatformLock::take(inputs.workspace, *launch.marker, oldPlatform(inputs.arguments));
+    if (launch.lock) {
+        inputs.runningPlatform = launch.lock->platform();
+    }
+    return launch.lock.has_value();
 }
 
 }  // namespace
@@ -223,27 +237,23 @@ Installation readInstallation(const Arguments& arguments) {
     return installation;
 }
 
-std::optional<CommandLine> startup(const Arguments& arguments, Installation installation,
-                                   Start start) {
-    LaunchInputs inputs;
-    inputs.start = start;
+std::optional<Plan> startup(Launch& launch, Installation installation, Start start) {
+    const Arguments& arguments = launch.arguments;
+    LaunchInputs& inputs = launch.inputs;
     reportMissingValue(arguments);
-    const std::wstring base = applyInstallation(arguments, std::move(installation), inputs);
+    const std::wstring base = applyInstallation(arguments, std::move(installation), start, inputs);
     prepareWorkspace(inputs);
     checkArguments(inputs.arguments);
 
-    getMainProcessName(mainProcessName, inputs.properties);
-    platformExecutable = executedProgram(inputs);
-    if (locateLockFile(inputs.arguments, inputs.workspace, mainProcessName) ==
-        Launch::kBeginsAnew) {
+    if (!takeLock(launch)) {
         return std::nullopt;
     }
-    openLog(inputs.workspace);
-    waitForDeletionOfDebugFile();
-    validateInstallerState(inputs.arguments);
+    openLog(inputs);
+    waitForDeletionOfDebugFile(inputs.debugFile);
+    validateInstallerState(inputs);
 
-    ensure(inputs.configuration, "ZYPRA0093E: Unable to create %ls directory.");
-    if (isMainProcess()) {
+    ensure(inputs, inputs.configuration, "ZYPRA0093E: Unable to create %ls directory.");
+    if (inputs.isMainProcess()) {
         removeUnfinishedFiles(inputs.workspace, inputs.configuration);
     }
     renewUserArea(inputs, base);
@@ -253,13 +263,16 @@ std::optional<CommandLine> startup(const Arguments& arguments, Installation inst
     const JvmPropertyLocation jvmProperties =
         getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
     loadJvmProperties(inputs, jvmProperties);
-    createPlatformXML(inputs.configuration, base, inputs.properties, jvmProperties.isDefault);
+    const bool isUpdateMade = createPlatformXML(inputs, base, jvmProperties.isDefault);
+    inputs.userFirstLaunch = inputs.userFirstLaunch || isUpdateMade;
     updateBundle(inputs, base);
 
-    if (isMainProcess()) {
-        checkForProvisioning(inputs);
+    if (inputs.isMainProcess()) {
+        if (std::optional<Plan> provisioning = checkForProvisioning(inputs)) {
+            return provisioning;
+        }
     }
-    reportSecondPlatform();
+    reportSecondPlatform(inputs);
     switchToInitialConfiguration(inputs);
     return getUserCmdString(inputs, LaunchKind::kPlatform);
 }

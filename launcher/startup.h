@@ -2,13 +2,25 @@
 #pragma once
 
 #include "launcher/core/arguments.h"
-#include "launcher/core/launch_arguments.h"
+#include "launcher/core/command_line.h"
+#include "launcher/core/launch_inputs.h"
+#include "launcher/core/platform_lock.h"
+#include "launcher/core/process_check.h"
 #include "launcher/core/property_list.h"
 
 #include <optional>
 #include <string>
 
 namespace rcp {
+
+/// One launch, as far as it has come: what it was given, has read and decided, and what it will do.
+struct Launch {
+    Arguments arguments;  // the launcher's own, as process entry extended them
+    LaunchInputs inputs;
+    std::optional<ProcessMarker> marker;  // from then on it deals with the workspace's lock
+    std::optional<PlatformLock> lock;
+    std::optional<Plan> plan;
+};
 
 /// Where the installation lies, and its own properties.
 struct Installation {
@@ -19,11 +31,9 @@ struct Installation {
 /// Failure ends the launch.
 Installation readInstallation(const Arguments& arguments);
 
-/// Prepares the user's area and gives the platform's command line. `arguments`
-/// are the launcher's own as process entry extended them, `installation` is what process entry has
-/// read. Every failure ends the launch. None for a launch that begins anew: it has decided
-/// nothing yet, but made the workspace if it was missing.
-[[nodiscard]] std::optional<CommandLine> startup(const Arguments& arguments,
-                                                 Installation installation, Start start);
+/// Prepares the user's area, takes the lock and makes the plan. `installation` is what process entry has
+/// read. Every failure ends the launch. None for a launch that has to begin anew: it has decided nothing
+/// yet, but made the workspace if it was missing.
+[[nodiscard]] std::optional<Plan> startup(Launch& launch, Installation installation, Start start);
 
 }  // namespace rcp

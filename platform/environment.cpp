@@ -1,19 +1,13 @@
 #include "platform/environment.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
 
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <utility>
-
 namespace rcp {
-namespace {
-
-constinit SleepFunction sleepFunction = &sleep;
-
-}  // namespace
 
 const wchar_t* getEnv(const std::wstring& name, std::wstring& value) {
     const char* found = getenv(toNarrow(name).c_str());
@@ -61,11 +55,7 @@ timeval getTick() {
 }
 
 unsigned sysSleep(unsigned seconds) {
-    return sleepFunction(seconds);
-}
-
-SleepFunction setSleepFunction(SleepFunction function) {
-    return std::exchange(sleepFunction, function);
+    return calls::sleep(seconds);
 }
 
 }  // namespace rcp

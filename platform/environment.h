@@ -27,9 +27,5 @@ timeval getTick();
 
 /// Sleeps for whole seconds and returns what was left, as sleep(3).
 unsigned sysSleep(unsigned seconds);
-using SleepFunction = unsigned (*)(unsigned seconds);
-/// Replaces what sysSleep calls and returns the former function, so that tests of the waiting steps
-/// take no time.
-SleepFunction setSleepFunction(SleepFunction function);
 
 }  // namespace rcp

@@ -99,9 +99,8 @@ void findInScript(const std::string& path, const std::string& shown, Findings& f
 void findInScripts(const Bundle& bundle, const Examination& examination, Findings& findings) {
     findInScript(bundle.pathOf(bundle.launcher), bundle.pathOf(bundle.launcher), findings);
     if (!examination.base.empty()) {
-        std::wstring name;
-        endOf([&] { getEclipseExeName(name, examination.inputs.properties); });
-        const std::wstring program = examination.base + L"/macosx/x86/" + name;
+        const std::wstring program =
+            examination.base + L"/macosx/x86/" + getEclipseExeName(examination.inputs.properties);
         findInScript(toNarrow(program), examination.nameOf(program), findings);
     }
 }

@@ -81,7 +81,7 @@ void findInInstallId(const Bundle& bundle, const Examination& examination, Findi
     const std::wstring path = examination.inputs.installDir + L"/rcp/rcplauncher.properties";
     const PropertyFile* const file = examination.file(kLauncherFile);
     // Any other installation without one ends its launches.
-    const bool isAppended = eConfig == InstallConfiguration::kUserpb;
+    const bool isAppended = examination.inputs.traits.eConfig == InstallConfiguration::kUserpb;
     if (isAppended && file != nullptr && file->entries.find(L"rcp.install.id") == nullptr &&
         bundle.seals(nameIn(bundle, path))) {
         findings.add("RI709", examination.nameOf(path), 0,

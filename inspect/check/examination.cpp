@@ -6,14 +6,13 @@
 #include "inspect/check/memory_file.h"
 #include "inspect/quiet_read.h"
 #include "launcher/core/config_extensions.h"
-#include "launcher/core/install_configuration.h"
+#include "launcher/core/debug_file.h"
 #include "launcher/core/placeholders.h"
 #include "launcher/core/property_file.h"
 #include "launcher/core/user_files.h"
 #include "launcher/core/vm_argument_map.h"
 #include "launcher/core/vm_choice.h"
 #include "launcher/core/workspace.h"
-#include "launcher/hand_off.h"
 #include "launcher/rcp_launcher_main.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -101,13 +100,10 @@ void settleBase(Examination& examination) {
 }
 
 void settleWorkspace(LaunchInputs& inputs) {
-    if (endOf([&] {
-            getWorkspaceLocation(inputs.workspace, inputs.properties, inputs.arguments,
-                                 inputs.installDir);
-        })) {
+    if (endOf([&] { inputs.workspace = getWorkspaceLocation(inputs); })) {
         inputs.workspace = L"/workspace";  // some path, for the placeholders that name it
     }
-    inputs.configuration = configurationFor(inputs.workspace, inputs.installDir);
+    inputs.configuration = getConfigurationLocation(inputs);
 }
 
 void readJvmProperties(Examination& examination) {
@@ -210,19 +206,20 @@ Examination examine(const Options& options) {
         return examination;
     }
     endOf([&] { getProperties(path, inputs.properties); });
-    initInvokeDylib(inputs.properties);
     appendVm(inputs.arguments, inputs.properties);
     examination.arguments = inputs.arguments;
+    inputs.debugFile = debugFile(inputs.installDir);
     endOf([&] {
         inputs.arguments = addConfigExtentionsToArg(inputs.arguments, inputs.properties,
-                                                    inputs.vmargMap, inputs.installDir);
+                                                    inputs.vmargMap, inputs.debugFile);
     });
     insertPropToVmargMap(inputs.vmargMap, inputs.properties);
-    SetInstallConfiguration(inputs.properties, false);
+    inputs.traits = traitsOf(inputs.properties, Start::kOrdinary);
     settleBase(examination);
     settleWorkspace(inputs);
     if (!examination.base.empty()) {
-        const std::wstring master = getCoreFileLocation(examination.base, L"rcpinstall.properties");
+        const std::wstring master =
+            getCoreFileLocation(inputs.traits.eConfig, examination.base, L"rcpinstall.properties");
         if (exists(master) && addFile(examination, kUserFile, master)) {
             readUserFile(examination, master);
         }

@@ -46,7 +46,7 @@ void findGap(const Examination& examination, const std::wstring& name, Findings&
 
 void findInInitial(const Examination& examination, Findings& findings) {
     const LaunchInputs& inputs = examination.inputs;
-    const auto record = endOf([&] { isInitialRequired(inputs.properties, inputs.userProperties); });
+    const auto record = endOf([&] { isInitialRequired(inputs); });
     if (!record) {
         return;
     }
@@ -83,7 +83,7 @@ void findInExtension(const Examination& examination, const std::wstring& name, F
     Arguments extended;
     const Arguments own{examination.arguments.front(), Argument(L"-config"), Argument(name)};
     const auto record = endOf([&] {
-        extended = addConfigExtentionsToArg(own, properties, map, examination.inputs.installDir);
+        extended = addConfigExtentionsToArg(own, properties, map, examination.inputs.debugFile);
     });
     if (record) {
         const Origin origin = examination.originOf(numberedKey(name, 1));

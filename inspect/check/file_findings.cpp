@@ -7,7 +7,6 @@
 #include "launcher/core/config_extensions.h"
 #include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/placeholders.h"
 #include "launcher/core/process_check.h"
 #include "launcher/core/reset.h"
@@ -50,8 +49,7 @@ void findInBase(const Examination& examination, Findings& findings) {
     CommandLine line;
     const auto record = endOf([&] { addBaseEclipseToCommandLine(line, properties); });
     if (record) {
-        std::wstring name;
-        getEclipseExeName(name, properties);
+        const std::wstring name = getEclipseExeName(properties);
         const bool isProgram = record->starts_with("ZYPRA0007E");
         const bool isThere = isProgram && exists(examination.base + L"/macosx/x86/" + name);
         findings.add(isThere ? "RI602" : "RI601", examination.nameOf(origin), origin.line, *record);
@@ -68,18 +66,20 @@ void findInBase(const Examination& examination, Findings& findings) {
     }
     // The process of a script runs the interpreter, so only its listing can tell what it is.
     const std::string path = toNarrow(line.arguments().front());
-    std::wstring name;
-    getMainProcessName(name, properties);
-    if (!invokeDylib && readQuietly(path, 2) == "#!" &&
-        !listingShowsPlatform(path, toNarrow(name), true)) {
+    const Traits& traits = examination.inputs.traits;
+    const ProcessMarker marker{.mainProcessName = getMainProcessName(traits, properties),
+                               .platformExecutable = line.arguments().front(),
+                               .invokeDylib = traits.invokeDylib};
+    if (!traits.invokeDylib && readQuietly(path, 2) == "#!" &&
+        !listingShowsPlatform(path, marker)) {
         findings.add("RI603", examination.nameOf(origin), origin.line,
                      quoted(line.arguments().front()) + " is not recognised");
     }
 }
 
 void findInClassPath(const Examination& examination, Findings& findings) {
-    const Arguments elements = elementsOf(
-        [&](CommandLine& line) { addClasspathToCommandLine(line, examination.inputs.properties); });
+    const Arguments elements =
+        elementsOf([&](CommandLine& line) { addClasspathToCommandLine(line, examination.inputs); });
     if (elements.empty()) {
         return;
     }
@@ -97,7 +97,7 @@ void findJvm(const Examination& examination, Findings& findings) {
     const StandardLocations locations{examination.inputs.workspace, examination.inputs.installDir};
     replacePlaceholdersInArgv(locations, arguments);
     const Origin origin = examination.originOf(L"jvm.location");
-    if (isDirectJavaShape()) {
+    if (examination.inputs.traits.isDirectJavaShape()) {
         needProgram(examination, arguments.back(), origin, findings);
     } else {
         needFile(examination, arguments.back(), origin, findings);
@@ -107,13 +107,16 @@ void findJvm(const Examination& examination, Findings& findings) {
 void findMasters(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
     const Origin origin = examination.originOf(L"rcp.base.location");
+    const InstallConfiguration configuration = examination.inputs.traits.eConfig;
     for (const wchar_t* name : {L"config.ini", L"rcpinstall.properties"}) {
-        needFile(examination, getCoreFileLocation(examination.base, name), origin, findings);
+        needFile(examination, getCoreFileLocation(configuration, examination.base, name), origin,
+                 findings);
     }
     const std::wstring* managed = findProperty(L"update.policy.managed", properties);
     const bool isManaged = managed == nullptr || *managed != L"false";
-    const std::wstring platform = getCoreFileLocation(examination.base, L"platform.xml");
-    if (isManaged && eConfig != InstallConfiguration::kUserpb && !exists(platform)) {
+    const std::wstring platform =
+        getCoreFileLocation(configuration, examination.base, L"platform.xml");
+    if (isManaged && configuration != InstallConfiguration::kUserpb && !exists(platform)) {
         findings.add("RI606", examination.nameOf(origin), origin.line,
                      quoted(platform) + " is missing");
     }
@@ -142,9 +145,8 @@ void findLauncher(const Examination& examination, Findings& findings) {
     if (!isExecutable(examination.launcher)) {
         findings.add("RI602", file, 0, "the launcher is not executable");
     }
-    const std::wstring marker = examination.inputs.installDir + L"/rcp/rcplauncher.debug";
-    if (debugFileExists(marker)) {
-        findings.add("RI605", examination.nameOf(marker), 0, "every launch waits for its removal");
+    if (const auto& marker = examination.inputs.debugFile) {
+        findings.add("RI605", examination.nameOf(*marker), 0, "every launch waits for its removal");
     }
 }
 
@@ -164,7 +166,7 @@ void findInFiles(const Examination& examination, Findings& findings) {
         return;
     }
     findMasters(examination, findings);
-    if (isDirectJavaShape()) {
+    if (examination.inputs.traits.isDirectJavaShape()) {
         findInClassPath(examination, findings);
     } else {
         findInBase(examination, findings);

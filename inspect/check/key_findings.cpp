@@ -28,9 +28,9 @@ void findMissing(const Examination& examination, Findings& findings) {
     const LaunchInputs& inputs = examination.inputs;
     for (const PropertyKey& key : propertyKeys()) {
         // The configuration that makes an id by itself, and an option that stands for a key.
-        const bool isExcused =
-            (key.key == L"rcp.install.id" && eConfig == InstallConfiguration::kUserpb) ||
-            hasOption(L"-" + std::wstring(key.key), inputs.arguments);
+        const bool isExcused = (key.key == L"rcp.install.id" &&
+                                inputs.traits.eConfig == InstallConfiguration::kUserpb) ||
+                               hasOption(L"-" + std::wstring(key.key), inputs.arguments);
         if (key.isRequired && !isExcused) {
             requireKey(examination, key.key, findings);
         }

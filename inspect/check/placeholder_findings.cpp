@@ -100,11 +100,9 @@ void findInWorkspace(const Examination& examination, Findings& findings) {
     std::wstring text = entry->value;
     replaceEvery(text, kRcpHomePlaceholder, inputs.installDir);
     findIn(text, inputs.properties, place, findings);
-    std::wstring workspace;
-    const auto record = endOf([&] {
-        getWorkspaceLocation(workspace, inputs.properties, {inputs.arguments.front()},
-                             inputs.installDir);
-    });
+    LaunchInputs withoutOptions = inputs;
+    withoutOptions.arguments.resize(1);
+    const auto record = endOf([&] { (void)getWorkspaceLocation(withoutOptions); });
     if (record && record->starts_with("ZYPRA0099E") && entry->value.empty()) {
         findings.add("RI301", place.file, place.line, *record);
     }

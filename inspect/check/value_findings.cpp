@@ -125,7 +125,7 @@ void findIgnoredValues(const PropertyFile& file, const Property& entry, Findings
 
 void findConfiguration(const Examination& examination, Findings& findings) {
     const Property* entry = examination.inputs.properties.find(L"install.configuration");
-    if (entry != nullptr && installConfigurationName().empty()) {
+    if (entry != nullptr && installConfigurationName(examination.inputs.traits.eConfig).empty()) {
         findings.add("RI311", examination.nameOf(entry->origin), entry->origin.line,
                      quoted(entry->value) + " is no configuration");
     }

@@ -1,12 +1,11 @@
-// The account of a rehearsed launch, given at its end from what the launcher's process-wide results
-// hold and what was witnessed.
+// The account of a rehearsed launch, given at its end from the launch itself and what was witnessed.
 #pragma once
 
 #include "inspect/explain/sources.h"
 #include "inspect/explain/witness.h"
 #include "inspect/options.h"
 #include "inspect/rehearsal/rehearsal.h"
-#include "launcher/core/launch_arguments.h"
+#include "launcher/startup.h"
 
 #include <map>
 #include <nlohmann/json.hpp>
@@ -23,7 +22,8 @@ struct Account {
     const Options& options;
     const Witness& witness;
     const Sources& sources;
-    const CommandLine& line;  // empty where the launch ended before the hand-off
+    const Launch& launch;
+    const CommandLine& line;  // the plan's; empty where the launch ended before it had one
     const Variables& before;  // the environment at the beginning
     int status;               // of the launch's end
     bool hasWaitedForMarker;  // until it was removed
@@ -38,12 +38,10 @@ nlohmann::json describeChanges(const Rehearsal& rehearsal);
 /// The lines of the launch's log.
 nlohmann::json describeRecords(const Rehearsal& rehearsal);
 /// How the launch ended as far as it knows itself: kind, role and program.
-nlohmann::json describeOutcome(const CommandLine& line, const nlohmann::json& records);
+nlohmann::json describeOutcome(const Launch& launch);
 
-/// What only the launcher's functions know, asked of them as long as they see what the launch has
-/// left: "isInitial", whether the initial configuration stands in for the arguments, and
-/// "provisioning", null when the launch did not come to the user's files. The asking goes over the
-/// launcher's process-wide results.
+/// What the launcher's functions say of the launch: "isInitial", whether the initial configuration stands
+/// in for the arguments, and "provisioning", null when the launch did not come to the user's files.
 nlohmann::json askLauncher(const Account& account);
 /// The facts of the layout; `told` holds outcome, changes and records. Asked of the real tree, as
 /// the launch found it.

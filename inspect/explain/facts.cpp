@@ -5,16 +5,11 @@
 #include "inspect/status/lock_file.h"
 #include "inspect/status/lock_holders.h"
 #include "launcher/core/initial_configuration.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/install_id.h"
-#include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_inputs.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
-#include "launcher/core/process_check.h"
 #include "launcher/core/property_file.h"
 #include "launcher/core/provisioning.h"
 #include "launcher/core/running_provisioning.h"
+#include "launcher/core/user_files.h"
 #include "launcher/core/workspace.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -29,16 +24,6 @@ using nlohmann::json;
 
 constexpr wchar_t kIdKey[] = L"rcp.install.id";
 constexpr wchar_t kLevelKey[] = L"provisioning.manifest.version";
-constexpr wchar_t kUserFileName[] = L"/rcpinstall.properties";
-
-std::wstring workspacePath() {
-    const std::wstring& lock = getLockFilePath();
-    return lock.substr(0, lock.rfind(L'/'));
-}
-
-std::wstring configurationPath(const Options& options) {
-    return osPath(configurationFor(workspacePath(), toWide(options.installation)));
-}
 
 bool hasRecord(const json& records, const std::string& beginning) {
     return std::any_of(records.begin(), records.end(), [&](const json& record) {
@@ -47,58 +32,28 @@ bool hasRecord(const json& records, const std::string& beginning) {
 }
 
 // "execv", "in-process", "provisioning", or "ends" for a launch that did not come that far.
-std::string kindOfEnd(const CommandLine& line, const json& records) {
-    if (hasRecord(records, "ZYPRA0129I")) {
-        return "provisioning";
-    }
-    if (!hasRecord(records, "ZYPRA0132I")) {
+std::string kindOfEnd(const Launch& launch) {
+    if (!launch.plan) {
         return "ends";
     }
-    return invokeDylib && !line.library().empty() ? "in-process" : "execv";
+    if (launch.plan->kind != LaunchKind::kPlatform) {
+        return "provisioning";
+    }
+    const bool hasLibrary = !launch.plan->line.library().empty();
+    return launch.inputs.traits.invokeDylib && hasLibrary ? "in-process" : "execv";
 }
 
-const char* role() {
-    if (isMainProcess()) {
-        return "main";
+const char* role(const Launch& launch) {
+    if (!launch.lock) {
+        return "undecided";
     }
-    return pid != 0 ? "daemon" : "undecided";
-}
-
-// --- As the launch has left it -----------------------------------------------------------------------
-
-// The entries of the files that were read into the launcher's list; the others are per-user install
-// files, whose own list has the user's.
-LaunchInputs inputsOf(const Account& account) {
-    LaunchInputs inputs;
-    inputs.arguments = launcherArguments(account.options);
-    inputs.workspace = workspacePath();
-    inputs.configuration = configurationPath(account.options);
-    inputs.installDir = toWide(account.options.installation);
-    for (const Sources::File& file : account.sources.files()) {
-        const bool isUsers = file.path == inputs.configuration + kUserFileName;
-        if (!isUsers && file.path.ends_with(kUserFileName)) {
-            continue;  // a master copy, read for its own sake
-        }
-        for (const Property& entry : file.entries) {
-            (isUsers ? inputs.userProperties : inputs.properties).append(entry);
-        }
-    }
-    return inputs;
+    return launch.lock->platform() ? "daemon" : "main";
 }
 
 bool wasUserFileRead(const Account& account) {
     const auto& files = account.witness.files();
-    const std::wstring path = configurationPath(account.options) + kUserFileName;
+    const std::wstring path = userFileOf(account.launch.inputs.configuration);
     return std::find(files.begin(), files.end(), path) != files.end();
-}
-
-// Whether this installation has provisioning: whether a first launch would not come back from
-// looking for it.
-bool hasProvisioning(LaunchInputs inputs) {
-    const bool former = std::exchange(userFirstLaunch, true);
-    const bool isEnded = endOf([&] { checkForProvisioning(inputs); }).has_value();
-    userFirstLaunch = former;
-    return isEnded;
 }
 
 // --- As the launch found it --------------------------------------------------------------------------
@@ -124,7 +79,7 @@ bool isIdMade(const Account& account) {
 
 json describeInstallId(const Account& account) {
     json ids{{"installation", nullptr}, {"isOld", false}};
-    const std::wstring configuration = configurationPath(account.options);
+    const std::wstring& configuration = account.launch.inputs.configuration;
     const auto entries = account.sources.entriesOf(kIdKey);
     if (!entries.empty() && !isIdMade(account)) {
         ids["installation"] = jsonText(entries.front()->value);
@@ -132,14 +87,14 @@ json describeInstallId(const Account& account) {
     if (!entries.empty()) {
         endOf([&] { ids["isOld"] = isOldRcpInstallId(entries.front()->value, configuration); });
     }
-    ids["area"] = storedValue(configuration + kUserFileName, kIdKey);
+    ids["area"] = storedValue(userFileOf(configuration), kIdKey);
     return ids;
 }
 
 json describeProvisioning(const Account& account, json provisioning) {
     if (!provisioning.is_null()) {
         provisioning["userLevel"] =
-            storedValue(configurationPath(account.options) + kUserFileName, kLevelKey);
+            storedValue(userFileOf(account.launch.inputs.configuration), kLevelKey);
     }
     return provisioning;
 }
@@ -160,14 +115,15 @@ bool isProvisioned(const json& facts) {
 }
 
 // What becomes of the user's area.
-std::string areaState(const json& facts, const json& told) {
+std::string areaState(const Account& account, const json& facts, const json& told) {
     const std::string configuration = facts["configuration"];
     for (const json& change : told["changes"]) {
         if (change["change"] == "moved" && change["path"] == configuration) {
             return facts["installId"]["isOld"] == true ? "reused" : "reset";
         }
     }
-    if (userFirstLaunch && (!isProvisioned(facts) || isAreaMade(told["changes"], configuration))) {
+    if (account.launch.inputs.userFirstLaunch &&
+        (!isProvisioned(facts) || isAreaMade(told["changes"], configuration))) {
         return "new";
     }
     const bool isInUse =
@@ -175,24 +131,24 @@ std::string areaState(const json& facts, const json& told) {
     return isInUse ? "in use" : "kept";
 }
 
-json describeRecordedProcess() {
-    const LockFile lock = lookAtLockFile(toNarrow(getLockFilePath()));
+json describeRecordedProcess(const Launch& launch) {
+    const LockFile lock = lookAtLockFile(toNarrow(getLockFilePath(launch.inputs.workspace)));
     if (lock.content != LockFile::Content::kProcess) {
         return {};
     }
-    return {{"id", lock.process}, {"isPlatform", isPlatformProcess(lock.process, mainProcessName)}};
+    return {{"id", lock.process}, {"isPlatform", isPlatformProcess(lock.process, *launch.marker)}};
 }
 
-json lockHolder() {
-    const LockHolders lock = lockHolders(toNarrow(getLockFilePath()));
+json lockHolder(const Launch& launch) {
+    const LockHolders lock = lockHolders(toNarrow(getLockFilePath(launch.inputs.workspace)));
     if (!lock.isHeld) {
         return {};
     }
     return lock.holders.empty() ? 0 : lock.holders.front().id;
 }
 
-json provisioningProcess() {
-    const long process = runningProvisioning(getProvisioningFilePath());
+json provisioningProcess(const Launch& launch) {
+    const long process = runningProvisioning(provisioningFileOf(launch.inputs.workspace));
     return process == 0 ? json() : json(process);
 }
 
@@ -267,18 +223,17 @@ json describeSteps(const Account& account, const json& decisions, const json& to
 
 void describeWorkspace(const Account& account, const json& decisions, const json& told,
                        json& facts) {
-    std::wstring logs;
-    getLogLocation(logs, workspacePath());
-    facts["workspace"] = toNarrow(workspacePath());
-    facts["configuration"] = toNarrow(configurationPath(account.options));
-    facts["logs"] = toNarrow(logs);
-    facts["lockFile"] = toNarrow(getLockFilePath());
-    facts["lockHolder"] = lockHolder();
-    facts["recordedProcess"] = describeRecordedProcess();
-    facts["provisioningProcess"] = provisioningProcess();
+    const LaunchInputs& inputs = account.launch.inputs;
+    facts["workspace"] = toNarrow(inputs.workspace);
+    facts["configuration"] = toNarrow(inputs.configuration);
+    facts["logs"] = toNarrow(getLogLocation(inputs.workspace));
+    facts["lockFile"] = toNarrow(getLockFilePath(inputs.workspace));
+    facts["lockHolder"] = lockHolder(account.launch);
+    facts["recordedProcess"] = describeRecordedProcess(account.launch);
+    facts["provisioningProcess"] = provisioningProcess(account.launch);
     facts["installId"] = describeInstallId(account);
     facts["provisioning"] = describeProvisioning(account, decisions["provisioning"]);
-    facts["area"] = areaState(facts, told);
+    facts["area"] = areaState(account, facts, told);
 }
 
 }  // namespace
@@ -287,10 +242,11 @@ std::string debugMarker(const Options& options) {
     return options.installation + "/rcp/rcplauncher.debug";
 }
 
-json describeOutcome(const CommandLine& line, const json& records) {
-    const std::string kind = kindOfEnd(line, records);
-    json outcome{{"kind", kind}, {"role", role()}};
-    if (!line.arguments().empty()) {
+json describeOutcome(const Launch& launch) {
+    const std::string kind = kindOfEnd(launch);
+    json outcome{{"kind", kind}, {"role", role(launch)}};
+    if (launch.plan) {
+        const CommandLine& line = launch.plan->line;
         outcome["program"] =
             jsonText(kind == "in-process" ? line.library() : line.arguments().front());
     }
@@ -298,24 +254,24 @@ json describeOutcome(const CommandLine& line, const json& records) {
 }
 
 json askLauncher(const Account& account) {
-    if (getLockFilePath().empty() || !wasUserFileRead(account)) {
+    if (!account.launch.marker || !wasUserFileRead(account)) {
         return {{"isInitial", false}, {"provisioning", nullptr}};
     }
-    const LaunchInputs inputs = inputsOf(account);
-    const std::wstring* level = findProperty(kLevelKey, inputs.properties);
-    const std::wstring* userLevel = findProperty(kLevelKey, inputs.userProperties);
+    const LaunchInputs& inputs = account.launch.inputs;
     bool isInitial = false;
-    endOf([&] { isInitial = isInitialRequired(inputs.properties, inputs.userProperties); });
-    const json provisioning{{"isEnabled", hasProvisioning(inputs)},
-                            {"installationLevel", textOrNull(level)},
-                            {"isNew", isNewProvisioningLevel(userLevel, level)}};
+    endOf([&] { isInitial = isInitialRequired(inputs); });
+    const json provisioning{
+        {"isEnabled", isProvisioningEnabled(inputs)},
+        {"installationLevel", textOrNull(findProperty(kLevelKey, inputs.properties))},
+        {"isNew", isAtNewProvisioningLevel(inputs)}};
     return {{"isInitial", isInitial}, {"provisioning", provisioning}};
 }
 
 json describeFacts(const Account& account, const json& decisions, const json& told) {
-    json facts{{"firstLaunch", userFirstLaunch}};
-    facts["installConfiguration"] = jsonText(installConfigurationName());
-    if (!getLockFilePath().empty()) {
+    const LaunchInputs& inputs = account.launch.inputs;
+    json facts{{"firstLaunch", inputs.userFirstLaunch}};
+    facts["installConfiguration"] = jsonText(installConfigurationName(inputs.traits.eConfig));
+    if (account.launch.marker) {
         describeWorkspace(account, decisions, told, facts);
     }
     facts["waits"] = describeWaits(account, facts);

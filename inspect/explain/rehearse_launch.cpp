@@ -1,12 +1,13 @@
 #include "inspect/explain/rehearse_launch.h"
 
 #include "base/pipe.h"
+#include "base/system_calls.h"
 #include "base/transfer.h"
 #include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
 #include "inspect/messages.h"
-#include "launcher/core/platform_lock.h"
+#include "launcher/core/running_provisioning.h"
 #include "launcher/rcp_launcher_main.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -38,6 +39,7 @@ using nlohmann::json;
 struct Stage {
     Options options;
     std::unique_ptr<Rehearsal> rehearsal;
+    Launch launch;
     Witness witness;
     Variables before = environmentNow();
     bool hasWaitedForMarker = false;
@@ -55,7 +57,7 @@ unsigned noteWait(unsigned /*seconds*/) {
         stage->hasWaitedForMarker = true;
         stage->rehearsal->hide(marker);
     } else if (logQueue().find("ZYPRA0307I") != std::string::npos) {
-        stage->rehearsal->hide(toNarrow(getProvisioningFilePath()));
+        stage->rehearsal->hide(toNarrow(provisioningFileOf(stage->launch.inputs.workspace)));
     }
     return 0;
 }
@@ -75,15 +77,22 @@ std::string lastErrorOf(const json& records) {
 json tellAll(int status) {
     observer = nullptr;
     const Sources sources(stage->witness);
-    const Account account{stage->options,           stage->witness, sources,
-                          stage->witness.line(),    stage->before,  status,
-                          stage->hasWaitedForMarker};
+    const Launch& launch = stage->launch;
+    const CommandLine line = launch.plan ? launch.plan->line : CommandLine();
+    const Account account{.options = stage->options,
+                          .witness = stage->witness,
+                          .sources = sources,
+                          .launch = launch,
+                          .line = line,
+                          .before = stage->before,
+                          .status = status,
+                          .hasWaitedForMarker = stage->hasWaitedForMarker};
     const json records = describeRecords(*stage->rehearsal);
-    json outcome = describeOutcome(stage->witness.line(), records);
+    json outcome = describeOutcome(launch);
     const std::string& last = stage->lastError;
     outcome["record"] = last.empty() ? lastErrorOf(records) : last;
     if (outcome["kind"] == "provisioning") {
-        populateLockFile(getpid());  // the part of the parent, which the rehearsal does not play
+        launch.lock->record(getpid());  // the part of the parent, which the rehearsal does not play
     }
     json told{{"outcome", outcome},
               {"elements", describeElements(account)},
@@ -111,7 +120,7 @@ void tell(int status) {
 // The launch up to its end, wherever that is; its exit status.
 int launchOnStage(int argc, char** argv) {
     try {
-        launch(argc, argv);
+        run(stage->launch, argc, argv);
         return 0;
     } catch (const LaunchEnded& end) {
         // That no log can be written either is not what the launch ends with.
@@ -127,7 +136,7 @@ int launchOnStage(int argc, char** argv) {
     stage->output = output;
     stage->rehearsal = std::make_unique<Rehearsal>(folder);
     setLauncherExecutable(options.launcher);
-    setSleepFunction(noteWait);
+    systemCalls.sleep = noteWait;
     observer = &stage->witness;
     std::vector<std::string> words{options.launcher};
     words.insert(words.end(), options.arguments.begin(), options.arguments.end());

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "diagnostics/observer.h"
-#include "launcher/core/launch_arguments.h"
 #include "launcher/core/property_list.h"
 
 #include <set>
@@ -21,14 +20,11 @@ struct Replacement {
 
 class Witness : public Observer {
   public:
-    void handedOff(const CommandLine& line) override { line_ = line; }
     void propertyFileRead(const std::wstring& path) override;
     void propertyFound(const Property& entry) override;
     void placeholderReplaced(const std::wstring& before, std::wstring_view placeholder,
                              const std::wstring& value, const std::wstring& after) override;
 
-    /// What was handed off; empty when it did not come to that.
-    [[nodiscard]] const CommandLine& line() const { return line_; }
     /// The property files in the order in which they were first read.
     [[nodiscard]] const std::vector<std::wstring>& files() const { return files_; }
     /// Whether a look-up found the entry of this place.
@@ -37,7 +33,6 @@ class Witness : public Observer {
     [[nodiscard]] std::vector<Replacement> replacementsFrom(const std::wstring& text) const;
 
   private:
-    CommandLine line_;
     std::vector<std::wstring> files_;
     std::set<std::pair<std::wstring, std::size_t>> found_;
     std::vector<Replacement> replacements_;

@@ -1,8 +1,6 @@
 #include "launcher/core/argument_checks.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
 
 #include <wchar.h>
 
@@ -74,10 +72,10 @@ void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmarg
     validateNoJavaLibraryPath(chosen);
 }
 
-void validateInstallerState(const Arguments& arguments) {
-    if (hasOption(L"-provManifest", arguments) && !isMainProcess()) {
+void validateInstallerState(const LaunchInputs& inputs) {
+    if (hasOption(L"-provManifest", inputs.arguments) && inputs.runningPlatform) {
         fatal(noReason(), "ZYPRA0122E: Attempting to install while process %ls is running.",
-              std::to_wstring(pid));
+              std::to_wstring(*inputs.runningPlatform));
     }
 }
 

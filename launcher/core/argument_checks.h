@@ -2,7 +2,7 @@
 // record. All see the launcher's arguments as the start-up sequence extended them.
 #pragma once
 
-#include "launcher/core/vm_argument_map.h"
+#include "launcher/core/launch_inputs.h"
 
 namespace rcp {
 
@@ -17,6 +17,6 @@ void validateNoJavaLibraryPath(const Arguments& arguments);
 /// brought in what no argument may hold.
 void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmargMap);
 /// "-provManifest" only in the main launcher: nothing is installed under a running platform.
-void validateInstallerState(const Arguments& arguments);
+void validateInstallerState(const LaunchInputs& inputs);
 
 }  // namespace rcp

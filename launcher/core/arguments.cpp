@@ -82,16 +82,8 @@ bool isDebug(const Arguments& arguments) {
     return !isRestart(arguments) && hasOption(L"-debug", arguments);
 }
 
-bool isInitMUService(const Arguments& arguments) {
-    return hasOption(L"-initMUService", arguments);
-}
-
-bool isDCommandOnly(const Arguments& arguments) {
-    return hasOption(L"-dcommand_only", arguments);
-}
-
-bool isPipeDaemonCommand() {
-    return false;
+bool isWaitMode(const Arguments& arguments) {
+    return hasOption(L"-rcpLauncherWait", arguments);
 }
 
 }  // namespace rcp

@@ -25,9 +25,6 @@ bool isRestart(const Arguments& arguments);      // "-restart"
 bool isResetConfig(const Arguments& arguments);  // "-resetconfig"
 /// "-debug", but never on a restart: a restarted launcher does not trace.
 bool isDebug(const Arguments& arguments);
-bool isInitMUService(const Arguments& arguments);  // "-initMUService"
-bool isDCommandOnly(const Arguments& arguments);   // "-dcommand_only"
-/// No launch is one.
-bool isPipeDaemonCommand();
+bool isWaitMode(const Arguments& arguments);  // "-rcpLauncherWait"
 
 }  // namespace rcp

@@ -3,7 +3,6 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/argument_checks.h"
 #include "launcher/core/environment_settings.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/main_options.h"
 #include "launcher/core/placeholders.h"
@@ -13,6 +12,8 @@
 #include "platform/files.h"
 
 #include <errno.h>
+
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -42,7 +43,7 @@ void addJvmSection(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrD
     addVmargsToCommandLine(line, inputs, vmIsEeOrDll);
     addDashDToCommandLine(line, inputs);
     addXargsToCommandLine(line, inputs.properties);
-    addClasspathToCommandLine(line, inputs.properties);
+    addClasspathToCommandLine(line, inputs);
 }
 
 void assembleProvisioning(CommandLine& line, const LaunchInputs& inputs, bool startedByUser) {
@@ -60,7 +61,7 @@ void assembleForLauncherLibrary(CommandLine& line, const LaunchInputs& inputs) {
     addBaseEclipseToCommandLine(line, inputs.properties);
     addMainOptionsToCommandLine(line, inputs);
     const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
-    addUseDaemonToCommandLine(line);
+    addUseDaemonToCommandLine(line, inputs);
     addStartupToCommandLine(line, inputs.properties, inputs.arguments);
     addLibpathToCommandLine(inputs.properties);
     addJvmSection(line, inputs, vmIsEeOrDll);
@@ -78,22 +79,22 @@ void assembleForJava(CommandLine& line, const LaunchInputs& inputs) {
 
 }  // namespace
 
-CommandLine getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
+Plan getUserCmdString(LaunchInputs& inputs, LaunchKind kind) {
     const StandardLocations locations{inputs.workspace, inputs.installDir};
     replacePlaceholdersInRcpInstallProp(locations, inputs.userProperties);
     replacePlaceholdersInArgv(locations, inputs.arguments);
     replacePlaceholdersInVmargMap(locations, inputs.properties, inputs.vmargMap);
     validateJvmArguments(inputs.arguments, inputs.vmargMap);
     emptySharedClassesOnNewLevel(inputs);
-    CommandLine line(inputs.start);
+    CommandLine line(inputs.traits.start);
     if (kind != LaunchKind::kPlatform) {
         assembleProvisioning(line, inputs, kind == LaunchKind::kUserProvisioning);
-    } else if (isDirectJavaShape()) {
+    } else if (inputs.traits.isDirectJavaShape()) {
         assembleForJava(line, inputs);
     } else {
         assembleForLauncherLibrary(line, inputs);
     }
-    return line;
+    return {kind, std::move(line)};
 }
 
 void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
@@ -113,13 +114,12 @@ void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properti
 }
 
 Argument platformProgram(const PropertyList& properties) {
-    std::wstring name;
-    getEclipseExeName(name, properties);
-    return inBaseLocation(kPlatformFolder + name, properties);
+    return inBaseLocation(kPlatformFolder + getEclipseExeName(properties), properties);
 }
 
 Argument executedProgram(const LaunchInputs& inputs) {
-    return isDirectJavaShape() ? vmProgram(inputs) : platformProgram(inputs.properties);
+    return inputs.traits.isDirectJavaShape() ? vmProgram(inputs)
+                                             : platformProgram(inputs.properties);
 }
 
 void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
@@ -133,21 +133,14 @@ void addMainClassToCommandLine(CommandLine& line) {
     line.add(L"org.eclipse.core.launcher.Main");
 }
 
-void addClasspathToCommandLine(CommandLine& line, const PropertyList& properties) {
-    if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
+void addClasspathToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+    if (inputs.traits.eConfig == InstallConfiguration::kMultiuserServiceInit) {
         line.add(L"-cp");
-        line.add(inBaseLocation(L"/startup.jar", properties));
-    } else if (const Property* classPath = properties.find(L"cp")) {
+        line.add(inBaseLocation(L"/startup.jar", inputs.properties));
+    } else if (const Property* classPath = inputs.properties.find(L"cp")) {
         line.add(L"-cp");
         line.add(argumentFrom(*classPath));
     }
 }
-
-void getEclipseExeName(std::wstring& name, const PropertyList& properties) {
-    const std::wstring* property = findProperty(L"eclipse.name", properties);
-    name = property == nullptr ? L"eclipse" : *property;
-}
-
-void getCmdString(const Arguments& /*arguments*/) {}
 
 }  // namespace rcp

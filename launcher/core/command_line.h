@@ -14,9 +14,15 @@ enum class LaunchKind {
     kInstallerProvisioning,  // asked for by an installer
 };
 
-/// The command line of a launch; sets the environment of the JVM. Replaces the placeholders in the
+/// What a launch is going to do.
+struct Plan {
+    LaunchKind kind = LaunchKind::kPlatform;
+    CommandLine line;
+};
+
+/// The plan of a launch of this kind; sets the environment of the JVM. Replaces the placeholders in the
 /// per-user list and in the VM argument map. Every failure ends the launch.
-CommandLine getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
+Plan getUserCmdString(LaunchInputs& inputs, LaunchKind kind);
 
 /// The launcher executable, first element, and the launcher library's path. Ends the launch when
 /// the base location is unknown or either file is missing.
@@ -32,12 +38,6 @@ void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
 /// The main class of the direct Java shape.
 void addMainClassToCommandLine(CommandLine& line);
 /// "-cp" and the class path, if there is one.
-void addClasspathToCommandLine(CommandLine& line, const PropertyList& properties);
-
-/// The value of "eclipse.name", or "eclipse".
-void getEclipseExeName(std::wstring& name, const PropertyList& properties);
-
-/// Does nothing; the interface keeps it.
-void getCmdString(const Arguments& arguments);
+void addClasspathToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 }  // namespace rcp

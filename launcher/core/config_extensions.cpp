@@ -1,7 +1,6 @@
 #include "launcher/core/config_extensions.h"
 
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/vm_arguments.h"
 #include "platform/text.h"
 
@@ -32,12 +31,8 @@ void removeRepeatedSingles(Arguments& arguments) {
     }
 }
 
-// While the marker file exists every launch is a debugging one. True when it does.
-bool addDebugOptions(Arguments& arguments, const std::wstring& installDir) {
-    const std::wstring marker = osPath(installDir + L"/rcp/rcplauncher.debug");
-    if (!debugFileExists(marker)) {
-        return false;
-    }
+// In front of "-vmargs".
+void addDebugOptions(Arguments& arguments, const std::wstring& marker) {
     const Origin origin{std::make_shared<const std::wstring>(marker)};
     Arguments options;
     for (const std::wstring& option :
@@ -46,7 +41,6 @@ bool addDebugOptions(Arguments& arguments, const std::wstring& installDir) {
         options.emplace_back(option, origin);
     }
     arguments.insert(findSeparator(arguments), options.begin(), options.end());
-    return true;
 }
 
 // The values of the numbered properties up to the first one that is missing, less the empty ones.
@@ -98,12 +92,14 @@ void patchWorkspace(const Arguments& extension, PropertyList& properties) {
 }
 
 Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& properties,
-                                   VmArgumentMap& vmargMap, const std::wstring& installDir) {
+                                   VmArgumentMap& vmargMap,
+                                   const std::optional<std::wstring>& debugFile) {
     insertArgsToVmargMap(vmargMap, arguments, properties);
     Arguments extended = arguments;
     const std::wstring* name = optionValue(L"-config", arguments);
     if (name == nullptr) {
-        if (addDebugOptions(extended, installDir)) {
+        if (debugFile) {
+            addDebugOptions(extended, *debugFile);
             removeRepeatedSingles(extended);
         }
         return extended;
@@ -111,7 +107,9 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
     const auto config = extended.begin() + findOption(L"-config", arguments);
     extended.erase(config, config + 2);
     placeExtension(extended, extensionValues(*name, properties));
-    addDebugOptions(extended, installDir);
+    if (debugFile) {
+        addDebugOptions(extended, *debugFile);
+    }
     for (const wchar_t* option : kUniquePairs) {
         removeDuplicatePairs(extended, option);
     }

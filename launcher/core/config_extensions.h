@@ -4,15 +4,17 @@
 
 #include "launcher/core/launch_inputs.h"
 
+#include <optional>
 #include <string>
 
 namespace rcp {
 
 /// The arguments of the start-up sequence: the launcher's own with "-config NAME" replaced by what
-/// it stands for and the debug options added while the debug marker file exists. Merges the
+/// it stands for and the debug options added when the debug marker file was there. Merges the
 /// "vmarg." arguments of both into the map; an extension's "-data" becomes property "rcp.data".
 Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& properties,
-                                   VmArgumentMap& vmargMap, const std::wstring& installDir);
+                                   VmArgumentMap& vmargMap,
+                                   const std::optional<std::wstring>& debugFile);
 
 /// Makes property "rcp.data" the value of the extension's "-data", so that whoever asks the
 /// property sees the workspace that the extension chose.

@@ -1,7 +1,6 @@
 #include "launcher/core/initial_configuration.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/option_values.h"
 
 #include <algorithm>
@@ -101,17 +100,18 @@ const std::wstring& completionProperty(const Entries& ordered) {
 
 }  // namespace
 
-bool isInitialRequired(const PropertyList& properties, const PropertyList& userProperties) {
-    if (eConfig != InstallConfiguration::kUser && eConfig != InstallConfiguration::kUserpb &&
-        eConfig != InstallConfiguration::kMultiuser) {
+bool isInitialRequired(const LaunchInputs& inputs) {
+    using enum InstallConfiguration;
+    const InstallConfiguration configuration = inputs.traits.eConfig;
+    if (configuration != kUser && configuration != kUserpb && configuration != kMultiuser) {
         return false;
     }
-    const Entries entries = collectEntries(properties);
+    const Entries entries = collectEntries(inputs.properties);
     if (entries.empty()) {
         return false;
     }
     const std::wstring& name = completionProperty(orderEntries(entries));
-    const std::wstring* completed = findProperty(name, userProperties);
+    const std::wstring* completed = findProperty(name, inputs.userProperties);
     return completed == nullptr || !completed->starts_with(L"true");
 }
 

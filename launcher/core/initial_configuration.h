@@ -2,15 +2,14 @@
 // "-config initial".
 #pragma once
 
-#include "launcher/core/arguments.h"
-#include "launcher/core/property_list.h"
+#include "launcher/core/launch_inputs.h"
 
 namespace rcp {
 
 /// Whether the installation has numbered "config.initial." arguments and the property that they
 /// name behind "-initialCompleteFlag" is not yet "true..." in the per-user list. Ends the launch
 /// when the numbers have a gap or the flag is missing.
-bool isInitialRequired(const PropertyList& properties, const PropertyList& userProperties);
+bool isInitialRequired(const LaunchInputs& inputs);
 
 /// The arguments of a launch with the initial configuration: the program path, "-config initial",
 /// and of `arguments` only what decides where and how the platform runs.

@@ -6,11 +6,7 @@
 
 namespace rcp {
 
-InstallConfiguration eConfig = InstallConfiguration::kUnknown;
-
 namespace {
-
-bool IS_LOCKDOWN = false;
 
 struct NamedConfiguration {
     std::wstring_view name;
@@ -37,40 +33,32 @@ InstallConfiguration codeOf(std::wstring_view name) {
 
 }  // namespace
 
-bool SetInstallConfiguration(const PropertyList& properties, bool initMuService) {
+InstallConfiguration installConfigurationOf(const PropertyList& properties) {
     const std::wstring* name = findProperty(L"install.configuration", properties);
     if (name == nullptr) {
         SvcDebugOutA(
             "ZYPRA0041I: Missed install configuration in property file. Using default setting!");
+        return InstallConfiguration::kUser;
     }
-    eConfig = name == nullptr ? InstallConfiguration::kUser : codeOf(*name);
-    IS_LOCKDOWN = eConfig == InstallConfiguration::kLockdown;
-    if (initMuService) {
-        eConfig = InstallConfiguration::kMultiuserServiceInit;
-    }
-    return true;
+    return codeOf(*name);
 }
 
-bool isLockdownConfig() {
-    return IS_LOCKDOWN;
+bool isDirectJavaShape(InstallConfiguration configuration) {
+    return isServiceConfig(configuration);
 }
 
-bool isDirectJavaShape() {
-    return isServiceConfig();
+bool isServiceConfig(InstallConfiguration configuration) {
+    return configuration == InstallConfiguration::kService ||
+           configuration == InstallConfiguration::kMultiuserServiceInit;
 }
 
-bool isServiceConfig() {
-    return eConfig == InstallConfiguration::kService ||
-           eConfig == InstallConfiguration::kMultiuserServiceInit;
-}
-
-std::wstring installConfigurationName() {
-    if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
+std::wstring installConfigurationName(InstallConfiguration configuration) {
+    if (configuration == InstallConfiguration::kMultiuserServiceInit) {
         return L"multiuser";  // the platform knows no name of its own for the initialisation
     }
-    for (const NamedConfiguration& configuration : kConfigurations) {
-        if (configuration.code == eConfig) {
-            return std::wstring(configuration.name);
+    for (const NamedConfiguration& named : kConfigurations) {
+        if (named.code == configuration) {
+            return std::wstring(named.name);
         }
     }
     return {};

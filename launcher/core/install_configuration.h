@@ -7,7 +7,7 @@
 
 namespace rcp {
 
-/// The codes of `eConfig`. The numbers are fixed: they are what the table of names is about.
+/// The numbers are fixed: they are what the table of names is about.
 enum class InstallConfiguration {
     kService = 1,
     kLockdown = 2,
@@ -15,28 +15,21 @@ enum class InstallConfiguration {
     kSerialMultiuser = 4,
     kUnknown = 5,
     kMultiuser = 6,
-    kMultiuserServiceInit = 7,  // forced by the flag of SetInstallConfiguration
+    kMultiuserServiceInit = 7,  // the multi-user service's initialisation, which no property names
     kUserpb = 8,
 };
 
-/// The install configuration of this launch.
-extern InstallConfiguration eConfig;
-
-/// Sets `eConfig` and the lockdown flag from the properties; with `initMuService` the code is the
-/// multi-user service initialisation whatever the property says. Always true.
-bool SetInstallConfiguration(const PropertyList& properties, bool initMuService);
-
-/// Whether the configuration is "lockdown".
-bool isLockdownConfig();
+/// That of the properties: kUser without the property, kUnknown for a value that is none of the names.
+InstallConfiguration installConfigurationOf(const PropertyList& properties);
 
 /// Whether the command line is a plain Java command line ("service" and the multi-user service
 /// initialisation) instead of one for the launcher library.
-bool isDirectJavaShape();
+bool isDirectJavaShape(InstallConfiguration configuration);
 
 /// Whether the configuration is one of the two whose user area lives inside the installation.
-bool isServiceConfig();
+bool isServiceConfig(InstallConfiguration configuration);
 
 /// The name that the platform is told; empty for an unknown configuration.
-std::wstring installConfigurationName();
+std::wstring installConfigurationName(InstallConfiguration configuration);
 
 }  // namespace rcp

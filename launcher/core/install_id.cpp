@@ -3,9 +3,8 @@
 #include "base/system_calls.h"
 #include "base/transfer.h"
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/property_file.h"
+#include "platform/environment.h"
 #include "platform/file_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -79,16 +78,23 @@ std::wstring makeInstallId(const std::wstring& propertyFile) {
 
 }  // namespace
 
-std::wstring getInstallID(const std::wstring& propertyFile, PropertyList& properties) {
+std::wstring getInstallID(InstallConfiguration configuration, const std::wstring& propertyFile,
+                          PropertyList& properties) {
     if (const std::wstring* id = findProperty(kKey, properties)) {
         return *id;
     }
-    if (eConfig != InstallConfiguration::kUserpb) {
+    if (configuration != InstallConfiguration::kUserpb) {
         fatal(noReason(), "ZYPRA0016E: rcp.install.id is required for this configuration!");
     }
     std::wstring id = makeInstallId(propertyFile);
     pushBackProperty(properties, kKey, id);
     return id;
+}
+
+std::wstring getTickString() {
+    const timeval tick = getTick();
+    return std::to_wstring(static_cast<unsigned long>(tick.tv_sec) * 1'000'000UL +
+                           static_cast<unsigned long>(tick.tv_usec));
 }
 
 bool isOldRcpInstallId(const std::wstring& currentId, const std::wstring& directory) {

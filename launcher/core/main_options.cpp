@@ -1,11 +1,8 @@
 #include "launcher/core/main_options.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/option_values.h"
-#include "launcher/core/platform_lock.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -99,7 +96,7 @@ CopyRule copyRuleFor(std::wstring_view argument) {
 
 void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     const Arguments& arguments = inputs.arguments;
-    if (isDirectJavaShape()) {
+    if (inputs.traits.isDirectJavaShape()) {
         line.add(L"-nosplash");
     }
     if (!isDebug(arguments)) {
@@ -121,9 +118,9 @@ void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) 
     addFromProperty(line, L"-personality", inputs.properties.find(L"personality"), arguments);
 }
 
-void addUseDaemonToCommandLine(CommandLine& line) {
-    if (!isMainProcess()) {
-        line.add(L"-useDaemon", std::to_wstring(pid));
+void addUseDaemonToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+    if (inputs.runningPlatform) {
+        line.add(L"-useDaemon", std::to_wstring(*inputs.runningPlatform));
     }
 }
 

@@ -23,7 +23,7 @@ CopyRule copyRuleFor(std::wstring_view argument);
 /// without "rcp.install.id" and when the plug-in customization file is missing.
 void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
-/// Appends "-useDaemon" and the main process id unless this is the main process.
-void addUseDaemonToCommandLine(CommandLine& line);
+/// Appends "-useDaemon" and the process id of the platform that runs already, if one does.
+void addUseDaemonToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 }  // namespace rcp

@@ -21,57 +21,62 @@
 // too.
 #pragma once
 
+#include "base/unique_fd.h"
 #include "launcher/core/arguments.h"
+#include "launcher/core/process_check.h"
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 
 namespace rcp {
 
-/// The process id last read from the lock file.
-extern long pid;
+/// The files of a workspace's lock.
+std::wstring getLockFilePath(const std::wstring& workspace);
+std::wstring getMainPidFilePath(const std::wstring& workspace);
 
-/// Whether a launch goes on with the lock, or without it has to begin as if it had just been started:
-/// what it has read may be out of date.
-enum class Launch { kGoesOn, kBeginsAnew };
+/// The id behind "-rcp_old_pid" of a launch that restarts a platform, 0 without a number there; none for
+/// other launches.
+std::optional<long> oldPlatform(const Arguments& arguments);
 
-/// Forms the paths of the lock's files in `workspace`, opens the lock file, on a restart waits for
-/// the old platform to end (about 20 seconds at most), takes the lock and decides whether this
-/// launcher is the main one (setMainProcess). `processMarker` is what the process check looks for.
-/// Failures end the launch.
-[[nodiscard]] Launch locateLockFile(const Arguments& arguments, const std::wstring& workspace,
-                                    const std::wstring& processMarker);
+/// The lock of a workspace, held. Whoever holds it is the main launcher or a daemon's.
+class PlatformLock {
+  public:
+    /// Opens the lock file of `workspace`, waits for the old platform of a restart to end (about 20
+    /// seconds at most), takes the lock, and decides: the main launcher deletes the file ".sid", which an
+    /// earlier platform left. None when the workspace was being provisioned: that has ended, and the
+    /// launch has to begin as if it had just been started, because what it has read may be out of date.
+    /// Failures end the launch.
+    [[nodiscard]] static std::optional<PlatformLock> take(const std::wstring& workspace,
+                                                          const ProcessMarker& marker,
+                                                          std::optional<long> oldPlatform);
 
-void createAndOpenLockFile();
-/// Takes the lock and decides; the main launcher deletes the file at `sidPath`, which an earlier
-/// platform left. When the workspace is being provisioned, gives the lock back, waits for the end of
-/// that, and the launch begins anew.
-Launch lockLockFile(const std::wstring& sidPath, const std::wstring& processMarker);
-/// Does nothing when the lock file is not open (any more).
-void unlockLockFile();
-/// Gives this process's descriptor of the lock file up without releasing the lock for others that
-/// share it.
-void closeLockFile();
-/// Clears the recorded process id.
-void invalidateLockFile();
+    /// The process of the platform that runs already; none in the main launcher, whose process becomes it.
+    [[nodiscard]] const std::optional<long>& platform() const { return platform_; }
 
-/// Whether the process recorded in the lock file is alive and is the platform. Ends the launch
-/// when the file holds something else than a number.
-bool isMainProcessRunning(const std::wstring& processMarker);
+    /// Records the platform's process id in the lock file and in ".rcp.main"; only in the main launcher.
+    void record(pid_t processId) const;
+    /// Does nothing when this process has left the lock to its child.
+    void release() const;
+    /// Gives this process's descriptor of the lock file up without releasing the lock for the child that
+    /// shares it.
+    void leaveToChild() { file_.reset(); }
 
-/// Records the platform's process id in the lock file and in ".rcp.main"; only in the main
-/// launcher.
-void populateLockFile(int processId);
-void populateMainPidFile(unsigned long processId);
+  private:
+    explicit PlatformLock(const std::wstring& workspace);
 
-/// Reads the pipe name from ".pipe"; true when there was one.
-bool getPipeName(std::wstring& name);
+    void open();
+    void lock();
+    [[nodiscard]] std::string content() const;
+    [[nodiscard]] std::optional<long> runningPlatform(const ProcessMarker& marker) const;
+    void waitForOldPlatform(long oldPlatform, const ProcessMarker& marker);
+    void giveOldPlatformUp(long oldPlatform);
 
-const std::wstring& getLockFilePath();
-const std::wstring& getPipeFilePath();
-const std::wstring& getMainPidFilePath();
-const std::wstring& getProvisioningFilePath();
-
-/// Nothing marks a shutdown as dirty: always false.
-bool isDirtyShutdown();
+    std::wstring path_;
+    std::wstring mainPidPath_;
+    UniqueFd file_;
+    std::optional<long> platform_;
+};
 
 }  // namespace rcp

@@ -1,8 +1,6 @@
 #include "launcher/core/platform_xml.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/placeholders.h"
 #include "launcher/core/user_files.h"
 #include "platform/files.h"
@@ -47,19 +45,19 @@ void fillIn(const Feature& feature, std::wstring& line, const PropertyList& prop
     replaceEvery(line, feature.versionPlaceholder, *version);
 }
 
-void writePlatformXml(const std::wstring& master, const std::wstring& target,
+bool writePlatformXml(const std::wstring& master, const std::wstring& target,
                       const PropertyList& properties, bool bareFeatures) {
     Stream from;
     open_file(from, master, L"r");
     if (!from) {
         report(because(errno), "ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
-        return;
+        return false;
     }
     WholeFile file(target);
     if (!file.open()) {
         report(because(errno), "ZYPRA0139E: Unable to open platform.xml for writing.\"%s\"",
                target);
-        return;
+        return false;
     }
     std::wstring line;
     LinePosition position;
@@ -81,7 +79,7 @@ void writePlatformXml(const std::wstring& master, const std::wstring& target,
     if (ferror(from.get()) != 0 || !file.commit()) {
         report(because(errno), kCopyFailed);
     }
-    userFirstLaunch = true;
+    return true;
 }
 
 }  // namespace
@@ -100,23 +98,25 @@ std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, 
     return line;
 }
 
-bool createPlatformXML(const std::wstring& configuration, const std::wstring& base,
-                       const PropertyList& properties, bool bareFeatures) {
-    if (eConfig == InstallConfiguration::kUserpb) {
+bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, bool bareFeatures) {
+    const PropertyList& properties = inputs.properties;
+    const InstallConfiguration configuration = inputs.traits.eConfig;
+    if (configuration == InstallConfiguration::kUserpb) {
         return false;
     }
-    const std::wstring update = osPath(configuration + L"/org.eclipse.update");
-    if (!isDirectory(update)) {
-        userFirstLaunch = true;
+    const std::wstring update = osPath(inputs.configuration + L"/org.eclipse.update");
+    const bool isMissing = !isDirectory(update);
+    if (isMissing) {
         ensureDirectory(update, "ZYPRA0039E: Unable to create %ls directory.");
     }
     const std::wstring target = update + L"/platform.xml";
     const std::wstring* managed = findProperty(L"update.policy.managed", properties);
     if (!exists(target) && (managed == nullptr || *managed != L"false")) {
-        writePlatformXml(getCoreFileLocation(base, L"platform.xml"), target, properties,
-                         bareFeatures);
+        return writePlatformXml(getCoreFileLocation(configuration, base, L"platform.xml"), target,
+                                properties, bareFeatures) ||
+               isMissing;
     }
-    return true;
+    return isMissing;
 }
 
 }  // namespace rcp

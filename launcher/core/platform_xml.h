@@ -3,7 +3,7 @@
 // installation's.
 #pragma once
 
-#include "launcher/core/property_list.h"
+#include "launcher/core/launch_inputs.h"
 
 #include <string>
 
@@ -11,10 +11,9 @@ namespace rcp {
 
 /// Makes the update directory and in it "platform.xml", unless there is one or
 /// "update.policy.managed" is "false". With `bareFeatures` the lines of the JVM features become
-/// "<feature>". False in the "userpb" configuration, which has no platform.xml; true otherwise.
-/// Only a directory that cannot be made ends the launch.
-bool createPlatformXML(const std::wstring& configuration, const std::wstring& base,
-                       const PropertyList& properties, bool bareFeatures);
+/// "<feature>". The "userpb" configuration has no platform.xml. Whether anything had to be made; a directory
+/// that cannot be made ends the launch, and nothing else does.
+bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, bool bareFeatures);
 
 /// One line of the master copy as the user gets it.
 std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, bool bareFeatures);

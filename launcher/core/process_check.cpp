@@ -1,7 +1,6 @@
 #include "launcher/core/process_check.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/launch_state.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/platform.h"
@@ -65,7 +64,7 @@ std::string listProcess(long processId) {
 
 // A platform that was started by a relative path need not show in the listing. One that an upgrade
 // has replaced since still runs under its name.
-bool runsPlatformExecutable(long processId) {
+bool runsPlatformExecutable(long processId, const std::wstring& platformExecutable) {
     const std::optional<std::string> executable =
         platform::executableOfProcess(static_cast<pid_t>(processId));
     const auto isAt = [&](const std::string& path) {
@@ -76,24 +75,23 @@ bool runsPlatformExecutable(long processId) {
 
 }  // namespace
 
-bool isPlatformProcess(long processId, const std::wstring& name) {
-    const std::string pattern = toNarrow(name);
-    return isAlive(processId) &&
-           (listingShowsPlatform(listProcess(processId), pattern, !invokeDylib) ||
-            runsPlatformExecutable(processId));
+bool isPlatformProcess(long processId, const ProcessMarker& marker) {
+    return isAlive(processId) && (listingShowsPlatform(listProcess(processId), marker) ||
+                                  runsPlatformExecutable(processId, marker.platformExecutable));
 }
 
-bool listingShowsPlatform(std::string_view listing, const std::string& name, bool needsBase) {
-    if (name.empty()) {
+bool listingShowsPlatform(std::string_view listing, const ProcessMarker& marker) {
+    if (marker.mainProcessName.empty()) {
         return false;
     }
-    const BasicRegex nameRegex(name);
+    const BasicRegex nameRegex(toNarrow(marker.mainProcessName));
     const BasicRegex baseRegex("rcp.base");
     while (!listing.empty()) {
         const std::size_t end = listing.find('\n');
         const std::string line(listing.substr(0, end));
         const bool hasEnded = line.find("<defunct>") != std::string::npos;  // not yet waited for
-        if (!hasEnded && nameRegex.matches(line) && (!needsBase || baseRegex.matches(line))) {
+        if (!hasEnded && nameRegex.matches(line) &&
+            (marker.invokeDylib || baseRegex.matches(line))) {
             return true;
         }
         if (end == std::string_view::npos) {

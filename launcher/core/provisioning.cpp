@@ -1,45 +1,16 @@
 #include "launcher/core/provisioning.h"
 
-#include "base/system_calls.h"
-#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/command_line.h"
-#include "launcher/core/hand_off_tools.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
-#include "launcher/core/running_provisioning.h"
 #include "launcher/core/shared_classes.h"
 #include "platform/files.h"
 #include "platform/removal.h"
 #include "platform/text.h"
-
-#include <stdlib.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <optional>
 
 namespace rcp {
 namespace {
 
 constexpr wchar_t kLevel[] = L"provisioning.manifest.version";
 constexpr wchar_t kSharedClassesKey[] = L"vmarg.Dshare";
-
-bool isNewLevel(const LaunchInputs& inputs) {
-    return isNewProvisioningLevel(findProperty(kLevel, inputs.userProperties),
-                                  findProperty(kLevel, inputs.properties));
-}
-
-bool isEnabled(const LaunchInputs& inputs) {
-    const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
-    if (enabled == nullptr || *enabled != L"true") {
-        return false;
-    }
-    return eConfig == InstallConfiguration::kUser || eConfig == InstallConfiguration::kMultiuser ||
-           eConfig == InstallConfiguration::kLockdown;
-}
 
 // An absolute path at which there is no directory, or not yet, is the JVM's affair.
 bool isWorthALook(const std::string& directory) {
@@ -73,51 +44,36 @@ void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
         "while provisioning");
 }
 
-void checkForProvisioning(LaunchInputs& inputs) {
-    if (!isEnabled(inputs)) {
-        return;
+bool isProvisioningEnabled(const LaunchInputs& inputs) {
+    using enum InstallConfiguration;
+    const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
+    const InstallConfiguration configuration = inputs.traits.eConfig;
+    return enabled != nullptr && *enabled == L"true" &&
+           (configuration == kUser || configuration == kMultiuser || configuration == kLockdown);
+}
+
+bool isAtNewProvisioningLevel(const LaunchInputs& inputs) {
+    return isNewProvisioningLevel(findProperty(kLevel, inputs.userProperties),
+                                  findProperty(kLevel, inputs.properties));
+}
+
+std::optional<Plan> checkForProvisioning(LaunchInputs& inputs) {
+    if (!isProvisioningEnabled(inputs)) {
+        return std::nullopt;
     }
-    if (isNewLevel(inputs)) {
-        userFirstLaunch = true;
+    if (isAtNewProvisioningLevel(inputs)) {
+        inputs.userFirstLaunch = true;
     }
     const bool startedByInstaller = isISMPProvisioning(inputs.arguments);
-    if (!userFirstLaunch && !startedByInstaller) {
-        return;
+    if (!inputs.userFirstLaunch && !startedByInstaller) {
+        return std::nullopt;
     }
     defeateSharedClassesInProvisioning(inputs.vmargMap);
     SvcDebugOutA(
         "ZYPRA0076I: Detected platform initial launch or user initial launch. Executing platform "
         "provisioning.");
-    doProvisioning(getUserCmdString(inputs, startedByInstaller ? LaunchKind::kInstallerProvisioning
-                                                               : LaunchKind::kUserProvisioning));
-    unlockLockFile();
-    endLaunch(0);
-}
-
-void doProvisioning(const CommandLine& line) {
-    if (observer != nullptr) {
-        observer->handedOff(line);
-    }
-    NarrowArguments command(line.arguments());
-    logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
-                       "ZYPRA0130I: ===== End Provisioning Parameters =====");
-    recordProvisioning(getProvisioningFilePath());
-    Gate gate;
-    const pid_t child = calls::fork();
-    if (child == 0) {
-        // Holds the lock until the parent has recorded the id: only then may the next launcher
-        // look.
-        waitpid(getpid(), nullptr, 0);
-        gate.wait();
-        return;
-    }
-    populateLockFile(child);
-    gate.open();
-    becomeProgram(command);
-    if (child > 0) {
-        // It runs this launcher's executable: as long as it is there, its recorded id is a platform's.
-        waitpid(child, nullptr, 0);
-    }
+    return getUserCmdString(inputs, startedByInstaller ? LaunchKind::kInstallerProvisioning
+                                                       : LaunchKind::kUserProvisioning);
 }
 
 void addProvisioningApplication(CommandLine& line, const PropertyList& properties,
@@ -137,7 +93,7 @@ void addProvisioningApplication(CommandLine& line, const PropertyList& propertie
 void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
     const std::wstring* property =
         findProperty(L"jvm.shareclasses.fullpath", inputs.userProperties);
-    if (property == nullptr || !isNewLevel(inputs)) {
+    if (property == nullptr || !isAtNewProvisioningLevel(inputs)) {
         return;
     }
     const std::string directory = withoutTrailingSlashes(toNarrow(osPath(*property)));

@@ -2,8 +2,10 @@
 // an application that installs or updates features runs before the user's client starts.
 #pragma once
 
+#include "launcher/core/command_line.h"
 #include "launcher/core/launch_inputs.h"
 
+#include <optional>
 #include <string>
 
 namespace rcp {
@@ -15,17 +17,18 @@ bool isNewProvisioningLevel(const std::wstring* userLevel, const std::wstring* p
 /// Whether an installer started this launch: both "-rcpLauncherWait" and "-provManifest" are given.
 bool isISMPProvisioning(const Arguments& arguments);
 
-/// Returns when no provisioning is due. Otherwise assembles the provisioning command line, replaces
-/// the process with it and never returns.
-void checkForProvisioning(LaunchInputs& inputs);
+/// Whether this installation provisions at all.
+bool isProvisioningEnabled(const LaunchInputs& inputs);
+/// Whether the user has another provisioning level than the installation.
+bool isAtNewProvisioningLevel(const LaunchInputs& inputs);
+
+/// What a main launcher starts when provisioning is due: on a first launch, at a new level, which makes it
+/// one, or for an installer. None otherwise.
+std::optional<Plan> checkForProvisioning(LaunchInputs& inputs);
 
 /// Switches the shared classes option off for a provisioning launch, if it is there: the classes
 /// change under it.
 void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap);
-
-/// Replaces the process with the command, having recorded its own as the one that
-/// provisions (running_provisioning.h) and the id of a forked child as the main process. Returns in the child, and in the parent when execv(3) failed.
-void doProvisioning(const CommandLine& line);
 
 /// Appends "-application", the provisioning application and, when a user's launch asked for it,
 /// "-userProvLaunch". Ends the launch when no application is configured.

@@ -109,12 +109,13 @@ void clearTarget(const std::wstring& path) {
 
 // --- Reset directories ---
 
-std::wstring resetPropertiesFile(const std::wstring& configuration, const std::wstring& base) {
-    std::wstring ownFile = osPath(configuration + L"/rcpinstall.properties");
+std::wstring resetPropertiesFile(const LaunchInputs& inputs, const std::wstring& base) {
+    std::wstring ownFile = userFileOf(inputs.configuration);
     if (exists(ownFile)) {
         return ownFile;
     }
-    std::wstring coreFile = getCoreFileLocation(base, L"rcpinstall.properties");
+    std::wstring coreFile =
+        getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties");
     if (!exists(coreFile)) {
         fatal(because(errno), "ZYPRA0106E: Unable to locate %ls file.", coreFile);
     }
@@ -178,18 +179,17 @@ void createReusableWorkspace(const std::wstring& workspace, const std::wstring& 
     rebuildConfiguration(workspace, configuration, "ZYPRA0044E: Unable to create %ls directory.");
 }
 
-void resetWorkspace(const std::wstring& workspace, const std::wstring& configuration,
-                    const std::wstring& base) {
-    saveKeptFiles(workspace, configuration);
-    resetMetaDataDirs(workspace, configuration, base);
-    rebuildConfiguration(workspace, configuration, "ZYPRA0045E: Unable to create %ls directory.");
+void resetWorkspace(const LaunchInputs& inputs, const std::wstring& base) {
+    saveKeptFiles(inputs.workspace, inputs.configuration);
+    resetMetaDataDirs(inputs, base);
+    rebuildConfiguration(inputs.workspace, inputs.configuration,
+                         "ZYPRA0045E: Unable to create %ls directory.");
 }
 
-void resetMetaDataDirs(const std::wstring& workspace, const std::wstring& configuration,
-                       const std::wstring& base) {
+void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base) {
     PropertyList properties;
-    getProperties(resetPropertiesFile(configuration, base), properties);
-    const std::wstring plugins = osPath(workspace + L"/.metadata/.plugins");
+    getProperties(resetPropertiesFile(inputs, base), properties);
+    const std::wstring plugins = osPath(inputs.workspace + L"/.metadata/.plugins");
     for (const Property* property : findProperties(L"resetDir.", properties)) {
         removePluginDirectory(plugins, property->value);
     }

@@ -10,8 +10,7 @@
 // and the saved files are in the workspace.
 #pragma once
 
-#include "launcher/core/arguments.h"
-#include "launcher/core/property_list.h"
+#include "launcher/core/launch_inputs.h"
 
 #include <string>
 
@@ -21,10 +20,8 @@ namespace rcp {
 void createReusableWorkspace(const std::wstring& workspace, const std::wstring& configuration);
 
 /// For "-resetconfig"; also clears the plug-in directories named by "resetDir." properties.
-void resetWorkspace(const std::wstring& workspace, const std::wstring& configuration,
-                    const std::wstring& base);
-void resetMetaDataDirs(const std::wstring& workspace, const std::wstring& configuration,
-                       const std::wstring& base);
+void resetWorkspace(const LaunchInputs& inputs, const std::wstring& base);
+void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base);
 
 /// A file of a directory; an empty name stands for the directory itself.
 struct CopyPlace {

@@ -1,9 +1,7 @@
 #include "launcher/core/user_files.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/java_properties.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/property_text.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -18,8 +16,8 @@ namespace rcp {
 namespace {
 
 // The folder of the master copies, below "config".
-std::wstring_view coreFileFolder() {
-    switch (eConfig) {
+std::wstring_view coreFileFolder(InstallConfiguration configuration) {
+    switch (configuration) {
         case InstallConfiguration::kMultiuserServiceInit:
             return L"muservice";
         case InstallConfiguration::kUser:
@@ -90,41 +88,45 @@ int copyLines(std::FILE& copy, WholeFile& file) {
 
 }  // namespace
 
-std::wstring getCoreFileLocation(const std::wstring& base, const std::wstring& name) {
+std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
+                                 const std::wstring& name) {
     std::wstring candidate = base + L"/config/";
-    candidate += coreFileFolder();
+    candidate += coreFileFolder(configuration);
     candidate += L"/" + name;
     convertToOsSeparator(candidate);
     return exists(candidate) ? candidate : osPath(base + L"/" + name);
 }
 
-void createConfigIni(const std::wstring& configuration, const std::wstring& base) {
-    const std::wstring target = osPath(configuration + L"/config.ini");
+bool createConfigIni(const LaunchInputs& inputs, const std::wstring& base) {
+    const std::wstring target = osPath(inputs.configuration + L"/config.ini");
     if (exists(target)) {
-        return;
+        return false;
     }
-    if (!copyFile(getCoreFileLocation(base, L"config.ini"), target)) {
+    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"config.ini"), target)) {
         fatal(noReason(), "ZYPRA0009E: Unable to copy config.ini to the user directory.");
     }
-    userFirstLaunch = true;
+    return true;
 }
 
-std::wstring createRCPInstallProps(const std::wstring& configuration, const std::wstring& base,
-                                   const PropertyList& properties) {
-    std::wstring target = osPath(configuration + L"/rcpinstall.properties");
+std::wstring userFileOf(const std::wstring& configuration) {
+    return osPath(configuration + L"/rcpinstall.properties");
+}
+
+bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base) {
+    const std::wstring target = userFileOf(inputs.configuration);
     if (exists(target)) {
-        return target;
+        return false;
     }
     const std::wstring copy = target + L".tmp";
     TemporaryName temporary(toNarrow(copy));
     temporary.claim();
-    if (!copyFile(getCoreFileLocation(base, L"rcpinstall.properties"), copy)) {
+    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties"),
+                  copy)) {
         fatal(noReason(),
               "ZYPRA0022E: Unable to copy rcpinstall.properties to the user directory.");
     }
-    fixUserRCPInstallProperties(copy, target, properties);
-    userFirstLaunch = true;
-    return target;
+    fixUserRCPInstallProperties(copy, target, inputs.properties);
+    return true;
 }
 
 bool UserFileFilter::keeps(std::wstring& line) {

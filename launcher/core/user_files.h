@@ -3,7 +3,7 @@
 // lines for other operating systems left out and the launcher's current values appended.
 #pragma once
 
-#include "launcher/core/property_list.h"
+#include "launcher/core/launch_inputs.h"
 
 #include <optional>
 #include <string>
@@ -13,14 +13,17 @@ namespace rcp {
 
 /// The installation's master copy of a file: base/config/<folder of the install configuration>/name
 /// when it exists, else base/name. A configuration without folder gives two slashes in a row.
-std::wstring getCoreFileLocation(const std::wstring& base, const std::wstring& name);
+std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
+                                 const std::wstring& name);
 
-/// Makes the user's "config.ini" unless there is one. Failure ends the launch.
-void createConfigIni(const std::wstring& configuration, const std::wstring& base);
+/// Makes the user's "config.ini" unless there is one; whether it had to. Failure ends the launch.
+bool createConfigIni(const LaunchInputs& inputs, const std::wstring& base);
 
-/// Makes the user's "rcpinstall.properties" unless there is one, and returns its path.
-std::wstring createRCPInstallProps(const std::wstring& configuration, const std::wstring& base,
-                                   const PropertyList& properties);
+/// The same for the user's "rcpinstall.properties".
+bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base);
+
+/// The user's "rcpinstall.properties".
+std::wstring userFileOf(const std::wstring& configuration);
 
 /// Writes the per-user form of the copy at `copy` to `target`, by way of `target` + ".new". Returns
 /// -1 when one of the files cannot be opened or the result cannot be put in place, else 0.

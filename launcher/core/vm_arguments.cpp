@@ -1,7 +1,6 @@
 #include "launcher/core/vm_arguments.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
 #include "launcher/core/option_values.h"
 #include "launcher/core/placeholders.h"
@@ -70,7 +69,7 @@ Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view opt
 }  // namespace
 
 void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
-    if (!isDirectJavaShape()) {
+    if (!inputs.traits.isDirectJavaShape()) {
         line.add(L"-vmargs");
     }
     addUserVmargs(line, inputs.arguments);
@@ -96,7 +95,7 @@ void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
         fatal(noReason(), "ZYPRA0036E: Couldn't find the rcp.install.id property!");
     }
     addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
-    const std::wstring configuration = installConfigurationName();
+    const std::wstring configuration = installConfigurationName(inputs.traits.eConfig);
     if (configuration.empty()) {
         fatal(noReason(),
               "ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");

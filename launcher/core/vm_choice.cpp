@@ -1,9 +1,7 @@
 #include "launcher/core/vm_choice.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "launcher/core/placeholders.h"
 #include "launcher/core/property_file.h"
 #include "platform/files.h"
@@ -78,18 +76,15 @@ Argument vmProgram(const LaunchInputs& inputs) {
 }
 
 bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
-    if (hasOption(L"-rcpLauncherWait", inputs.arguments)) {
-        setWaitMode();
-    }
     Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
     replaceFirstRcpHome(vm, inputs.installDir);
     if (vm.empty()) {
-        if (isDirectJavaShape()) {
+        if (inputs.traits.isDirectJavaShape()) {
             fatal(noReason(), kNoVmMessage);  // or an option would become the program
         }
         return false;
     }
-    if (isDirectJavaShape()) {
+    if (inputs.traits.isDirectJavaShape()) {
         line.setProgram(vm);
     } else {
         line.add(L"-vm", vm);
@@ -205,20 +200,6 @@ bool endsIn(std::wstring_view text, std::wstring_view suffix) {
 
 bool isVmOverride(const Arguments& arguments) {
     return hasOption(L"-vm", arguments);
-}
-
-bool isJavaw(const std::wstring& jvm, const std::wstring& name) {
-    if (!exists(jvm)) {
-        fatal(because(errno), "ZYPRA0003E: Specified vm (%ls) does not exist!", jvm);
-    }
-    return jvm.ends_with(name);
-}
-
-void replaceJavaExecutableName(std::wstring& jvm, const std::wstring& name,
-                               const std::wstring& replacement) {
-    if (jvm.ends_with(name)) {
-        jvm.replace(jvm.size() - name.size(), name.size(), replacement);
-    }
 }
 
 }  // namespace rcp

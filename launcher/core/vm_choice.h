@@ -19,8 +19,7 @@ namespace rcp {
 /// The JVM's path as it is handed over; empty when none is named.
 Argument vmProgram(const LaunchInputs& inputs);
 /// Appends the JVM piece: "-vm" and its path, or in the direct Java shape the path as first
-/// element.
-/// "-rcpLauncherWait" switches wait mode on. True when the path ends in ".ee" or ".dll". Ends the
+/// element. True when the path ends in ".ee" or ".dll". Ends the
 /// launch when "-vm" has no value, and in the direct Java shape when there is no JVM at all.
 bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
@@ -59,11 +58,5 @@ bool endsIn(std::wstring_view text, std::wstring_view suffix);
 
 /// Whether "-vm" is on the command line.
 bool isVmOverride(const Arguments& arguments);
-/// Whether the JVM path ends in `name`. Ends the launch when no such executable exists. No step of
-/// a launch asks.
-bool isJavaw(const std::wstring& jvm, const std::wstring& name);
-/// Replaces the ending `name` of the JVM path by `replacement`.
-void replaceJavaExecutableName(std::wstring& jvm, const std::wstring& name,
-                               const std::wstring& replacement);
 
 }  // namespace rcp

@@ -1,7 +1,6 @@
 #include "launcher/core/workspace.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/placeholders.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -92,45 +91,37 @@ std::wstring defaultWorkspace(const PropertyList& properties) {
 
 }  // namespace
 
-bool getWorkspaceLocation(std::wstring& workspace, const PropertyList& properties,
-                          const Arguments& arguments, const std::wstring& rcpHome) {
-    if (eConfig == InstallConfiguration::kService) {
-        workspace = rcpHome + kServiceWorkspace;
-        return true;
-    }
-    if (eConfig == InstallConfiguration::kMultiuserServiceInit) {
-        workspace = rcpHome + kMuServiceWorkspace;
-        return true;
-    }
-    if (const std::wstring* argument = optionValue(L"-data", arguments)) {
-        workspace = workspaceFromArgument(*argument, properties, rcpHome);
-        return true;
-    }
-    if (const std::wstring* property = findProperty(L"rcp.data", properties)) {
-        workspace = workspaceFromProperty(*property, properties, rcpHome);
-        return true;
-    }
-    workspace = defaultWorkspace(properties);
-    return false;
-}
-
-std::wstring configurationFor(const std::wstring& workspace, const std::wstring& rcpHome) {
-    switch (eConfig) {
+std::wstring getWorkspaceLocation(const LaunchInputs& inputs) {
+    switch (inputs.traits.eConfig) {
         case InstallConfiguration::kService:
-            return rcpHome + kServiceConfiguration;
+            return inputs.installDir + kServiceWorkspace;
         case InstallConfiguration::kMultiuserServiceInit:
-            return rcpHome + kMuServiceConfiguration;
+            return inputs.installDir + kMuServiceWorkspace;
         default:
-            return workspace + kConfiguration;
+            break;
+    }
+    if (const std::wstring* argument = optionValue(L"-data", inputs.arguments)) {
+        return workspaceFromArgument(*argument, inputs.properties, inputs.installDir);
+    }
+    if (const std::wstring* property = findProperty(L"rcp.data", inputs.properties)) {
+        return workspaceFromProperty(*property, inputs.properties, inputs.installDir);
+    }
+    return defaultWorkspace(inputs.properties);
+}
+
+std::wstring getConfigurationLocation(const LaunchInputs& inputs) {
+    switch (inputs.traits.eConfig) {
+        case InstallConfiguration::kService:
+            return inputs.installDir + kServiceConfiguration;
+        case InstallConfiguration::kMultiuserServiceInit:
+            return inputs.installDir + kMuServiceConfiguration;
+        default:
+            return inputs.workspace + kConfiguration;
     }
 }
 
-bool getConfigurationLocation(std::wstring& configuration, const PropertyList& properties,
-                              const Arguments& arguments, const std::wstring& rcpHome) {
-    std::wstring workspace;
-    const bool isGiven = getWorkspaceLocation(workspace, properties, arguments, rcpHome);
-    configuration = configurationFor(workspace, rcpHome);
-    return isGiven || isServiceConfig();
+std::wstring getLogLocation(const std::wstring& workspace) {
+    return osPath(workspace + L"/logs");
 }
 
 void setArgProperty(std::wstring& result, const std::wstring& key, const std::wstring& value) {

@@ -2,8 +2,7 @@
 // are. The functions compute; they make nothing.
 #pragma once
 
-#include "launcher/core/arguments.h"
-#include "launcher/core/property_list.h"
+#include "launcher/core/launch_inputs.h"
 
 #include <string>
 
@@ -17,16 +16,14 @@ namespace rcp {
 ///   property "rcp.data"        its value likewise, but a relative one stays relative
 ///   otherwise                  HOME/OVR/RCP/<install id>/<user name>
 ///
-/// False only for the last. Ends the launch when the rule that applies cannot give a path.
-bool getWorkspaceLocation(std::wstring& workspace, const PropertyList& properties,
-                          const Arguments& arguments, const std::wstring& rcpHome);
+/// Ends the launch when the rule that applies cannot give a path.
+std::wstring getWorkspaceLocation(const LaunchInputs& inputs);
 
-/// The configuration area: inside the workspace, or beside it in the service configurations. The
-/// result has the meaning of getWorkspaceLocation's.
-bool getConfigurationLocation(std::wstring& configuration, const PropertyList& properties,
-                              const Arguments& arguments, const std::wstring& rcpHome);
-/// The same for a workspace that is known already.
-std::wstring configurationFor(const std::wstring& workspace, const std::wstring& rcpHome);
+/// The configuration area: inside the workspace of `inputs`, or beside it in the service configurations.
+std::wstring getConfigurationLocation(const LaunchInputs& inputs);
+
+/// workspace + "/logs".
+std::wstring getLogLocation(const std::wstring& workspace);
 
 /// `result` becomes key "=" value and one NUL as its last character, so that it can be used as a
 /// terminated item as it is.

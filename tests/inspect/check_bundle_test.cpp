@@ -60,7 +60,7 @@ std::string forBoth(MachO file) {
 class AppBundle {
   public:
     AppBundle() {
-        test::resetLauncherState();
+        debug = false;
         writeProgram(kProgram, forBoth(code(2)));
         writeProgram(kEclipse, code(2).bytes());
         writeProgram(kLibrary, code(6).bytes());

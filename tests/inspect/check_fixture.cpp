@@ -17,7 +17,7 @@ constexpr char kPlatform[] = "rcp/eclipse/plugins/com.ovr.rcp.base/macosx/x86/ec
 }  // namespace
 
 Maker::Maker() {
-    test::resetLauncherState();
+    debug = false;
     const std::string base = kBaseFolder;
     folder_.write("rcp/rcplauncher", "");
     setExecutable("rcp/rcplauncher", true);

@@ -1,7 +1,8 @@
-// What unit tests share: a folder of their own, the launcher's process-wide state at its start, and
-// a private /tmp where the system allows one.
+// What unit tests share: a folder of their own, a clock of their own and a private /tmp where the system
+// allows one.
 #pragma once
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 
 #include <gmock/gmock.h>
@@ -52,16 +53,20 @@ class FileSizeLimit {
     rlimit former_{};
 };
 
-/// Every process-wide flag of the launcher as at its start.
-void resetLauncherState();
+/// The calls as they are, but sleeping is `sleep`: the clock of a test.
+inline SystemCalls sleepingLike(unsigned (*sleep)(unsigned seconds)) {
+    SystemCalls calls = systemCalls;
+    calls.sleep = sleep;
+    return calls;
+}
 
 /// Whether this process has a /tmp of its own; the temporary log of a fatal error lands there.
 bool hasPrivateTmp();
 
-/// Fixture with a folder and fresh launcher state.
+/// Fixture with a folder, and tracing off.
 class LauncherTest : public ::testing::Test {
   protected:
-    LauncherTest() { resetLauncherState(); }
+    LauncherTest() { debug = false; }
     TestFolder folder_;
 };
 

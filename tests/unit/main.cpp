@@ -1,10 +1,6 @@
 // Runs the unit tests in a UTF-8 locale and, where the system allows it, shut in, so that nothing
 // they do and no temporary log of a fatal error disturbs anybody.
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
-#include "launcher/hand_off.h"
 #include "platform/platform.h"
 #include "platform/text.h"
 #include "tests/support/sandbox.h"
@@ -62,18 +58,6 @@ FileSizeLimit::FileSizeLimit(rlim_t bytes) {
     (void)getrlimit(RLIMIT_FSIZE, &former_);
     const rlimit limit = {bytes, former_.rlim_max};
     (void)setrlimit(RLIMIT_FSIZE, &limit);
-}
-
-void resetLauncherState() {
-    debug = false;
-    userFirstLaunch = false;
-    invokeDylib = false;
-    mainProcessName.clear();
-    platformExecutable.clear();
-    setMainProcess(false);
-    eConfig = InstallConfiguration::kUnknown;
-    userVMarg = nullptr;
-    pid = 0;
 }
 
 bool hasPrivateTmp() {

@@ -1,7 +1,5 @@
 #include "launcher/core/argument_checks.h"
 
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
 #include "tests/unit/core/launch_pieces.h"
 
 #include <errno.h>
@@ -104,25 +102,30 @@ TEST_F(SearchPaths, LetterCaseAndDotsCount) {
                                L"java.hom", L"xvm.library.path", L"java,library.path"});
 }
 
-using InstallerState = test::LauncherTest;
+class InstallerState : public test::LauncherTest {
+  protected:
+    static void validate(const Arguments& arguments, std::optional<long> runningPlatform) {
+        LaunchInputs inputs;
+        inputs.arguments = arguments;
+        inputs.runningPlatform = runningPlatform;
+        validateInstallerState(inputs);
+    }
+};
 
 TEST_F(InstallerState, ManifestPassesInTheMainLauncher) {
-    setMainProcess(true);
-    validateInstallerState({L"p", L"-provManifest"});
+    validate({L"p", L"-provManifest"}, std::nullopt);
 }
 
 TEST_F(InstallerState, DaemonPassesWithoutAManifest) {
-    validateInstallerState({L"-provManifest", L"-provmanifest", L"x"});
+    validate({L"-provManifest", L"-provmanifest", L"x"}, 4711);
 }
 
 TEST_F(InstallerState, ManifestInADaemonIsFatalWithoutTheSystemsText) {
-    pid = 4711;
     errno = ENOENT;
-    EXPECT_FATAL(validateInstallerState({L"p", L"-provManifest", L"x"}),
+    EXPECT_FATAL(validate({L"p", L"-provManifest", L"x"}, 4711),
                  ContainsRegex("ZYPRA0122E: Attempting to install while process 4711 is "
                                "running\\.\n"));
-    pid = std::numeric_limits<long>::max();
-    EXPECT_FATAL(validateInstallerState({L"p", L"-provManifest"}),
+    EXPECT_FATAL(validate({L"p", L"-provManifest"}, std::numeric_limits<long>::max()),
                  HasSubstr("process 9223372036854775807 is"));
 }
 

@@ -82,25 +82,19 @@ TEST(BundleIdentifier, IsNeitherTheEndOfTheOptionsNorTheLaunchersOwnVm) {
 TEST(Questions, AreAnsweredByTheirOption) {
     EXPECT_TRUE(isRestart({L"p", L"x", L"-restart"}));
     EXPECT_TRUE(isResetConfig({L"p", L"-resetconfig"}));
-    EXPECT_TRUE(isInitMUService({L"p", L"-initMUService"}));
-    EXPECT_TRUE(isDCommandOnly({L"p", L"-dcommand_only"}));
+    EXPECT_TRUE(isWaitMode({L"p", L"-rcpLauncherWait"}));
     EXPECT_TRUE(isDebug({L"p", L"-debug"}));
-    const Arguments others = {L"p",         L"-Restart",  L"-resetConfig", L"-initmuservice",
-                              L"-dcommand", L"-debugFile"};
+    const Arguments others = {L"p", L"-Restart", L"-resetConfig", L"-rcplauncherwait",
+                              L"-debugFile"};
     EXPECT_FALSE(isRestart(others));
     EXPECT_FALSE(isResetConfig(others));
-    EXPECT_FALSE(isInitMUService(others));
-    EXPECT_FALSE(isDCommandOnly(others));
+    EXPECT_FALSE(isWaitMode(others));
     EXPECT_FALSE(isDebug(others));
 }
 
 TEST(Questions, RestartNeverTraces) {
     EXPECT_FALSE(isDebug({L"p", L"-debug", L"-restart"}));
     EXPECT_FALSE(isDebug({L"p", L"-restart", L"-debug"}));
-}
-
-TEST(Questions, NoLaunchIsAPipeDaemonCommand) {
-    EXPECT_FALSE(isPipeDaemonCommand());
 }
 
 }  // namespace

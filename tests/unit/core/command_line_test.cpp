@@ -1,9 +1,6 @@
 #include "launcher/core/command_line.h"
 
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
 #include "tests/unit/core/launch_pieces.h"
 
 #include <algorithm>
@@ -21,7 +18,7 @@ using testing::HasSubstr;
 class CommandLinePieces : public test::CommandLineTest {
   protected:
     CommandLinePieces() {
-        eConfig = InstallConfiguration::kUser;
+        inputs_.traits.eConfig = InstallConfiguration::kUser;
         write("base/macosx/x86/eclipse");
         write("base/macosx/x86/other");
         folder_.write("base/macosx/x86/eclipse_1615.so", "");
@@ -49,11 +46,6 @@ TEST_F(CommandLinePieces, StartsWithTheLauncherExecutable) {
 TEST_F(CommandLinePieces, ExecutableMayHaveAnotherName) {
     addBaseEclipseToCommandLine(line_, withBase({{L"eclipse.name", L"other"}}));
     EXPECT_EQ(line_.arguments(), Arguments{folder_.wide("base/macosx/x86/other")});
-    std::wstring name;
-    getEclipseExeName(name, propertyList({{L"eclipse.name", L"a"}, {L"eclipse.name", L"b"}}));
-    EXPECT_EQ(name, L"a");
-    getEclipseExeName(name, {});
-    EXPECT_EQ(name, L"eclipse");
 }
 
 TEST_F(CommandLinePieces, MissingBaseLocationIsFatal) {
@@ -94,23 +86,24 @@ TEST_F(CommandLinePieces, MainClassIsTheFrameworks) {
 }
 
 TEST_F(CommandLinePieces, ClassPathIsThePropertys) {
-    const PropertyList properties =
-        propertyList({{L"cp", L"/a.jar:/b.jar"}, {L"rcp.base.location", L"/b"}});
     for (const int code : {1, 2, 3, 4, 5, 6, 8}) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.properties =
+            propertyList({{L"cp", L"/a.jar:/b.jar"}, {L"rcp.base.location", L"/b"}});
         line_ = CommandLine(start_);
-        addClasspathToCommandLine(line_, properties);
+        addClasspathToCommandLine(line_, inputs_);
         EXPECT_EQ(line_.arguments(), (Arguments{L"-cp", L"/a.jar:/b.jar"})) << code;
         line_ = CommandLine(start_);
-        addClasspathToCommandLine(line_, {});
+        inputs_.properties = {};
+        addClasspathToCommandLine(line_, inputs_);
         EXPECT_EQ(line_.arguments(), Arguments{}) << code;
     }
 }
 
 TEST_F(CommandLinePieces, ClassPathOfTheServiceInitialisationIsTheStartupJar) {
-    SetInstallConfiguration({}, true);
-    addClasspathToCommandLine(line_,
-                              propertyList({{L"cp", L"/a.jar"}, {L"rcp.base.location", L"/b"}}));
+    inputs_.traits.eConfig = InstallConfiguration::kMultiuserServiceInit;
+    inputs_.properties = propertyList({{L"cp", L"/a.jar"}, {L"rcp.base.location", L"/b"}});
+    addClasspathToCommandLine(line_, inputs_);
     EXPECT_EQ(line_.arguments(), (Arguments{L"-cp", L"/b/startup.jar"}));
 }
 
@@ -118,8 +111,7 @@ TEST_F(CommandLinePieces, ClassPathOfTheServiceInitialisationIsTheStartupJar) {
 class WholeCommandLine : public CommandLinePieces {
   protected:
     void prepareEverything() {
-        setMainProcess(false);
-        pid = 4711;
+        inputs_.runningPlatform = 4711;
         inputs_.arguments = {L"p",           L"-x",      L"${rcp.data}/f",
                              L"-vm",         L"/j/java", L"-data",
                              L"${rcp.home}", L"-vmargs", L"-Du=${env.HOME}"};
@@ -146,7 +138,7 @@ class WholeCommandLine : public CommandLinePieces {
         finishInputs();
     }
     void prepareNothing() {
-        setMainProcess(true);
+        inputs_.runningPlatform.reset();
         inputs_.arguments = {L"p"};
         inputs_.properties = withBase({{L"rcp.install.id", L"id"},
                                        {L"plugincustomization", folder_.wide("c.ini")},
@@ -154,33 +146,35 @@ class WholeCommandLine : public CommandLinePieces {
         finishInputs();
     }
     const Arguments& assembled(LaunchKind kind = LaunchKind::kPlatform) {
-        line_ = getUserCmdString(inputs_, kind);
+        Plan plan = getUserCmdString(inputs_, kind);
+        EXPECT_EQ(plan.kind, kind);
+        line_ = std::move(plan.line);
         return line_.arguments();
     }
     // `front`, the JVM section of everything present, `back`.
-    static Arguments around(Arguments front, const Arguments& back = {}) {
-        const Arguments section = {L"-Du=${env.HOME}",
-                                   L"-Dfix",
-                                   L"-Da=value",
-                                   L"-Db",
-                                   L"-Drcp.home=/home",
-                                   L"-Drcp.data=/ws",
-                                   L"-Dosgi.splashPath=/s",
-                                   L"-Dcom.ovr.rcp.install.id=id",
-                                   L"-Drcp.install.config=" + installConfigurationName(),
-                                   L"-Dd=1",
-                                   L"-Drcp.osgi.install.area=/home/rcp/eclipse",
-                                   L"-Xmx1g",
-                                   L"-Xbootclasspath/p:/bp",
-                                   L"-Xbootclasspath/a:/ba",
-                                   L"-cp"};
+    [[nodiscard]] Arguments around(Arguments front, const Arguments& back = {}) const {
+        const Arguments section = {
+            L"-Du=${env.HOME}",
+            L"-Dfix",
+            L"-Da=value",
+            L"-Db",
+            L"-Drcp.home=/home",
+            L"-Drcp.data=/ws",
+            L"-Dosgi.splashPath=/s",
+            L"-Dcom.ovr.rcp.install.id=id",
+            L"-Drcp.install.config=" + installConfigurationName(inputs_.traits.eConfig),
+            L"-Dd=1",
+            L"-Drcp.osgi.install.area=/home/rcp/eclipse",
+            L"-Xmx1g",
+            L"-Xbootclasspath/p:/bp",
+            L"-Xbootclasspath/a:/ba",
+            L"-cp"};
         front.insert(front.end(), section.begin(), section.end());
         front.insert(front.end(), back.begin(), back.end());
         return front;
     }
     [[nodiscard]] std::wstring customization() const { return folder_.wide("c.ini"); }
 
-    LaunchInputs inputs_;
     ScopedVariable libraryPath_{"DYLD_LIBRARY_PATH", "inherited"};
     ScopedVariable zip_{"JAVA_HIGH_ZIPFDS", "inherited"};
     ScopedVariable preload_{"LD_PRELOAD"};
@@ -226,7 +220,7 @@ TEST_F(WholeCommandLine, ForTheLauncherLibrary) {
 
 TEST_F(WholeCommandLine, ForTheLauncherLibraryWithNothingToSay) {
     for (const int code : {2, 3, 4, 6, 8}) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
         prepareNothing();
         EXPECT_EQ(
             assembled(),
@@ -234,7 +228,7 @@ TEST_F(WholeCommandLine, ForTheLauncherLibraryWithNothingToSay) {
                        L"/ws/.config", L"-plugincustomization", customization(), L"-startup",
                        folder_.wide("base/launcher.jar"), L"-vmargs", L"-Drcp.home=/home",
                        L"-Drcp.data=/ws", L"-Dcom.ovr.rcp.install.id=id",
-                       L"-Drcp.install.config=" + installConfigurationName(),
+                       L"-Drcp.install.config=" + installConfigurationName(inputs_.traits.eConfig),
                        L"-Drcp.osgi.install.area=/home/rcp/eclipse"}))
             << code;
     }
@@ -248,7 +242,7 @@ TEST_F(WholeCommandLine, ForPlainJava) {
         {InstallConfiguration::kService, L"/cp"},
         {InstallConfiguration::kMultiuserServiceInit, folder_.wide("base/startup.jar")}};
     for (const auto& [configuration, classPath] : classPaths) {
-        eConfig = configuration;
+        inputs_.traits.eConfig = configuration;
         prepareEverything();
         EXPECT_EQ(assembled(),
                   around({L"/j/java"}, {classPath, L"org.eclipse.core.launcher.Main", L"-nosplash",
@@ -264,7 +258,7 @@ TEST_F(WholeCommandLine, ForPlainJava) {
 }
 
 TEST_F(WholeCommandLine, ForPlainJavaWithNothingToSay) {
-    eConfig = InstallConfiguration::kService;
+    inputs_.traits.eConfig = InstallConfiguration::kService;
     prepareNothing();
     inputs_.properties.append({L"vm", L"/j", {}});
     EXPECT_EQ(
@@ -277,14 +271,14 @@ TEST_F(WholeCommandLine, ForPlainJavaWithNothingToSay) {
 }
 
 TEST_F(WholeCommandLine, ForPlainJavaNeedsAJvm) {
-    eConfig = InstallConfiguration::kService;
+    inputs_.traits.eConfig = InstallConfiguration::kService;
     prepareNothing();
     EXPECT_FATAL(assembled(), HasSubstr("ZYPRA0002E: vm must be specified with -vm argument!"));
 }
 
 TEST_F(WholeCommandLine, ForProvisioning) {
     for (const int code : {2, 3, 6}) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
         prepareEverything();
         EXPECT_EQ(assembled(LaunchKind::kUserProvisioning),
                   around({program_,

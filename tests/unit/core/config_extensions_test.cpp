@@ -1,5 +1,6 @@
 #include "launcher/core/config_extensions.h"
 
+#include "launcher/core/debug_file.h"
 #include "tests/unit/core/launch_pieces.h"
 
 namespace rcp {
@@ -18,7 +19,8 @@ class Extensions : public test::LauncherTest {
         arguments.insert(arguments.begin(), L"rcplauncher");
         properties_ = propertyList(properties);
         map_.clear();
-        Arguments result = addConfigExtentionsToArg(arguments, properties_, map_, folder_.wide());
+        Arguments result =
+            addConfigExtentionsToArg(arguments, properties_, map_, debugFile(folder_.wide()));
         EXPECT_EQ(result.front(), L"rcplauncher");
         result.erase(result.begin());
         return result;

@@ -27,11 +27,15 @@ constexpr wchar_t kFlag[] = L"-initialCompleteFlag";
 
 class InitialRequired : public test::LauncherTest {
   protected:
-    InitialRequired() { eConfig = InstallConfiguration::kUser; }
+    InitialRequired() { inputs_.traits.eConfig = InstallConfiguration::kUser; }
 
-    static bool isRequired(const Pairs& properties, const Pairs& userProperties = {}) {
-        return isInitialRequired(listOf(properties), listOf(userProperties));
+    bool isRequired(const Pairs& properties, const Pairs& userProperties = {}) {
+        inputs_.properties = listOf(properties);
+        inputs_.userProperties = listOf(userProperties);
+        return isInitialRequired(inputs_);
     }
+
+    LaunchInputs inputs_;
 };
 
 const Pairs kComplete = {{L"config.initial.1", kFlag}, {L"config.initial.2", L"initial.done"}};
@@ -55,12 +59,12 @@ TEST_F(InitialRequired, CompletionInTheLaunchersOwnListDoesNotCount) {
 TEST_F(InitialRequired, OnlyInTheConfigurationsOfUsers) {
     using enum InstallConfiguration;
     for (const InstallConfiguration code : {kUser, kUserpb, kMultiuser}) {
-        eConfig = code;
+        inputs_.traits.eConfig = code;
         EXPECT_TRUE(isRequired(kComplete)) << static_cast<int>(code);
     }
     for (const InstallConfiguration code :
          {kService, kMultiuserServiceInit, kSerialMultiuser, kLockdown, kUnknown}) {
-        eConfig = code;
+        inputs_.traits.eConfig = code;
         EXPECT_FALSE(isRequired(kComplete)) << static_cast<int>(code);
         EXPECT_FALSE(isRequired({{key(2), L"gap"}})) << "nothing is looked at";
     }

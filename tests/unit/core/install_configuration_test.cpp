@@ -9,8 +9,6 @@ namespace {
 
 using test::propertyList;
 
-const InstallConfiguration kAtStart = eConfig;
-
 struct Known {
     const wchar_t* property;
     int code;
@@ -25,38 +23,30 @@ constexpr Known kKnown[] = {
 
 class Configuration : public test::LauncherTest {
   protected:
-    static int set(const wchar_t* value, bool initMuService = false) {
-        EXPECT_TRUE(SetInstallConfiguration(propertyList({{L"install.configuration", value}}),
-                                            initMuService));
-        return static_cast<int>(eConfig);
+    static InstallConfiguration of(const wchar_t* value) {
+        return installConfigurationOf(propertyList({{L"install.configuration", value}}));
     }
 };
 
-TEST_F(Configuration, IsUnknownBeforeItIsSet) {
-    EXPECT_EQ(static_cast<int>(kAtStart), 5);
-}
-
 TEST_F(Configuration, EachNameHasItsCodeAndTellsItself) {
     for (const Known& known : kKnown) {
-        EXPECT_EQ(set(known.property), known.code) << known.property;
-        EXPECT_EQ(installConfigurationName(), known.name);
+        EXPECT_EQ(static_cast<int>(of(known.property)), known.code) << known.property;
+        EXPECT_EQ(installConfigurationName(of(known.property)), known.name);
     }
 }
 
 TEST_F(Configuration, OtherValuesAreUnknownAndNameless) {
     for (const wchar_t* value : {L"Service", L"USER", L"", L" user", L"user ", L"multi", L"3"}) {
-        EXPECT_EQ(set(value), 5) << '"' << value << '"';
-        EXPECT_EQ(installConfigurationName(), L"");
-        EXPECT_FALSE(isDirectJavaShape());
+        EXPECT_EQ(static_cast<int>(of(value)), 5) << '"' << value << '"';
+        EXPECT_EQ(installConfigurationName(of(value)), L"");
+        EXPECT_FALSE(isDirectJavaShape(of(value)));
     }
 }
 
 TEST_F(Configuration, MissingPropertyIsTheUserConfigurationAndTraced) {
     setDebug(true);
     const test::Records records(folder_);
-    EXPECT_TRUE(SetInstallConfiguration(PropertyList(), false));
-    EXPECT_EQ(static_cast<int>(eConfig), 3);
-    EXPECT_EQ(installConfigurationName(), L"user");
+    EXPECT_EQ(static_cast<int>(installConfigurationOf(PropertyList())), 3);
     EXPECT_TRUE(
         records.has("ZYPRA0041I: Missed install configuration in property file. Using default "
                     "setting!\n"));
@@ -64,58 +54,34 @@ TEST_F(Configuration, MissingPropertyIsTheUserConfigurationAndTraced) {
 
 TEST_F(Configuration, MissingPropertyIsNotReportedWithoutTracing) {
     const test::Records records(folder_);
-    SetInstallConfiguration(PropertyList(), false);
+    (void)installConfigurationOf(PropertyList());
     EXPECT_EQ(records.text(), "");
 }
 
 TEST_F(Configuration, GivenPropertyIsNotTraced) {
     setDebug(true);
     const test::Records records(folder_);
-    set(L"user");
+    (void)of(L"user");
     EXPECT_FALSE(records.has("ZYPRA0041I"));
 }
 
 TEST_F(Configuration, FirstEntryWins) {
-    SetInstallConfiguration(propertyList({{L"install.configuration", L"lockdown"},
-                                          {L"install.configuration", L"service"}}),
-                            false);
-    EXPECT_EQ(static_cast<int>(eConfig), 2);
+    EXPECT_EQ(installConfigurationOf(propertyList({{L"install.configuration", L"lockdown"},
+                                                   {L"install.configuration", L"service"}})),
+              InstallConfiguration::kLockdown);
 }
 
-TEST_F(Configuration, FlagForcesTheServiceInitialisationWhateverThePropertySays) {
-    for (const Known& known : kKnown) {
-        EXPECT_EQ(set(known.property, true), 7) << known.property;
-    }
-    EXPECT_EQ(set(L"nonsense", true), 7);
-    SetInstallConfiguration(PropertyList(), true);
-    EXPECT_EQ(static_cast<int>(eConfig), 7);
-    EXPECT_EQ(installConfigurationName(), L"multiuser");
+TEST_F(Configuration, ServiceInitialisationIsToldAsTheServiceOfManyUsers) {
+    EXPECT_EQ(installConfigurationName(InstallConfiguration::kMultiuserServiceInit), L"multiuser");
+    EXPECT_EQ(static_cast<int>(InstallConfiguration::kMultiuserServiceInit), 7);
 }
 
 TEST_F(Configuration, OnlyServiceAndItsInitialisationAreStartedWithPlainJava) {
     for (int code = 1; code <= 8; ++code) {
-        eConfig = static_cast<InstallConfiguration>(code);
-        EXPECT_EQ(isDirectJavaShape(), code == 1 || code == 7) << code;
-        EXPECT_EQ(isServiceConfig(), code == 1 || code == 7) << code;
+        const auto configuration = static_cast<InstallConfiguration>(code);
+        EXPECT_EQ(isDirectJavaShape(configuration), code == 1 || code == 7) << code;
+        EXPECT_EQ(isServiceConfig(configuration), code == 1 || code == 7) << code;
     }
-}
-
-TEST_F(Configuration, LockdownFlagFollowsTheLastCall) {
-    for (const Known& known : kKnown) {
-        set(known.property);
-        EXPECT_EQ(isLockdownConfig(), known.code == 2) << known.property;
-    }
-    set(L"lockdown");
-    ASSERT_TRUE(isLockdownConfig());
-    SetInstallConfiguration(PropertyList(), false);
-    EXPECT_FALSE(isLockdownConfig());
-}
-
-TEST_F(Configuration, LockdownFlagTellsThePropertyEvenWhenTheCodeIsForced) {
-    set(L"lockdown", true);
-    EXPECT_TRUE(isLockdownConfig());
-    set(L"user", true);
-    EXPECT_FALSE(isLockdownConfig());
 }
 
 }  // namespace

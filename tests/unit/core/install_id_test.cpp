@@ -1,6 +1,7 @@
 #include "launcher/core/install_id.h"
 
 #include "launcher/core/property_file.h"
+#include "platform/environment.h"
 #include "platform/text.h"
 #include "tests/unit/core/child_process.h"
 #include "tests/unit/core/user_area_fixture.h"
@@ -23,13 +24,13 @@ std::size_t countOf(const std::string& text, const std::string& part) {
 
 class InstallId : public UserAreaTest {
   protected:
-    InstallId() { eConfig = InstallConfiguration::kUserpb; }
+    InstallId() { inputs_.traits.eConfig = InstallConfiguration::kUserpb; }
 
     [[nodiscard]] std::wstring file() const { return folder_.wide("launcher.properties"); }
     void writeFile(const std::string& text) const { folder_.write("launcher.properties", text); }
     [[nodiscard]] std::string fileText() const { return folder_.read("launcher.properties"); }
     std::string make() {
-        const std::wstring id = getInstallID(file(), properties);
+        const std::wstring id = getInstallID(inputs_.traits.eConfig, file(), properties);
         return {id.begin(), id.end()};
     }
 
@@ -40,8 +41,9 @@ TEST_F(InstallId, IsThatOfTheProperties) {
     properties = listOf({{L"rcp.install.id", L"abc"}, {L"rcp.install.id", L"def"}});
     for (const auto configuration : {InstallConfiguration::kUser, InstallConfiguration::kUserpb,
                                      InstallConfiguration::kUnknown}) {
-        eConfig = configuration;
-        EXPECT_EQ(getInstallID(folder_.wide("missing"), properties), L"abc");
+        inputs_.traits.eConfig = configuration;
+        EXPECT_EQ(getInstallID(inputs_.traits.eConfig, folder_.wide("missing"), properties),
+                  L"abc");
     }
 }
 
@@ -51,9 +53,9 @@ TEST_F(InstallId, MissingOneIsFatalUnlessTheConfigurationMakesItsOwn) {
           InstallConfiguration::kUser, InstallConfiguration::kSerialMultiuser,
           InstallConfiguration::kUnknown, InstallConfiguration::kMultiuser,
           InstallConfiguration::kMultiuserServiceInit}) {
-        eConfig = configuration;
+        inputs_.traits.eConfig = configuration;
         writeFile("a=b\n");
-        EXPECT_FATAL(getInstallID(file(), properties),
+        EXPECT_FATAL(getInstallID(inputs_.traits.eConfig, file(), properties),
                      "ZYPRA0016E: rcp.install.id is required for this configuration!");
         EXPECT_EQ(fileText(), "a=b\n");
     }
@@ -135,7 +137,7 @@ TEST_F(InstallId, IdIsReadNextTimeEvenWhenTheFileEndsInsideAContinuedEntry) {
 }
 
 TEST_F(InstallId, FileThatCannotBeOpenedIsFatal) {
-    EXPECT_FATAL(getInstallID(folder_.wide("no/such/file"), properties),
+    EXPECT_FATAL(getInstallID(inputs_.traits.eConfig, folder_.wide("no/such/file"), properties),
                  "ZYPRA0017E: Could not open .*/no/such/file to append rcp.install.id! : No such");
 }
 
@@ -191,6 +193,20 @@ TEST_F(OldInstallId, IsTheFirstOfTheFile) {
 TEST_F(OldInstallId, IsFoundWithBackslashesInThePath) {
     writeOwn("rcp.install.id=abc\n");
     EXPECT_TRUE(isOldRcpInstallId(L"new", folder_.wide() + L"\\ws\\.config"));
+}
+
+TEST_F(InstallId, TickCountIsTheTimeOfDayInMicroseconds) {
+    const timeval before = getTick();
+    const unsigned long tick = std::stoul(getTickString());
+    const timeval after = getTick();
+    const auto microseconds = [](const timeval& time) {
+        return static_cast<unsigned long>(time.tv_sec) * 1'000'000UL +
+               static_cast<unsigned long>(time.tv_usec);
+    };
+    if (before.tv_sec <= after.tv_sec) {  // else somebody set the clock back meanwhile
+        EXPECT_GE(tick, microseconds(before));
+    }
+    EXPECT_EQ(getTickString().find_first_not_of(L"0123456789"), std::wstring::npos);
 }
 
 }  // namespace

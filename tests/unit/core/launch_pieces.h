@@ -23,6 +23,7 @@ class CommandLineTest : public LauncherTest {
   protected:
     Start start_ = Start::kOrdinary;
     CommandLine line_;
+    LaunchInputs inputs_;
 };
 
 using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;

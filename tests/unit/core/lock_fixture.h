@@ -2,7 +2,6 @@
 // a look at the lock from outside.
 #pragma once
 
-#include "launcher/core/launch_state.h"
 #include "launcher/core/platform_lock.h"
 #include "tests/unit/core/child_process.h"
 #include "tests/unit/core/records.h"
@@ -12,6 +11,7 @@
 #include <sys/stat.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace rcp::test {
@@ -20,10 +20,8 @@ namespace rcp::test {
 /// the test's forked processes count as platforms (the test itself, like a launcher, never does).
 class LockTest : public LauncherTest {
   protected:
-    LockTest() { invokeDylib = true; }
-    ~LockTest() override { closeLockFile(); }
-
-    static constexpr wchar_t kMarker[] = L"unit_core";
+    const ProcessMarker kMarker{
+        .mainProcessName = L"unit_core", .platformExecutable = {}, .invokeDylib = true};
 
     /// The id of a process that counts as the platform and lives as long as the test.
     [[nodiscard]] pid_t platformId() {
@@ -33,8 +31,15 @@ class LockTest : public LauncherTest {
         return platform_->pid();
     }
 
-    Launch locate(const Arguments& arguments = {L"rcplauncher"}) const {
-        return locateLockFile(arguments, folder_.wide(), kMarker);
+    /// Takes the lock, for a launch in place of an older one. False when the launch has to begin anew.
+    bool take(std::optional<long> oldPlatform = std::nullopt) {
+        lock_.reset();
+        lock_ = rcp::PlatformLock::take(folder_.wide(), kMarker, oldPlatform);
+        return lock_.has_value();
+    }
+    [[nodiscard]] bool isMain() const { return lock_ && !lock_->platform(); }
+    [[nodiscard]] std::optional<long> platform() const {
+        return lock_ ? lock_->platform() : std::nullopt;
     }
     void writeLock(const std::string& content) const { folder_.write(".rcp.lock", content); }
     [[nodiscard]] std::string lockFile() const { return folder_.read(".rcp.lock"); }
@@ -59,6 +64,8 @@ class LockTest : public LauncherTest {
         }
         return -1;
     }
+
+    std::optional<rcp::PlatformLock> lock_;
 
   private:
     std::unique_ptr<ChildProcess> platform_;

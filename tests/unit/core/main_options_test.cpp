@@ -1,9 +1,6 @@
 #include "launcher/core/main_options.h"
 
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/platform_lock.h"
 #include "tests/unit/core/launch_pieces.h"
 
 #include <algorithm>
@@ -21,7 +18,7 @@ constexpr wchar_t kSuppress[] = L"--launcher.suppressErrors";
 class MainOptions : public test::CommandLineTest {
   protected:
     MainOptions() {
-        eConfig = InstallConfiguration::kUser;
+        inputs_.traits.eConfig = InstallConfiguration::kUser;
         folder_.write("c.ini", "");
         custom_ = folder_.wide("c.ini");
         inputs_.workspace = L"/ws";
@@ -54,7 +51,6 @@ class MainOptions : public test::CommandLineTest {
         return {found + 1, written.end()};
     }
     std::wstring custom_;
-    LaunchInputs inputs_;
 };
 
 TEST_F(MainOptions, WithoutAnythingAreTheAreasAndTheCustomization) {
@@ -72,10 +68,10 @@ TEST_F(MainOptions, EverythingFromPropertiesComesInItsOrder) {
 
 TEST_F(MainOptions, NoSplashComesFirstInTheDirectJavaShape) {
     for (int code = 1; code <= 8; ++code) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
         EXPECT_EQ(all({}).front(), code == 1 || code == 7 ? L"-nosplash" : kSuppress) << code;
     }
-    eConfig = InstallConfiguration::kService;
+    inputs_.traits.eConfig = InstallConfiguration::kService;
     EXPECT_EQ(all({})[1], kSuppress);
 }
 
@@ -201,24 +197,22 @@ TEST_F(MainOptions, MegabyteOfArgumentsIsCopied) {
 using Daemon = test::CommandLineTest;
 
 TEST_F(Daemon, NamesTheMainProcess) {
-    pid = 4711;
-    addUseDaemonToCommandLine(line_);
+    inputs_.runningPlatform = 4711;
+    addUseDaemonToCommandLine(line_, inputs_);
     EXPECT_EQ(line_.arguments(), (Arguments{L"-useDaemon", L"4711"}));
 }
 
 TEST_F(Daemon, IdIsPrintedWhole) {
-    pid = std::numeric_limits<long>::max();
-    addUseDaemonToCommandLine(line_);
+    inputs_.runningPlatform = std::numeric_limits<long>::max();
+    addUseDaemonToCommandLine(line_, inputs_);
     EXPECT_EQ(line_.arguments().back(), std::to_wstring(std::numeric_limits<long>::max()));
-    pid = -1;
-    addUseDaemonToCommandLine(line_);
+    inputs_.runningPlatform = -1;
+    addUseDaemonToCommandLine(line_, inputs_);
     EXPECT_EQ(line_.arguments().back(), L"-1");
 }
 
 TEST_F(Daemon, MainProcessIsNone) {
-    setMainProcess(true);
-    pid = 4711;
-    addUseDaemonToCommandLine(line_);
+    addUseDaemonToCommandLine(line_, inputs_);
     EXPECT_EQ(line_.arguments(), Arguments{});
 }
 

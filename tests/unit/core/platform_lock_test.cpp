@@ -1,5 +1,6 @@
 #include "launcher/core/platform_lock.h"
 
+#include "base/system_calls.h"
 #include "tests/unit/core/lock_fixture.h"
 
 #include <sys/resource.h>
@@ -15,29 +16,26 @@ namespace {
 using namespace std::chrono_literals;
 using test::ChildProcess;
 
-class PlatformLock : public test::LockTest {
+class WorkspaceLock : public test::LockTest {
   protected:
     // Whether a launcher that finds this content in the lock file becomes the main one.
     bool becomesMain(const std::string& content) {
-        setMainProcess(false);
+        lock_.reset();
         writeLock(content);
-        locate();
-        closeLockFile();
-        return isMainProcess();
+        take();
+        return isMain();
     }
 };
 
-TEST_F(PlatformLock, FilesLieInTheWorkspace) {
-    locate();
-    EXPECT_EQ(getLockFilePath(), folder_.wide() + L"/.rcp.lock");
-    EXPECT_EQ(getPipeFilePath(), folder_.wide() + L"/.pipe");
-    EXPECT_EQ(getMainPidFilePath(), folder_.wide() + L"/.rcp.main");
+TEST_F(WorkspaceLock, FilesLieInTheWorkspace) {
+    EXPECT_EQ(getLockFilePath(L"/ws"), L"/ws/.rcp.lock");
+    EXPECT_EQ(getMainPidFilePath(L"/ws"), L"/ws/.rcp.main");
 }
 
-TEST_F(PlatformLock, FirstLauncherMakesTheFileForItsUserAloneAndIsTheMainOne) {
+TEST_F(WorkspaceLock, FirstLauncherMakesTheFileForItsUserAloneAndIsTheMainOne) {
     const test::Records records(folder_);
-    locate();
-    EXPECT_TRUE(isMainProcess());
+    take();
+    EXPECT_TRUE(isMain());
     struct stat status {};
     ASSERT_EQ(stat(folder_.narrow(".rcp.lock").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0600U);
@@ -50,17 +48,17 @@ TEST_F(PlatformLock, FirstLauncherMakesTheFileForItsUserAloneAndIsTheMainOne) {
         << records.text();
 }
 
-TEST_F(PlatformLock, TracingIsForcedAndThenAsBefore) {
+TEST_F(WorkspaceLock, TracingIsForcedAndThenAsBefore) {
     for (const bool before : {false, true}) {
         debug = before;
         const test::Records records(folder_);
-        locate();
+        take();
         EXPECT_TRUE(records.has("ZYPRA0304I"));
         EXPECT_EQ(debug, before);
     }
 }
 
-TEST_F(PlatformLock, ContentWithoutALivePlatformMakesTheMainLauncher) {
+TEST_F(WorkspaceLock, ContentWithoutALivePlatformMakesTheMainLauncher) {
     const std::string dead = std::to_string(test::deadProcessId()) + "          ";
     for (const std::string& content :
          {std::string(), std::string(14, ' '), std::string("\n"), dead, std::string("0"),
@@ -70,45 +68,33 @@ TEST_F(PlatformLock, ContentWithoutALivePlatformMakesTheMainLauncher) {
     }
 }
 
-TEST_F(PlatformLock, UnrelatedLiveProcessIsNoPlatform) {
+TEST_F(WorkspaceLock, UnrelatedLiveProcessIsNoPlatform) {
     const ChildProcess other("/bin/sleep", "editor", "1000");
     for (int round = 0; round < 400 && !becomesMain(std::to_string(other.pid())); ++round) {
         usleep(5000);  // until it has become the other program
     }
-    EXPECT_TRUE(isMainProcess());
+    EXPECT_TRUE(isMain());
     EXPECT_TRUE(becomesMain("1          "));
 }
 
-TEST_F(PlatformLock, LivePlatformMakesADaemonThatKnowsItsId) {
+TEST_F(WorkspaceLock, LivePlatformMakesADaemonThatKnowsItsId) {
     const test::Records records(folder_);
     EXPECT_FALSE(becomesMain(std::to_string(platformId()) + "          "));
-    EXPECT_EQ(pid, platformId());
+    EXPECT_EQ(platform(), platformId());
     EXPECT_TRUE(records.has("ZYPRA0305I: We are daemon process\n"));
     EXPECT_FALSE(records.has("ZYPRA0304I"));
     EXPECT_FALSE(records.has("ZYPRA0091E"));
 }
 
-TEST_F(PlatformLock, LettersInTheFileAreFatal) {
-    locate();
-    unlockLockFile();
+TEST_F(WorkspaceLock, LettersInTheFileAreFatal) {
     for (const char* content : {"letters", "  x12"}) {
         writeLock(content);
-        EXPECT_FATAL(isMainProcessRunning(kMarker),
-                     "ZYPRA0092E: Error reading platform lock file\\. \\(" +
-                         folder_.narrow(".rcp.lock") + "\\)\n");
-        EXPECT_FATAL(locate(), "ZYPRA0092E");
+        EXPECT_FATAL(take(), "ZYPRA0092E: Error reading platform lock file\\. \\(" +
+                                 folder_.narrow(".rcp.lock") + "\\)\n");
     }
 }
 
-TEST_F(PlatformLock, FileThatIsGoneMeansNoPlatform) {
-    writeLock(std::to_string(platformId()));
-    locate();
-    ASSERT_TRUE(isMainProcessRunning(kMarker));
-    std::filesystem::remove(folder_.path() / ".rcp.lock");
-    EXPECT_FALSE(isMainProcessRunning(kMarker));
-}
-
-TEST_F(PlatformLock, MainLauncherDeletesTheSidFileAndADaemonKeepsIt) {
+TEST_F(WorkspaceLock, MainLauncherDeletesTheSidFileAndADaemonKeepsIt) {
     folder_.write(".sid", "7");
     EXPECT_FALSE(becomesMain(std::to_string(platformId())));
     EXPECT_TRUE(folder_.has(".sid"));
@@ -117,44 +103,43 @@ TEST_F(PlatformLock, MainLauncherDeletesTheSidFileAndADaemonKeepsIt) {
     EXPECT_TRUE(becomesMain("")) << "it need not be there";
 }
 
-TEST_F(PlatformLock, LockIsHeldUntilItIsReleased) {
+TEST_F(WorkspaceLock, LockIsHeldUntilItIsReleased) {
     const test::Records records(folder_);
-    locate();
+    take();
     EXPECT_TRUE(isLocked());
     const ForcedTracing forced;
-    unlockLockFile();
+    lock_->release();
     EXPECT_FALSE(isLocked());
     EXPECT_TRUE(records.has("ZYPRA0306I: lock file released @ "));
 }
 
-TEST_F(PlatformLock, OpeningTheFileElsewhereInTheProcessKeepsTheLock) {
-    locate();
+TEST_F(WorkspaceLock, OpeningTheFileElsewhereInTheProcessKeepsTheLock) {
+    take();
     EXPECT_EQ(lockFile(), "");
     EXPECT_TRUE(isLocked()) << "the file was opened and closed in between";
 }
 
-TEST_F(PlatformLock, DescriptorIsNotPassedToOtherPrograms) {
-    locate();
+TEST_F(WorkspaceLock, DescriptorIsNotPassedToOtherPrograms) {
+    take();
     ASSERT_GE(descriptor(), 0);
     EXPECT_NE(fcntl(descriptor(), F_GETFD) & FD_CLOEXEC, 0);
 }
 
-TEST_F(PlatformLock, SecondLauncherWaitsForTheFirst) {
-    locate();
+TEST_F(WorkspaceLock, SecondLauncherWaitsForTheFirst) {
+    take();
     ChildProcess second([this] {
-        setMainProcess(false);
-        locate();
-        return isMainProcess() ? 1 : 2;
+        take();
+        return isMain() ? 1 : 2;
     });
     EXPECT_FALSE(second.endsWithin(100ms));
-    populateLockFile(getpid());
-    unlockLockFile();
+    lock_->record(getpid());
+    lock_->release();
     EXPECT_EQ(second.wait(), 2);
 }
 
-TEST_F(PlatformLock, LauncherThatDiesReleasesTheLock) {
+TEST_F(WorkspaceLock, LauncherThatDiesReleasesTheLock) {
     ChildProcess first([this] {
-        locate();
+        take();
         pause();
         return 0;
     });
@@ -162,97 +147,91 @@ TEST_F(PlatformLock, LauncherThatDiesReleasesTheLock) {
         ASSERT_FALSE(first.endsWithin(1ms));
     }
     ChildProcess second([this] {
-        locate();
-        return isMainProcess() ? 1 : 2;
+        take();
+        return isMain() ? 1 : 2;
     });
     EXPECT_FALSE(second.endsWithin(50ms));
     first.end();
     EXPECT_EQ(second.wait(), 1);
 }
 
-TEST_F(PlatformLock, SignalsDoNotEndTheWait) {
-    locate();
+TEST_F(WorkspaceLock, SignalsDoNotEndTheWait) {
+    take();
     ChildProcess second([this] {
         struct sigaction action {};
         action.sa_handler = [](int) {};
         sigaction(SIGALRM, &action, nullptr);  // interrupts system calls
         const itimerval often = {{0, 2000}, {0, 2000}};
         setitimer(ITIMER_REAL, &often, nullptr);
-        locate();
+        take();
         return 3;
     });
     EXPECT_FALSE(second.endsWithin(100ms));
-    unlockLockFile();
+    lock_->release();
     EXPECT_EQ(second.wait(), 3);
 }
 
-TEST_F(PlatformLock, ChildAloneHoldsTheLockOnceTheParentGaveItUp) {
-    locate();
+TEST_F(WorkspaceLock, ChildAloneHoldsTheLockOnceTheParentGaveItUp) {
+    take();
     ChildProcess child([] {
         pause();
         return 0;
     });
-    closeLockFile();
+    lock_->leaveToChild();
     EXPECT_EQ(descriptor(), -1);
     EXPECT_TRUE(isLocked());
-    unlockLockFile();
+    lock_->release();
     EXPECT_TRUE(isLocked()) << "there is nothing left that the parent could release";
     child.end();
     EXPECT_FALSE(isLocked());
 }
 
-TEST_F(PlatformLock, LockThatFailsIsFatal) {
-    locate();
-    EXPECT_FATAL(
-        {
-            close(descriptor());
-            lockLockFile(folder_.wide(".sid"), kMarker);
-        },
-        "ZYPRA0053E: Error locking platform lock file\\.  : Bad file descriptor");
-    EXPECT_FATAL(
-        {
-            close(descriptor());
-            unlockLockFile();
-        },
-        "ZYPRA0070E: Error unlocking platform lock file\\.  : Bad file descriptor");
+int noLock(int /*descriptor*/, int /*operation*/) {
+    errno = EBADF;
+    return -1;
 }
 
-TEST_F(PlatformLock, FileThatCannotBeMadeIsFatal) {
-    std::filesystem::create_directory(folder_.path() / "workspace");
-    (void)locateLockFile({L"rcplauncher"}, folder_.wide("workspace"), kMarker);
-    std::filesystem::remove_all(folder_.path() / "workspace");
+TEST_F(WorkspaceLock, LockThatFailsIsFatal) {
+    take();
+    SystemCalls calls = systemCalls;
+    calls.flock = &noLock;
+    const InstalledCalls installed(calls);
+    EXPECT_FATAL(lock_->release(),
+                 "ZYPRA0070E: Error unlocking platform lock file\\.  : Bad file descriptor");
+    EXPECT_FATAL(take(), "ZYPRA0053E: Error locking platform lock file\\.  : Bad file descriptor");
+}
+
+TEST_F(WorkspaceLock, FileThatCannotBeMadeIsFatal) {
     const test::Records records(folder_);
-    EXPECT_FATAL(createAndOpenLockFile(),
+    EXPECT_FATAL((void)PlatformLock::take(folder_.wide("missing"), kMarker, std::nullopt),
                  "^ZYPRA0054E: Error locating platform lock file : No such file");
     EXPECT_TRUE(records.has("ZYPRA0199E: CreateLockFile failed. errno=2\n"));
 }
 
-TEST_F(PlatformLock, NothingButAFileIsALockFile) {
-    locate();
+TEST_F(WorkspaceLock, NothingButAFileIsALockFile) {
     const std::string path = folder_.narrow(".rcp.lock");
-    std::filesystem::remove(path);
     std::filesystem::create_directory(path);
-    EXPECT_FATAL(createAndOpenLockFile(), "ZYPRA0054E: Error locating platform lock file");
+    EXPECT_FATAL(take(), "ZYPRA0054E: Error locating platform lock file");
     std::filesystem::remove(path);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_FATAL(createAndOpenLockFile(), "ZYPRA0054E: Error locating platform lock file");
+    EXPECT_FATAL(take(), "ZYPRA0054E: Error locating platform lock file");
 }
 
-TEST_F(PlatformLock, MainLauncherRecordsTheIdInBothFiles) {
-    locate();
-    populateLockFile(4711);
+TEST_F(WorkspaceLock, MainLauncherRecordsTheIdInBothFiles) {
+    take();
+    lock_->record(4711);
     EXPECT_EQ(lockFile(), "4711          ");
     EXPECT_EQ(folder_.read(".rcp.main"), "4711    ");
 }
 
-TEST_F(PlatformLock, FileThatWasRemovedWhileItWasWaitedForIsMadeAnew) {
+TEST_F(WorkspaceLock, FileThatWasRemovedWhileItWasWaitedForIsMadeAnew) {
     writeLock("");
     const int holder = open(folder_.narrow(".rcp.lock").c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_EQ(flock(holder, LOCK_EX), 0);
     test::ChildProcess waiting([&] {
         close(holder);  // or the waiting process would hold the lock too
-        locate();
-        return isMainProcess() && isLocked() ? 0 : 1;
+        take();
+        return isMain() && isLocked() ? 0 : 1;
     });
     EXPECT_FALSE(waiting.endsWithin(std::chrono::milliseconds(200)));
     std::filesystem::remove(folder_.path() / ".rcp.lock");
@@ -261,7 +240,7 @@ TEST_F(PlatformLock, FileThatWasRemovedWhileItWasWaitedForIsMadeAnew) {
     EXPECT_TRUE(folder_.has(".rcp.lock"));
 }
 
-TEST_F(PlatformLock, FileThatALinkLeadsToIsLocked) {
+TEST_F(WorkspaceLock, FileThatALinkLeadsToIsLocked) {
     for (const char* target : {"elsewhere", "made by the launch"}) {
         const std::string path = folder_.narrow(target);
         if (target == std::string("elsewhere")) {
@@ -270,9 +249,9 @@ TEST_F(PlatformLock, FileThatALinkLeadsToIsLocked) {
         std::filesystem::remove(folder_.path() / ".rcp.lock");
         std::filesystem::create_symlink(path, folder_.path() / ".rcp.lock");
         ChildProcess launcher([this] {
-            locate();
-            populateLockFile(4711);
-            return isMainProcess() && isLocked() ? 0 : 1;
+            take();
+            lock_->record(4711);
+            return isMain() && isLocked() ? 0 : 1;
         });
         ASSERT_TRUE(launcher.endsWithin(10s)) << target;
         EXPECT_EQ(launcher.wait(), 0) << target;
@@ -295,7 +274,7 @@ bool isWaitedFor(int descriptor) {
     return false;
 }
 
-TEST_F(PlatformLock, FileThatIsAnotherOneAfterEachWaitIsGivenUp) {
+TEST_F(WorkspaceLock, FileThatIsAnotherOneAfterEachWaitIsGivenUp) {
     const auto lockNew = [this](const char* name) {
         const int file = open(folder_.narrow(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         return flock(file, LOCK_EX) == 0 ? file : -1;
@@ -315,60 +294,60 @@ TEST_F(PlatformLock, FileThatIsAnotherOneAfterEachWaitIsGivenUp) {
     while (!isLocked()) {
         usleep(1000);
     }
-    EXPECT_FATAL(locate(),
+    EXPECT_FATAL(take(),
                  "ZYPRA0053E: Error locking platform lock file\\. \\(.*/\\.rcp\\.lock is another "
                  "one each time\\.\\)\n");
 }
 #endif
 
-TEST_F(PlatformLock, DaemonRecordsNothing) {
+TEST_F(WorkspaceLock, DaemonRecordsNothing) {
     const std::string content = std::to_string(platformId()) + "          ";
     writeLock(content);
-    locate();
-    populateLockFile(4711);
+    take();
+    lock_->record(4711);
     EXPECT_EQ(lockFile(), content);
     EXPECT_FALSE(folder_.has(".rcp.main"));
 }
 
-TEST_F(PlatformLock, ShorterIdLeavesNoDigitOfALongerOne) {
+TEST_F(WorkspaceLock, ShorterIdLeavesNoDigitOfALongerOne) {
     writeLock("98765432101    ");  // too large for a process id
     folder_.write(".rcp.main", "98765432101    ");
-    locate();
-    populateLockFile(7);
+    take();
+    lock_->record(7);
     EXPECT_EQ(lockFile(), "7              ");
     EXPECT_EQ(folder_.read(".rcp.main"), "7    ") << "this one is written from scratch";
 }
 
-TEST_F(PlatformLock, FailedForkIsRecordedAsItIs) {
-    locate();
-    populateLockFile(-1);
+TEST_F(WorkspaceLock, FailedForkIsRecordedAsItIs) {
+    take();
+    lock_->record(-1);
     EXPECT_EQ(lockFile(), "-1          ");
     EXPECT_EQ(folder_.read(".rcp.main"),
               std::to_string(std::numeric_limits<unsigned long>::max()) + "    ");
 }
 
-TEST_F(PlatformLock, MainIdFileThatCannotBeOpenedIsReportedAndTheLockStillWritten) {
+TEST_F(WorkspaceLock, MainIdFileThatCannotBeOpenedIsReportedAndTheLockStillWritten) {
     const test::Records records(folder_);
     std::filesystem::create_directory(folder_.path() / ".rcp.main");
-    locate();
+    take();
     debug = true;  // information, for all that it tells of a failure
-    populateLockFile(4711);
+    lock_->record(4711);
     EXPECT_TRUE(records.has("ZYPRA00XXI: Unable to open rcp.main file\n"));
     EXPECT_EQ(lockFile(), "4711          ");
 }
 
-TEST_F(PlatformLock, MainIdThatCannotBeWrittenIsReported) {
+TEST_F(WorkspaceLock, MainIdThatCannotBeWrittenIsReported) {
     if (logIsOpen()) {
         GTEST_SKIP() << "records cannot be written either";
     }
-    locate();
-    ChildProcess withoutRoom([] {
+    take();
+    ChildProcess withoutRoom([this] {
         signal(SIGXFSZ, SIG_IGN);
         const rlimit none = {0, 0};
         setrlimit(RLIMIT_FSIZE, &none);
         const std::size_t before = logQueue().size();
         debug = true;
-        populateLockFile(4711);
+        lock_->record(4711);
         const std::string records =
             "ZYPRA00XXI: Unable to write pid to rcp.main file\n"
             "ZYPRA0051E: Unable to write to platform lock file : File too large\n";
@@ -377,61 +356,14 @@ TEST_F(PlatformLock, MainIdThatCannotBeWrittenIsReported) {
     EXPECT_EQ(withoutRoom.wait(), 0);
 }
 
-TEST_F(PlatformLock, LockFileThatCannotBeWrittenIsReportedOnly) {
+TEST_F(WorkspaceLock, LockFileThatCannotBeWrittenIsReportedOnly) {
     const test::Records records(folder_);
-    locate();
-    closeLockFile();
-    populateLockFile(4711);
+    take();
+    lock_->leaveToChild();
+    lock_->record(4711);
     EXPECT_TRUE(
         records.has("ZYPRA0051E: Unable to write to platform lock file : Bad file descriptor\n"));
     EXPECT_FALSE(records.has("ZYPRA0052E"));
-    invalidateLockFile();
-    EXPECT_TRUE(
-        records.has("ZYPRA0052E: Unable to invalidate platform lock file : Bad file descriptor\n"));
-}
-
-TEST_F(PlatformLock, InvalidatingWritesFourteenBlanks) {
-    writeLock("99999999999999999");
-    locate();
-    invalidateLockFile();
-    EXPECT_EQ(lockFile(), std::string(14, ' ') + "999");
-}
-
-TEST_F(PlatformLock, NoShutdownIsDirty) {
-    EXPECT_FALSE(isDirtyShutdown());
-}
-
-class PipeName : public test::LockTest {
-  protected:
-    // "(none)" when no name was read.
-    std::wstring read() const {
-        locate();
-        std::wstring name = L"as before";
-        return getPipeName(name) ? name : name == L"as before" ? L"(none)" : L"(changed)";
-    }
-};
-
-TEST_F(PipeName, NoFileGivesNone) {
-    EXPECT_EQ(read(), L"(none)");
-}
-
-TEST_F(PipeName, IsTheFirstLineWithoutLeadingBlanks) {
-    folder_.write(".pipe", "  /tmp/pipe of ann  \nsecond\n");
-    EXPECT_EQ(read(), L"/tmp/pipe of ann  ");
-    folder_.write(".pipe", "\n\n\tB\u00FCro");
-    EXPECT_EQ(read(), L"B\u00FCro");
-}
-
-TEST_F(PipeName, FileWithoutANameGivesNone) {
-    for (const char* content : {"", "\n", "  \n \t\n"}) {
-        folder_.write(".pipe", content);
-        EXPECT_EQ(read(), L"(none)") << content;
-    }
-}
-
-TEST_F(PipeName, IsCutAtItsLongest) {
-    folder_.write(".pipe", std::string(2024, 'p') + "more\n");
-    EXPECT_EQ(read(), std::wstring(2024, L'p'));
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ class PlatformXml : public UserAreaTest {
         return platformXmlLine(text, properties, bareFeatures);
     }
     bool create(bool bareFeatures = false) {
-        return createPlatformXML(configuration(), base(), properties, bareFeatures);
+        return createPlatformXML(with(properties), base(), bareFeatures);
     }
 };
 
@@ -108,7 +108,6 @@ TEST_F(PlatformXml, IsTheMasterCopyWithItsPlaceholdersFilledIn) {
     writeCore("platform.xml", "<c>\n<f ${jvm.feature.id}/>\n<é>\n</c>");
     EXPECT_TRUE(create());
     EXPECT_EQ(own(kFile), "<c>\n<f com.jvm/>\n<é>\n</c>\n");
-    EXPECT_TRUE(userFirstLaunch);
     EXPECT_FALSE(hasTemporaryName());
 }
 
@@ -127,17 +126,15 @@ TEST_F(PlatformXml, LongLineIsCutIntoLinesInFrontOfItsPlaceholders) {
 TEST_F(PlatformXml, ExistingOneIsNeverMadeAgain) {
     folder_.write(std::string("ws/.config/") + kFile, "own");
     writeCore("platform.xml", "core");
-    EXPECT_TRUE(create());
+    EXPECT_FALSE(create());
     EXPECT_EQ(own(kFile), "own");
-    EXPECT_FALSE(userFirstLaunch);
 }
 
 TEST_F(PlatformXml, ConfigurationWithAnIdOfItsOwnHasNone) {
-    eConfig = InstallConfiguration::kUserpb;
+    inputs_.traits.eConfig = InstallConfiguration::kUserpb;
     folder_.write("base/platform.xml", "core");
     EXPECT_FALSE(create());
     EXPECT_FALSE(hasOwn("org.eclipse.update"));
-    EXPECT_FALSE(userFirstLaunch);
 }
 
 TEST_F(PlatformXml, UnmanagedUpdatePolicyLeavesTheDirectoryEmpty) {
@@ -146,7 +143,6 @@ TEST_F(PlatformXml, UnmanagedUpdatePolicyLeavesTheDirectoryEmpty) {
     EXPECT_TRUE(create());
     EXPECT_TRUE(hasOwn("org.eclipse.update"));
     EXPECT_FALSE(hasOwn(kFile));
-    EXPECT_TRUE(userFirstLaunch);
 }
 
 TEST_F(PlatformXml, ValueThatIsNoTextOfTheLocaleCostsItsLineAndIsReported) {
@@ -174,7 +170,6 @@ TEST_F(PlatformXml, EveryOtherUpdatePolicyIsAManagedOne) {
 TEST_F(PlatformXml, DirectoryMadeNowIsAFirstLaunchEvenWithoutAFile) {
     const Records records(folder_);
     EXPECT_TRUE(create());
-    EXPECT_TRUE(userFirstLaunch);
     EXPECT_EQ(records.text(), "ZYPRA0104E: Unable to open platform.xml.\"" +
                                   folder_.narrow("base/platform.xml") +
                                   "\" : No such file or directory\n");
@@ -190,7 +185,7 @@ TEST_F(PlatformXml, FileThatCannotBeOpenedForWritingIsReported) {
     writeCore("platform.xml", "core");
     folder_.write("ws/.config/org.eclipse.update/platform.xml.tmp/in the way", "");
     const Records records(folder_);
-    EXPECT_TRUE(create());
+    EXPECT_FALSE(create());
     EXPECT_EQ(records.text(), "ZYPRA0139E: Unable to open platform.xml for writing.\"" +
                                   folder_.narrow(std::string("ws/.config/") + kFile) +
                                   "\" : Is a directory\n");

@@ -1,8 +1,8 @@
 #include "launcher/core/process_check.h"
 
-#include "launcher/core/launch_state.h"
 #include "platform/environment.h"
 #include "platform/install_location.h"
+#include "platform/text.h"
 #include "tests/unit/core/child_process.h"
 #include "tests/unit/fixture.h"
 
@@ -15,66 +15,72 @@ using test::ChildProcess;
 
 constexpr char kListing[] = "/opt/Velmo/com.ovr.rcp.base_1/macosx/x86/eclipse -data /ws\n";
 
+enum HandOff { kInProcess, kExecuted };
+
+bool shows(std::string_view listing, const std::string& name, HandOff handOff) {
+    return listingShowsPlatform(listing, {.mainProcessName = toWide(name),
+                                          .platformExecutable = {},
+                                          .invokeDylib = handOff == kInProcess});
+}
+
 TEST(Listing, InProcessNeedsTheNameOnly) {
-    EXPECT_TRUE(listingShowsPlatform(kListing, "Velmo", false));
-    EXPECT_FALSE(listingShowsPlatform(kListing, "Vilma", false));
-    EXPECT_FALSE(listingShowsPlatform(kListing, "velmo", false)) << "letter case counts";
+    EXPECT_TRUE(shows(kListing, "Velmo", kInProcess));
+    EXPECT_FALSE(shows(kListing, "Vilma", kInProcess));
+    EXPECT_FALSE(shows(kListing, "velmo", kInProcess)) << "letter case counts";
 }
 
 TEST(Listing, ExecutedPlatformNeedsItsBaseOnTheSameLine) {
-    EXPECT_TRUE(listingShowsPlatform(kListing, "eclipse", true));
-    EXPECT_FALSE(listingShowsPlatform("1 ? S 0:00 /usr/bin/eclipse\n", "eclipse", true));
-    EXPECT_FALSE(
-        listingShowsPlatform("1 ? S 0:00 eclipse\n1 ? S 0:00 rcp.base\n", "eclipse", true));
-    EXPECT_TRUE(listingShowsPlatform("1 a\n1 ? S 0:00 rcp.base/eclipse", "eclipse", true))
+    EXPECT_TRUE(shows(kListing, "eclipse", kExecuted));
+    EXPECT_FALSE(shows("1 ? S 0:00 /usr/bin/eclipse\n", "eclipse", kExecuted));
+    EXPECT_FALSE(shows("1 ? S 0:00 eclipse\n1 ? S 0:00 rcp.base\n", "eclipse", kExecuted));
+    EXPECT_TRUE(shows("1 a\n1 ? S 0:00 rcp.base/eclipse", "eclipse", kExecuted))
         << "the last line needs no line feed";
 }
 
 TEST(Listing, DotInTheBaseIsAnyCharacterAsInGrep) {
-    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 rcp-base/eclipse\n", "eclipse", true));
+    EXPECT_TRUE(shows("1 ? S 0:00 rcp-base/eclipse\n", "eclipse", kExecuted));
 }
 
 TEST(Listing, NothingListedIsNoPlatform) {
-    EXPECT_FALSE(listingShowsPlatform("", "Velmo", false));
-    EXPECT_FALSE(listingShowsPlatform("\n", "Velmo", false));
+    EXPECT_FALSE(shows("", "Velmo", kInProcess));
+    EXPECT_FALSE(shows("\n", "Velmo", kInProcess));
 }
 
 TEST(Listing, ProcessThatHasEndedIsNoPlatform) {
-    EXPECT_FALSE(listingShowsPlatform("1 ? Z 0:00 [Velmo] <defunct>\n", "Velmo", false));
-    EXPECT_TRUE(
-        listingShowsPlatform("1 ? Z 0:00 [Velmo] <defunct>\n2 ? S 0:00 Velmo\n", "Velmo", false));
+    EXPECT_FALSE(shows("1 ? Z 0:00 [Velmo] <defunct>\n", "Velmo", kInProcess));
+    EXPECT_TRUE(shows("1 ? Z 0:00 [Velmo] <defunct>\n2 ? S 0:00 Velmo\n", "Velmo", kInProcess));
 }
 
 TEST(Listing, EmptyNameNeverMatches) {
-    EXPECT_FALSE(listingShowsPlatform(kListing, "", false));
-    EXPECT_FALSE(listingShowsPlatform(kListing, "", true));
+    EXPECT_FALSE(shows(kListing, "", kInProcess));
+    EXPECT_FALSE(shows(kListing, "", kExecuted));
 }
 
 TEST(Listing, NameThatBeginsWithAHyphenIsStillAName) {
-    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 rcp.base/-v\n", "-v", true));
-    EXPECT_FALSE(listingShowsPlatform(kListing, "-v", true));
-    EXPECT_FALSE(listingShowsPlatform(kListing, "-e", false));
+    EXPECT_TRUE(shows("1 ? S 0:00 rcp.base/-v\n", "-v", kExecuted));
+    EXPECT_FALSE(shows(kListing, "-v", kExecuted));
+    EXPECT_FALSE(shows(kListing, "-e", kInProcess));
 }
 
 TEST(Listing, NameIsABasicRegularExpression) {
-    EXPECT_TRUE(listingShowsPlatform(kListing, "V.lmo", false));
-    EXPECT_TRUE(listingShowsPlatform(kListing, "ecl[a-z]*e -data", false));
-    EXPECT_FALSE(listingShowsPlatform(kListing, "Velmo+", false)) << "plus is ordinary";
-    EXPECT_FALSE(listingShowsPlatform(kListing, "Velmo|eclipse", false)) << "so is the bar";
-    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 a+b(c)|d{2}\n", "a+b(c)|d{2}", false));
+    EXPECT_TRUE(shows(kListing, "V.lmo", kInProcess));
+    EXPECT_TRUE(shows(kListing, "ecl[a-z]*e -data", kInProcess));
+    EXPECT_FALSE(shows(kListing, "Velmo+", kInProcess)) << "plus is ordinary";
+    EXPECT_FALSE(shows(kListing, "Velmo|eclipse", kInProcess)) << "so is the bar";
+    EXPECT_TRUE(shows("1 ? S 0:00 a+b(c)|d{2}\n", "a+b(c)|d{2}", kInProcess));
 }
 
 TEST(Listing, NameThatIsNoRegularExpressionNeverMatches) {
     for (const char* name : {"[", "\\(", "a\\", "[z-a]"}) {
-        EXPECT_FALSE(listingShowsPlatform("1 ? S 0:00 [ ( a\\ z\n", name, false)) << name;
+        EXPECT_FALSE(shows("1 ? S 0:00 [ ( a\\ z\n", name, kInProcess)) << name;
     }
 }
 
 TEST(Listing, ShellCharactersInANameMeanNothing) {
     for (const char* name : {"x; true", "$(true)", "`true`", "x || true", "x > /dev/null"}) {
-        EXPECT_FALSE(listingShowsPlatform(kListing, name, false)) << name;
+        EXPECT_FALSE(shows(kListing, name, kInProcess)) << name;
     }
-    EXPECT_TRUE(listingShowsPlatform("1 ? S 0:00 My Client; true\n", "My Client; true", false));
+    EXPECT_TRUE(shows("1 ? S 0:00 My Client; true\n", "My Client; true", kInProcess));
 }
 
 // A running process whose command line is `name` and a number.
@@ -85,23 +91,31 @@ class PlatformProcess : public test::LauncherTest {
     ~PlatformProcess() override { setLauncherExecutable({}); }
 
     static ChildProcess start(const std::string& name) { return {"/bin/sleep", name, "1000"}; }
+    bool isPlatform(long process, const std::wstring& name) const {
+        return isPlatformProcess(process, {.mainProcessName = name,
+                                           .platformExecutable = platformExecutable,
+                                           .invokeDylib = invokeDylib});
+    }
     // The child's listing changes when it becomes the program.
-    static bool becomes(const ChildProcess& child, const std::wstring& name) {
+    bool becomes(const ChildProcess& child, const std::wstring& name) const {
         for (int round = 0; round < 400; ++round) {
-            if (isPlatformProcess(child.pid(), name)) {
+            if (isPlatform(child.pid(), name)) {
                 return true;
             }
             usleep(5000);
         }
         return false;
     }
+
+    std::wstring platformExecutable;
+    bool invokeDylib = false;
 };
 
 TEST_F(PlatformProcess, LiveProcessOfTheNameIsThePlatform) {
     invokeDylib = true;
     const ChildProcess child = start("/opt/Velmo/rcp/rcplauncher");
     EXPECT_TRUE(becomes(child, L"Velmo"));
-    EXPECT_FALSE(isPlatformProcess(child.pid(), L"Vilma"));
+    EXPECT_FALSE(isPlatform(child.pid(), L"Vilma"));
 }
 
 TEST_F(PlatformProcess, ExecutedOneNeedsTheBaseToo) {
@@ -111,30 +125,30 @@ TEST_F(PlatformProcess, ExecutedOneNeedsTheBaseToo) {
     invokeDylib = true;
     ASSERT_TRUE(becomes(other, L"eclipse"));
     invokeDylib = false;
-    EXPECT_FALSE(isPlatformProcess(other.pid(), L"eclipse"));
+    EXPECT_FALSE(isPlatform(other.pid(), L"eclipse"));
 }
 
 TEST_F(PlatformProcess, ExecutableOfTheLauncherOrThePlatformIsEnough) {
     setLauncherExecutable({});
     const ChildProcess inProcess([] { return pause(); });
-    EXPECT_TRUE(isPlatformProcess(inProcess.pid(), L"nobody's name"));
+    EXPECT_TRUE(isPlatform(inProcess.pid(), L"nobody's name"));
     setLauncherExecutable("/no/such/launcher");
-    EXPECT_FALSE(isPlatformProcess(inProcess.pid(), L"nobody's name"));
+    EXPECT_FALSE(isPlatform(inProcess.pid(), L"nobody's name"));
     std::filesystem::copy_file("/bin/sleep", folder_.path() / "eclipse");
     std::filesystem::create_symlink(folder_.path() / "eclipse", folder_.path() / "link");
     platformExecutable = folder_.wide("link");
     const ChildProcess executed(folder_.narrow("eclipse"), "no name", "1000");
     EXPECT_TRUE(becomes(executed, L"nobody's name"));
     platformExecutable = folder_.wide("another");
-    EXPECT_FALSE(isPlatformProcess(executed.pid(), L"nobody's name"));
+    EXPECT_FALSE(isPlatform(executed.pid(), L"nobody's name"));
     platformExecutable = folder_.wide("eclipse");
     std::filesystem::remove(folder_.path() / "eclipse");
-    EXPECT_TRUE(isPlatformProcess(executed.pid(), L"nobody's name")) << "replaced by an upgrade";
+    EXPECT_TRUE(isPlatform(executed.pid(), L"nobody's name")) << "replaced by an upgrade";
 }
 
 TEST_F(PlatformProcess, DeadProcessIsNot) {
     invokeDylib = true;
-    EXPECT_FALSE(isPlatformProcess(test::deadProcessId(), L"."));
+    EXPECT_FALSE(isPlatform(test::deadProcessId(), L"."));
 }
 
 TEST_F(PlatformProcess, IdsThatAreNoProcessIdsAreNot) {
@@ -147,13 +161,13 @@ TEST_F(PlatformProcess, IdsThatAreNoProcessIdsAreNot) {
                         std::numeric_limits<long>::max(),
                         std::numeric_limits<long>::min()};
     for (const long id : ids) {
-        EXPECT_FALSE(isPlatformProcess(id, L".")) << id;
+        EXPECT_FALSE(isPlatform(id, L".")) << id;
     }
 }
 
 TEST_F(PlatformProcess, LauncherIsNotThePlatformItLooksFor) {
     invokeDylib = true;
-    EXPECT_FALSE(isPlatformProcess(getpid(), L"unit_core"));
+    EXPECT_FALSE(isPlatform(getpid(), L"unit_core"));
 }
 
 TEST_F(PlatformProcess, NameOutsideAsciiIsFoundWhateverLocaleTheEnvironmentAsksFor) {
@@ -176,7 +190,7 @@ TEST_F(PlatformProcess, ListingIsAskedForInAFormOfBothSystems) {
     setenv("PATH", folder_.narrow().c_str(), 1);
     setenv("LC_ALL", "C", 1);
     setenv("LC_CTYPE", "C", 1);
-    isPlatformProcess(child.pid(), L"Velmo");
+    isPlatform(child.pid(), L"Velmo");
     unsetenv("LC_CTYPE");
     unsetenv("LC_ALL");
     setenv("PATH", before.c_str(), 1);
@@ -191,7 +205,7 @@ TEST_F(PlatformProcess, ChildSignalThatIsIgnoredChangesNothing) {
     const ChildProcess child = start("/opt/Velmo/rcp/rcplauncher");
     ASSERT_TRUE(becomes(child, L"Velmo"));
     (void)signal(SIGCHLD, SIG_IGN);
-    EXPECT_TRUE(isPlatformProcess(child.pid(), L"Velmo"));
+    EXPECT_TRUE(isPlatform(child.pid(), L"Velmo"));
     EXPECT_EQ(signal(SIGCHLD, SIG_DFL), SIG_IGN) << "given back as it was";
 }
 
@@ -199,7 +213,7 @@ TEST_F(PlatformProcess, EmptyNameIsNobodys) {
     invokeDylib = true;
     const ChildProcess platform = start("/opt/Velmo/rcp/rcplauncher");
     ASSERT_TRUE(becomes(platform, L"Velmo"));
-    EXPECT_FALSE(isPlatformProcess(platform.pid(), L""));
+    EXPECT_FALSE(isPlatform(platform.pid(), L""));
 }
 
 TEST_F(PlatformProcess, TerminalWidthNeverCutsTheLine) {
@@ -225,7 +239,7 @@ TEST_F(PlatformProcess, ProcessThatCannotBeListedIsNot) {
     ASSERT_TRUE(becomes(child, L"Velmo"));
     const std::string before = getenv("PATH");
     setenv("PATH", folder_.narrow().c_str(), 1);
-    EXPECT_FALSE(isPlatformProcess(child.pid(), L"Velmo")) << "there is no ps";
+    EXPECT_FALSE(isPlatform(child.pid(), L"Velmo")) << "there is no ps";
     setenv("PATH", before.c_str(), 1);
 }
 
@@ -234,8 +248,8 @@ TEST_F(PlatformProcess, NameFromAPropertyNeverReachesAShell) {
     const ChildProcess platform = start("/opt/Velmo/rcp/rcplauncher");
     ASSERT_TRUE(becomes(platform, L"Velmo"));
     const std::wstring touch = L"x; touch " + folder_.wide("touched");
-    EXPECT_FALSE(isPlatformProcess(platform.pid(), touch));
-    EXPECT_FALSE(isPlatformProcess(platform.pid(), L"$(touch " + folder_.wide("touched") + L")"));
+    EXPECT_FALSE(isPlatform(platform.pid(), touch));
+    EXPECT_FALSE(isPlatform(platform.pid(), L"$(touch " + folder_.wide("touched") + L")"));
     EXPECT_FALSE(folder_.has("touched"));
 }
 

@@ -1,15 +1,15 @@
 #include "launcher/core/provisioning.h"
 
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_arguments.h"
 #include "platform/text.h"
-#include "tests/unit/core/lock_fixture.h"
+#include "tests/unit/core/child_process.h"
+#include "tests/unit/core/records.h"
 #include "tests/unit/held_directory.h"
+
+#include <gmock/gmock.h>
 
 namespace rcp {
 namespace {
 
-using namespace std::chrono_literals;
 using test::ChildProcess;
 using test::Records;
 
@@ -40,12 +40,11 @@ TEST(InstallerLaunch, NeedsBothOptionsAnywhere) {
     EXPECT_FALSE(isISMPProvisioning({L"p", L"-rcplauncherwait", L"-provmanifest"}));
 }
 
-class Provisioning : public test::LockTest {
+class Provisioning : public test::LauncherTest {
   protected:
     Provisioning() {
-        eConfig = InstallConfiguration::kUser;
-        folder_.write("base/macosx/x86/eclipse",
-                      "#!/bin/sh\necho \"$@\" >\"$0.started\"\nexit 7\n");
+        inputs_.traits.eConfig = InstallConfiguration::kUser;
+        folder_.write("base/macosx/x86/eclipse", "");
         std::filesystem::permissions(folder_.path() / "base/macosx/x86/eclipse",
                                      std::filesystem::perms::owner_all);
         folder_.write("base/macosx/x86/eclipse_1615.so", "");
@@ -80,16 +79,10 @@ class Provisioning : public test::LockTest {
         inputs_.userProperties = PropertyList();
         inputs_.userProperties.append({kLevel, value, {}});
     }
-    [[nodiscard]] bool isStarted() const { return folder_.has("base/macosx/x86/eclipse.started"); }
-    // Status of the process that asks: 99 when no provisioning is due, 7 when the provisioning
-    // application has taken it over.
-    int check() {
-        ChildProcess launcher([this] {
-            locate();
-            checkForProvisioning(inputs_);
-            return 99;
-        });
-        return launcher.wait();
+    // What is planned; none when no provisioning is due. Each asks a launch of its own.
+    [[nodiscard]] std::optional<Plan> check() const {
+        LaunchInputs inputs = inputs_;
+        return checkForProvisioning(inputs);
     }
 
     static constexpr wchar_t kLevel[] = L"provisioning.manifest.version";
@@ -97,62 +90,63 @@ class Provisioning : public test::LockTest {
 };
 
 TEST_F(Provisioning, NotAtTheSameLevel) {
-    EXPECT_EQ(check(), 99);
-    EXPECT_FALSE(isStarted());
-    checkForProvisioning(inputs_);
-    EXPECT_FALSE(userFirstLaunch);
+    EXPECT_FALSE(check());
+    EXPECT_FALSE(checkForProvisioning(inputs_));
+    EXPECT_FALSE(inputs_.userFirstLaunch);
 }
 
 TEST_F(Provisioning, OnAFirstLaunch) {
-    userFirstLaunch = true;
-    EXPECT_EQ(check(), 7);
-    EXPECT_TRUE(isStarted());
+    inputs_.userFirstLaunch = true;
+    EXPECT_TRUE(check());
 }
 
-TEST_F(Provisioning, AtANewLevel) {
+TEST_F(Provisioning, AtANewLevelWhichMakesAFirstLaunch) {
     setUserLevel(L"1");
-    EXPECT_EQ(check(), 7);
+    ASSERT_TRUE(checkForProvisioning(inputs_));
+    EXPECT_TRUE(inputs_.userFirstLaunch);
+    inputs_.userFirstLaunch = false;
+    EXPECT_TRUE(check());
     inputs_.userProperties = PropertyList();
-    EXPECT_EQ(check(), 7) << "a user without a level";
+    EXPECT_TRUE(check()) << "a user without a level";
 }
 
 TEST_F(Provisioning, NotWhenThePlatformHasNoLevel) {
     unset(kLevel);
-    EXPECT_EQ(check(), 99);
+    EXPECT_FALSE(check());
 }
 
 TEST_F(Provisioning, OnAnInstallersLaunch) {
     inputs_.arguments = {L"p", L"-rcpLauncherWait", L"-provManifest", L"m"};
-    EXPECT_EQ(check(), 7);
+    EXPECT_TRUE(check());
     inputs_.arguments = {L"p", L"-provManifest", L"m"};
-    EXPECT_EQ(check(), 99);
+    EXPECT_FALSE(check());
     inputs_.arguments = {L"p", L"-rcpLauncherWait"};
-    EXPECT_EQ(check(), 99);
+    EXPECT_FALSE(check());
 }
 
 TEST_F(Provisioning, OnlyWhenItIsExactlyTrue) {
-    userFirstLaunch = true;
+    inputs_.userFirstLaunch = true;
     for (const wchar_t* value : {L"True", L"true ", L"TRUE", L"", L"1", L"false"}) {
         set(L"provisioning", value);
-        EXPECT_EQ(check(), 99) << testing::PrintToString(value);
+        EXPECT_FALSE(check()) << testing::PrintToString(value);
     }
     unset(L"provisioning");
-    EXPECT_EQ(check(), 99);
+    EXPECT_FALSE(check());
     set(L"provisioning", L"true");
-    EXPECT_EQ(check(), 7);
+    EXPECT_TRUE(check());
 }
 
 TEST_F(Provisioning, OnlyInConfigurationsThatProvision) {
     using enum InstallConfiguration;
-    userFirstLaunch = true;
+    inputs_.userFirstLaunch = true;
     for (const InstallConfiguration code : {kUser, kMultiuser, kLockdown}) {
-        eConfig = code;
-        EXPECT_EQ(check(), 7) << static_cast<int>(code);
+        inputs_.traits.eConfig = code;
+        EXPECT_TRUE(check()) << static_cast<int>(code);
     }
     for (const InstallConfiguration code :
          {kService, kMultiuserServiceInit, kSerialMultiuser, kUserpb, kUnknown}) {
-        eConfig = code;
-        EXPECT_EQ(check(), 99) << static_cast<int>(code);
+        inputs_.traits.eConfig = code;
+        EXPECT_FALSE(check()) << static_cast<int>(code);
     }
 }
 
@@ -171,22 +165,23 @@ TEST_F(Provisioning, ApplicationStandsBehindTheMainOptions) {
 
 TEST_F(Provisioning, MissingApplicationIsFatalBeforeAnythingIsStarted) {
     unset(L"provisioning.application");
-    EXPECT_EQ(check(), 99) << "no provisioning is due";
-    userFirstLaunch = true;
-    EXPECT_FATAL(checkForProvisioning(inputs_),
+    EXPECT_FALSE(check()) << "no provisioning is due";
+    inputs_.userFirstLaunch = true;
+    EXPECT_FATAL((void)check(),
                  "provisioning is due, but the provisioning.application property is missing");
-    EXPECT_EQ(check(), 255);
-    EXPECT_FALSE(isStarted());
-    EXPECT_FALSE(folder_.has(".rcp.main")) << "nothing was forked";
 }
 
-TEST_F(Provisioning, BothFilesHoldTheForkedChildsId) {
-    userFirstLaunch = true;
-    ASSERT_EQ(check(), 7);
-    const std::string id = lockFile().substr(0, lockFile().find(' '));
-    EXPECT_GT(std::stol(id), 0);
-    EXPECT_EQ(lockFile(), id + "          ");
-    EXPECT_EQ(folder_.read(".rcp.main"), id + "    ");
+TEST_F(Provisioning, IsStartedInPlaceOfThePlatform) {
+    inputs_.userFirstLaunch = true;
+    const auto users = check();
+    ASSERT_TRUE(users);
+    EXPECT_EQ(users->kind, LaunchKind::kUserProvisioning);
+    EXPECT_THAT(users->line.arguments(), testing::Contains(L"-userProvLaunch"));
+    inputs_.arguments = {L"p", L"-rcpLauncherWait", L"-provManifest", L"m"};
+    const auto installers = check();
+    ASSERT_TRUE(installers);
+    EXPECT_EQ(installers->kind, LaunchKind::kInstallerProvisioning);
+    EXPECT_THAT(installers->line.arguments(), testing::Contains(L"com.ovr.provision"));
 }
 
 TEST_F(Provisioning, SwitchesSharedClassesOff) {
@@ -214,42 +209,6 @@ TEST_F(Provisioning, SharedClassesThatAreNotThereStayAbsent) {
     EXPECT_TRUE(
         records.has("ZYPRA0121I: \"vmarg.Dshare\" shared classes property was not detected. No "
                     "special action needed while provisioning\n"));
-}
-
-TEST_F(Provisioning, CommandIsLoggedAndReplacesTheProcess) {
-    locate();
-    const Records records(folder_);
-    CommandLine line;
-    line.setProgram(L"/bin/sh");
-    line.add(L"-c", L"exit 9");
-    ChildProcess launcher([&] {
-        doProvisioning(line);
-        folder_.write("records.new", records.text());  // in the forked child, which goes on
-        std::filesystem::rename(folder_.path() / "records.new", folder_.path() / "records");
-        return 0;
-    });
-    EXPECT_EQ(launcher.wait(), 9);
-    for (int round = 0; !folder_.has("records") && round < 5000; ++round) {
-        usleep(1000);
-    }
-    EXPECT_EQ(folder_.read("records"),
-              "ZYPRA0129I: ===== Begin Provisioning Parameters =====\n/bin/sh\n-c\nexit 9\n"
-              "ZYPRA0130I: ===== End Provisioning Parameters =====\n");
-}
-
-TEST_F(Provisioning, CommandThatCannotBeStartedEndsWithStatusZeroAndAFreeLock) {
-    ChildProcess launcher([this] {
-        locate();
-        userFirstLaunch = true;
-        folder_.write("base/macosx/x86/eclipse", "\x7f nothing");
-        checkForProvisioning(inputs_);
-        return 99;
-    });
-    EXPECT_EQ(launcher.wait(), 0);
-    for (int round = 0; isLocked() && round < 1000; ++round) {
-        usleep(1000);  // the forked child ends on its own
-    }
-    EXPECT_FALSE(isLocked());
 }
 
 class SharedClasses : public Provisioning {

@@ -21,7 +21,7 @@ class ResetDirectories : public UserAreaTest {
     }
     void resetWith(const std::string& properties) const {
         folder_.write("ws/.config/rcpinstall.properties", properties);
-        resetMetaDataDirs(workspace(), configuration(), base());
+        resetMetaDataDirs(inputs_, base());
     }
     void expectRefused(const std::string& value, const std::string& shown) const {
         const Records records(folder_);
@@ -71,7 +71,7 @@ TEST_F(ResetDirectories, MayBeNamedByNobody) {
 
 TEST_F(ResetDirectories, AreThoseOfTheMasterCopyWhenTheUserHasNoFile) {
     writeCore("rcpinstall.properties", "resetDir.1=org.a\n");
-    resetMetaDataDirs(workspace(), configuration(), base());
+    resetMetaDataDirs(inputs_, base());
     EXPECT_FALSE(hasPlugin("org.a"));
 }
 
@@ -82,7 +82,7 @@ TEST_F(ResetDirectories, OfTheMasterCopyDoNotMatterWhenTheUserHasAFile) {
 }
 
 TEST_F(ResetDirectories, NeedOneOfTheTwoFiles) {
-    EXPECT_FATAL(resetMetaDataDirs(workspace(), configuration(), base()),
+    EXPECT_FATAL(resetMetaDataDirs(inputs_, base()),
                  "ZYPRA0106E: Unable to locate .*/base/rcpinstall.properties file.");
 }
 

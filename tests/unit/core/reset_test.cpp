@@ -18,7 +18,7 @@ class Reset : public UserAreaTest {
         folder_.write("ws/.config/org.eclipse.update/bookmarks.xml", "b");
     }
     void reuse() const { createReusableWorkspace(workspace(), configuration()); }
-    void reset() const { resetWorkspace(workspace(), configuration(), base()); }
+    void reset() const { resetWorkspace(inputs_, base()); }
     [[nodiscard]] std::string inWorkspace(const std::string& name) const {
         return folder_.read("ws/" + name);
     }
@@ -212,7 +212,8 @@ TEST_F(Reset, UpdateDirectoryThatCannotBeMadeIsFatalUnderTwoNumbers) {
     EXPECT_FATAL(createReusableWorkspace(workspace(), deep), "ZYPRA0044E: Unable to create /.*d/");
     std::filesystem::remove_all(deep + L"bak");
     ensureDirectory(deep, "no %ls");
-    EXPECT_FATAL(resetWorkspace(workspace(), deep, base()), "ZYPRA0045E: Unable to create /.*d/");
+    inputs_.configuration = deep;
+    EXPECT_FATAL(resetWorkspace(inputs_, base()), "ZYPRA0045E: Unable to create /.*d/");
 }
 
 TEST_F(Reset, MissingSourceMattersOnlyWhenItIsRequired) {

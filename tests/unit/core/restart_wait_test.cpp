@@ -1,6 +1,6 @@
 // A restarted launcher waits for the old platform to end. The clock is the test's own.
+#include "base/system_calls.h"
 #include "launcher/core/platform_lock.h"
-#include "platform/environment.h"
 #include "tests/unit/core/lock_fixture.h"
 
 #include <functional>
@@ -10,23 +10,14 @@ namespace {
 
 class RestartWait : public test::LockTest {
   protected:
-    RestartWait() : former_(setSleepFunction(&tick)) {
+    RestartWait() : clock_(test::sleepingLike(&tick)) {
         seconds = 0;
         whileAsleep = nullptr;
     }
-    ~RestartWait() override {
-        setSleepFunction(former_);
-        whileAsleep = nullptr;
-    }
+    ~RestartWait() override { whileAsleep = nullptr; }
 
     static std::string idOf(pid_t process) { return std::to_string(process) + "          "; }
-    static std::wstring text(long number) { return std::to_wstring(number); }
-    void restart(const Arguments& more) const {
-        Arguments arguments = {L"rcplauncher", L"-restart"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        locate(arguments);
-    }
-    void restartAfter(long oldId) const { restart({L"-rcp_old_pid", text(oldId)}); }
+    void restartAfter(long oldId) { take(oldId); }
 
     static inline int seconds = 0;
     // Called with the number of the second that passes.
@@ -41,7 +32,7 @@ class RestartWait : public test::LockTest {
         }
         return 0;
     }
-    SleepFunction former_;
+    InstalledCalls clock_;
 };
 
 constexpr char kGivenUp[] =
@@ -54,7 +45,7 @@ TEST_F(RestartWait, PlatformThatIsGoneCostsOneSecond) {
     writeLock(idOf(dead));
     restartAfter(dead);
     EXPECT_EQ(seconds, 1);
-    EXPECT_TRUE(isMainProcess());
+    EXPECT_TRUE(isMain());
     EXPECT_FALSE(records.has("ZYPRA0013E"));
     EXPECT_EQ(lockFile(), idOf(dead)) << "nothing needs to be cleared";
 }
@@ -73,7 +64,7 @@ TEST_F(RestartWait, EndsSoonAfterThePlatformDoes) {
     };
     restartAfter(platform.pid());
     EXPECT_EQ(seconds, 7);
-    EXPECT_TRUE(isMainProcess());
+    EXPECT_TRUE(isMain());
     EXPECT_FALSE(records.has("ZYPRA0013E"));
 }
 
@@ -84,7 +75,7 @@ TEST_F(RestartWait, PlatformThatNeverEndsIsGivenUpAfterTwentyWaits) {
     EXPECT_EQ(seconds, 1 + 20);
     EXPECT_TRUE(records.has(kGivenUp)) << records.text();
     EXPECT_TRUE(lockFile().starts_with(std::string(14, ' '))) << lockFile();
-    EXPECT_TRUE(isMainProcess());
+    EXPECT_TRUE(isMain());
     EXPECT_TRUE(isLocked());
 }
 
@@ -103,15 +94,15 @@ TEST_F(RestartWait, PlatformThatEndsInTheLastSecondIsGivenUpAllTheSame) {
     restartAfter(platform.pid());
     EXPECT_EQ(seconds, 21);
     EXPECT_TRUE(records.has(kGivenUp));
-    EXPECT_TRUE(isMainProcess());
+    EXPECT_TRUE(isMain());
 }
 
 TEST_F(RestartWait, AnotherPlatformsIdEndsTheWaitAtOnce) {
     writeLock(idOf(platformId()));
     restartAfter(getppid());
     EXPECT_EQ(seconds, 1);
-    EXPECT_FALSE(isMainProcess());
-    EXPECT_EQ(pid, platformId());
+    EXPECT_FALSE(isMain());
+    EXPECT_EQ(platform(), platformId());
     EXPECT_EQ(lockFile(), idOf(platformId()));
 }
 
@@ -128,8 +119,8 @@ TEST_F(RestartWait, AnotherPlatformThatIsRecordedMeanwhileEndsTheWait) {
     };
     restartAfter(old.pid());
     EXPECT_EQ(seconds, 5);
-    EXPECT_FALSE(isMainProcess());
-    EXPECT_EQ(pid, platformId());
+    EXPECT_FALSE(isMain());
+    EXPECT_EQ(platform(), platformId());
 }
 
 TEST_F(RestartWait, OnlyTheOldPlatformsIdIsCleared) {
@@ -147,36 +138,66 @@ TEST_F(RestartWait, OnlyTheOldPlatformsIdIsCleared) {
     restartAfter(old.pid());
     EXPECT_TRUE(records.has(kGivenUp));
     EXPECT_EQ(lockFile(), idOf(platformId()));
-    EXPECT_FALSE(isMainProcess());
-    EXPECT_EQ(pid, platformId());
+    EXPECT_FALSE(isMain());
+    EXPECT_EQ(platform(), platformId());
 }
 
-TEST_F(RestartWait, OldIdThatIsMissingLastOrNoNumberIsNobodys) {
+TEST_F(RestartWait, OldIdThatIsNobodysEndsItAtOnce) {
     writeLock(idOf(platformId()));
-    const std::vector<Arguments> cases = {{},
-                                          {L"-rcp_old_pid"},
-                                          {L"-rcp_old_pid", L"abc"},
-                                          {L"-rcp_old_pid", text(platformId()) + L"x"}};
-    for (const Arguments& more : cases) {
-        seconds = 0;
-        restart(more);
-        EXPECT_EQ(seconds, 1);
-        EXPECT_FALSE(isMainProcess());
-    }
+    restartAfter(0);
+    EXPECT_EQ(seconds, 1);
+    EXPECT_FALSE(isMain());
 }
 
 TEST_F(RestartWait, OrdinaryLaunchWaitsForNobody) {
     writeLock(idOf(platformId()));
-    locate({L"rcplauncher", L"-rcp_old_pid", text(platformId())});
+    take();
     EXPECT_EQ(seconds, 0);
-    EXPECT_FALSE(isMainProcess());
+    EXPECT_FALSE(isMain());
+}
+
+// What is cleared is written over, not cut off.
+TEST_F(RestartWait, ClearingWritesFourteenBlanks) {
+    writeLock(std::to_string(platformId()) + "               7");
+    restartAfter(platformId());
+    EXPECT_TRUE(lockFile().starts_with(std::string(14, ' '))) << lockFile();
+    EXPECT_TRUE(lockFile().ends_with(" 7")) << lockFile();
+}
+
+ssize_t noPwrite(int /*descriptor*/, const void* /*bytes*/, std::size_t /*size*/, off_t /*at*/) {
+    errno = EBADF;
+    return -1;
+}
+
+TEST_F(RestartWait, IdThatCannotBeClearedIsReported) {
+    const test::Records records(folder_);
+    writeLock(idOf(platformId()));
+    SystemCalls calls = systemCalls;
+    calls.pwrite = &noPwrite;
+    const InstalledCalls installed(calls);
+    restartAfter(platformId());
+    EXPECT_TRUE(
+        records.has("ZYPRA0052E: Unable to invalidate platform lock file : Bad file descriptor\n"));
+    EXPECT_FALSE(isMain());
+}
+
+TEST(OldPlatform, IsNamedOnARestartAlone) {
+    EXPECT_EQ(oldPlatform({L"p", L"-rcp_old_pid", L"12"}), std::nullopt);
+    EXPECT_EQ(oldPlatform({L"p", L"-restart", L"-rcp_old_pid", L"12"}), 12);
+}
+
+TEST(OldPlatform, IsNobodyWhenItIsMissingLastOrNoNumber) {
+    EXPECT_EQ(oldPlatform({L"p", L"-restart"}), 0);
+    EXPECT_EQ(oldPlatform({L"p", L"-restart", L"-rcp_old_pid"}), 0);
+    EXPECT_EQ(oldPlatform({L"p", L"-restart", L"-rcp_old_pid", L"abc"}), 0);
+    EXPECT_EQ(oldPlatform({L"p", L"-restart", L"-rcp_old_pid", L"12x"}), 0);
 }
 
 TEST_F(RestartWait, EmptyAndUnreadableLockFilesEndIt) {
     restartAfter(platformId());
     EXPECT_EQ(seconds, 1);
-    EXPECT_TRUE(isMainProcess());
-    unlockLockFile();
+    EXPECT_TRUE(isMain());
+    lock_.reset();
     writeLock("letters");
     EXPECT_FATAL(restartAfter(platformId()), "ZYPRA0092E");
 }

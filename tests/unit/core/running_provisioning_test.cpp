@@ -1,7 +1,7 @@
 // A launcher waits for the end of another's provisioning. The clock is the test's own.
 #include "launcher/core/running_provisioning.h"
 
-#include "platform/environment.h"
+#include "base/system_calls.h"
 #include "platform/platform.h"
 #include "tests/unit/core/lock_fixture.h"
 
@@ -12,14 +12,11 @@ namespace {
 
 class RunningProvisioning : public test::LockTest {
   protected:
-    RunningProvisioning() : former_(setSleepFunction(&tick)) {
+    RunningProvisioning() : clock_(test::sleepingLike(&tick)) {
         seconds = 0;
         whileAsleep = nullptr;
     }
-    ~RunningProvisioning() override {
-        setSleepFunction(former_);
-        whileAsleep = nullptr;
-    }
+    ~RunningProvisioning() override { whileAsleep = nullptr; }
 
     [[nodiscard]] std::wstring file() const { return folder_.wide(kName); }
     void write(long process, const std::string& start) const {
@@ -49,7 +46,7 @@ class RunningProvisioning : public test::LockTest {
         whileAsleep(++seconds);
         return 0;
     }
-    SleepFunction former_;
+    InstalledCalls clock_;
     std::unique_ptr<test::ChildProcess> provisioning_;
 };
 
@@ -87,7 +84,7 @@ TEST_F(RunningProvisioning, IdThatAnotherProcessHasNowIsNobodys) {
 TEST_F(RunningProvisioning, ProgramThatBecomesALauncherDoesNotWaitForItself) {
     recordProvisioning(file());
     EXPECT_EQ(runningProvisioning(file()), 0);
-    EXPECT_EQ(locate(), Launch::kGoesOn);
+    EXPECT_TRUE(take());
 }
 
 TEST_F(RunningProvisioning, FileWithAnythingElseIsNobodys) {
@@ -107,7 +104,7 @@ TEST_F(RunningProvisioning, FileThatCannotBeWrittenOrRemovedIsReported) {
     const test::Records records(folder_);
     std::filesystem::create_directories(folder_.path() / kName / "in the way");
     recordProvisioning(file());
-    EXPECT_EQ(locate(), Launch::kGoesOn);
+    EXPECT_TRUE(take());
     EXPECT_TRUE(records.has("Error: provisioning: " + folder_.narrow(kName) +
                             " cannot be written; another launch may provision too : "));
     EXPECT_TRUE(
@@ -124,16 +121,16 @@ TEST_F(RunningProvisioning, LauncherGivesTheLockBackAndBeginsAnewWhenItHasEnded)
             end();
         }
     };
-    EXPECT_EQ(locate(), Launch::kBeginsAnew);
+    EXPECT_FALSE(take());
     EXPECT_EQ(seconds, 5);
-    EXPECT_FALSE(isMainProcess()) << "nothing is decided";
+    EXPECT_FALSE(isMain()) << "nothing is decided";
     EXPECT_EQ(countOf(records.text(), "ZYPRA0307I: process " + std::to_string(id()) +
                                           " provisions this workspace; waiting for its end\n"),
               1);
     EXPECT_FALSE(records.has("Error: "));
     EXPECT_FALSE(records.has("ZYPRA0304I"));
-    EXPECT_EQ(locate(), Launch::kGoesOn);
-    EXPECT_TRUE(isMainProcess());
+    EXPECT_TRUE(take());
+    EXPECT_TRUE(isMain());
     EXPECT_FALSE(folder_.has(kName)) << "it was stale";
 }
 
@@ -148,7 +145,7 @@ TEST_F(RunningProvisioning, WaitOfMoreThanAMinuteIsOneError) {
                 end();
             }
         };
-        EXPECT_EQ(locate(), Launch::kBeginsAnew);
+        EXPECT_FALSE(take());
         EXPECT_EQ(seconds, minute);
         EXPECT_EQ(countOf(records.text(), still), minute == 60 ? 0 : 1) << records.text();
         EXPECT_EQ(countOf(records.text(), "ZYPRA0307I"), 1);
@@ -166,7 +163,7 @@ TEST_F(RunningProvisioning, AnotherOneThatBeginsMeanwhileIsWaitedForToo) {
             std::filesystem::remove(folder_.path() / kName);
         }
     };
-    EXPECT_EQ(locate(), Launch::kBeginsAnew);
+    EXPECT_FALSE(take());
     EXPECT_EQ(seconds, 6);
 }
 
@@ -175,7 +172,7 @@ TEST_F(RunningProvisioning, PlatformIsNotEvenLookedForWhileItIsAtWork) {
     writeLock("letters");
     start();
     whileAsleep = [&](int) { end(); };
-    EXPECT_EQ(locate(), Launch::kBeginsAnew);
+    EXPECT_FALSE(take());
     EXPECT_FALSE(records.has("ZYPRA0090E"));
 }
 

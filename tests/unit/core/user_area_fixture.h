@@ -2,9 +2,7 @@
 // surroundings in which file operations fail.
 #pragma once
 
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/launch_state.h"
-#include "launcher/core/property_list.h"
+#include "launcher/core/launch_inputs.h"
 #include "tests/unit/core/records.h"
 
 #include <signal.h>
@@ -37,7 +35,9 @@ inline void becomeOrdinaryUser() {
 class UserAreaTest : public LauncherTest {
   protected:
     UserAreaTest() {
-        eConfig = InstallConfiguration::kUser;
+        inputs_.traits.eConfig = InstallConfiguration::kUser;
+        inputs_.workspace = workspace();
+        inputs_.configuration = configuration();
         for (const char* directory : {"base", "ws/.config"}) {
             std::filesystem::create_directories(folder_.path() / directory);
         }
@@ -55,6 +55,11 @@ class UserAreaTest : public LauncherTest {
     [[nodiscard]] bool hasOwn(const std::string& name) const {
         return folder_.has("ws/.config/" + name);
     }
+    [[nodiscard]] LaunchInputs with(const PropertyList& properties) const {
+        LaunchInputs inputs = inputs_;
+        inputs.properties = properties;
+        return inputs;
+    }
     /// Whether a file of the test's has a name that was meant for a moment only.
     [[nodiscard]] bool hasTemporaryName() const {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.path())) {
@@ -70,6 +75,8 @@ class UserAreaTest : public LauncherTest {
         (void)chmod(folder_.narrow().c_str(), 0755);
         (void)chmod(folder_.narrow(directory).c_str(), 0555);
     }
+
+    LaunchInputs inputs_;
 };
 
 }  // namespace rcp::test

@@ -23,7 +23,7 @@ class UserFilesTest : public UserAreaTest {
     [[nodiscard]] std::string makeFrom(const std::string& core) const {
         writeCore(kProps, core);
         std::filesystem::remove(folder_.path() / "ws/.config/rcpinstall.properties");
-        createRCPInstallProps(configuration(), base(), properties);
+        EXPECT_TRUE(createRCPInstallProps(with(properties), base()));
         EXPECT_FALSE(hasTemporaryName());
         return own(kProps);
     }
@@ -57,58 +57,59 @@ TEST_F(UserFilesTest, MasterCopyIsInTheFolderOfTheInstallConfiguration) {
         {InstallConfiguration::kUnknown, L""},
     };
     for (const auto& [configuration, folder] : folders) {
-        eConfig = configuration;
-        EXPECT_EQ(getCoreFileLocation(base(), L"f"), base() + L"/config/" + folder + L"/f");
+        inputs_.traits.eConfig = configuration;
+        EXPECT_EQ(getCoreFileLocation(inputs_.traits.eConfig, base(), L"f"),
+                  base() + L"/config/" + folder + L"/f");
     }
 }
 
 TEST_F(UserFilesTest, ConfigurationWithoutFolderGivesTwoSlashesInARow) {
     folder_.write("base/config/f", "");
-    eConfig = InstallConfiguration::kService;
-    EXPECT_EQ(getCoreFileLocation(base(), L"f"), base() + L"/config//f");
+    inputs_.traits.eConfig = InstallConfiguration::kService;
+    EXPECT_EQ(getCoreFileLocation(inputs_.traits.eConfig, base(), L"f"), base() + L"/config//f");
 }
 
 TEST_F(UserFilesTest, MasterCopyIsInTheBaseOtherwise) {
     folder_.write("base/config/pbuilder/f", "");
-    EXPECT_EQ(getCoreFileLocation(base(), L"f"), base() + L"/f");
-    eConfig = InstallConfiguration::kUnknown;
-    EXPECT_EQ(getCoreFileLocation(base(), L"f"), base() + L"/f");
+    EXPECT_EQ(getCoreFileLocation(inputs_.traits.eConfig, base(), L"f"), base() + L"/f");
+    inputs_.traits.eConfig = InstallConfiguration::kUnknown;
+    EXPECT_EQ(getCoreFileLocation(inputs_.traits.eConfig, base(), L"f"), base() + L"/f");
 }
 
 TEST_F(UserFilesTest, BackslashesOfTheMasterCopysPathAreTurned) {
     folder_.write("base/config/user/f", "");
     const std::wstring turned = folder_.wide() + L"\\base";
-    EXPECT_EQ(getCoreFileLocation(turned, L"f"), base() + L"/config/user/f");
-    EXPECT_EQ(getCoreFileLocation(turned, L"g"), base() + L"/g");
+    EXPECT_EQ(getCoreFileLocation(inputs_.traits.eConfig, turned, L"f"),
+              base() + L"/config/user/f");
+    EXPECT_EQ(getCoreFileLocation(inputs_.traits.eConfig, turned, L"g"), base() + L"/g");
 }
 
 // --- config.ini ---
 
 TEST_F(UserFilesTest, ConfigIniIsCopiedAsItStands) {
     writeCore("config.ini", "a=${x}\n\n  é\\\nlast");
-    createConfigIni(configuration(), base());
+    EXPECT_TRUE(createConfigIni(inputs_, base()));
     EXPECT_EQ(own("config.ini"), "a=${x}\n\n  é\\\nlast");
-    EXPECT_TRUE(userFirstLaunch);
     EXPECT_FALSE(hasTemporaryName());
 }
 
 TEST_F(UserFilesTest, ExistingConfigIniStaysAndIsNoFirstLaunch) {
     folder_.write("ws/.config/config.ini", "own");
     writeCore("config.ini", "core");
-    createConfigIni(configuration(), base());
+    EXPECT_FALSE(createConfigIni(inputs_, base()));
     EXPECT_EQ(own("config.ini"), "own");
-    EXPECT_FALSE(userFirstLaunch);
 }
 
 TEST_F(UserFilesTest, ConfigIniWithoutMasterCopyIsFatal) {
-    EXPECT_FATAL(createConfigIni(configuration(), base()),
+    EXPECT_FATAL(createConfigIni(inputs_, base()),
                  "ZYPRA0190E: Unable to open source file .*/base/config.ini to be copied");
     EXPECT_FALSE(hasOwn("config.ini"));
 }
 
 TEST_F(UserFilesTest, ConfigIniWithoutPlaceIsFatal) {
     writeCore("config.ini", "core");
-    EXPECT_FATAL(createConfigIni(folder_.wide("none"), base()),
+    inputs_.configuration = folder_.wide("none");
+    EXPECT_FATAL(createConfigIni(inputs_, base()),
                  "ZYPRA0191E: Unable to open destination file .*/none/config.ini to be copied to");
 }
 
@@ -116,28 +117,22 @@ TEST_F(UserFilesTest, ConfigIniWithoutPlaceIsFatal) {
 
 TEST_F(UserFilesTest, InstallPropertiesAreTheMasterCopysAndTheBlock) {
     EXPECT_EQ(makeFrom("# c\na=1\n"), "# c\na=1\n" + block());
-    EXPECT_TRUE(userFirstLaunch);
 }
 
-TEST_F(UserFilesTest, PathOfTheInstallPropertiesIsReturnedWhetherMadeOrNot) {
-    writeCore(kProps, "a=1\n");
-    const std::wstring turned = folder_.wide() + L"\\ws\\.config";
-    EXPECT_EQ(createRCPInstallProps(turned, base(), properties),
-              configuration() + L"/rcpinstall.properties");
-    EXPECT_EQ(createRCPInstallProps(turned, base(), properties),
+TEST_F(UserFilesTest, InstallPropertiesHaveAPathWithItsSlashesTurned) {
+    EXPECT_EQ(userFileOf(folder_.wide() + L"\\ws\\.config"),
               configuration() + L"/rcpinstall.properties");
 }
 
 TEST_F(UserFilesTest, ExistingInstallPropertiesStayAndAreNoFirstLaunch) {
     folder_.write("ws/.config/rcpinstall.properties", "own");
     writeCore(kProps, "core");
-    createRCPInstallProps(configuration(), base(), properties);
+    EXPECT_FALSE(createRCPInstallProps(with(properties), base()));
     EXPECT_EQ(own(kProps), "own");
-    EXPECT_FALSE(userFirstLaunch);
 }
 
 TEST_F(UserFilesTest, InstallPropertiesWithoutMasterCopyAreFatal) {
-    EXPECT_FATAL(createRCPInstallProps(configuration(), base(), properties),
+    EXPECT_FATAL(createRCPInstallProps(with(properties), base()),
                  "ZYPRA0190E: Unable to open source file .*/base/rcpinstall.properties to be");
     EXPECT_FALSE(hasOwn(kProps));
     EXPECT_FALSE(hasTemporaryName());
@@ -246,7 +241,7 @@ TEST_F(UserFilesTest, MissingInstallConfigurationIsThatOfAUser) {
 TEST_F(UserFilesTest, MissingRequiredValueIsFatalAndLeavesNoFile) {
     writeCore(kProps, "a=1\n");
     for (const wchar_t* only : {L"rcp.install.id", L"rcp.base.location"}) {
-        EXPECT_FATAL(createRCPInstallProps(configuration(), base(), listOf({{only, L"x"}})),
+        EXPECT_FATAL(createRCPInstallProps(with(listOf({{only, L"x"}})), base()),
                      "ZYPRA0008E: Unable to calculate necessary values for user specific "
                      "rcpinstall.properties file.");
         EXPECT_FALSE(hasOwn(kProps));

@@ -1,9 +1,7 @@
 #include "launcher/core/vm_arguments.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/core/records.h"
 
@@ -17,7 +15,7 @@ using testing::HasSubstr;
 class JvmSection : public test::CommandLineTest {
   protected:
     JvmSection() {
-        eConfig = InstallConfiguration::kUser;
+        inputs_.traits.eConfig = InstallConfiguration::kUser;
         inputs_.workspace = L"/ws";
         inputs_.installDir = L"/opt/x";
     }
@@ -32,12 +30,11 @@ class JvmSection : public test::CommandLineTest {
     void setFix(const std::wstring& value) {
         inputs_.properties = propertyList({{L"vmfix.noconsole", value}});
     }
-    LaunchInputs inputs_;
 };
 
 TEST_F(JvmSection, SeparatorIsWrittenForTheLauncherLibraryOnly) {
     for (int code = 1; code <= 8; ++code) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
         EXPECT_EQ(vmargs({}), code == 1 || code == 7 ? Arguments{} : Arguments{L"-vmargs"}) << code;
     }
 }
@@ -155,20 +152,20 @@ TEST_F(SystemProperties, EachConfigurationTellsItsName) {
         {1, L"service"},   {2, L"lockdown"},  {3, L"user"},  {4, L"serial.multiuser"},
         {6, L"multiuser"}, {7, L"multiuser"}, {8, L"userpb"}};
     for (const auto& [code, name] : names) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
         EXPECT_EQ(definitions()[3], L"-Drcp.install.config=" + std::wstring(name)) << code;
     }
 }
 
 TEST_F(SystemProperties, UnknownConfigurationIsFatal) {
-    eConfig = InstallConfiguration::kUnknown;
+    inputs_.traits.eConfig = InstallConfiguration::kUnknown;
     EXPECT_FATAL(definitions(), HasSubstr("ZYPRA0025E: The platform rcp.install.id must be "
                                           "provided for this configuration!"));
 }
 
 TEST_F(SystemProperties, MissingInstallIdIsFatalAndComesFirst) {
     inputs_.properties = {};
-    eConfig = InstallConfiguration::kUnknown;
+    inputs_.traits.eConfig = InstallConfiguration::kUnknown;
     EXPECT_FATAL(definitions(),
                  HasSubstr("ZYPRA0036E: Couldn't find the rcp.install.id property!"));
 }

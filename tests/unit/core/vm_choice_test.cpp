@@ -1,9 +1,7 @@
 #include "launcher/core/vm_choice.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/install_configuration.h"
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/core/records.h"
 
@@ -35,15 +33,14 @@ TEST(EndsIn, HoldsForATextOneCharacterShorterThanTheSuffix) {
 
 class VmPiece : public test::CommandLineTest {
   protected:
-    VmPiece() { eConfig = InstallConfiguration::kUser; }
+    VmPiece() { inputs_.traits.eConfig = InstallConfiguration::kUser; }
     bool add(const Arguments& options, const Pairs& properties = {}) {
-        LaunchInputs inputs;
-        inputs.arguments = options;
-        inputs.arguments.insert(inputs.arguments.begin(), L"rcplauncher");
-        inputs.properties = propertyList(properties);
-        inputs.installDir = L"/opt/i";
+        inputs_.arguments = options;
+        inputs_.arguments.insert(inputs_.arguments.begin(), L"rcplauncher");
+        inputs_.properties = propertyList(properties);
+        inputs_.installDir = L"/opt/i";
         line_.setProgram(L"first");
-        return addVmToCommandLine(line_, inputs);
+        return addVmToCommandLine(line_, inputs_);
     }
 };
 
@@ -69,14 +66,14 @@ TEST_F(VmPiece, IsMissingForTheExternalJvm) {
 
 TEST_F(VmPiece, IsTheProgramInTheDirectJavaShape) {
     for (const int code : {1, 7}) {
-        eConfig = static_cast<InstallConfiguration>(code);
+        inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
         EXPECT_FALSE(add({L"-vm", L"/j/java"}));
         EXPECT_EQ(line_.arguments(), (Arguments{L"/j/java"}));
     }
 }
 
 TEST_F(VmPiece, IsNeededInTheDirectJavaShape) {
-    eConfig = InstallConfiguration::kService;
+    inputs_.traits.eConfig = InstallConfiguration::kService;
     EXPECT_FATAL(add({}), HasSubstr("ZYPRA0002E: vm must be specified with -vm argument!"));
     EXPECT_FATAL(add({}, {{L"vm", L""}}), HasSubstr("ZYPRA0002E"));
 }
@@ -92,18 +89,8 @@ TEST_F(VmPiece, TellsDescriptionFilesAndLibraries) {
     EXPECT_TRUE(add({}, {{L"vm", L"C:/j/jvm.dll"}}));
     EXPECT_TRUE(add({L"-vm", L"xy"}));
     EXPECT_FALSE(add({L"-vm", L"/j/libjvm.so"}));
-    eConfig = InstallConfiguration::kService;
+    inputs_.traits.eConfig = InstallConfiguration::kService;
     EXPECT_TRUE(add({L"-vm", L"/j/default.ee"}));
-}
-
-TEST_F(VmPiece, SwitchesWaitModeOnOnlyWhenAsked) {
-    // In processes of their own: nothing switches it off again.
-    const auto waits = [this](const Arguments& options) {
-        add(options);
-        _exit(isWaitMode() ? 1 : 0);
-    };
-    EXPECT_EXIT(waits({L"-rcpLauncherWait"}), testing::ExitedWithCode(1), "");
-    EXPECT_EXIT(waits({L"-rcplauncherwait", L"-console"}), testing::ExitedWithCode(0), "");
 }
 
 class JvmProperties : public test::LauncherTest {
@@ -332,22 +319,6 @@ TEST(JvmLibraryPath, EmptyElementsAreDropped) {
 TEST(VmOverride, IsTheExactOption) {
     EXPECT_TRUE(isVmOverride({L"p", L"-vm"}));
     EXPECT_FALSE(isVmOverride({L"-vm", L"-vmargs", L"-VM"}));
-}
-
-using JavaExecutable = test::LauncherTest;
-
-TEST_F(JavaExecutable, EndingIsTestedAndReplaced) {
-    folder_.write("javaw", "");
-    EXPECT_TRUE(isJavaw(folder_.wide("javaw"), L"javaw"));
-    EXPECT_FALSE(isJavaw(folder_.wide("javaw"), L"java"));
-    EXPECT_FATAL(
-        isJavaw(folder_.wide("none"), L"none"),
-        HasSubstr("ZYPRA0003E: Specified vm (" + folder_.narrow("none") + ") does not exist!"));
-    std::wstring jvm = folder_.wide("javaw");
-    replaceJavaExecutableName(jvm, L"javaw", L"java");
-    EXPECT_EQ(jvm, folder_.wide("java"));
-    replaceJavaExecutableName(jvm, L"javaw", L"x");
-    EXPECT_EQ(jvm, folder_.wide("java"));
 }
 
 }  // namespace

@@ -3,11 +3,10 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/core/hand_off_tools.h"
-#include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "platform/text.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/core/launch_pieces.h"
+#include "tests/unit/core/lock_fixture.h"
 #include "tests/unit/core/records.h"
 #include "tests/unit/paths.h"
 #include "tests/unit/probe.h"
@@ -51,50 +50,40 @@ class Vector {
 
 TEST_F(HandOff, ArgumentsAreCutAtVmargsInAnyLetterCase) {
     for (const char* option : {"-vmargs", "-VMARGS", "-vmArgs"}) {
-        userVMarg = nullptr;
         Vector vector({"p", "-data", option, "-Xa", "-Xb"});
-        parseArgs(vector.argc, vector.argv, 1);
+        char** const rest = parseArgs(vector.argc, vector.argv);
         EXPECT_EQ(vector.argc, 2);
         EXPECT_STREQ(vector.argv[1], "-data");
         EXPECT_EQ(vector.argv[2], nullptr);
-        ASSERT_EQ(userVMarg, &vector.argv[3]);
-        EXPECT_STREQ(userVMarg[0], "-Xa");
-        EXPECT_STREQ(userVMarg[1], "-Xb");
-        EXPECT_EQ(userVMarg[2], nullptr);
+        ASSERT_EQ(rest, &vector.argv[3]);
+        EXPECT_STREQ(rest[0], "-Xa");
+        EXPECT_STREQ(rest[1], "-Xb");
+        EXPECT_EQ(rest[2], nullptr);
     }
 }
 
 TEST_F(HandOff, FirstVmargsCounts) {
     Vector vector({"p", "-vmargs", "a", "-vmargs", "b"});
-    parseArgs(vector.argc, vector.argv, 1);
+    char** const rest = parseArgs(vector.argc, vector.argv);
     EXPECT_EQ(vector.argc, 1);
-    EXPECT_STREQ(userVMarg[1], "-vmargs");
+    EXPECT_STREQ(rest[1], "-vmargs");
 }
 
 TEST_F(HandOff, VmargsAsTheLastArgumentGivesNoVmArguments) {
     Vector vector({"p", "-vmargs"});
-    parseArgs(vector.argc, vector.argv, 1);
+    char** const rest = parseArgs(vector.argc, vector.argv);
     EXPECT_EQ(vector.argc, 1);
-    ASSERT_NE(userVMarg, nullptr);
-    EXPECT_EQ(userVMarg[0], nullptr);
+    ASSERT_NE(rest, nullptr);
+    EXPECT_EQ(rest[0], nullptr);
 }
 
 TEST_F(HandOff, WithoutVmargsOnlyTheEndIsSet) {
     Vector vector({"p", "-vmargsx", "vmargs", "rest"});
     vector.argc = 3;
-    parseArgs(vector.argc, vector.argv, 1);
+    EXPECT_EQ(parseArgs(vector.argc, vector.argv), nullptr);
     EXPECT_EQ(vector.argc, 3);
     EXPECT_STREQ(vector.argv[2], "vmargs");
     EXPECT_EQ(vector.argv[3], nullptr);
-    EXPECT_EQ(userVMarg, nullptr);
-}
-
-TEST_F(HandOff, OtherModesCutWithoutKeepingTheVmArguments) {
-    Vector vector({"p", "-vmargs", "-Xa"});
-    parseArgs(vector.argc, vector.argv, 0);
-    EXPECT_EQ(vector.argc, 1);
-    EXPECT_EQ(vector.argv[1], nullptr);
-    EXPECT_EQ(userVMarg, nullptr);
 }
 
 TEST_F(HandOff, LaunchOptionIsAnyWholeArgumentTheFirstToo) {
@@ -102,60 +91,6 @@ TEST_F(HandOff, LaunchOptionIsAnyWholeArgumentTheFirstToo) {
     EXPECT_TRUE(haveLaunchOption("-console", {"p", "x", "-console"}));
     EXPECT_FALSE(haveLaunchOption("-console", {"p", "-Console", "-consoleLog", "-cons"}));
     EXPECT_FALSE(haveLaunchOption("-console", {}));
-}
-
-// --- The choice ---------------------------------------------------------------------------------
-
-TEST(InProcessVersion, Only1015HandsOffInProcess) {
-    for (const char* version : {"10.15", "10.15.7", "10.15.", "10.15beta"}) {
-        EXPECT_TRUE(isInProcessVersion(version)) << version;
-    }
-    for (const char* version :
-         {"10.14.6", "11.2", "10.16", "10.150", "11.15", "1.15", "10", "10.", "10-15", "10..15",
-          "garbage", "", ".15", "99999999999999999999.15", "10.99999999999999999999"}) {
-        EXPECT_FALSE(isInProcessVersion(version)) << version;
-    }
-}
-
-TEST_F(HandOff, AnyOtherExecutableNameHandsOffInProcess) {
-    initInvokeDylib(propertyList({{L"invoke.eclipse.dylib", L"0"}}));
-    EXPECT_TRUE(invokeDylib) << "these tests are not called rcplauncher";
-}
-
-const Probe kChoice("hand-off choice", [](const std::vector<std::string>& arguments) {
-    PropertyList properties;
-    if (!arguments.empty()) {
-        properties = propertyList({{L"invoke.eclipse.dylib", toWide(arguments.front())}});
-    }
-    initInvokeDylib(properties);
-    return invokeDylib ? 3 : 4;
-});
-
-TEST_F(HandOff, PropertyDecidesForTheLaunchersOwnNameAndOneAloneMeansInProcess) {
-    const std::string program = folder_.narrow("rcplauncher");
-    test::linkProgram(program);
-    EXPECT_EQ(runProbe("hand-off choice", {"1"}, program).status, 3);
-    for (const char* value : {"true", "0", "", "11", "01"}) {
-        EXPECT_EQ(runProbe("hand-off choice", {value}, program).status, 4) << value;
-    }
-}
-
-#ifdef __linux__
-TEST_F(HandOff, WithoutTheKeyASystemWithoutAProductVersionExecutes) {
-    const std::string program = folder_.narrow("rcplauncher");
-    test::linkProgram(program);
-    EXPECT_EQ(runProbe("hand-off choice", {}, program).status, 4);
-}
-#endif
-
-TEST_F(HandOff, NameIsThatUnderWhichTheProgramWasStarted) {
-    test::linkProgram(folder_.narrow("rcplauncher"));
-    for (const char* name : {"client", "rcplauncher2", "RCPLauncher"}) {
-        const std::string link = folder_.narrow(std::string("links/") + name);
-        std::filesystem::create_directories(folder_.path() / "links");
-        std::filesystem::create_symlink(folder_.path() / "rcplauncher", link);
-        EXPECT_EQ(runProbe("hand-off choice", {"0"}, link).status, 3) << name;
-    }
 }
 
 // --- The library --------------------------------------------------------------------------------
@@ -204,20 +139,23 @@ TEST_F(HandOff, LibraryWithoutAnEntryPointEndsTheLaunch) {
 
 /// Arguments: the folder of the log, "inside" or "execute", the library, the launch arguments.
 const Probe kLaunch("launch", [](const std::vector<std::string>& arguments) {
+    Launch launch;
+    launch.arguments = {L"rcplauncher"};
+    launch.inputs.traits.invokeDylib = arguments.at(1) == "inside";
+    launch.lock = PlatformLock::take(toWide(arguments.at(0)), {}, std::nullopt);
     enableLogging(toWide(arguments.at(0)));
-    invokeDylib = arguments.at(1) == "inside";
-    CommandLine line;
+    CommandLine& line = launch.plan.emplace().line;
     line.setLibrary(toWide(arguments.at(2)));
     for (std::size_t i = 3; i < arguments.size(); ++i) {
         line.add(toWide(arguments[i]));
     }
     const pid_t self = getpid();
-    launchEclipse({L"rcplauncher"}, line);
+    launchEclipse(launch);
     // Two processes come here; only the one that was started is the test's.
     return getpid() == self ? 3 : 0;
 });
 
-class Launch : public HandOff {
+class HandedOff : public HandOff {
   protected:
     ProbeResult launch(const std::string& kind, const std::string& library,
                        const std::vector<std::string>& launchArguments) const {
@@ -228,14 +166,14 @@ class Launch : public HandOff {
     [[nodiscard]] std::string log() const { return folder_.read("rcplauncher.log"); }
 };
 
-TEST_F(Launch, LaunchParametersAreLoggedOneALineWhetherTracingOrNot) {
+TEST_F(HandedOff, LaunchParametersAreLoggedOneALineWhetherTracingOrNot) {
     launch("execute", "", {seen(STANDIN_PLATFORM), "-data", "100%s", ""});
-    EXPECT_EQ(log(), "\nZYPRA0132I: ===== Begin Launch Parameters =====\n" +
-                         seen(STANDIN_PLATFORM) +
-                         "\n-data\n100%s\n\nZYPRA0133I: ===== End Launch Parameters =====\n");
+    EXPECT_EQ(log().substr(log().find("ZYPRA0132I")),
+              "ZYPRA0132I: ===== Begin Launch Parameters =====\n" + seen(STANDIN_PLATFORM) +
+                  "\n-data\n100%s\n\nZYPRA0133I: ===== End Launch Parameters =====\n");
 }
 
-TEST_F(Launch, ExecutedPlatformGetsEveryArgument) {
+TEST_F(HandedOff, ExecutedPlatformGetsEveryArgument) {
     const ProbeResult result = launch("execute", seen(STANDIN_LIBRARY),
                                       {seen(STANDIN_PLATFORM), "-data", "two words", "-vmargs"});
     EXPECT_EQ(result.status, 0);
@@ -246,7 +184,7 @@ TEST_F(Launch, ExecutedPlatformGetsEveryArgument) {
                                          "    \"two words\",\n    \"-vmargs\"]"));
 }
 
-TEST_F(Launch, InProcessPlatformRunsThroughTheLibrary) {
+TEST_F(HandedOff, InProcessPlatformRunsThroughTheLibrary) {
     const ProbeResult result =
         launch("inside", seen(STANDIN_LIBRARY), {"/not/there", "-data", "x", "-vmargs", "-Xa"});
     EXPECT_EQ(result.status, 3) << "it came back from the platform";
@@ -254,12 +192,12 @@ TEST_F(Launch, InProcessPlatformRunsThroughTheLibrary) {
     EXPECT_THAT(result.output, HasSubstr("\"runArgc\": 3"));
 }
 
-TEST_F(Launch, WithoutALibraryThePlatformIsExecutedEvenInProcess) {
+TEST_F(HandedOff, WithoutALibraryThePlatformIsExecutedEvenInProcess) {
     EXPECT_THAT(launch("inside", "", {seen(STANDIN_PLATFORM)}).output,
                 HasSubstr("\"kind\": \"exec\""));
 }
 
-TEST_F(Launch, FailedExecIsOneRecordAndTheStatusStays) {
+TEST_F(HandedOff, FailedExecIsOneRecordAndTheStatusStays) {
     const ProbeResult result = launch("execute", "", {folder_.narrow("missing"), "-data"});
     EXPECT_EQ(result.status, 3) << "launchEclipse returned";
     EXPECT_TRUE(log().ends_with("Error: execv: " + folder_.narrow("missing") +
@@ -267,9 +205,66 @@ TEST_F(Launch, FailedExecIsOneRecordAndTheStatusStays) {
         << log();
 }
 
-TEST_F(Launch, PlatformKeepsTheLaunchersProcessId) {
+TEST_F(HandedOff, PlatformKeepsTheLaunchersProcessId) {
     const ProbeResult result = launch("execute", "", {"/bin/sh", "-c", "echo $PPID"});
     EXPECT_EQ(result.output, std::to_string(getpid()) + "\n") << "our own child became it";
+}
+
+// --- Provisioning -------------------------------------------------------------------------------
+
+class ProvisioningProgram : public test::LockTest {
+  protected:
+    /// Status of the process that carries the plan out; 99 when that comes back.
+    int start(const std::wstring& script) {
+        test::ChildProcess launcher([&] {
+            Launch launch;
+            launch.inputs.workspace = folder_.wide();
+            launch.lock = PlatformLock::take(folder_.wide(), kMarker, std::nullopt);
+            Plan& plan = launch.plan.emplace();
+            plan.kind = LaunchKind::kUserProvisioning;
+            plan.line.setProgram(script.empty() ? folder_.wide("missing") : L"/bin/sh");
+            plan.line.add(L"-c", script);
+            const std::size_t before = logQueue().size();
+            try {
+                handOff(launch);
+            } catch (const LaunchEnded& end) {
+                // In the forked child, which comes back, and in a launcher that started nothing.
+                folder_.write("records.new", logQueue().substr(before));
+                std::filesystem::rename(folder_.path() / "records.new", folder_.path() / "records");
+                return end.status;
+            }
+            return 99;
+        });
+        return launcher.wait();
+    }
+    void awaitChild() const {
+        for (int round = 0; (!folder_.has("records") || isLocked()) && round < 5000; ++round) {
+            usleep(1000);
+        }
+    }
+};
+
+TEST_F(ProvisioningProgram, IsLoggedAndReplacesTheProcess) {
+    EXPECT_EQ(start(L"exit 9"), 9);
+    awaitChild();
+    EXPECT_THAT(folder_.read("records"),
+                HasSubstr("ZYPRA0129I: ===== Begin Provisioning Parameters =====\n/bin/sh\n-c\n"
+                          "exit 9\nZYPRA0130I: ===== End Provisioning Parameters =====\n"));
+    EXPECT_FALSE(isLocked());
+}
+
+TEST_F(ProvisioningProgram, BothFilesHoldTheForkedChildsId) {
+    ASSERT_EQ(start(L"exit 7"), 7);
+    const std::string id = lockFile().substr(0, lockFile().find(' '));
+    EXPECT_GT(std::stol(id), 0);
+    EXPECT_EQ(lockFile(), id + "          ");
+    EXPECT_EQ(folder_.read(".rcp.main"), id + "    ");
+}
+
+TEST_F(ProvisioningProgram, ThatCannotBeStartedEndsWithStatusZeroAndAFreeLock) {
+    EXPECT_EQ(start(L""), 0);
+    awaitChild();
+    EXPECT_FALSE(isLocked());
 }
 
 }  // namespace

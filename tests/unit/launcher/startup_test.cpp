@@ -3,7 +3,6 @@
 #include "launcher/startup.h"
 
 #include "launcher/core/launch_arguments.h"
-#include "launcher/core/launch_state.h"
 #include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/probe.h"
 
@@ -22,16 +21,16 @@ using testing::Not;
 
 // The launch arguments that come of it, one a line.
 const test::Probe kStartup("start-up sequence", [](const std::vector<std::string>& texts) {
-    Arguments arguments;
+    Launch launch;
     for (const std::string& text : texts) {
-        arguments.emplace_back(toWide(text));
+        launch.arguments.emplace_back(toWide(text));
     }
-    const Start start = isRestart(arguments) ? Start::kRestart : Start::kOrdinary;
-    const std::optional<CommandLine> line = startup(arguments, readInstallation(arguments), start);
-    if (!line) {
+    const Start start = isRestart(launch.arguments) ? Start::kRestart : Start::kOrdinary;
+    const std::optional<Plan> plan = startup(launch, readInstallation(launch.arguments), start);
+    if (!plan) {
         return 1;
     }
-    for (const Argument& argument : line->arguments()) {
+    for (const Argument& argument : plan->line.arguments()) {
         (void)printf("%s\n", toNarrow(argument).c_str());
     }
     return 0;

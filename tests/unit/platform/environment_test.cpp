@@ -124,10 +124,8 @@ TEST_F(SystemEnvironment, TickIsTheTimeOfDay) {
 
 TEST_F(SystemEnvironment, SleepGivesWhatWasLeft) {
     EXPECT_EQ(sysSleep(0), 0U);
-    const SleepFunction before = setSleepFunction([](unsigned seconds) { return seconds - 1; });
-    EXPECT_EQ(before, &sleep);
+    const InstalledCalls clock(test::sleepingLike([](unsigned seconds) { return seconds - 1; }));
     EXPECT_EQ(sysSleep(5), 4U);
-    setSleepFunction(before);
 }
 
 }  // namespace

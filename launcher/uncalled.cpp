@@ -1,0 +1,61 @@
+#include "launcher/uncalled.h"
+
+#include "diagnostics/svc_debug.h"
+#include "platform/files.h"
+
+#include <errno.h>
+
+namespace rcp {
+
+bool isInitMUService(const Arguments& arguments) {
+    return hasOption(L"-initMUService", arguments);
+}
+
+bool isDCommandOnly(const Arguments& arguments) {
+    return hasOption(L"-dcommand_only", arguments);
+}
+
+bool isPipeDaemonCommand() {
+    return false;
+}
+
+bool isLockdownConfig(InstallConfiguration configuration) {
+    return configuration == InstallConfiguration::kLockdown;
+}
+
+std::wstring getPipeFilePath(const std::wstring& workspace) {
+    return workspace + L"/.pipe";
+}
+
+std::optional<std::wstring> getPipeName(const std::wstring& workspace) {
+    const std::wstring path = getPipeFilePath(workspace);
+    Stream stream;
+    if (exists(path)) {
+        open_file(stream, path, L"r");
+    }
+    std::wstring name;
+    const bool isRead = stream && readFile(*stream, kPropertyLineFormat, name) == 1;
+    return isRead ? std::optional(name) : std::nullopt;
+}
+
+bool isDirtyShutdown() {
+    return false;
+}
+
+bool isJavaw(const std::wstring& jvm, const std::wstring& name) {
+    if (!exists(jvm)) {
+        fatal(because(errno), "ZYPRA0003E: Specified vm (%ls) does not exist!", jvm);
+    }
+    return jvm.ends_with(name);
+}
+
+std::wstring replaceJavaExecutableName(const std::wstring& jvm, const std::wstring& name,
+                                       const std::wstring& replacement) {
+    return jvm.ends_with(name) ? jvm.substr(0, jvm.size() - name.size()) + replacement : jvm;
+}
+
+void getCmdString(const Arguments& /*arguments*/) {}
+
+void setSemVersion(const wchar_t* /*version*/) {}
+
+}  // namespace rcp

@@ -1,0 +1,35 @@
+// What belongs to the launcher's interface though no launch calls it.
+#pragma once
+
+#include "launcher/core/arguments.h"
+#include "launcher/core/install_configuration.h"
+
+#include <optional>
+#include <string>
+
+namespace rcp {
+
+bool isInitMUService(const Arguments& arguments);  // "-initMUService"
+bool isDCommandOnly(const Arguments& arguments);   // "-dcommand_only"
+/// No launch is one.
+bool isPipeDaemonCommand();
+/// Whether the configuration is "lockdown".
+bool isLockdownConfig(InstallConfiguration configuration);
+
+/// The file that names the platform's pipe, and the name in it; none without one.
+std::wstring getPipeFilePath(const std::wstring& workspace);
+std::optional<std::wstring> getPipeName(const std::wstring& workspace);
+/// Nothing marks a shutdown as dirty: always false.
+bool isDirtyShutdown();
+
+/// Whether the JVM path ends in `name`. Ends the launch when no such executable exists.
+bool isJavaw(const std::wstring& jvm, const std::wstring& name);
+/// The JVM path with its ending `name` replaced by `replacement`; any other path as it is.
+std::wstring replaceJavaExecutableName(const std::wstring& jvm, const std::wstring& name,
+                                       const std::wstring& replacement);
+
+/// Both do nothing.
+void getCmdString(const Arguments& arguments);
+void setSemVersion(const wchar_t* version);
+
+}  // namespace rcp
