@@ -4,14 +4,16 @@
 
 readonly window_title="Velmo Sample"
 
-# tied COMMAND...: ends with the shell that starts it, however that ends.
+# tied COMMAND...: ends with the shell that starts it, however that ends, and not before: what a terminal sends
+# to all it shows does not reach it.
 tied() {
-    exec setpriv --pdeathsig KILL "$@"
+    exec setsid setpriv --pdeathsig KILL "$@"
 }
 
 # open_screen X_CLIENT: DISPLAY becomes a new virtual screen, on which X_CLIENT tells what appears.
 open_screen() {
     local number
+    screen_log=''
     exec {screen_answer}< <(tied Xvfb -displayfd 1 -screen 0 1280x900x24 -nolisten tcp 2>/dev/null)
     screen_processes=("$!")
     read -r -t 300 -u "$screen_answer" number || return 1
@@ -28,7 +30,6 @@ close_screen() {
 
 # next_event: the next line of x_client, in `event`. Status 1: nothing has happened in half a second; 2: the
 # screen is gone. `screen_log` collects the lines.
-screen_log=''
 next_event() {
     local status=0
     read -r -t 0.5 -u "$screen_events" event || status=$?
@@ -63,23 +64,24 @@ has_other_window() {
         END { for (window in on) exit 0; exit 1 }' <<<"$screen_log"
 }
 
-# take_picture WINDOW FILE: as soon as the window has been drawn, with text in it, and stays as it is. Status 1
-# when it does not within two minutes.
+# take_picture WINDOW FILE SECONDS: as soon as the window has been drawn, with text in it, and stays as it is.
+# Status 1, and no file, when it does not in that time, or the picture cannot be had or written.
 take_picture() {
-    local -r end=$((SECONDS + 120))
+    local -r end=$((SECONDS + $3))
+    local status=1
+    rm -f -- "$2"
     while ((SECONDS < end)) && has_other_window "$1"; do
         next_event || (($? == 1)) || return 1
     done
     while ((SECONDS < end)); do
-        xwd -silent -id "$1" | xwdtopnm 2>/dev/null >"$2.new" || return 1
+        xwd -silent -id "$1" | xwdtopnm 2>/dev/null >"$2.new" || break
         if cmp -s -- "$2.new" "$2.before" && (($(ppmhist -noheader "$2.new" | wc -l) > 16)); then
-            pnmtopng 2>/dev/null <"$2.new" >"$2"
-            rm -- "$2.new" "$2.before"
-            return 0
+            pnmtopng 2>/dev/null <"$2.new" >"$2.before" && mv -- "$2.before" "$2" && status=0
+            break
         fi
         mv -f -- "$2.new" "$2.before"
         sleep 0.5
     done
     rm -f -- "$2.new" "$2.before"
-    return 1
+    return "$status"
 }

@@ -5,6 +5,7 @@ import java.io.PrintStream;
 import java.nio.charset.StandardCharsets;
 
 import org.eclipse.jface.resource.JFaceResources;
+import org.eclipse.osgi.service.environment.EnvironmentInfo;
 import org.eclipse.swt.SWT;
 import org.eclipse.swt.widgets.Composite;
 import org.eclipse.swt.widgets.Text;
@@ -12,7 +13,6 @@ import org.eclipse.ui.part.ViewPart;
 import org.osgi.framework.BundleContext;
 import org.osgi.framework.FrameworkUtil;
 
-import org.eclipse.osgi.service.environment.EnvironmentInfo;
 import sample.report.Report;
 
 /** Shows what the platform was started with. */
