@@ -36,15 +36,20 @@ std::string firstOf(const std::string& xml, const std::string& key) {
     return xml.substr(first, xml.find('<', first) - first);
 }
 
-void addCode(const fs::directory_entry& entry, Bundle& bundle) {
+void addFile(const fs::directory_entry& entry, Bundle& bundle) {
     const std::string path = entry.path().string();
     std::error_code failed;
-    if (!entry.is_regular_file(failed) || entry.is_symlink(failed) ||
-        !looksLikeMachO(readQuietly(path, kStart))) {
+    if (!entry.is_regular_file(failed) || entry.is_symlink(failed)) {
         return;
     }
     CodeFile file;
     file.path = path.substr(bundle.contents.size() + 1);
+    if (!looksLikeMachO(readQuietly(path, kStart))) {
+        if (file.path.starts_with("MacOS/")) {
+            bundle.strangers.push_back(file.path);
+        }
+        return;
+    }
     file.isExecutable = isExecutable(path);
     file.images = readMachO(readQuietly(path)).value_or(std::vector<CodeImage>());
     bundle.code.push_back(std::move(file));
@@ -62,6 +67,27 @@ std::string escaped(const std::string& text) {
 
 bool Bundle::has(const std::string& name) const {
     return existsA(pathOf(name));
+}
+
+std::optional<std::string> Bundle::nameOf(const std::string& path) const {
+    const std::string plain = fs::path(path).lexically_normal().string();
+    const std::string here = contents + "/";
+    if (plain.starts_with(here)) {
+        return plain.substr(here.size());
+    }
+    const std::string bundleName = fs::path(contents).parent_path().filename().string();
+    const std::string elsewhere = "/" + bundleName + "/Contents/";
+    const std::size_t at = plain.rfind(elsewhere);
+    return !plain.starts_with('/') || at == std::string::npos
+               ? std::nullopt
+               : std::optional(plain.substr(at + elsewhere.size()));
+}
+
+bool Bundle::owns(const std::string& name) const {
+    std::error_code failed;
+    const std::string folder = fs::canonical(contents, failed).string() + "/";
+    const std::string place = fs::canonical(pathOf(name), failed).string() + "/";
+    return !failed && place.starts_with(folder);
 }
 
 const CodeFile* Bundle::codeFile(const std::string& name) const {
@@ -119,8 +145,9 @@ Bundle readBundle(const std::string& contents, const std::string& launcher) {
     fs::recursive_directory_iterator files(contents, fs::directory_options::skip_permission_denied,
                                            failed);
     for (; !failed && files != fs::recursive_directory_iterator(); files.increment(failed)) {
-        addCode(*files, bundle);
+        addFile(*files, bundle);
     }
+    std::sort(bundle.strangers.begin(), bundle.strangers.end());
     std::sort(bundle.code.begin(), bundle.code.end(),
               [](const CodeFile& left, const CodeFile& right) { return left.path < right.path; });
     return bundle;

@@ -3,6 +3,7 @@
 
 #include "inspect/bundle/mach_o.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,12 +30,18 @@ struct Bundle {
     std::string launcher;  // the executable, behind Contents/
     BundleKeys keys;
     std::vector<CodeFile> code;
+    std::vector<std::string> strangers;  // files in MacOS that are no code, behind Contents/
     std::string seal;  // _CodeSignature/CodeResources as XML; empty: the bundle is not sealed
 
     [[nodiscard]] std::string pathOf(const std::string& name) const {
         return contents + "/" + name;
     }
     [[nodiscard]] bool has(const std::string& name) const;
+    /// The name behind Contents/ of an absolute path, be the bundle here or where the path has it
+    /// ("/Applications/X.app/Contents/..."); none when it leads out of the bundle.
+    [[nodiscard]] std::optional<std::string> nameOf(const std::string& path) const;
+    /// Whether something is there that belongs to the bundle: no link leads out of it on the way.
+    [[nodiscard]] bool owns(const std::string& name) const;
     [[nodiscard]] const CodeFile* codeFile(const std::string& name) const;
     /// Whether the seal covers the file of that name.
     [[nodiscard]] bool seals(const std::string& name) const;

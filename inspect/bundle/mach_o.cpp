@@ -24,6 +24,7 @@ constexpr std::uint32_t kBuildVersion = 0x32;
 constexpr std::uint32_t kWeakLibrary = 0x80000018;
 constexpr std::uint32_t kSearchPath = 0x8000001C;
 constexpr std::uint32_t kReexportedLibrary = 0x8000001F;
+constexpr std::uint32_t kUpwardLibrary = 0x80000023;
 constexpr std::uint32_t kPlatformMacos = 1;
 
 std::string processorName(std::uint32_t processor) {
@@ -60,6 +61,7 @@ void readCommand(std::uint32_t kind, std::string_view command, Bytes& file, Code
         case kLoadLibrary:
         case kWeakLibrary:
         case kReexportedLibrary:
+        case kUpwardLibrary:
             image.libraries.push_back({bytes.text(bytes.word(8)), kind == kWeakLibrary});
             break;
         case kOwnName:

@@ -67,7 +67,8 @@ void findInSystems(const Bundle& bundle, const CodeFile& file, Findings& finding
     }
 }
 
-// Where libraries are looked for: with the names that stand for the loader's and the program's folder.
+// Where libraries are looked for: with the names that stand for the loader's and the program's folder. Only
+// what is in the bundle counts: what else is on this machine need not be on another.
 class Lookup {
   public:
     explicit Lookup(const Bundle& bundle) : bundle_(bundle) {
@@ -99,8 +100,7 @@ class Lookup {
                                                       const CodeImage& image) const {
         std::vector<std::string> result;
         for (const std::string& path : image.searchPaths) {
-            if (!isOfSystem(path) &&
-                !std::filesystem::is_directory(expanded(file, path), ignored_)) {
+            if (!isOfSystem(path) && !isInBundle(expanded(file, path) + "/.")) {
                 result.push_back(path);
             }
         }
@@ -109,8 +109,13 @@ class Lookup {
 
   private:
     static bool isOfSystem(const std::string& path) {
-        return path.starts_with("/usr/lib/") || path == "/usr/lib" ||
-               path.starts_with("/System/Library/");
+        const std::string plain = std::filesystem::path(path).lexically_normal().string() + "/";
+        return plain.starts_with("/usr/lib/") || plain.starts_with("/System/Library/");
+    }
+
+    [[nodiscard]] bool isInBundle(const std::string& path) const {
+        const std::optional<std::string> name = bundle_.nameOf(path);
+        return name && bundle_.owns(*name);
     }
 
     [[nodiscard]] std::string folderOf(const std::string& name) const {
@@ -141,20 +146,18 @@ class Lookup {
             return true;
         }
         if (!name.starts_with(kSearched)) {
-            return std::filesystem::exists(expanded(file, name), ignored_);
+            return isInBundle(expanded(file, name));
         }
         // A library of that name that is loaded already counts, wherever it lies.
         return names_.contains(name) ||
                std::any_of(paths.begin(), paths.end(), [&](const std::string& path) {
-                   return std::filesystem::exists(path + "/" + name.substr(kSearched.size()),
-                                                  ignored_);
+                   return isInBundle(path + "/" + name.substr(kSearched.size()));
                });
     }
 
     const Bundle& bundle_;
     std::set<std::string> names_;
     std::set<std::string> programPaths_;
-    mutable std::error_code ignored_;
 };
 
 void findInLibraries(const Bundle& bundle, const Lookup& lookup, const CodeFile& file,

@@ -53,14 +53,9 @@ void findInKeysOf(const Bundle& bundle, Findings& findings) {
     }
 }
 
-// The path is that of the bundle's final place, which this need not be.
 bool leadsIntoBundle(const Bundle& bundle, const std::string& path) {
-    const std::string name =
-        std::filesystem::path(bundle.contents).parent_path().filename().string();
-    const std::string inside = "/" + name + "/Contents/";
-    const std::size_t at = path.rfind(inside);
-    return path.starts_with('/') && at != std::string::npos &&
-           isExecutable(bundle.pathOf(path.substr(at + inside.size())));
+    const std::optional<std::string> name = bundle.nameOf(path);
+    return name && isExecutable(bundle.pathOf(*name));
 }
 
 void findInRestartPath(const Bundle& bundle, Findings& findings) {
@@ -120,6 +115,11 @@ void findInBundleStructure(const Bundle& bundle, Findings& findings) {
         findings.add("RI702", bundle.pathOf(kInfo), 0, "it is no property list");
     } else {
         findInKeysOf(bundle, findings);
+    }
+    for (const std::string& name : bundle.strangers) {
+        if (name != bundle.launcher) {
+            findings.add("RI712", bundle.pathOf(name), 0, "it is no code");
+        }
     }
     findInRestartPath(bundle, findings);
 }

@@ -178,7 +178,8 @@ constexpr FindingRule kRules[] = {
      "Name the launcher's path in the bundle's final place."},
     {"RI708", "not-signed", kWarning,
      "Code without signature is not started after a download, and on arm64 never.",
-     "Sign the bundle when everything is in it: codesign --force --deep, or from the inside out."},
+     "Sign when everything is in the bundle, from the inside out: libraries first, the bundle "
+     "last."},
     {"RI709", "launch-breaks-seal", kWarning,
      "A launch writes into the bundle what its signature seals. From then on the signature is "
      "broken.",
@@ -191,6 +192,10 @@ constexpr FindingRule kRules[] = {
      "The launcher is signed for the hardened runtime without an entitlement that a JVM in its "
      "process needs.",
      "Sign it with packaging/macos/entitlements.plist."},
+    {"RI712", "stranger-among-code", kWarning,
+     "Everything in Contents/MacOS has to be signed as code. A file that is none ends the signing "
+     "of the bundle.",
+     "Put the file into Contents/Resources and a link to it into Contents/MacOS."},
 };
 
 }  // namespace

@@ -1,9 +1,10 @@
 // check over application bundles: a good one, and one for everything that can be wrong with one.
+#include "bundle_fixture.h"
 #include "inspect/bundle/bundle.h"
 #include "inspect/check/examination.h"
 #include "inspect/check/groups.h"
 #include "inspect/commands.h"
-#include "mach_o_fixture.h"
+#include "inspect/explain/rehearse_launch.h"
 #include "tests/inspect/paths.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
@@ -20,113 +21,9 @@
 namespace rcp::inspect {
 namespace {
 
-namespace fs = std::filesystem;
-
-const std::string kContents = "Velmo.app/Contents";
-const std::string kProgram = kContents + "/MacOS/rcplauncher";
-const std::string kInfo = kContents + "/Info.plist";
-const std::string kRestart = kContents + "/MacOS/rcplauncher.plist";
-const std::string kSeal = kContents + "/_CodeSignature/CodeResources";
-const std::string kProperties = kContents + "/Eclipse/rcp/rcplauncher.properties";
-const std::string kBase = kContents + "/Eclipse/rcp/eclipse/plugins/com.ovr.rcp.base";
-const std::string kEclipse = kBase + "/macosx/x86/eclipse";
-const std::string kLibrary = kBase + "/macosx/x86/eclipse_1615.so";
-const std::string kJvm = kContents + "/jre/Contents/Home/lib/server/libjvm.dylib";
-
-std::string list(const std::string& body) {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" + body +
-           "</dict></plist>\n";
+std::vector<Finding> findingsIn(const AppBundle& bundle) {
+    return findEverything(examine(bundle.options())).sorted();
 }
-
-std::string text(const std::string& key, const std::string& value) {
-    return "<key>" + key + "</key><string>" + value + "</string>";
-}
-
-MachO code(std::uint32_t type, std::uint32_t processor = 0x01000007) {
-    MachO file;
-    file.type = type;
-    file.processor = processor;
-    file.oldestSystem = processor == kArm64 ? kSystem11 : file.oldestSystem;
-    return file;
-}
-
-std::string forBoth(MachO file) {
-    MachO other = file;
-    other.processor = kArm64;
-    other.oldestSystem = kSystem11;
-    return universal({std::move(file), std::move(other)});
-}
-
-class AppBundle {
-  public:
-    AppBundle() {
-        debug = false;
-        writeProgram(kProgram, forBoth(code(2)));
-        writeProgram(kEclipse, code(2).bytes());
-        writeProgram(kLibrary, code(6).bytes());
-        writeProgram(kJvm, code(6).bytes());
-        write(kBase + "/launcher.jar", "");
-        for (const char* name : {"config.ini", "platform.xml", "rcpinstall.properties"}) {
-            write(kBase + "/config/user/" + name, "");
-        }
-        write(kInfo,
-              list(text("CFBundleExecutable", "rcplauncher") +
-                   text("CFBundleIdentifier", "com.example.velmo") +
-                   text("CFBundlePackageType", "APPL") + text("LSMinimumSystemVersion", "10.13") +
-                   "<key>LSArchitecturePriority</key><array><string>x86_64</string>"
-                   "<string>arm64</string></array>"));
-        write(kBase + "/macosx/x86/Info.plist",
-              list(text("CFBundleIdentifier", "com.example.velmo")));
-        write(kRestart,
-              list(text("mlauncher.path", "/Applications/Velmo.app/Contents/MacOS/rcplauncher")));
-        write(kSeal, list("<key>files2</key><dict>" + sealed("rcp/rcplauncher.properties") +
-                          sealed("rcp/eclipse/plugins/com.ovr.rcp.base/macosx/x86/Info.plist") +
-                          "</dict>"));
-        write(kContents + "/Eclipse/rcp/plugins.ini", "");
-        write(kProperties,
-              "rcp.install.id=velmo\n"
-              "plugincustomization=" +
-                  folder_.narrow(kContents + "/Eclipse/rcp/plugins.ini") +
-                  "\n"
-                  "rcp.base.location=${rcp.home}/rcp/eclipse/plugins/com.ovr.rcp.base\n"
-                  "rcp.data=" +
-                  folder_.narrow("home/workspace") +
-                  "\njvm.location=" + folder_.narrow(kContents + "/jre/Contents/Home") +
-                  "\njvm.libpath=/lib/server/libjvm.dylib\n");
-    }
-
-    void write(const std::string& name, const std::string& content) const {
-        folder_.write(name, content);
-    }
-    void writeProgram(const std::string& name, const std::string& content) const {
-        write(name, content);
-        fs::permissions(folder_.path() / name, fs::perms::owner_exec, fs::perm_options::add);
-    }
-    void replace(const std::string& name, const std::string& from, const std::string& to) const {
-        std::string content = folder_.read(name);
-        const std::size_t at = content.find(from);
-        ASSERT_NE(at, std::string::npos) << from;
-        write(name, content.replace(at, from.size(), to));
-    }
-    void remove(const std::string& name) const { fs::remove_all(folder_.path() / name); }
-    void forbidExecution(const std::string& name) const {
-        fs::permissions(folder_.path() / name, fs::perms::owner_exec, fs::perm_options::remove);
-    }
-
-    [[nodiscard]] std::vector<Finding> check() const {
-        Options options;
-        options.launcher = folder_.narrow(kProgram);
-        options.installation = folder_.narrow(kContents);
-        return findEverything(examine(options)).sorted();
-    }
-    [[nodiscard]] const test::TestFolder& folder() const { return folder_; }
-
-  private:
-    static std::string sealed(const std::string& name) {
-        return "<key>Eclipse/" + name + "</key><dict><key>hash2</key><data>AAAA</data></dict>";
-    }
-    test::TestFolder folder_;
-};
 
 std::string shown(const std::vector<Finding>& findings) {
     std::string result;
@@ -138,14 +35,14 @@ std::string shown(const std::vector<Finding>& findings) {
 }
 
 TEST(CheckBundle, FindsNothingInAGoodOne) {
-    EXPECT_EQ(shown(AppBundle().check()), "");
+    EXPECT_EQ(shown(findingsIn(AppBundle())), "");
 }
 
 struct BadBundle {
     const char* name;
     const char* code;
     std::string file;  // where the finding is
-    const char* message;
+    std::string message;
     std::function<void(const AppBundle&)> change;
 };
 
@@ -163,7 +60,7 @@ class CheckBadBundle : public ::testing::TestWithParam<BadBundle> {};
 TEST_P(CheckBadBundle, IsReportedAndNothingElse) {
     const AppBundle bundle;
     GetParam().change(bundle);
-    const std::vector<Finding> findings = bundle.check();
+    const std::vector<Finding> findings = findingsIn(bundle);
     bool isFound = false;
     for (const Finding& finding : findings) {
         const bool isBundles = std::string_view(finding.rule->code).starts_with("RI7");
@@ -206,9 +103,18 @@ std::vector<BadBundle> structureCases() {
         {"NoSystemVersion", "RI702", kInfo, "LSMinimumSystemVersion",
          infoHas("10.13", "High Sierra")},
         {"RestartPathOfAnotherBundle", "RI707", kRestart, "no executable of this bundle",
-         [](const AppBundle& bundle) { bundle.replace(kRestart, "Velmo.app", "Old.app"); }},
+         [](const AppBundle& bundle) { bundle.replace(kRestartFile, "Velmo.app", "Old.app"); }},
         {"RestartPathWithoutKey", "RI707", kRestart, "no mlauncher.path",
-         [](const AppBundle& bundle) { bundle.replace(kRestart, "mlauncher.path", "path"); }},
+         [](const AppBundle& bundle) { bundle.replace(kRestartFile, "mlauncher.path", "path"); }},
+        {"RestartPathAmongTheCode", "RI712", kRestart, "no code",
+         [](const AppBundle& bundle) {
+             bundle.remove(kRestart);
+             bundle.write(kRestart, bundle.folder().read(kRestartFile));
+         }},
+        {"EmptyFileAmongTheCode", "RI712", kContents + "/MacOS/deep/notes", "no code",
+         holds(kContents + "/MacOS/deep/notes", "")},
+        {"ScriptAmongTheCode", "RI712", kContents + "/MacOS/helper", "no code",
+         holds(kContents + "/MacOS/helper", "#!/usr/local/bin/python3\n")},
         {"ScriptForAProgram", "RI710", kEclipse, "/bin/sh", holds(kEclipse, "#!/bin/sh\nexec x\n")},
     };
 }
@@ -218,8 +124,9 @@ std::vector<BadBundle> codeCases() {
     newer.oldestSystem = kSystem11;
     MachO lost = code(6);
     lost.libraries = {"@rpath/libgone.dylib"};
-    MachO homebrew = code(6);
-    homebrew.libraries = {"/usr/local/lib/libfoo.dylib"};
+    MachO above = code(6);
+    above.libraries.clear();
+    above.upwardLibraries = {"@loader_path/libabove.dylib"};
     MachO pathless = code(6);
     pathless.searchPaths = {"@loader_path/../nowhere"};
     return {
@@ -235,10 +142,50 @@ std::vector<BadBundle> codeCases() {
          holds(kLibrary, newer.bytes())},
         {"LibraryThatIsNotThere", "RI706", kLibrary, "@rpath/libgone.dylib",
          holds(kLibrary, lost.bytes())},
-        {"LibraryOutsideOfTheBundle", "RI706", kLibrary, "/usr/local/lib/libfoo.dylib",
-         holds(kLibrary, homebrew.bytes())},
+        {"LibraryAboveThatIsNotThere", "RI706", kLibrary, "libabove.dylib",
+         holds(kLibrary, above.bytes())},
         {"SearchPathToNowhere", "RI706", kLibrary, "search path",
          holds(kLibrary, pathless.bytes())},
+    };
+}
+
+// The platform's library wants that library, or looks for libraries there. The file "beside/libbeside.dylib"
+// lies beside the bundle, where another machine need not have it.
+BadBundle outsideCase(const char* name, const std::string& library, const std::string& searchPath) {
+    return {name, "RI706", kLibrary,
+            library.empty() ? "the search path" : library.substr(library.rfind('/') + 1),
+            [=](const AppBundle& bundle) {
+                const auto placed = [&](std::string text) {
+                    return text.starts_with("BESIDE")
+                               ? text.replace(0, 6, bundle.folder().narrow("beside"))
+                               : text;
+                };
+                bundle.writeProgram("beside/libbeside.dylib", code(6).bytes());
+                bundle.link(bundle.folder().narrow("beside/libbeside.dylib"),
+                            kBase + "/macosx/x86/liblink.dylib");
+                MachO wanting = code(6);
+                if (!library.empty()) {
+                    wanting.libraries = {placed(library)};
+                }
+                if (!searchPath.empty()) {
+                    wanting.searchPaths = {placed(searchPath)};
+                }
+                bundle.writeProgram(kLibrary, wanting.bytes());
+            }};
+}
+
+std::vector<BadBundle> outsideCases() {
+    return {
+        outsideCase("LibraryOfThisMachine", "BESIDE/libbeside.dylib", ""),
+        outsideCase("LibraryOfNoMachine", "/usr/local/lib/libfoo.dylib", ""),
+        outsideCase("LibraryThatOnlySeemsTheSystems", "/usr/lib/../local/lib/libfoo.dylib", ""),
+        outsideCase("LibraryWithoutFolder", "eclipse_1615.so", ""),
+        outsideCase("LibraryBesideTheBundle", "@executable_path/../../../beside/libbeside.dylib",
+                    ""),
+        outsideCase("LinkOutOfTheBundle", "@loader_path/liblink.dylib", ""),
+        outsideCase("SearchPathOfThisMachine", "", "BESIDE"),
+        outsideCase("SearchPathBesideTheBundle", "", "@executable_path/../../../beside"),
+        outsideCase("SearchPathThatIsAFile", "", "@executable_path/rcplauncher"),
     };
 }
 
@@ -275,6 +222,7 @@ const auto nameOfCase = [](const auto& info) { return std::string(info.param.nam
 INSTANTIATE_TEST_SUITE_P(Structure, CheckBadBundle, ::testing::ValuesIn(structureCases()),
                          nameOfCase);
 INSTANTIATE_TEST_SUITE_P(Code, CheckBadBundle, ::testing::ValuesIn(codeCases()), nameOfCase);
+INSTANTIATE_TEST_SUITE_P(Outside, CheckBadBundle, ::testing::ValuesIn(outsideCases()), nameOfCase);
 INSTANTIATE_TEST_SUITE_P(Seal, CheckBadBundle, ::testing::ValuesIn(sealCases()), nameOfCase);
 
 TEST(CheckBundle, HasACaseForEveryFinding) {
@@ -290,14 +238,39 @@ TEST(CheckBundle, HasACaseForEveryFinding) {
     }
 }
 
+// What a launch writes into the bundle in its rehearsal is what check says of it.
+TEST(CheckBundle, SaysWhatLaunchesWriteIntoTheBundle) {
+    const auto launchWrites = [](const AppBundle& bundle) {
+        Options options = bundle.options();
+        options.arguments = {"-bundleIdentifier", "com.example.velmo"};
+        std::set<std::string> written;
+        const auto told = explainLaunch(options);
+        for (const auto& change : told["changes"]) {
+            const std::filesystem::path path = change["path"].get<std::string>();
+            if (path.lexically_normal().string().starts_with(bundle.folder().narrow(kContents) +
+                                                             "/")) {
+                written.insert(path);
+            }
+        }
+        return written;
+    };
+    EXPECT_THAT(launchWrites(AppBundle()), ::testing::IsEmpty());
+    for (const BadBundle& one : sealCases()) {
+        const AppBundle bundle;
+        one.change(bundle);
+        EXPECT_EQ(!launchWrites(bundle).empty(), one.code == std::string_view("RI709")) << one.name;
+    }
+}
+
 TEST(CheckBundle, TellsOfAMissingLauncherAndPermission) {
     const AppBundle without;
     without.remove(kProgram);
-    EXPECT_NE(shown(without.check()).find("RI701"), std::string::npos) << shown(without.check());
+    EXPECT_NE(shown(findingsIn(without)).find("RI701"), std::string::npos)
+        << shown(findingsIn(without));
     const AppBundle forbidden;
     forbidden.forbidExecution(kProgram);
     forbidden.forbidExecution(kEclipse);
-    const std::string findings = shown(forbidden.check());
+    const std::string findings = shown(findingsIn(forbidden));
     EXPECT_NE(findings.find("RI602"), std::string::npos) << findings;
 }
 
@@ -307,8 +280,11 @@ TEST(CheckBundle, FindsLibrariesWhereTheSystemWould) {
     MachO library = code(6);
     library.libraries = {"@loader_path/libbeside.dylib", "@executable_path/libbeside.dylib",
                          "@rpath/libbeside.dylib", "@rpath/libloaded.dylib"};
+    library.libraries.push_back("/Applications/Velmo.app/Contents/MacOS/libbeside.dylib");
+    library.libraries.push_back("@loader_path/Current/libbeside.dylib");
     library.weakLibraries = {"/opt/gone.dylib"};
-    library.searchPaths = {"@loader_path/."};
+    library.searchPaths = {"@loader_path/.", "/usr/lib", "/Applications/Velmo.app/Contents/MacOS"};
+    bundle.link(".", kBase + "/macosx/x86/Current");
     bundle.writeProgram(kLibrary, library.bytes());
     MachO loaded = code(6);
     loaded.ownName = "@rpath/libloaded.dylib";
@@ -316,7 +292,7 @@ TEST(CheckBundle, FindsLibrariesWhereTheSystemWould) {
     for (const std::string& folder : {kBase + "/macosx/x86", kContents + "/MacOS"}) {
         bundle.writeProgram(folder + "/libbeside.dylib", code(6).bytes());
     }
-    EXPECT_EQ(shown(bundle.check()), "");
+    EXPECT_EQ(shown(findingsIn(bundle)), "");
 }
 
 TEST(CheckBundle, IsFoundByItsFolder) {

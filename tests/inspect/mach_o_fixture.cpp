@@ -52,6 +52,9 @@ std::string MachO::bytes() const {
     for (const std::string& name : weakLibraries) {
         commands.push_back(library(0x80000018, name));
     }
+    for (const std::string& name : upwardLibraries) {
+        commands.push_back(library(0x80000023, name));
+    }
     for (const std::string& path : searchPaths) {
         commands.push_back(command(0x8000001C, little(12) + path + '\0'));
     }

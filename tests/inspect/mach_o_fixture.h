@@ -15,6 +15,7 @@ struct MachO {
     std::uint32_t oldestSystem = 10U << 16U | 13U << 8U;
     std::vector<std::string> libraries{"/usr/lib/libSystem.B.dylib"};
     std::vector<std::string> weakLibraries{};
+    std::vector<std::string> upwardLibraries{};
     std::vector<std::string> searchPaths{};
     std::string ownName{};
     bool isSigned = true;

@@ -14,6 +14,7 @@ MachO everything() {
     MachO file;
     file.type = 6;
     file.weakLibraries = {"@rpath/libmaybe.dylib"};
+    file.upwardLibraries = {"@rpath/libabove.dylib"};
     file.searchPaths = {"@loader_path/../lib"};
     file.ownName = "@rpath/libmine.dylib";
     file.signatureFlags = 0x10002;
@@ -30,10 +31,12 @@ TEST(MachOReader, FindsWhatTheFileSays) {
     EXPECT_EQ(image.kind, CodeKind::kLibrary);
     EXPECT_EQ(image.oldestSystem, (SystemVersion{10, 13}));
     EXPECT_EQ(image.ownName, "@rpath/libmine.dylib");
-    ASSERT_EQ(image.libraries.size(), 2U);
+    ASSERT_EQ(image.libraries.size(), 3U);
     EXPECT_EQ(image.libraries[0].name, "/usr/lib/libSystem.B.dylib");
     EXPECT_FALSE(image.libraries[0].mayBeMissing);
     EXPECT_TRUE(image.libraries[1].mayBeMissing);
+    EXPECT_EQ(image.libraries[2].name, "@rpath/libabove.dylib");
+    EXPECT_FALSE(image.libraries[2].mayBeMissing);
     EXPECT_EQ(image.searchPaths, std::vector<std::string>{"@loader_path/../lib"});
     ASSERT_TRUE(image.signature);
     EXPECT_EQ(image.signature->identifier, "com.example");
