@@ -1,10 +1,10 @@
 // What single functions take as their input grows. "per_entry" is the figure to look at: a function
 // that does its work once an entry keeps it, whatever the number.
-#include "launcher/core/config_extensions.h"
-#include "launcher/core/hand_off_tools.h"
-#include "launcher/core/placeholders.h"
-#include "launcher/core/property_file.h"
-#include "launcher/core/vm_argument_map.h"
+#include "launcher/command_line/config_extensions.h"
+#include "launcher/hand_off_tools.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/properties/property_file.h"
+#include "launcher/properties/vm_argument_map.h"
 #include "platform/removal.h"
 #include "platform/text.h"
 

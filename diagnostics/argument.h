@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace rcp {
 
@@ -27,5 +28,8 @@ struct Argument : std::wstring {
 
     Origin origin;
 };
+
+/// The launcher's arguments or those of what it starts, the program path first.
+using Arguments = std::vector<Argument>;
 
 }  // namespace rcp

@@ -3,8 +3,8 @@
 //
 // Input: key, value.
 #include "fuzz/fuzz.h"
-#include "launcher/core/java_properties.h"
-#include "launcher/core/property_file.h"
+#include "launcher/properties/java_properties.h"
+#include "launcher/properties/property_file.h"
 #include "platform/text.h"
 
 #include <algorithm>

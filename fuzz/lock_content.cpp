@@ -1,5 +1,5 @@
 // What a platform lock file may hold, against the C library's own reading of a number.
-#include "launcher/core/lock_content.h"
+#include "launcher/instance/lock_content.h"
 
 #include "fuzz/fuzz.h"
 

@@ -2,7 +2,7 @@
 //
 // Input: text, workspace, installation directory, value of the environment variable FUZZ, then
 // values of the properties "a", "b", "c", ...
-#include "launcher/core/placeholders.h"
+#include "launcher/properties/placeholders.h"
 
 #include "diagnostics/svc_debug.h"
 #include "fuzz/fuzz.h"

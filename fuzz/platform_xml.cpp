@@ -1,7 +1,7 @@
 // Lines of the master "platform.xml".
 //
 // Input: the line, then the four values.
-#include "launcher/core/platform_xml.h"
+#include "launcher/user_area/platform_xml.h"
 
 #include "fuzz/fuzz.h"
 

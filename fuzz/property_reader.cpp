@@ -1,7 +1,7 @@
 // The property reader over whole files.
 #include "diagnostics/svc_debug.h"
 #include "fuzz/fuzz.h"
-#include "launcher/core/property_file.h"
+#include "launcher/properties/property_file.h"
 #include "platform/text.h"
 
 namespace {

@@ -3,8 +3,8 @@
 // Input: the file, install id, JVM location, base location, install configuration, locale.
 #include "diagnostics/svc_debug.h"
 #include "fuzz/fuzz.h"
-#include "launcher/core/property_text.h"
-#include "launcher/core/user_files.h"
+#include "launcher/properties/property_text.h"
+#include "launcher/user_area/user_files.h"
 #include "platform/text.h"
 
 #include <algorithm>

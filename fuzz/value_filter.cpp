@@ -1,6 +1,6 @@
 // The value filter and the trimmer, against the same rules written down step by step.
 #include "fuzz/fuzz.h"
-#include "launcher/core/property_text.h"
+#include "launcher/properties/property_text.h"
 
 #include <wchar.h>
 

@@ -4,7 +4,7 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
-#include "launcher/rcp_launcher_main.h"
+#include "launcher/process_entry.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"

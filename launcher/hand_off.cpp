@@ -2,7 +2,7 @@
 
 #include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/running_provisioning.h"
+#include "launcher/instance/running_provisioning.h"
 #include "platform/signals.h"
 #include "platform/text.h"
 

@@ -10,8 +10,8 @@
 //           otherwise     execv
 #pragma once
 
-#include "launcher/core/hand_off_tools.h"
-#include "launcher/startup.h"
+#include "launcher/hand_off_tools.h"
+#include "launcher/launch.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "launcher/rcp_launcher_main.h"
+#include "launcher/process_entry.h"
 
 int main(int argc, char** argv) {
     return rcp::runLauncher(argc, argv);

@@ -1,8 +1,8 @@
 // What belongs to the launcher's interface though no launch calls it.
 #pragma once
 
-#include "launcher/core/arguments.h"
-#include "launcher/core/install_configuration.h"
+#include "launcher/inputs/arguments.h"
+#include "launcher/inputs/install_configuration.h"
 
 #include <optional>
 #include <string>

@@ -3,7 +3,7 @@
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/quiet_read.h"
-#include "launcher/core/command_line.h"
+#include "launcher/command_line/assembly.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/text.h"

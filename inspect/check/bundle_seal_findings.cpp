@@ -1,7 +1,7 @@
 // The signatures of an application bundle, and what a launch does to them.
 #include "inspect/check/bundle_subjects.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/option_values.h"
+#include "launcher/inputs/install_configuration.h"
+#include "launcher/inputs/option_values.h"
 #include "platform/platform.h"
 #include "platform/text.h"
 

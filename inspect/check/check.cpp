@@ -5,7 +5,7 @@
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
 #include "inspect/page/page.h"
-#include "launcher/rcp_launcher_main.h"
+#include "launcher/process_entry.h"
 
 #include <cerrno>
 #include <cstring>

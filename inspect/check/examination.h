@@ -4,7 +4,7 @@
 
 #include "inspect/options.h"
 #include "inspect/property_keys.h"
-#include "launcher/core/launch_inputs.h"
+#include "launcher/inputs/launch_inputs.h"
 
 #include <string>
 #include <vector>

@@ -2,9 +2,9 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
-#include "launcher/core/argument_checks.h"
-#include "launcher/core/config_extensions.h"
-#include "launcher/core/initial_configuration.h"
+#include "launcher/command_line/argument_checks.h"
+#include "launcher/command_line/config_extensions.h"
+#include "launcher/command_line/initial_configuration.h"
 
 #include <algorithm>
 #include <cwchar>

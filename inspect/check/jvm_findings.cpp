@@ -3,9 +3,9 @@
 #include "inspect/check/groups.h"
 #include "inspect/check/jvm_options.h"
 #include "inspect/check/launcher_end.h"
-#include "launcher/core/launch_arguments.h"
-#include "launcher/core/placeholders.h"
-#include "launcher/core/vm_arguments.h"
+#include "launcher/command_line/plan.h"
+#include "launcher/command_line/vm_arguments.h"
+#include "launcher/properties/placeholders.h"
 
 #include <map>
 

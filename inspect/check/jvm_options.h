@@ -1,7 +1,7 @@
 // What JVM options mean, as far as two of them can contradict each other.
 #pragma once
 
-#include "launcher/core/arguments.h"
+#include "launcher/inputs/arguments.h"
 
 #include <cstdint>
 #include <string>

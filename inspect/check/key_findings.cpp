@@ -3,12 +3,12 @@
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/near_keys.h"
-#include "launcher/core/arguments.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/install_id.h"
-#include "launcher/core/placeholders.h"
-#include "launcher/core/property_text.h"
-#include "launcher/core/provisioning.h"
+#include "launcher/command_line/main_options.h"
+#include "launcher/inputs/arguments.h"
+#include "launcher/inputs/install_configuration.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/properties/property_text.h"
+#include "launcher/user_area/install_id.h"
 
 #include <algorithm>
 #include <map>
@@ -38,7 +38,7 @@ void findMissing(const Examination& examination, Findings& findings) {
     const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
     if (enabled != nullptr && *enabled == L"true" && endOf([&] {
             CommandLine unused;
-            addProvisioningApplication(unused, inputs.properties, true);
+            addProvisioningApplication(unused, inputs.properties, LaunchKind::kUserProvisioning);
         })) {
         findings.add("RI201", examination.launcherFile(), 0,
                      "\"provisioning.application\" is missing, but provisioning is enabled");

@@ -2,8 +2,8 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
-#include "launcher/core/placeholders.h"
-#include "launcher/core/workspace.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/user_area/workspace.h"
 
 #include <vector>
 

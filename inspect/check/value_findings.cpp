@@ -1,9 +1,9 @@
 // Values that mean something else than they seem to.
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
-#include "launcher/core/install_configuration.h"
-#include "launcher/core/placeholders.h"
-#include "launcher/core/user_files.h"
+#include "launcher/inputs/install_configuration.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/user_area/user_files.h"
 
 #include <algorithm>
 #include <iterator>

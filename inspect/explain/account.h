@@ -5,7 +5,7 @@
 #include "inspect/explain/witness.h"
 #include "inspect/options.h"
 #include "inspect/rehearsal/rehearsal.h"
-#include "launcher/startup.h"
+#include "launcher/launch.h"
 
 #include <map>
 #include <nlohmann/json.hpp>

@@ -2,7 +2,7 @@
 
 #include "inspect/explain/rules.h"
 #include "inspect/property_keys.h"
-#include "launcher/core/launch_arguments.h"
+#include "launcher/command_line/plan.h"
 
 #include <algorithm>
 

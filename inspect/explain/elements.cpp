@@ -2,7 +2,7 @@
 #include "inspect/explain/account.h"
 #include "inspect/explain/contest.h"
 #include "inspect/explain/rules.h"
-#include "launcher/core/launch_arguments.h"
+#include "launcher/command_line/plan.h"
 #include "platform/text.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include "diagnostics/format.h"
 #include "inspect/property_keys.h"
-#include "launcher/core/launch_arguments.h"
-#include "launcher/core/option_values.h"
+#include "launcher/command_line/plan.h"
+#include "launcher/inputs/option_values.h"
 
 #include <algorithm>
 

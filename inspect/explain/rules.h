@@ -1,8 +1,8 @@
 // Why each element of a final argument list is there, in one sentence; and why an argument is not.
 #pragma once
 
-#include "launcher/core/arguments.h"
-#include "launcher/core/property_list.h"
+#include "launcher/inputs/arguments.h"
+#include "launcher/properties/property_list.h"
 
 #include <string>
 #include <string_view>

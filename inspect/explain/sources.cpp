@@ -3,7 +3,7 @@
 #include "diagnostics/format.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/property_keys.h"
-#include "launcher/core/property_file.h"
+#include "launcher/properties/property_file.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "inspect/explain/witness.h"
-#include "launcher/core/arguments.h"
+#include "launcher/inputs/arguments.h"
 
 #include <map>
 #include <nlohmann/json.hpp>

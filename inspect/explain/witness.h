@@ -2,7 +2,7 @@
 #pragma once
 
 #include "diagnostics/observer.h"
-#include "launcher/core/property_list.h"
+#include "launcher/properties/property_list.h"
 
 #include <set>
 #include <string>

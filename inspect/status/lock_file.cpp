@@ -1,7 +1,7 @@
 #include "inspect/status/lock_file.h"
 
 #include "inspect/quiet_read.h"
-#include "launcher/core/lock_content.h"
+#include "launcher/instance/lock_content.h"
 
 #include <errno.h>
 #include <fcntl.h>

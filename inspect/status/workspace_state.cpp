@@ -1,7 +1,7 @@
 #include "inspect/status/workspace_state.h"
 
 #include "inspect/explain/rehearse_launch.h"
-#include "launcher/core/running_provisioning.h"
+#include "launcher/instance/running_provisioning.h"
 #include "platform/text.h"
 
 #include <errno.h>

@@ -1,10 +1,10 @@
 // The Java side gets back exactly the launcher's text: everything the launcher escapes is read with
 // the JRE's own java.util.Properties.
-#include "launcher/core/java_properties.h"
-#include "launcher/core/startup_arguments.h"
-#include "launcher/core/user_files.h"
+#include "launcher/properties/java_properties.h"
+#include "launcher/user_area/startup_arguments.h"
+#include "launcher/user_area/user_files.h"
 #include "platform/text.h"
-#include "tests/unit/core/long_values.h"
+#include "tests/unit/long_values.h"
 
 #include <gtest/gtest.h>
 #include <locale.h>

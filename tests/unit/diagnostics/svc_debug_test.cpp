@@ -1,7 +1,7 @@
 // Trace and error records: what is written and when.
 #include "diagnostics/svc_debug.h"
 
-#include "tests/unit/core/records.h"
+#include "tests/unit/records.h"
 
 #include <errno.h>
 #include <gmock/gmock.h>

@@ -2,14 +2,14 @@
 #include "launcher/hand_off.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/core/hand_off_tools.h"
+#include "launcher/hand_off_tools.h"
 #include "platform/text.h"
 #include "tests/support/sandbox.h"
-#include "tests/unit/core/launch_pieces.h"
-#include "tests/unit/core/lock_fixture.h"
-#include "tests/unit/core/records.h"
+#include "tests/unit/instance/lock_fixture.h"
+#include "tests/unit/launch_pieces.h"
 #include "tests/unit/paths.h"
 #include "tests/unit/probe.h"
+#include "tests/unit/records.h"
 
 #include <stdio.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "launcher/uncalled.h"
 
-#include "tests/unit/core/launch_pieces.h"
+#include "tests/unit/launch_pieces.h"
 
 namespace rcp {
 namespace {

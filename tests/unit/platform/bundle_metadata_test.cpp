@@ -1,7 +1,7 @@
 #include "platform/bundle_metadata.h"
 
 #include "platform/text.h"
-#include "tests/unit/core/records.h"
+#include "tests/unit/records.h"
 
 #include <locale.h>
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
 #include "platform/environment.h"
 
 #include "diagnostics/svc_debug.h"
-#include "tests/unit/core/launch_pieces.h"
-#include "tests/unit/core/records.h"
+#include "tests/unit/launch_pieces.h"
+#include "tests/unit/records.h"
 
 #include <unistd.h>
 

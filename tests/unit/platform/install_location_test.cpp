@@ -4,8 +4,8 @@
 #include "platform/files.h"
 #include "platform/platform.h"
 #include "platform/text.h"
-#include "tests/unit/core/records.h"
 #include "tests/unit/probe.h"
+#include "tests/unit/records.h"
 
 #include <fcntl.h>
 #include <stdio.h>

@@ -4,8 +4,8 @@
 #include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
-#include "tests/unit/core/launch_pieces.h"
-#include "tests/unit/core/records.h"
+#include "tests/unit/launch_pieces.h"
+#include "tests/unit/records.h"
 
 #include <errno.h>
 #include <string.h>

@@ -1,7 +1,7 @@
 #include "platform/process.h"
 
-#include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/launch_pieces.h"
 
 #include <fcntl.h>
 #include <signal.h>

@@ -1,7 +1,7 @@
 // The functions whose implementation differs between the systems: both must pass the same tests.
 #include "platform/platform.h"
 #include "platform/property_list_guard.h"
-#include "tests/unit/core/child_process.h"
+#include "tests/unit/child_process.h"
 
 #include <errno.h>
 #include <fcntl.h>

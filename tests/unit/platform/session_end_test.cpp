@@ -1,8 +1,8 @@
 // The helpers of a locked-down deployment.
 #include "platform/preload.h"
 #include "tests/support/sandbox.h"
-#include "tests/unit/core/launch_pieces.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/launch_pieces.h"
 #include "tests/unit/paths.h"
 
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
 #include "platform/whole_file.h"
 
-#include "tests/unit/core/child_process.h"
+#include "tests/unit/child_process.h"
 #include "tests/unit/fixture.h"
 
 #include <errno.h>

@@ -1,0 +1,138 @@
+#include "launcher/command_line/assembly.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/command_line/argument_checks.h"
+#include "launcher/command_line/environment_settings.h"
+#include "launcher/command_line/main_options.h"
+#include "launcher/command_line/plan.h"
+#include "launcher/command_line/vm_arguments.h"
+#include "launcher/command_line/vm_choice.h"
+#include "launcher/properties/placeholders.h"
+#include "platform/files.h"
+
+#include <errno.h>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
+
+// A file below the base location.
+Argument inBaseLocation(const std::wstring& file, const PropertyList& properties) {
+    const Property* base = properties.find(L"rcp.base.location");
+    if (base == nullptr) {
+        fatal(noReason(),
+              "ZYPRA0011E: Unable to determine RCP Base Plugin location. If the problem persists, "
+              "reinstall.");
+    }
+    return {base->value + file, base->origin};
+}
+
+// The JVM's part of a command line for the launcher library.
+void addJvmSection(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
+    addVmargsToCommandLine(line, inputs, vmIsEeOrDll);
+    addDashDToCommandLine(line, inputs);
+    addXargsToCommandLine(line, inputs.properties);
+    addClasspathToCommandLine(line, inputs);
+}
+
+void assembleProvisioning(CommandLine& line, const LaunchInputs& inputs, LaunchKind kind) {
+    addBaseEclipseToCommandLine(line, inputs.properties);
+    addMainOptionsToCommandLine(line, inputs);
+    addProvisioningApplication(line, inputs.properties, kind);
+    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    addStartupToCommandLine(line, inputs.properties, inputs.arguments);
+    addJvmSection(line, inputs, vmIsEeOrDll);
+}
+
+void assembleForLauncherLibrary(CommandLine& line, const LaunchInputs& inputs) {
+    addBaseEclipseToCommandLine(line, inputs.properties);
+    addMainOptionsToCommandLine(line, inputs);
+    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    addUseDaemonToCommandLine(line, inputs);
+    addStartupToCommandLine(line, inputs.properties, inputs.arguments);
+    addJvmSection(line, inputs, vmIsEeOrDll);
+}
+
+void assembleForJava(CommandLine& line, const LaunchInputs& inputs) {
+    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    addJvmSection(line, inputs, vmIsEeOrDll);
+    addMainClassToCommandLine(line);
+    addMainOptionsToCommandLine(line, inputs);
+}
+
+CommandLine assemble(const LaunchInputs& inputs, LaunchKind kind) {
+    CommandLine line(inputs.traits.start);
+    if (kind != LaunchKind::kPlatform) {
+        assembleProvisioning(line, inputs, kind);
+    } else if (inputs.traits.isDirectJavaShape()) {
+        assembleForJava(line, inputs);
+    } else {
+        assembleForLauncherLibrary(line, inputs);
+    }
+    return line;
+}
+
+}  // namespace
+
+void expandPlaceholders(LaunchInputs& inputs) {
+    const StandardLocations locations{inputs.workspace, inputs.installDir};
+    replacePlaceholdersInRcpInstallProp(locations, inputs.userProperties);
+    replacePlaceholdersInArgv(locations, inputs.arguments);
+    replacePlaceholdersInVmargMap(locations, inputs.properties, inputs.vmargMap);
+    validateJvmArguments(inputs.arguments, inputs.vmargMap);
+}
+
+Plan getUserCmdString(const LaunchInputs& inputs, LaunchKind kind) {
+    return {.kind = kind,
+            .line = assemble(inputs, kind),
+            .environment = environmentOf(inputs.properties)};
+}
+
+void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
+    const Argument program = platformProgram(properties);
+    if (!isExecutable(program)) {
+        fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program);
+    }
+    line.setProgram(program);
+    const std::wstring library =
+        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
+    if (!exists(library)) {
+        fatal(because(errno),
+              "Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
+              library);
+    }
+    line.setLibrary(library);
+}
+
+Argument platformProgram(const PropertyList& properties) {
+    return inBaseLocation(kPlatformFolder + getEclipseExeName(properties), properties);
+}
+
+Argument executedProgram(const LaunchInputs& inputs) {
+    return inputs.traits.isDirectJavaShape() ? vmProgram(inputs)
+                                             : platformProgram(inputs.properties);
+}
+
+void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
+                             const Arguments& arguments) {
+    line.add(L"-startup");
+    const Argument* jar = optionValue(L"-perfJar", arguments);
+    line.add(jar == nullptr ? inBaseLocation(L"/launcher.jar", properties) : *jar);
+}
+
+void addMainClassToCommandLine(CommandLine& line) {
+    line.add(L"org.eclipse.core.launcher.Main");
+}
+
+void addClasspathToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+    if (inputs.traits.eConfig == InstallConfiguration::kMultiuserServiceInit) {
+        line.add(L"-cp");
+        line.add(inBaseLocation(L"/startup.jar", inputs.properties));
+    } else if (const Property* classPath = inputs.properties.find(L"cp")) {
+        line.add(L"-cp");
+        line.add(argumentFrom(*classPath));
+    }
+}
+
+}  // namespace rcp

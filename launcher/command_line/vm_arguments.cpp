@@ -1,0 +1,135 @@
+#include "launcher/command_line/vm_arguments.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/command_line/plan.h"
+#include "launcher/inputs/option_values.h"
+#include "launcher/properties/placeholders.h"
+#include "platform/text.h"
+
+#include <algorithm>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t VMFIXARG_PROPERTY[] = L"vmfix.noconsole";
+
+// What the user put behind "-vmargs". A "-vm" there is a choice of the launcher's, not a JVM
+// option.
+void addUserVmargs(CommandLine& line, const Arguments& arguments) {
+    const int separator = findOption(L"-vmargs", arguments);
+    if (separator < 0) {
+        return;
+    }
+    for (auto i = static_cast<std::size_t>(separator) + 1; i < arguments.size(); ++i) {
+        if (arguments[i] == L"-vm") {
+            i += i + 1 < arguments.size() && canBeValue(arguments[i + 1]) ? 1 : 0;
+        } else {
+            line.add(arguments[i]);
+        }
+    }
+}
+
+void addConsoleFix(CommandLine& line, const LaunchInputs& inputs) {
+    const auto fixes = findProperties(VMFIXARG_PROPERTY, inputs.properties);
+    if (fixes.empty()) {
+        return;
+    }
+    Argument fix = argumentFrom(*fixes.front());
+    replaceFirst(fix, L"${workspace.location}", inputs.workspace);
+    convertToOsSeparator(fix);
+    if (!fix.empty()) {
+        line.add(fix);
+    }
+}
+
+void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value) {
+    line.add({setArgProperty(key, value), value.origin});
+}
+
+void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
+    for (const Property* property : findProperties(L"-D", properties)) {
+        const std::wstring item = setArgProperty(property->key, property->value);
+        SvcDebugOutW(L"ZYPRA0075I: commandArg  = \"%s\"", item);
+        line.add({item, property->origin});
+    }
+}
+
+// The position of the second element equal to `option`.
+Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view option) {
+    const auto first = std::find(arguments.begin(), arguments.end(), option);
+    return first == arguments.end() ? first : std::find(first + 1, arguments.end(), option);
+}
+
+}  // namespace
+
+void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
+    if (!inputs.traits.isDirectJavaShape()) {
+        line.add(L"-vmargs");
+    }
+    addUserVmargs(line, inputs.arguments);
+    const bool hasConsole = hasOption(CONSOLEARG, inputs.arguments) && !isRestart(inputs.arguments);
+    if (!hasConsole && !vmIsEeOrDll) {
+        addConsoleFix(line, inputs);
+    }
+    for (const auto& [key, argument] : inputs.vmargMap) {
+        if (!argument.empty()) {
+            line.add(argument);
+        }
+    }
+}
+
+void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+    addSystemProperty(line, L"-Drcp.home", inputs.installDir);
+    addSystemProperty(line, L"-Drcp.data", inputs.workspace);
+    if (const Property* splash = inputs.userProperties.find(L"osgi.splashPath")) {
+        addSystemProperty(line, L"-Dosgi.splashPath", argumentFrom(*splash));
+    }
+    const Property* installId = inputs.properties.find(L"rcp.install.id");
+    if (installId == nullptr) {
+        fatal(noReason(), "ZYPRA0036E: Couldn't find the rcp.install.id property!");
+    }
+    addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
+    const std::wstring configuration = installConfigurationName(inputs.traits.eConfig);
+    if (configuration.empty()) {
+        fatal(noReason(),
+              "ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
+    }
+    addSystemProperty(line, L"-Drcp.install.config", configuration);
+    addPropertyDefinitions(line, inputs.properties);
+    addSystemProperty(line, L"-Drcp.osgi.install.area",
+                      osPath(inputs.installDir + L"/rcp/eclipse"));
+}
+
+void addXargsToCommandLine(CommandLine& line, const PropertyList& properties) {
+    for (const Property* property : findProperties(L"-X", properties)) {
+        line.add({property->key + property->value, property->origin});
+    }
+    if (const Property* prepend = properties.find(L"Xbootclasspath.prepend")) {
+        line.add({L"-Xbootclasspath/p:" + prepend->value, prepend->origin});
+    }
+    if (const Property* append = properties.find(L"Xbootclasspath.append")) {
+        line.add({L"-Xbootclasspath/a:" + append->value, append->origin});
+    }
+}
+
+std::wstring setArgProperty(const std::wstring& key, const std::wstring& value) {
+    return key + L"=" + value;
+}
+
+void removeDuplicateSingles(Arguments& arguments, std::wstring_view option) {
+    const auto second = secondOccurrence(arguments, option);
+    if (second != arguments.end()) {
+        arguments.erase(second);
+    }
+}
+
+void removeDuplicatePairs(Arguments& arguments, std::wstring_view option) {
+    const auto second = secondOccurrence(arguments, option);
+    if (second != arguments.end()) {
+        const auto value = second + 1;
+        const bool hasValue = value != arguments.end() && canBeValue(*value);
+        arguments.erase(second, hasValue ? value + 1 : value);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,33 @@
+// The JVM arguments of the command line.
+#pragma once
+
+#include "launcher/command_line/plan.h"
+#include "launcher/inputs/launch_inputs.h"
+
+#include <string>
+#include <string_view>
+
+namespace rcp {
+
+/// Appends the JVM section: "-vmargs" (not in the direct Java shape), what the user put behind
+/// "-vmargs" less any "-vm" pair, the console fix argument, and the VM argument map in key order.
+/// `vmIsEeOrDll` is what addVmToCommandLine returned.
+void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll);
+
+/// Appends the "-D" system properties. Ends the launch without "rcp.install.id" and for an
+/// unrecognised install configuration.
+void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs);
+
+/// Appends the "-X" properties and the boot class path.
+void addXargsToCommandLine(CommandLine& line, const PropertyList& properties);
+
+/// KEY=VALUE.
+std::wstring setArgProperty(const std::wstring& key, const std::wstring& value);
+
+/// Removes the second occurrence of `option`; the first and any third stay, so one call removes at
+/// most one duplicate.
+void removeDuplicateSingles(Arguments& arguments, std::wstring_view option);
+/// The same with the value behind the removed option, if it has one.
+void removeDuplicatePairs(Arguments& arguments, std::wstring_view option);
+
+}  // namespace rcp

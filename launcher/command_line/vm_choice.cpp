@@ -1,0 +1,205 @@
+#include "launcher/command_line/vm_choice.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/command_line/plan.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/properties/property_file.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <errno.h>
+
+#include <algorithm>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kFileName[] = L"jvm.properties";
+constexpr std::wstring_view kPluginFolder = L"/eclipse/plugins/";
+constexpr wchar_t kJavaHome[] = L"${prop.java.home}";
+constexpr char kNoVmMessage[] = "ZYPRA0002E: vm must be specified with -vm argument!";
+
+void traceAlways(std::wstring_view format, std::wstring_view argument) {
+    const ForcedTracing forced;
+    SvcDebugOutW(format, argument);
+}
+
+// The JVM's path; empty when the launcher library is to find one itself, or "-vm" has no value.
+Argument givenVm(const PropertyList& properties, const Arguments& arguments) {
+    if (isVmOverride(arguments)) {
+        const Argument* value = optionValue(L"-vm", arguments);
+        return value == nullptr ? Argument() : *value;
+    }
+    const Property* property = properties.find(L"vm");
+    return property == nullptr ? Argument() : argumentFrom(*property);
+}
+
+// The same. `missingMessage` tells where it was asked for.
+Argument chosenVm(const PropertyList& properties, const Arguments& arguments,
+                  const char* missingMessage) {
+    Argument vm = givenVm(properties, arguments);
+    if (vm.empty() && isVmOverride(arguments)) {
+        fatal(noReason(), missingMessage);
+    }
+    return vm;
+}
+
+void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
+    if (const std::wstring* given = findProperty(L"java.home", properties)) {
+        std::wstring home = *given;
+        getJvmHome(location.jvm, home);
+        replaceValue(L"java.home", home, properties);
+        return;
+    }
+    std::wstring home;
+    getJvmHome(location.jvm, home);
+    if (location.isDefault && !home.empty()) {
+        pushBackProperty(properties, L"java.home", home);
+    }
+}
+
+void settleLibraryPath(PropertyList& properties) {
+    const std::wstring* given = findProperty(L"jvm.library.path", properties);
+    if (given != nullptr && !given->empty()) {
+        std::wstring path = *given;
+        fixUpJvmLibPath(path);
+        replaceValue(L"jvm.library.path", path, properties);
+    }
+}
+
+}  // namespace
+
+Argument vmProgram(const LaunchInputs& inputs) {
+    Argument vm = givenVm(inputs.properties, inputs.arguments);
+    replaceFirstRcpHome(vm, inputs.installDir);
+    return vm;
+}
+
+bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+    Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
+    replaceFirstRcpHome(vm, inputs.installDir);
+    if (vm.empty()) {
+        if (inputs.traits.isDirectJavaShape()) {
+            fatal(noReason(), kNoVmMessage);  // or an option would become the program
+        }
+        return false;
+    }
+    if (inputs.traits.isDirectJavaShape()) {
+        line.setProgram(vm);
+    } else {
+        line.add(L"-vm", vm);
+    }
+    return endsIn(vm, L".ee") || endsIn(vm, L".dll");
+}
+
+JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
+                                           const std::wstring& installDir) {
+    JvmPropertyLocation location;
+    std::wstring root;
+    location.jvm =
+        chosenVm(properties, arguments,
+                 "ZYPRA0079E: -vm on command line must be followed by a valid jvm path.");
+    bool found = false;
+    if (location.jvm.empty()) {
+        traceAlways(L"ZYPRA0119I: VM specified is \"%s\"", L"external JVM");
+    } else {
+        replaceFirstRcpHome(location.jvm, installDir);
+        convertBS2S(location.jvm);
+        traceAlways(L"ZYPRA0021I: VM specified is \"%s\"", location.jvm);
+        found = getStandardJvmPropertyRoot(location.jvm, root, location.isDefault) ||
+                getInstallJvmPropertyRoot(location.jvm, root);
+    }
+    location.isDefault = !found;
+    if (!found) {
+        root = installDir + L"/rcp/deploy/";
+        convertBS2S(root);
+    }
+    pushBackProperty(properties, L"jvm.root", root);
+    location.file = root + kFileName;
+    return location;
+}
+
+bool getStandardJvmPropertyRoot(const std::wstring& jvm, std::wstring& root, bool& isDefault) {
+    const std::size_t folder = jvm.find(kPluginFolder);
+    if (folder == std::wstring::npos) {
+        return false;
+    }
+    const std::size_t end = jvm.find(L'/', folder + kPluginFolder.size());
+    if (end == std::wstring::npos) {
+        return false;
+    }
+    root = jvm.substr(0, end + 1);
+    isDefault = !jvmPropExists(root);
+    return !isDefault;
+}
+
+bool getInstallJvmPropertyRoot(const std::wstring& jvm, std::wstring& root) {
+    const std::size_t last = jvm.rfind(L'/');
+    if (last == std::wstring::npos || last == 0) {
+        return false;
+    }
+    const std::size_t second = jvm.rfind(L'/', last - 1);
+    if (second == std::wstring::npos) {
+        return false;
+    }
+    root = jvm.substr(0, second + 1);
+    return jvmPropExists(root);
+}
+
+bool jvmPropExists(const std::wstring& root) {
+    return exists(osPath(root + kFileName));
+}
+
+void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location) {
+    traceAlways(L"ZYPRA0077I: loading jvm.properties at \"%s\"", location.file);
+    if (getPropertiesIfThere(location.file, inputs.properties)) {
+        insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    } else {
+        traceAlways(
+            L"ZYPRA0125I: No jvm.properties file was loaded. A default file should be at \"%s\"",
+            L"${rcp.home}/rcp/deploy");
+    }
+    settleJavaHome(inputs.properties, location);
+    settleLibraryPath(inputs.properties);
+}
+
+void getJvmHome(const std::wstring& jvm, std::wstring& home) {
+    const std::size_t found = jvm.find(L"jvm/bin");
+    if (found != std::wstring::npos && found > 0) {
+        home = jvm.substr(0, found - 1);
+    }
+}
+
+void fixUpJvmLibPath(std::wstring& libraryPath) {
+    convertBS2S(libraryPath);
+    std::wstring fixed;
+    std::size_t at = 0;
+    while (at < libraryPath.size()) {
+        const std::size_t end = std::min(libraryPath.find(L':', at), libraryPath.size());
+        const std::wstring element = libraryPath.substr(at, end - at);
+        at = end + 1;
+        if (element.empty()) {
+            continue;
+        }
+        if (!fixed.empty()) {
+            fixed += L':';
+        }
+        if (element.find(kJavaHome) == std::wstring::npos) {
+            fixed += kJavaHome;
+            fixed += L'/';
+        }
+        fixed += element;
+    }
+    libraryPath = fixed;
+}
+
+bool endsIn(std::wstring_view text, std::wstring_view suffix) {
+    const std::size_t position = text.size() - suffix.size();
+    return text.find(suffix, position) == position;
+}
+
+bool isVmOverride(const Arguments& arguments) {
+    return hasOption(L"-vm", arguments);
+}
+
+}  // namespace rcp

@@ -1,0 +1,63 @@
+// The choice of the JVM, and the jvm.properties file beside it.
+//
+//   JVM             "-vm VALUE" on the command line
+//                   else property "vm"
+//                   else none: the launcher library finds one
+//
+//   jvm.properties  in the plug-in's folder, of a JVM inside /eclipse/plugins/
+//                   else two levels above the JVM's executable
+//                   else in the installation's rcp/deploy, the default root
+#pragma once
+
+#include "launcher/command_line/plan.h"
+#include "launcher/inputs/launch_inputs.h"
+
+#include <string>
+#include <string_view>
+
+namespace rcp {
+
+/// The JVM's path as it is handed over; empty when none is named.
+Argument vmProgram(const LaunchInputs& inputs);
+/// Appends the JVM piece: "-vm" and its path, or in the direct Java shape the path as first
+/// element. True when the path ends in ".ee" or ".dll". Ends the
+/// launch when "-vm" has no value, and in the direct Java shape when there is no JVM at all.
+bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs);
+
+struct JvmPropertyLocation {
+    std::wstring file;       // root + "jvm.properties"; need not exist in the default root
+    bool isDefault = false;  // the root is the installation's deploy directory
+    std::wstring jvm;        // the JVM's path, slashes turned; empty for the external JVM
+};
+
+/// Finds the jvm.properties file and records its root as property "jvm.root".
+JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
+                                           const std::wstring& installDir);
+/// The root when the JVM lives in a plug-in folder that holds a jvm.properties. `isDefault` is
+/// cleared then, and set when there is a plug-in folder without one.
+bool getStandardJvmPropertyRoot(const std::wstring& jvm, std::wstring& root, bool& isDefault);
+/// The root two levels above the JVM executable, when it holds a jvm.properties.
+bool getInstallJvmPropertyRoot(const std::wstring& jvm, std::wstring& root);
+bool jvmPropExists(const std::wstring& root);
+
+/// Reads the jvm.properties file into the launcher properties and the VM argument map, then brings
+/// "java.home" and "jvm.library.path" into their final form.
+void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location);
+
+/// For a JVM path that holds "jvm/bin": `home` becomes what stands in front of it, less the "/".
+/// Otherwise `home` stays.
+void getJvmHome(const std::wstring& jvm, std::wstring& home);
+
+/// Puts "${prop.java.home}/" in front of every element of a library path that does not name the
+/// Java home already. Empty elements are dropped: they would mean the Java home itself.
+void fixUpJvmLibPath(std::wstring& libraryPath);
+
+/// Whether the first occurrence of `suffix` at or behind position length(text) - length(suffix)
+/// stands exactly there, in unsigned arithmetic: a text one character shorter than the suffix ends
+/// in it too, because both sides are then the "not found" value.
+bool endsIn(std::wstring_view text, std::wstring_view suffix);
+
+/// Whether "-vm" is on the command line.
+bool isVmOverride(const Arguments& arguments);
+
+}  // namespace rcp

@@ -1,0 +1,64 @@
+#include "launcher/hand_off_tools.h"
+
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "diagnostics/log_file.h"
+#include "diagnostics/svc_debug.h"
+#include "platform/signals.h"
+#include "platform/text.h"
+
+#include <errno.h>
+
+namespace rcp {
+
+NarrowArguments::NarrowArguments(std::span<const Argument> arguments) {
+    texts_.reserve(arguments.size());
+    pointers_.reserve(arguments.size() + 1);
+    for (const std::wstring& argument : arguments) {
+        texts_.push_back(toNarrow(argument));
+        if (texts_.back().empty() && !argument.empty()) {
+            report(noReason(),
+                   "Error: the launch argument '%ls' is no text of this locale and becomes empty.",
+                   argument);
+        }
+    }
+    for (std::string& text : texts_) {
+        pointers_.push_back(text.data());
+    }
+    pointers_.push_back(nullptr);
+}
+
+void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
+                        std::string_view end) {
+    const ForcedTracing forced;
+    std::vector<std::string_view> records{begin};
+    records.insert(records.end(), arguments.texts().begin(), arguments.texts().end());
+    records.push_back(end);
+    SvcDebugOutRecords(records);
+}
+
+void becomeProgram(NarrowArguments& command) {
+    restoreFileSizeSignal();
+    calls::execv(command.data()[0], command.data());
+    const int error = errno;
+    ignoreFileSizeSignal();
+    report(because(error), "Error: execv: %ls could not be started",
+           toWide(command.texts().front()));
+    if (logIsOpen() && !logHasAll()) {
+        dumpLogToTempLocation();
+    }
+}
+
+void Gate::open() {
+    pipe_.readEnd.reset();
+    pipe_.writeEnd.reset();
+}
+
+void Gate::wait() {
+    pipe_.writeEnd.reset();
+    if (pipe_.readEnd) {
+        (void)readToEnd(pipe_.readEnd.get());
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,26 @@
+// The launcher's own command line and the questions asked of it.
+#pragma once
+
+#include "diagnostics/argument.h"
+
+#include <string>
+#include <string_view>
+
+namespace rcp {
+
+/// The index of the first argument from index 1 on that equals `option` exactly, or -1. The program
+/// path is never compared.
+int findOption(std::wstring_view option, const Arguments& arguments);
+/// Whether findOption finds it.
+bool hasOption(std::wstring_view option, const Arguments& arguments);
+/// The argument behind the first `option`; null when the option is missing or has none. "-vmargs"
+/// ends the options and is never a value.
+const Argument* optionValue(std::wstring_view option, const Arguments& arguments);
+
+bool isRestart(const Arguments& arguments);      // "-restart"
+bool isResetConfig(const Arguments& arguments);  // "-resetconfig"
+/// "-debug", but never on a restart: a restarted launcher does not trace.
+bool isDebug(const Arguments& arguments);
+bool isWaitMode(const Arguments& arguments);  // "-rcpLauncherWait"
+
+}  // namespace rcp

@@ -1,0 +1,20 @@
+#include "launcher/inputs/debug_file.h"
+
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace rcp {
+
+std::optional<std::wstring> debugFile(const std::wstring& installDir) {
+    const std::wstring path = osPath(installDir + L"/rcp/rcplauncher.debug");
+    return exists(path) ? std::optional(path) : std::nullopt;
+}
+
+void waitForDeletionOfDebugFile(const std::optional<std::wstring>& debugFile) {
+    for (bool isThere = debugFile.has_value(); isThere; isThere = exists(*debugFile)) {
+        sysSleep(1);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,34 @@
+// Everything that a launch has read and decided on the way to its command line.
+#pragma once
+
+#include "launcher/inputs/arguments.h"
+#include "launcher/inputs/traits.h"
+#include "launcher/properties/property_list.h"
+#include "launcher/properties/vm_argument_map.h"
+
+#include <optional>
+#include <string>
+
+namespace rcp {
+
+struct LaunchInputs {
+    Traits traits;
+    Arguments arguments;     // the launcher's own, as the start-up sequence extended them
+    std::wstring workspace;  // as prepared: these directories exist
+    std::wstring configuration;
+    std::wstring installDir;
+    PropertyList properties;      // the launcher property list
+    PropertyList userProperties;  // the per-user install property list
+    VmArgumentMap vmargMap;
+    std::optional<std::wstring> debugFile;  // the marker, if it was there
+    std::optional<long>
+        runningPlatform;  // the process of the workspace's platform; none for the main launcher
+    // A directory or per-user file of the user's had to be made, or the provisioning level changed. While
+    // false, reuse and reset of the user's area are considered.
+    bool userFirstLaunch = false;
+
+    /// Whether this launcher is the main one, whose process becomes the platform.
+    [[nodiscard]] bool isMainProcess() const { return !runningPlatform; }
+};
+
+}  // namespace rcp

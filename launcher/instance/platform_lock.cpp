@@ -1,0 +1,225 @@
+#include "launcher/instance/platform_lock.h"
+
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "diagnostics/svc_debug.h"
+#include "launcher/instance/lock_content.h"
+#include "launcher/instance/running_provisioning.h"
+#include "platform/environment.h"
+#include "platform/file_lock.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string_view>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr int kLongestWaitSeconds = 20;
+constexpr int kMostComparisons = 5;
+constexpr std::size_t kLongestContent = 256;  // of the lock file, as far as it counts
+
+void traceWithTime(std::wstring_view format) {
+    if (debug) {
+        std::wstring time;
+        getTimeString(time);
+        SvcDebugOutW(format, time);
+    }
+}
+
+// For programs of the platform's side that look for its process.
+void populateMainPidFile(const std::wstring& path, unsigned long processId) {
+    Stream stream;
+    open_file(stream, path, L"r+");
+    if (!stream) {
+        open_file(stream, path, L"w+");
+    }
+    if (!stream) {
+        SvcDebugOutA("ZYPRA00XXI: Unable to open rcp.main file");
+        return;
+    }
+    // What an earlier launch left is written over and then cut off: a file that was emptied first
+    // would be sent to the disk as soon as it is closed, while the platform starts.
+    const int written = fprintf(stream.get(), "%lu    ", processId);
+    if (written < 0 || fflush(stream.get()) != 0 ||
+        calls::ftruncate(fileno(stream.get()), written) != 0) {
+        SvcDebugOutA("ZYPRA00XXI: Unable to write pid to rcp.main file");
+    }
+}
+
+}  // namespace
+
+std::wstring getLockFilePath(const std::wstring& workspace) {
+    return workspace + L"/.rcp.lock";
+}
+
+std::wstring getMainPidFilePath(const std::wstring& workspace) {
+    return workspace + L"/.rcp.main";
+}
+
+std::optional<long> oldPlatform(const Arguments& arguments) {
+    if (!isRestart(arguments)) {
+        return std::nullopt;
+    }
+    const std::wstring* value = optionValue(L"-rcp_old_pid", arguments);
+    return value == nullptr ? 0 : oldProcessId(*value);
+}
+
+std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,
+                                               const ProcessMarker& marker,
+                                               std::optional<long> oldPlatform) {
+    const ForcedTracing forced;
+    const std::wstring provisioning = provisioningFileOf(workspace);
+    PlatformLock lock(workspace);
+    lock.open();
+    if (oldPlatform) {
+        lock.waitForOldPlatform(*oldPlatform, marker);
+    }
+    lock.lock();
+    traceWithTime(L"ZYPRA0303I: lock file captured @ %s");
+    if (runningProvisioning(provisioning) != 0) {
+        lock.release();
+        waitForProvisioning(provisioning);
+        return std::nullopt;
+    }
+    removeEndedProvisioning(provisioning);
+    lock.platform_ = lock.runningPlatform(marker);
+    if (lock.platform_) {
+        SvcDebugOutA("ZYPRA0305I: We are daemon process");
+        return lock;
+    }
+    SvcDebugOutA("ZYPRA0304I: We are main process");
+    const std::wstring sid = workspace + L"/.sid";
+    if (exists(sid)) {
+        deleteFile(sid);
+    }
+    return lock;
+}
+
+void PlatformLock::record(pid_t processId) const {
+    if (platform_) {
+        return;
+    }
+    populateMainPidFile(mainPidPath_, static_cast<unsigned long>(processId));
+    if (!writeFullyAt(file_.get(), lockContentFor(processId), 0)) {
+        report(because(errno), "ZYPRA0051E: Unable to write to platform lock file");
+    }
+}
+
+void PlatformLock::release() const {
+    if (!file_) {
+        return;
+    }
+    if (calls::flock(file_.get(), LOCK_UN) != 0) {
+        fatal(because(errno), "ZYPRA0070E: Error unlocking platform lock file. ");
+    }
+    traceWithTime(L"ZYPRA0306I: lock file released @ %s");
+}
+
+PlatformLock::PlatformLock(const std::wstring& workspace)
+    : path_(getLockFilePath(workspace)), mainPidPath_(getMainPidFilePath(workspace)) {}
+
+void PlatformLock::open() {
+    const std::string path = toNarrow(path_);
+    file_.reset();
+    file_.reset(
+        calls::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600));
+    if (!file_) {
+        const int error = errno;
+        report(noReason(), "ZYPRA0199E: CreateLockFile failed. errno=%d", error);
+        fatal(because(error), "ZYPRA0054E: Error locating platform lock file");
+    }
+    struct stat status {};
+    const int error = calls::fstat(file_.get(), &status) == 0 ? 0 : errno;
+    if (error != 0 || !S_ISREG(status.st_mode)) {
+        fatal(error != 0 ? because(error) : because("not a regular file"),
+              "ZYPRA0054E: Error locating platform lock file");
+    }
+}
+
+// Somebody may have removed the workspace while this launcher waited. A lock on the file that is
+// gone keeps nobody out, so the one that is there now is locked instead. The path may be a link to a
+// file elsewhere, where a network home cannot be locked.
+void PlatformLock::lock() {
+    for (int comparison = 1;; ++comparison) {
+        if (!lockExclusively(file_.get())) {
+            fatal(because(errno), "ZYPRA0053E: Error locking platform lock file. ");
+        }
+        if (isLedTo(file_.get(), toNarrow(path_))) {
+            return;
+        }
+        if (comparison == kMostComparisons) {
+            fatal(noReason(),
+                  "ZYPRA0053E: Error locking platform lock file. (%ls is another one each time.)",
+                  path_);
+        }
+        open();
+    }
+}
+
+// A file that cannot be read must not count as empty: that would make this launcher the main one
+// beside a running platform.
+std::string PlatformLock::content() const {
+    std::optional<std::string> content = readBeginning(file_.get(), kLongestContent);
+    if (!content) {
+        fatal(because(errno), "ZYPRA0092E: Error reading platform lock file. (%ls)", path_);
+    }
+    return *std::move(content);
+}
+
+// The recorded process, if it is alive and the platform.
+std::optional<long> PlatformLock::runningPlatform(const ProcessMarker& marker) const {
+    if (!exists(path_)) {
+        return std::nullopt;
+    }
+    report(noReason(), "ZYPRA0090E: Existing platform lock file found - checking validity.");
+    const LockContent recorded = parseLockContent(content());
+    switch (recorded.kind) {
+        case LockContent::kNothing:
+            report(noReason(), "ZYPRA0091E: No data in the platform lock file.");
+            return std::nullopt;
+        case LockContent::kOther:
+            fatal(noReason(), "ZYPRA0092E: Error reading platform lock file. (%ls)", path_);
+        case LockContent::kNumber:
+            break;
+    }
+    return isPlatformProcess(recorded.number, marker) ? std::optional(recorded.number)
+                                                      : std::nullopt;
+}
+
+// On a restart the old platform is still shutting down.
+void PlatformLock::waitForOldPlatform(long oldPlatform, const ProcessMarker& marker) {
+    sysSleep(1);
+    for (int waited = 0; runningPlatform(marker) == oldPlatform;) {
+        sysSleep(1);
+        if (++waited == kLongestWaitSeconds) {
+            giveOldPlatformUp(oldPlatform);
+            return;
+        }
+    }
+}
+
+// The old platform has not ended in time: its id is cleared, so that this launcher becomes the main
+// one. Under the lock and only while the id is still the old one's: another launcher may have
+// recorded its own platform meanwhile.
+void PlatformLock::giveOldPlatformUp(long oldPlatform) {
+    report(noReason(),
+           "ZYPRA0013E: Existing platform has not shutdown within allotted time. Invalidating the "
+           "lockfile for new launch.");
+    lock();
+    const LockContent recorded = parseLockContent(content());
+    if (recorded.kind == LockContent::kNumber && recorded.number == oldPlatform &&
+        !writeFullyAt(file_.get(), kClearedLockContent, 0)) {
+        report(because(errno), "ZYPRA0052E: Unable to invalidate platform lock file");
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,103 @@
+#include "launcher/instance/provisioning.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/instance/shared_classes.h"
+#include "platform/files.h"
+#include "platform/removal.h"
+#include "platform/text.h"
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kLevel[] = L"provisioning.manifest.version";
+constexpr wchar_t kSharedClassesKey[] = L"vmarg.Dshare";
+
+// An absolute path at which there is no directory, or not yet, is the JVM's affair.
+bool isWorthALook(const std::string& directory) {
+    const std::wstring path = toWide(directory);
+    return !directory.starts_with('/') || isDirectory(path) || isLink(path);
+}
+
+}  // namespace
+
+bool isNewProvisioningLevel(const std::wstring* userLevel, const std::wstring* platformLevel) {
+    if (userLevel == nullptr) {
+        return true;
+    }
+    return platformLevel != nullptr && *userLevel != *platformLevel;
+}
+
+bool isISMPProvisioning(const Arguments& arguments) {
+    return hasOption(L"-rcpLauncherWait", arguments) && hasOption(L"-provManifest", arguments);
+}
+
+void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
+    if (vmargMap.erase(kSharedClassesKey) == 0) {
+        SvcDebugOutA(
+            "ZYPRA0121I: \"vmarg.Dshare\" shared classes property was not detected. No special "
+            "action needed while provisioning");
+        return;
+    }
+    vmargMap[kSharedClassesKey] = L"-Xshareclasses=none";
+    SvcDebugOutA(
+        "ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting -Xsharedclasses=none "
+        "while provisioning");
+}
+
+bool isProvisioningEnabled(const LaunchInputs& inputs) {
+    using enum InstallConfiguration;
+    const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
+    const InstallConfiguration configuration = inputs.traits.eConfig;
+    return enabled != nullptr && *enabled == L"true" &&
+           (configuration == kUser || configuration == kMultiuser || configuration == kLockdown);
+}
+
+bool isAtNewProvisioningLevel(const LaunchInputs& inputs) {
+    return isNewProvisioningLevel(findProperty(kLevel, inputs.userProperties),
+                                  findProperty(kLevel, inputs.properties));
+}
+
+std::optional<LaunchKind> checkForProvisioning(LaunchInputs& inputs) {
+    if (!isProvisioningEnabled(inputs)) {
+        return std::nullopt;
+    }
+    if (isAtNewProvisioningLevel(inputs)) {
+        inputs.userFirstLaunch = true;
+    }
+    const bool startedByInstaller = isISMPProvisioning(inputs.arguments);
+    if (!inputs.userFirstLaunch && !startedByInstaller) {
+        return std::nullopt;
+    }
+    defeateSharedClassesInProvisioning(inputs.vmargMap);
+    SvcDebugOutA(
+        "ZYPRA0076I: Detected platform initial launch or user initial launch. Executing platform "
+        "provisioning.");
+    return startedByInstaller ? LaunchKind::kInstallerProvisioning : LaunchKind::kUserProvisioning;
+}
+
+void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
+    const std::wstring* property =
+        findProperty(L"jvm.shareclasses.fullpath", inputs.userProperties);
+    if (property == nullptr || !isAtNewProvisioningLevel(inputs)) {
+        return;
+    }
+    const std::string directory = withoutTrailingSlashes(toNarrow(osPath(*property)));
+    if (directory.empty() || !isWorthALook(directory)) {
+        return;
+    }
+    const SharedClassesFacts facts = sharedClassesFacts(directory, inputs);
+    if (const std::optional<std::wstring> reason = reasonNotToEmpty(facts)) {
+        report(noReason(), "Error: jvm.shareclasses.fullpath is not emptied: %ls.",
+               toWide(directory) + L" " + *reason);
+        return;
+    }
+    std::wstring problems;
+    if (!removeDirectoryContents(toWide(facts.resolved), problems)) {
+        fatal(noReason(),
+              "\nZYPRA0086I begin: Information collected while removing shared classes directory\n"
+              "%ls\nZYPRA0087I end: Unable to remove all files in the shared classes directory.",
+              problems);
+    }
+}
+
+}  // namespace rcp

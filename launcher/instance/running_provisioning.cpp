@@ -1,0 +1,85 @@
+#include "launcher/instance/running_provisioning.h"
+
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "base/unique_fd.h"
+#include "diagnostics/svc_debug.h"
+#include "platform/environment.h"
+#include "platform/platform.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <optional>
+
+namespace rcp {
+namespace {
+
+constexpr int kPatience = 60;  // seconds, until an error is recorded
+constexpr std::size_t kLongestContent = 256;
+
+std::string contentOf(const std::wstring& path) {
+    const UniqueFd file(
+        calls::open(toNarrow(path).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    return file ? readBeginning(file.get(), kLongestContent).value_or(std::string())
+                : std::string();
+}
+
+std::string recordOf(pid_t process, const std::string& start) {
+    return std::to_string(process) + " " + start + "\n";
+}
+
+}  // namespace
+
+std::wstring provisioningFileOf(const std::wstring& workspace) {
+    return workspace + L"/.rcp.provisioning";
+}
+
+void recordProvisioning(const std::wstring& path) {
+    const std::optional<std::string> start = platform::startOfProcess(getpid());
+    WholeFile file(path);
+    if (!file.open() || !file.write(recordOf(getpid(), start.value_or("unknown"))) ||
+        !file.commit()) {
+        report(because(errno),
+               "Error: provisioning: %ls cannot be written; another launch may provision too",
+               path);
+    }
+}
+
+long runningProvisioning(const std::wstring& path) {
+    const std::string content = contentOf(path);
+    pid_t process = 0;
+    std::from_chars(content.data(), content.data() + content.size(), process);
+    if (process <= 0 || process == getpid()) {
+        return 0;
+    }
+    const std::optional<std::string> start = platform::startOfProcess(process);
+    return start && content == recordOf(process, *start) ? process : 0;
+}
+
+void waitForProvisioning(const std::wstring& path) {
+    long process = runningProvisioning(path);
+    SvcDebugOutW(L"ZYPRA0307I: process %s provisions this workspace; waiting for its end",
+                 std::to_wstring(process));
+    for (int waited = 0; process != 0; ++waited) {
+        if (waited == kPatience) {
+            report(noReason(),
+                   "Error: provisioning: process %ls still provisions this workspace; waiting on.",
+                   std::to_wstring(process));
+        }
+        sysSleep(1);
+        process = runningProvisioning(path);
+    }
+}
+
+void removeEndedProvisioning(const std::wstring& path) {
+    if (calls::unlink(toNarrow(path).c_str()) != 0 && errno != ENOENT) {
+        report(because(errno), "Error: provisioning: %ls cannot be removed", path);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,289 @@
+#include "launcher/launch.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/command_line/argument_checks.h"
+#include "launcher/command_line/assembly.h"
+#include "launcher/command_line/config_extensions.h"
+#include "launcher/command_line/environment_settings.h"
+#include "launcher/command_line/initial_configuration.h"
+#include "launcher/command_line/vm_choice.h"
+#include "launcher/inputs/debug_file.h"
+#include "launcher/inputs/launch_inputs.h"
+#include "launcher/inputs/option_values.h"
+#include "launcher/instance/provisioning.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/properties/property_file.h"
+#include "launcher/user_area/install_id.h"
+#include "launcher/user_area/platform_xml.h"
+#include "launcher/user_area/reset.h"
+#include "launcher/user_area/startup_arguments.h"
+#include "launcher/user_area/unfinished_files.h"
+#include "launcher/user_area/user_files.h"
+#include "launcher/user_area/workspace.h"
+#include "platform/bundle_metadata.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <stdlib.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+// Makes a directory of the user's area unless it is there. `message` carries the step's number.
+void ensure(LaunchInputs& inputs, const std::wstring& directory, const char* message) {
+    if (isDirectory(directory)) {
+        return;
+    }
+    inputs.userFirstLaunch = true;
+    ensureDirectory(directory, message);
+}
+
+// The base location with its "${rcp.home}" replaced; stored back, so that every later step sees the
+// real path.
+std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& propertyFile) {
+    const std::wstring* property = findProperty(L"rcp.base.location", inputs.properties);
+    if (property == nullptr) {
+        fatal(noReason(), "ZYPRA0050E: rcp.base.location property is missing from %ls",
+              propertyFile);
+    }
+    std::wstring base = *property;
+    replaceEvery(base, kRcpHomePlaceholder, inputs.installDir);
+    replaceValue(L"rcp.base.location", base, inputs.properties);
+    return base;
+}
+
+std::wstring propertyFileOf(const std::wstring& installDir) {
+    return installDir + L"/rcp/rcplauncher.properties";
+}
+
+// The installation's properties and what of the arguments decides how they are read.
+std::wstring applyInstallation(const Arguments& arguments, Installation installation, Start start,
+                               LaunchInputs& inputs) {
+    if (debug) {
+        // Read before it was known that this launch is traced, and the trace shows what is read.
+        installation = readInstallation(arguments);
+    }
+    inputs.installDir = std::move(installation.directory);
+    inputs.properties = std::move(installation.properties);
+    const std::wstring propertyFile = propertyFileOf(inputs.installDir);
+    inputs.debugFile = debugFile(inputs.installDir);
+    inputs.arguments =
+        addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap, inputs.debugFile);
+    insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    setDebug(isDebug(inputs.arguments));
+    inputs.traits = traitsOf(inputs.properties, start);
+    getInstallID(inputs.traits.eConfig, propertyFile, inputs.properties);
+    return settleBaseLocation(inputs, propertyFile);
+}
+
+void prepareWorkspace(LaunchInputs& inputs) {
+    inputs.workspace = osPath(getWorkspaceLocation(inputs));
+    inputs.configuration = osPath(getConfigurationLocation(inputs));
+    ensure(inputs, inputs.workspace, "ZYPRA0083E: Unable to create %ls directory.");
+}
+
+void reportMissingValue(const Arguments& arguments) {
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        if (lacksValue(arguments, i)) {
+            report(noReason(), "Error: startup: option %ls stands last and has no value.",
+                   arguments[i]);
+        }
+    }
+}
+
+void checkArguments(const Arguments& arguments) {
+    validateIfUrlHandlerLaunch(arguments);
+    validateThatDoubleQuotesNotUsed(arguments);
+    validateNoJavaLibraryPath(arguments);
+}
+
+void openLog(LaunchInputs& inputs) {
+    const std::wstring folder = getLogLocation(inputs.workspace);
+    ensure(inputs, folder, "ZYPRA0084E: Unable to create %ls directory.");
+    if (!enableLogging(folder)) {
+        endLaunch(255);
+    }
+    deleteTempLog();
+}
+
+// Reuse after another installation, or the reset the user asked for. Only the main launcher moves
+// the configuration area: under a daemon a platform is running in it.
+void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
+    const bool isAsked = isResetConfig(inputs.arguments);
+    if (inputs.userFirstLaunch) {
+        if (isAsked) {
+            report(noReason(),
+                   "Error: startup: -resetconfig is not carried out, because directories of the "
+                   "user's area had to be made (workspace %ls).",
+                   inputs.workspace);
+        }
+        return;
+    }
+    // There is one: getInstallID has made sure.
+    const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
+    const bool isOld = isOldRcpInstallId(*installId, inputs.configuration);
+    if (!isOld && !isAsked) {
+        return;
+    }
+    if (!inputs.isMainProcess()) {
+        report(noReason(),
+               "Error: startup: %ls is in use by the running platform and is not renewed.",
+               inputs.configuration);
+    } else if (isOld) {
+        createReusableWorkspace(inputs.workspace, inputs.configuration);
+    } else {
+        resetWorkspace(inputs, base);
+    }
+}
+
+// The folders in which the user's own extensions are installed, and the installation's link file,
+// which always wins.
+void prepareExtensions(LaunchInputs& inputs) {
+    const std::wstring applications = inputs.workspace + L"/applications/eclipse";
+    ensure(inputs, osPath(applications + L"/features"),
+           "ZYPRA0094E: Unable to create %ls directory.");
+    ensure(inputs, osPath(applications + L"/plugins"),
+           "ZYPRA0095E: Unable to create %ls directory.");
+    const std::wstring shared = osPath(inputs.installDir + L"/shared/eclipse/.eclipseextension");
+    if (exists(shared)) {
+        copyFile(shared, osPath(applications + L"/.eclipseextension"));
+    }
+}
+
+// For a later restart. `arguments` are the launcher's own, before "-config" is replaced by what it
+// stands for: the restarted launcher replaces it itself.
+void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
+    if (!inputs.isMainProcess() || isRestart(arguments)) {
+        return;
+    }
+    std::wstring restartExe;
+    getRestartExe(restartExe, arguments, inputs.properties, inputs.installDir);
+    writeStartupArgs(arguments, inputs.configuration, &restartExe, inputs.properties,
+                     inputs.installDir);
+}
+
+void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
+    const bool isConfigMade = createConfigIni(inputs, base);
+    const bool isUserFileMade = createRCPInstallProps(inputs, base);
+    inputs.userFirstLaunch = inputs.userFirstLaunch || isConfigMade || isUserFileMade;
+    getProperties(userFileOf(inputs.configuration), inputs.userProperties);
+    std::wstring workspace = inputs.workspace;
+    convertBS2S(workspace);
+    SvcDebugOutW(L"ZYPRA0077I: Velmo workspaceLocation is -  \"%s\"", workspace);
+    pushBackProperty(inputs.properties, L"velmo.workspace.loc", workspace);
+    pushBackProperty(inputs.userProperties, L"velmo.workspace.loc", workspace);
+    insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
+    if (getPropertiesIfThere(osPath(inputs.configuration + L"/args.properties"),
+                             inputs.properties)) {
+        insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    }
+}
+
+void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
+    std::wstring path = base + L"/macosx/x86/Info.plist";
+    replaceUserPlaceholders(path, inputs.properties);
+    removeUnfinished(path);  // may be another workspace's at work, unlike the user's own files
+    if (const std::wstring* identifier = getBundleIdentifier(inputs.arguments)) {
+        updateInfoPlist(path, *identifier);
+    }
+}
+
+// A plain Java command line has no word for a daemon.
+void reportSecondPlatform(const LaunchInputs& inputs) {
+    if (inputs.runningPlatform && inputs.traits.isDirectJavaShape()) {
+        report(
+            noReason(),
+            "Error: startup: process %ls is this workspace's platform; another one starts beside "
+            "it.",
+            std::to_wstring(*inputs.runningPlatform));
+    }
+}
+
+// Until the first configuration is complete the launch runs with it instead of its own arguments.
+void switchToInitialConfiguration(LaunchInputs& inputs) {
+    if (isInitialRequired(inputs)) {
+        inputs.debugFile = debugFile(inputs.installDir);
+        inputs.arguments =
+            addConfigExtentionsToArg(initialArguments(inputs.arguments), inputs.properties,
+                                     inputs.vmargMap, inputs.debugFile);
+    }
+}
+
+// Decides who this launcher is in its workspace. False for a launch that has to begin anew.
+bool takeLock(Launch& launch) {
+    LaunchInputs& inputs = launch.inputs;
+    launch.marker = {.mainProcessName = getMainProcessName(inputs.traits, inputs.properties),
+                     .platformExecutable = executedProgram(inputs),
+                     .invokeDylib = inputs.traits.invokeDylib};
+    launch.lock =
+        PlatformLock::take(inputs.workspace, *launch.marker, oldPlatform(inputs.arguments));
+    if (launch.lock) {
+        inputs.runningPlatform = launch.lock->platform();
+    }
+    return launch.lock.has_value();
+}
+
+Plan planFor(LaunchInputs& inputs, LaunchKind kind) {
+    expandPlaceholders(inputs);
+    emptySharedClassesOnNewLevel(inputs);
+    Plan plan = getUserCmdString(inputs, kind);
+    applyEnvironment(plan.environment);
+    return plan;
+}
+
+}  // namespace
+
+Installation readInstallation(const Arguments& arguments) {
+    Installation installation;
+    getInstallDir(installation.directory, arguments);
+    getProperties(propertyFileOf(installation.directory), installation.properties);
+    return installation;
+}
+
+std::optional<Plan> startup(Launch& launch, Installation installation, Start start) {
+    const Arguments& arguments = launch.arguments;
+    LaunchInputs& inputs = launch.inputs;
+    reportMissingValue(arguments);
+    const std::wstring base = applyInstallation(arguments, std::move(installation), start, inputs);
+    prepareWorkspace(inputs);
+    checkArguments(inputs.arguments);
+
+    if (!takeLock(launch)) {
+        return std::nullopt;
+    }
+    openLog(inputs);
+    waitForDeletionOfDebugFile(inputs.debugFile);
+    validateInstallerState(inputs);
+
+    ensure(inputs, inputs.configuration, "ZYPRA0093E: Unable to create %ls directory.");
+    if (inputs.isMainProcess()) {
+        removeUnfinishedFiles(inputs.workspace, inputs.configuration);
+    }
+    renewUserArea(inputs, base);
+    prepareExtensions(inputs);
+    recordArguments(arguments, inputs);
+    readUserFiles(inputs, base);
+    const JvmPropertyLocation jvmProperties =
+        getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
+    loadJvmProperties(inputs, jvmProperties);
+    const bool isUpdateMade = createPlatformXML(inputs, base, jvmProperties.isDefault);
+    inputs.userFirstLaunch = inputs.userFirstLaunch || isUpdateMade;
+    updateBundle(inputs, base);
+
+    if (inputs.isMainProcess()) {
+        if (const std::optional<LaunchKind> provisioning = checkForProvisioning(inputs)) {
+            return planFor(inputs, *provisioning);
+        }
+    }
+    reportSecondPlatform(inputs);
+    switchToInitialConfiguration(inputs);
+    return planFor(inputs, LaunchKind::kPlatform);
+}
+
+}  // namespace rcp

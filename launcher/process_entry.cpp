@@ -1,0 +1,189 @@
+#include "launcher/process_entry.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/command_line/plan.h"
+#include "launcher/hand_off.h"
+#include "launcher/launch.h"
+#include "platform/install_location.h"
+#include "platform/platform.h"
+#include "platform/process.h"
+#include "platform/signals.h"
+#include "platform/standard_streams.h"
+#include "platform/text.h"
+
+#include <errno.h>
+#include <locale.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <exception>
+#include <string_view>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kDefaultJvmLocation[] = L"/Applications/ZUN Velmo.app/jre";
+constexpr wchar_t kDefaultExtensionPath[] = L"/Contents/Home/lib/ext";
+constexpr wchar_t kDefaultLibraryPath[] = L"/Contents/Home/lib/jli/libjli.dylib";
+constexpr char kDefaultJavaHome[] = "/Applications/ZUN Velmo.app/jre/Contents/Home";
+
+// The property's value, or `otherwise` when it is missing or empty.
+std::wstring valueOr(const wchar_t* key, const wchar_t* otherwise, const PropertyList& properties) {
+    const std::wstring* value = findProperty(key, properties);
+    return value == nullptr || value->empty() ? otherwise : *value;
+}
+
+std::wstring jvmLocation(const PropertyList& properties) {
+    return valueOr(L"jvm.location", kDefaultJvmLocation, properties);
+}
+
+// setlocale(3) with the reason for a failure: none where the C library leaves no errno.
+const char* setCharacterType(const char* name) {
+    errno = 0;
+    const char* set = setlocale(LC_CTYPE, name);
+    if (set == nullptr) {
+        fatal(because(errno), "ZYPRA0182E: Set locale error!");
+    }
+    return set;
+}
+
+Arguments wideArguments(int argc, char** argv) {
+    Arguments arguments;
+    arguments.reserve(static_cast<std::size_t>(argc) + 3);
+    for (int i = 0; i < argc; ++i) {
+        arguments.emplace_back(chartowcs(argv[i]).get(),
+                               Origin{nullptr, static_cast<std::size_t>(i)});
+        if (arguments.back().empty() && *argv[i] != '\0') {
+            report(noReason(), "Error: main: argument %d is no text of this locale.", i);
+        }
+    }
+    if (arguments.empty()) {
+        // Started without even a name: the path that the system knows stands in.
+        arguments.push_back(toWide(launcherExecutable()));
+    }
+    return arguments;
+}
+
+// What the launcher's own properties decide before the start-up sequence.
+void applyProperties(Arguments& arguments, const PropertyList& properties, Start start) {
+    if (start != Start::kRestart) {
+        rewriteExtensionDirectories(arguments, properties);
+        appendVm(arguments, properties);
+    }
+}
+
+void dumpArguments(const Arguments& arguments) {
+    const ForcedTracing forced;
+    SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
+}
+
+// All that comes before the hand-off. False for a launch that has to begin anew.
+bool prepareLaunch(Launch& launch, int argc, char** argv) {
+    launch.arguments = wideArguments(argc, argv);
+    const Start start =
+        haveLaunchOption("-restart", {argv, argv + argc}) ? Start::kRestart : Start::kOrdinary;
+    Installation installation = readInstallation(launch.arguments);
+    applyProperties(launch.arguments, installation.properties, start);
+    setDebug(isDebug(launch.arguments));
+    dumpArguments(launch.arguments);
+    doVersionCheck(launch.arguments);
+    launch.plan = startup(launch, std::move(installation), start);
+    if (launch.plan && launch.plan->kind == LaunchKind::kPlatform) {
+        launch.plan->line.add(L"-Dfile.encoding=UTF-8");
+        launch.plan->line.add(L"-XstartOnFirstThread");
+    }
+    return launch.plan.has_value();
+}
+
+// What the standard library throws is a fault of ours. What was recorded so far is not lost to it.
+int unexpectedEnd(std::string_view reason) {
+    report(noReason(), "Error: startup: unexpected failure: %s", reason);
+    return endedWith(255);
+}
+
+}  // namespace
+
+void run(Launch& launch, int argc, char** argv) {
+    if (!isJREPluginInstalled() && GetJavaHome().empty()) {
+        quitWithNoJavaWarning();
+    }
+    setCharacterLocale();
+    while (!prepareLaunch(launch, argc, argv)) {
+        launch = Launch();
+    }
+    handOff(launch);
+}
+
+int runLauncher(int argc, char** argv) {
+    try {
+        openMissingStandardStreams();
+        ignoreFileSizeSignal();
+        installOutOfMemoryReport();
+        Launch launch;
+        run(launch, argc, argv);
+        return 0;
+    } catch (const LaunchEnded& end) {
+        return endedWith(end.status);
+    } catch (const std::exception& exception) {
+        return unexpectedEnd(exception.what());
+    } catch (...) {
+        return unexpectedEnd("unknown");
+    }
+}
+
+void setCharacterLocale() {
+    if (std::strcmp(setCharacterType(""), "C") == 0) {
+        setCharacterType(platform::kUtf8LocaleName);
+    }
+}
+
+void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& properties) {
+    const std::wstring suffix =
+        L":" + jvmLocation(properties) + valueOr(L"jvm.extpath", kDefaultExtensionPath, properties);
+    const auto isMatch = [](const std::wstring& argument) {
+        return argument.starts_with(L"-Djava.ext.dirs");
+    };
+    std::wstring last;
+    for (const std::wstring& argument : arguments) {
+        if (isMatch(argument)) {
+            last = argument + suffix;
+        }
+    }
+    for (std::wstring& argument : arguments) {
+        if (isMatch(argument)) {
+            argument.assign(last);
+        }
+    }
+}
+
+void appendVm(Arguments& arguments, const PropertyList& properties) {
+    arguments.emplace_back(L"-vm");
+    const Property* location = properties.find(L"jvm.location");
+    arguments.emplace_back(
+        jvmLocation(properties) + valueOr(L"jvm.libpath", kDefaultLibraryPath, properties),
+        location == nullptr ? Origin() : location->origin);
+}
+
+void doVersionCheck(const Arguments& arguments) {
+    if (arguments.size() == 2 && hasOption(L"-version", arguments)) {
+        fatal(noReason(), "ZYPRA0031I:   version = \"%ls\"", kVersion);
+    }
+}
+
+bool isJREPluginInstalled() {
+    return true;
+}
+
+std::string GetJavaHome() {
+    const std::string_view home = kDefaultJavaHome;
+    return std::string(home.substr(0, home.find('\n')));
+}
+
+void quitWithNoJavaWarning() {
+    runProgram({std::string(kDefaultJavaHome) + "/bin/java"});
+    exit(1);
+}
+
+}  // namespace rcp

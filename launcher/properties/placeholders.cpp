@@ -1,0 +1,206 @@
+#include "launcher/properties/placeholders.h"
+
+#include "diagnostics/observer.h"
+#include "diagnostics/svc_debug.h"
+#include "platform/environment.h"
+#include "platform/text.h"
+
+#include <utility>
+
+namespace rcp {
+namespace {
+
+// No real value comes near these. They end the expansion of values that bring themselves back, and
+// bound the time that a hostile one can take.
+constexpr int kMostReplacements = 4096;
+constexpr std::size_t kLongestGrowth = std::size_t{1024} * 1024;
+
+void turnSlashes(StandardLocations& locations) {
+    convertBS2S(locations.workspace);
+    convertBS2S(locations.installDir);
+}
+
+// What of a text can show in a record. A value that brings itself back is traced thousands of times
+// while it grows; all of it each time would take minutes.
+std::wstring traced(const std::wstring& text) {
+    return debug ? text.substr(0, kRecordLimit) : std::wstring();
+}
+
+void traceModification(const std::wstring& before, const std::wstring& after) {
+    if (debug) {
+        SvcDebugOutW(L"ZYPRA0071I: Modified prop_contents %s", before + L" => " + traced(after));
+    }
+}
+
+// The copy of a text that an observer is shown as what stood there before.
+std::wstring observed(const std::wstring& text) {
+    return observer == nullptr ? std::wstring() : text;
+}
+
+void tellObserver(const std::wstring& before, std::wstring_view placeholder,
+                  const std::wstring& value, const std::wstring& after) {
+    if (observer != nullptr) {
+        observer->placeholderReplaced(before, placeholder, value, after);
+    }
+}
+
+bool getEnvironmentValue(std::wstring_view rest, std::wstring& value) {
+    const std::size_t comma = rest.find(L',');
+    if (getEnv(std::wstring(rest.substr(0, comma)), value) != nullptr) {
+        return true;
+    }
+    if (comma == std::wstring_view::npos) {
+        return false;
+    }
+    value = rest.substr(comma + 1);
+    return true;
+}
+
+}  // namespace
+
+void replaceEvery(std::wstring& text, std::wstring_view placeholder, const std::wstring& value) {
+    std::size_t found = text.find(placeholder);
+    if (found == std::wstring::npos) {
+        return;
+    }
+    std::wstring out;
+    std::size_t at = 0;
+    for (; found != std::wstring::npos; found = text.find(placeholder, at)) {
+        out.append(text, at, found - at);
+        out += value;
+        at = found + placeholder.size();
+    }
+    out.append(text, at);
+    text.swap(out);
+    tellObserver(out, placeholder, value, text);
+}
+
+void replaceFirst(std::wstring& text, std::wstring_view placeholder, const std::wstring& value) {
+    const std::size_t found = text.find(placeholder);
+    if (found != std::wstring::npos) {
+        const std::wstring before = observed(text);
+        text.replace(found, placeholder.size(), value);
+        tellObserver(before, placeholder, value, text);
+    }
+}
+
+void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir) {
+    replaceFirst(text, kRcpHomePlaceholder, installDir);
+}
+
+void replaceStdPlaceholders(const StandardLocations& locations, std::wstring& text) {
+    replaceEvery(text, kRcpHomePlaceholder, locations.installDir);
+    replaceEvery(text, L"${workspace.location}", locations.workspace);
+    replaceEvery(text, L"${rcp.data}", locations.workspace);
+}
+
+std::size_t findLastPlaceholder(const std::wstring& text, std::size_t limit, std::size_t& end,
+                                std::wstring& name) {
+    const std::size_t begin = text.rfind(L"${", limit);
+    if (begin == std::wstring::npos) {
+        return begin;
+    }
+    end = text.find(L'}', begin + 2);
+    if (end == std::wstring::npos) {
+        return end;
+    }
+    name.assign(text, begin + 2, end - begin - 2);
+    return begin;
+}
+
+bool getPlaceholderValue(const std::wstring& name, std::wstring& value,
+                         const PropertyList& properties) {
+    const std::wstring_view view = name;
+    if (view.starts_with(L"env.")) {
+        if (getEnvironmentValue(view.substr(4), value)) {
+            return true;
+        }
+    } else if (view.starts_with(L"prop.")) {
+        if (const std::wstring* found = findProperty(view.substr(5), properties)) {
+            value = *found;
+            return true;
+        }
+    }
+    value = L"${" + name + L"}";
+    return false;
+}
+
+bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties) {
+    const std::size_t longest = text.size() + kLongestGrowth;
+    bool allResolved = true;
+    std::size_t limit = text.size();
+    std::size_t end = 0;
+    std::wstring name;
+    std::wstring value;
+    for (int replacements = 0;; ++replacements) {
+        const std::size_t begin = findLastPlaceholder(text, limit, end, name);
+        if (begin == std::wstring::npos) {
+            return allResolved;
+        }
+        if (replacements == kMostReplacements || text.size() > longest) {
+            return false;
+        }
+        if (getPlaceholderValue(name, value, properties)) {
+            const std::wstring before = observer == nullptr ? traced(text) : text;
+            text.replace(begin, end + 1 - begin, value);
+            traceModification(before, text);
+            tellObserver(before, name, value, text);
+            limit = begin + value.size();
+        } else {
+            allResolved = false;
+            limit = begin;
+        }
+        // The limit is the last character in front of here; there is none at the very start.
+        if (limit == 0) {
+            return allResolved;
+        }
+        --limit;
+    }
+}
+
+bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
+                            const PropertyList& properties) {
+    if (text.find(L"${") == std::wstring::npos) {
+        return true;
+    }
+    replaceStdPlaceholders(locations, text);
+    std::wstring copy = text;
+    if (!replaceUserPlaceholders(copy, properties)) {
+        return false;
+    }
+    text = std::move(copy);
+    return true;
+}
+
+void refusePlaceholders(const std::wstring& text, const std::wstring& key, const Origin& origin) {
+    fatal(noReason().at(placeOf(key, origin)), "ZYPRA0088E: property substitution is invalid (%ls)",
+          text);
+}
+
+void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties) {
+    turnSlashes(locations);
+    properties.forEachValue([&](std::wstring& value, const Property& entry) {
+        if (!replaceAllPlaceholders(locations, value, properties)) {
+            refusePlaceholders(value, entry.key, entry.origin);
+        }
+    });
+}
+
+void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyList& properties,
+                                   VmArgumentMap& vmargMap) {
+    turnSlashes(locations);
+    for (auto& [key, argument] : vmargMap) {
+        if (!replaceAllPlaceholders(locations, argument, properties)) {
+            refusePlaceholders(argument, key, argument.origin);
+        }
+    }
+}
+
+void replacePlaceholdersInArgv(StandardLocations locations, Arguments& arguments) {
+    turnSlashes(locations);
+    for (std::wstring& argument : arguments) {
+        replaceStdPlaceholders(locations, argument);
+    }
+}
+
+}  // namespace rcp

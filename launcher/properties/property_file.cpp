@@ -1,0 +1,198 @@
+#include "launcher/properties/property_file.h"
+
+#include "diagnostics/observer.h"
+#include "diagnostics/svc_debug.h"
+#include "launcher/properties/data_path.h"
+#include "launcher/properties/property_text.h"
+#include "platform/files.h"
+
+#include <errno.h>
+#include <stdio.h>
+
+#include <array>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kByteOrderMark = 0xFEFF;
+
+bool isSeparator(wchar_t character) {
+    return character == L'=' || character == L':' || character == L' ' || character == L'\t';
+}
+
+// Characters in front of which a backslash is dropped by the reader itself. It protects nothing: in
+// front of the value "\:" still separates.
+bool isEscapable(wchar_t character) {
+    return character == L':' || character == L'#' || character == L' ' || character == L'=';
+}
+
+// The number of characters from `begin` on that only ever stand for themselves: nearly all.
+std::size_t plainLength(std::wstring_view line, std::size_t begin) {
+    std::size_t end = begin;
+    while (end < line.size() && line[end] != L'\\' && line[end] != L'\n' && line[end] != L'\r' &&
+           !isSeparator(line[end])) {
+        ++end;
+    }
+    return end - begin;
+}
+
+// An entry while its lines are read:
+//
+//            separator                    any other character
+//   KEY -----------------> VALUE, eligible --------------------> VALUE, begun
+//    ^                       ^   |  (further separators go)           |
+//    |                       |   |                                    |
+//    |  line without "\" end |   '--- next line of a continued entry <'
+//    '----- entry done ------'
+//
+// Every line starts eligible, so a separator at the start of a continuation line goes too. Only a
+// character of the value ends a pending continuation: an entry continued inside its key goes on
+// until its value begins.
+class Entry {
+  public:
+    // Takes one line; true when the entry is complete.
+    bool addLine(const std::wstring& line) {
+        if (!continues_) {
+            inValue_ = false;
+            if (line.size() >= 2) {
+                isOption_ = line.starts_with(L"-X");
+            }
+        }
+        bool separatorEligible = true;
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            if (const std::size_t length = plainLength(line, i); length > 0) {
+                (inValue_ ? value : key).append(line, i, length);
+                continues_ = continues_ && !inValue_;
+                separatorEligible = separatorEligible && !inValue_;
+                i += length - 1;
+                continue;
+            }
+            const wchar_t character = line[i];
+            const wchar_t next = i + 1 < line.size() ? line[i + 1] : L'\0';
+            if (character == L'\\' && i + 1 == line.size()) {
+                continues_ = true;
+            } else if ((character == L'\\' && isEscapable(next)) || character == L'\n' ||
+                       character == L'\r') {
+                continue;
+            } else if (separatorEligible && isSeparator(character)) {
+                inValue_ = true;
+                if (isOption_) {
+                    value += character;
+                }
+            } else if (inValue_) {
+                if (character == L'\\' && next == L'\\') {
+                    value += L'\\';
+                    ++i;
+                }
+                continues_ = false;
+                separatorEligible = false;
+                value += character;
+            } else {
+                key += character;
+            }
+        }
+        return !continues_;
+    }
+
+    void clear() {
+        key.clear();
+        value.clear();
+    }
+
+    [[nodiscard]] bool isEmpty() const { return key.empty() && value.empty() && !continues_; }
+
+    std::wstring key;
+    std::wstring value;
+
+  private:
+    bool continues_ = false;
+    bool inValue_ = false;
+    bool isOption_ = false;  // a JVM option such as -Xname:value keeps its separator in the value
+};
+
+[[noreturn]] void cannotLoad(const std::wstring& path, const Reason& reason) {
+    fatal(reason, "ZYPRA0096E: Unable to load %ls file!", path);
+}
+
+Property finish(Entry& entry, const Origin& origin) {
+    FilterProp(entry.key);
+    SvcDebugOutW(L"ZYPRA0023I:   attrib = \"%s\"", entry.key);
+    FilterValue(entry.value);
+    if (entry.key.starts_with(L"rcp.data")) {
+        entry.value = getDataPath(entry.key, entry.value);
+    }
+    SvcDebugOutW(L"ZYPRA0024I:   value  = \"%s\"", entry.value);
+    Property property{entry.key, entry.value, origin};
+    entry.clear();
+    return property;
+}
+
+void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
+    std::array<char, 4096> buffer;  // one of the stream's own would cost every launch more
+    const Stream stream = std::move(opened);  // closed before its buffer goes
+    (void)setvbuf(stream.get(), buffer.data(), _IOFBF, buffer.size());
+    if (observer != nullptr) {
+        observer->propertyFileRead(path);
+    }
+    const auto file = std::make_shared<const std::wstring>(path);
+    Origin origin{file, 0};
+    LinePosition position;
+    Entry entry;
+    std::wstring line;
+    while (readFile(*stream, kPropertyLineFormat, line, &position) != EOF) {
+        if (line.empty()) {
+            reportUnreadableLine(path, position.line);
+            continue;
+        }
+        if (position.line == 1 && line.starts_with(kByteOrderMark)) {
+            // With the white space that the scanner could not see behind the mark.
+            line.erase(0, line.find_first_not_of(L" \t\r", 1));
+            if (line.empty()) {
+                continue;
+            }
+        }
+        SvcDebugOutW(L"ZYPRA0032I: Prop Line = \"%s\"", line);
+        if (line.starts_with(L'#')) {
+            continue;
+        }
+        if (entry.isEmpty()) {
+            origin.line = position.line;
+        }
+        if (entry.addLine(line)) {
+            list.append(finish(entry, origin));
+        }
+    }
+    if (ferror(stream.get()) != 0) {
+        cannotLoad(path, because(errno));
+    }
+}
+
+}  // namespace
+
+void getProperties(const std::wstring& path, PropertyList& list) {
+    Stream stream;
+    open_file(stream, path, L"r");
+    if (!stream) {
+        cannotLoad(path, because(errno));
+    }
+    readEntries(std::move(stream), path, list);
+}
+
+bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
+    Stream stream;
+    open_file(stream, path, L"r");
+    if (!stream) {
+        const Reason reason = because(errno);
+        if (exists(path)) {
+            cannotLoad(path, reason);
+        }
+        return false;
+    }
+    readEntries(std::move(stream), path, list);
+    return true;
+}
+
+}  // namespace rcp

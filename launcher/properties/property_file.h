@@ -1,0 +1,19 @@
+// The reader of the launcher's property files: "rcplauncher.properties", "jvm.properties", the
+// per-user "rcpinstall.properties" and "args.properties". The format is close to Java's; where it
+// differs, installations rely on the difference.
+#pragma once
+
+#include "launcher/properties/property_list.h"
+
+#include <string>
+
+namespace rcp {
+
+/// Appends the entries of the file at `path` to `list`. A file that cannot be opened or read ends
+/// the launch; every text is a property file, so nothing in one is an error.
+void getProperties(const std::wstring& path, PropertyList& list);
+/// The same for a file that need not be there; false, and nothing appended, without one. What is
+/// there (`exists`) and is no file still ends the launch.
+bool getPropertiesIfThere(const std::wstring& path, PropertyList& list);
+
+}  // namespace rcp

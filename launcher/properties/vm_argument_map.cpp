@@ -1,0 +1,49 @@
+#include "launcher/properties/vm_argument_map.h"
+
+#include "diagnostics/svc_debug.h"
+
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace rcp {
+namespace {
+
+constexpr std::wstring_view kPrefix = L"vmarg.";
+
+// `invalidMessage` differs by source, so that the record tells where the argument came from.
+void insertArguments(VmArgumentMap& map, const Arguments& arguments, const char* invalidMessage) {
+    for (const Argument& argument : arguments) {
+        if (!argument.starts_with(kPrefix)) {
+            continue;
+        }
+        const std::size_t equals = argument.find(L'=');
+        if (equals == std::wstring::npos) {
+            fatal(noReason(), invalidMessage);
+        }
+        map.try_emplace(argument.substr(0, equals), argument.substr(equals + 1), argument.origin);
+    }
+}
+
+}  // namespace
+
+void insertPropToVmargMap(VmArgumentMap& map, PropertyList& properties) {
+    // Numbered or sorted names, the usual ones, follow each other in the map as in the file.
+    auto next = map.end();
+    for (Property& entry : properties.extract(kPrefix)) {
+        const auto at = map.try_emplace(next, std::move(entry.key), std::move(entry.value),
+                                        std::move(entry.origin));
+        next = std::next(at);
+    }
+}
+
+void insertArgsToVmargMap(VmArgumentMap& map, const Arguments& arguments,
+                          const PropertyList& /*properties*/) {
+    insertArguments(map, arguments, "ZYPRA0033E: rcplauncher invoked with an invalid vmarg.");
+}
+
+void insertCargsToVmargMap(VmArgumentMap& map, const Arguments& arguments) {
+    insertArguments(map, arguments, "ZYPRA0128E: rcplauncher invoked with an invalid vmarg.");
+}
+
+}  // namespace rcp

@@ -1,0 +1,122 @@
+#include "launcher/user_area/platform_xml.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/user_area/user_files.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <errno.h>
+#include <stdio.h>
+
+namespace rcp {
+namespace {
+
+// A feature's placeholders. A line is the feature's when it holds the id; the version is filled in
+// only there. The messages share a text, the number tells which feature.
+struct Feature {
+    const wchar_t* idPlaceholder;
+    const wchar_t* versionPlaceholder;
+    const wchar_t* idProperty;
+    const wchar_t* versionProperty;
+    const char* missingMessage;
+};
+
+constexpr Feature kFeatures[] = {
+    {L"${jvm.feature.id}", L"${jvm.feature.version}", L"jvm.feature.id", L"jvm.feature.version",
+     "ZYPRA0101E: Error while copying platform.xml to user specific platform.xml file."},
+    {L"${jvm.parent.feature.id}", L"${jvm.parent.feature.version}", L"jvm.parent.feature.id",
+     L"jvm.parent.feature.version",
+     "ZYPRA0102E: Error while copying platform.xml to user specific platform.xml file."},
+};
+
+constexpr char kCopyFailed[] =
+    "ZYPRA0103E: Error while copying platform.xml to user specific platform.xml file.";
+
+void fillIn(const Feature& feature, std::wstring& line, const PropertyList& properties) {
+    const std::wstring* id = findProperty(feature.idProperty, properties);
+    const std::wstring* version = findProperty(feature.versionProperty, properties);
+    if (id == nullptr || version == nullptr) {
+        report(noReason(), feature.missingMessage);
+        return;
+    }
+    replaceEvery(line, feature.idPlaceholder, *id);
+    replaceEvery(line, feature.versionPlaceholder, *version);
+}
+
+bool writePlatformXml(const std::wstring& master, const std::wstring& target,
+                      const PropertyList& properties, bool bareFeatures) {
+    Stream from;
+    open_file(from, master, L"r");
+    if (!from) {
+        report(because(errno), "ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
+        return false;
+    }
+    WholeFile file(target);
+    if (!file.open()) {
+        report(because(errno), "ZYPRA0139E: Unable to open platform.xml for writing.\"%s\"",
+               target);
+        return false;
+    }
+    std::wstring line;
+    LinePosition position;
+    while (readFile(*from, kCopiedLineFormat, line, &position) != EOF) {
+        if (line.empty()) {
+            reportUnreadableLine(master, position.line);
+            continue;
+        }
+        const std::wstring filled = platformXmlLine(line, properties, bareFeatures);
+        const std::string bytes = toNarrow(filled);
+        if (bytes.empty() && !filled.empty()) {
+            report(because("a value filled in is no text of this locale")
+                       .at(master + L", line " + std::to_wstring(position.line)),
+                   kCopyFailed);
+        } else if (!file.write(bytes + "\n")) {
+            report(because(errno), kCopyFailed);
+        }
+    }
+    if (ferror(from.get()) != 0 || !file.commit()) {
+        report(because(errno), kCopyFailed);
+    }
+    return true;
+}
+
+}  // namespace
+
+std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, bool bareFeatures) {
+    for (const Feature& feature : kFeatures) {
+        if (line.find(feature.idPlaceholder) == std::wstring::npos) {
+            continue;
+        }
+        if (bareFeatures) {
+            line = L"<feature>";
+        } else {
+            fillIn(feature, line, properties);
+        }
+    }
+    return line;
+}
+
+bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, bool bareFeatures) {
+    const PropertyList& properties = inputs.properties;
+    const InstallConfiguration configuration = inputs.traits.eConfig;
+    if (configuration == InstallConfiguration::kUserpb) {
+        return false;
+    }
+    const std::wstring update = osPath(inputs.configuration + L"/org.eclipse.update");
+    const bool isMissing = !isDirectory(update);
+    if (isMissing) {
+        ensureDirectory(update, "ZYPRA0039E: Unable to create %ls directory.");
+    }
+    const std::wstring target = update + L"/platform.xml";
+    const std::wstring* managed = findProperty(L"update.policy.managed", properties);
+    if (!exists(target) && (managed == nullptr || *managed != L"false")) {
+        return writePlatformXml(getCoreFileLocation(configuration, base, L"platform.xml"), target,
+                                properties, bareFeatures) ||
+               isMissing;
+    }
+    return isMissing;
+}
+
+}  // namespace rcp

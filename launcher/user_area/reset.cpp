@@ -1,0 +1,240 @@
+#include "launcher/user_area/reset.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/properties/java_properties.h"
+#include "launcher/properties/placeholders.h"
+#include "launcher/properties/property_file.h"
+#include "launcher/user_area/user_files.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/removal.h"
+#include "platform/text.h"
+
+#include <errno.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kUpdateFolder[] = L"/org.eclipse.update";
+constexpr const wchar_t* kKeptFiles[] = {L"registry", L"bookmarks.xml"};
+
+std::wstring updateDirectory(const std::wstring& configuration) {
+    return osPath(configuration + kUpdateFolder);
+}
+
+std::wstring pathOf(const CopyPlace& place) {
+    return osPath(place.name.empty() ? place.directory : place.directory + L"/" + place.name);
+}
+
+std::wstring savedName(const std::wstring& name) {
+    return name + L".old";
+}
+
+void saveFile(const std::wstring& name, const std::wstring& workspace,
+              const std::wstring& configuration) {
+    handleCopy({workspace, savedName(name)}, {updateDirectory(configuration), name}, false, false);
+}
+
+void saveKeptFiles(const std::wstring& workspace, const std::wstring& configuration) {
+    for (const wchar_t* name : kKeptFiles) {
+        saveFile(name, workspace, configuration);
+    }
+}
+
+// Steps 2 to 4; `message` tells which of the two callers failed.
+void rebuildConfiguration(const std::wstring& workspace, const std::wstring& configuration,
+                          const char* message) {
+    const std::wstring path = osPath(configuration);
+    handleDirMove(path + L"bak", path, true);
+    const std::wstring update = updateDirectory(configuration);
+    ensureDirectory(update, message);
+    for (const wchar_t* name : kKeptFiles) {
+        handleFileMove({update, name}, {workspace, savedName(name)}, false);
+    }
+}
+
+std::wstring numberedName(const std::wstring& path, std::uint32_t number) {
+    std::wstring name = path + L"deleteme";
+    addHexDigits(name, number);
+    return name;
+}
+
+// A free name beside `path` for what is to be removed: the smallest of five numbered ones that does
+// not exist, else the first. Those that do exist are left from removals that did not finish and are
+// removed now. One that cannot be removed must not stop every later reset: then the count goes on.
+std::wstring deleteMeName(const std::wstring& path) {
+    std::uint32_t chosen = 1;
+    for (std::uint32_t k = 5; k >= 1; --k) {
+        const std::wstring name = numberedName(path, k);
+        if (!exists(name)) {
+            chosen = k;
+            continue;
+        }
+        std::wstring problems;
+        if (!removeDirectoryAndContents(name, problems)) {
+            SvcDebugOutW(L"%s", problems);
+        }
+    }
+    while (exists(numberedName(path, chosen))) {
+        ++chosen;
+    }
+    return numberedName(path, chosen);
+}
+
+// Moved away first, so that the target's name is free at once however long the removal takes.
+void clearDirectory(const std::wstring& path) {
+    const std::wstring name = deleteMeName(path);
+    if (!moveFile(path, name)) {
+        fatal(because(errno), "ZYPRA0112E: Can't move file/dir  '%ls'", path);
+    }
+    std::wstring problems;
+    if (!removeDirectoryAndContents(name, problems)) {
+        SvcDebugOutW(L"%s", problems);
+    }
+}
+
+void clearTarget(const std::wstring& path) {
+    if (!exists(path)) {
+        return;
+    }
+    if (isDirectory(path)) {
+        clearDirectory(path);
+    } else if (!deleteFile(path)) {
+        fatal(because(errno), "ZYPRA0111E: Can't delete old copy of file '%ls'", path);
+    }
+}
+
+// --- Reset directories ---
+
+std::wstring resetPropertiesFile(const LaunchInputs& inputs, const std::wstring& base) {
+    std::wstring ownFile = userFileOf(inputs.configuration);
+    if (exists(ownFile)) {
+        return ownFile;
+    }
+    std::wstring coreFile =
+        getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties");
+    if (!exists(coreFile)) {
+        fatal(because(errno), "ZYPRA0106E: Unable to locate %ls file.", coreFile);
+    }
+    return coreFile;
+}
+
+// What a value names below the folder it is appended to, elements joined by single slashes; empty
+// when that is nothing: absolute, without an element that is a name, or with "..".
+std::wstring entryBelow(const std::wstring& value) {
+    std::wstring entry;
+    if (value.starts_with(L'/') || value.starts_with(L'\\')) {
+        return entry;
+    }
+    for (std::size_t at = 0; at < value.size();) {
+        const std::size_t end = std::min(value.find_first_of(L"/\\", at), value.size());
+        const std::wstring element = value.substr(at, end - at);
+        if (element == L"..") {
+            return {};
+        }
+        if (!element.empty() && element != L".") {
+            entry += (entry.empty() ? L"" : L"/") + element;
+        }
+        at = end + 1;
+    }
+    return entry;
+}
+
+// A link on the way could lead anywhere; what it leads to is nobody's to remove here.
+bool leadsThroughLink(const std::wstring& folder, const std::wstring& entry) {
+    for (std::size_t end = 0; end != std::wstring::npos;) {
+        end = entry.find(L'/', end + 1);
+        if (isLink(folder + L"/" + entry.substr(0, end))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void removePluginDirectory(const std::wstring& plugins, const std::wstring& value) {
+    const std::wstring entry = entryBelow(value);
+    if (entry.empty() || leadsThroughLink(plugins, entry)) {
+        report(noReason(),
+               "Error: resetMetaDataDirs: '%ls' does not name a directory of a plug-in.", value);
+        return;
+    }
+    std::wstring problems;
+    if (exists(plugins + L"/" + entry) && !removeDirectoryBelow(plugins, entry, problems)) {
+        fatal(noReason(),
+              "\nZYPRA0107E begin: Error removing metadata plugin directory\n%ls\n"
+              "ZYPRA0108E end: Unable to remove all files in the metadata plugin directory. Please "
+              "correct the problems listed above",
+              problems);
+    }
+}
+
+}  // namespace
+
+void createReusableWorkspace(const std::wstring& workspace, const std::wstring& configuration) {
+    saveFile(L"platform.xml", workspace, configuration);
+    saveKeptFiles(workspace, configuration);
+    rebuildConfiguration(workspace, configuration, "ZYPRA0044E: Unable to create %ls directory.");
+}
+
+void resetWorkspace(const LaunchInputs& inputs, const std::wstring& base) {
+    saveKeptFiles(inputs.workspace, inputs.configuration);
+    resetMetaDataDirs(inputs, base);
+    rebuildConfiguration(inputs.workspace, inputs.configuration,
+                         "ZYPRA0045E: Unable to create %ls directory.");
+}
+
+void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base) {
+    PropertyList properties;
+    getProperties(resetPropertiesFile(inputs, base), properties);
+    const std::wstring plugins = osPath(inputs.workspace + L"/.metadata/.plugins");
+    for (const Property* property : findProperties(L"resetDir.", properties)) {
+        removePluginDirectory(plugins, property->value);
+    }
+}
+
+void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required, bool move) {
+    const std::wstring to = pathOf(target);
+    const std::wstring from = pathOf(source);
+    if (!exists(from)) {
+        if (required) {
+            fatal(because(errno), "ZYPRA0109E: Unable to locate '%ls' for copying", from);
+        }
+        SvcDebugOutW(L"ZYPRA0110I: '%s' not found", from);
+        return;
+    }
+    clearTarget(to);
+    if (move) {
+        if (!moveFile(from, to)) {
+            fatal(because(errno), "ZYPRA0141E: Can't move file/dir  '%ls'", from);
+        }
+    } else if (!copyFile(from, to)) {
+        fatal(noReason(), "ZYPRA0113E: Can't copy file  '%ls'", from);
+    }
+}
+
+void handleFileMove(const CopyPlace& target, const CopyPlace& source, bool required) {
+    handleCopy(target, source, required, true);
+}
+
+void handleDirMove(const std::wstring& target, const std::wstring& source, bool required) {
+    handleCopy({target, L""}, {source, L""}, required, true);
+}
+
+void getRestartExe(std::wstring& executable, const Arguments& arguments,
+                   const PropertyList& properties, const std::wstring& rcpHome) {
+    const std::wstring* name = optionValue(L"-config", arguments);
+    if (name == nullptr) {
+        return;
+    }
+    const std::wstring key = L"config." + *name + L".restartExe." + getOS();
+    if (const std::wstring* value = findProperty(key, properties)) {
+        executable = *value;
+        replaceFirstRcpHome(executable, rcpHome);
+        convertToOsSeparator(executable);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,134 @@
+#include "launcher/user_area/startup_arguments.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/inputs/option_values.h"
+#include "launcher/properties/java_properties.h"
+#include "launcher/properties/placeholders.h"
+#include "platform/environment.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <errno.h>
+
+#include <vector>
+
+namespace rcp {
+namespace {
+
+// The three write failures carry one text under three ids, so that the id tells which line failed. The
+// lines of an ordinary launch fit one write, whose failure shows with the last of them.
+constexpr char kArgumentFailed[] = "ZYPRA0020E: Error writing to %ls file.";
+constexpr char kCountFailed[] = "ZYPRA0116E: Error writing to %ls file.";
+constexpr char kLibraryPathFailed[] = "ZYPRA0117E: Error writing to %ls file.";
+
+struct Line {
+    std::string text;
+    const char* failed;  // the message when it cannot be written
+};
+
+Line makeLine(const std::wstring& key, const std::wstring& value, const char* failed) {
+    std::wstring escaped;
+    convWcharTo8859_1_Value(value, escaped);
+    return {propertyLines(toNarrow(key), toNarrow(escaped)), failed};
+}
+
+std::wstring programPath(const Arguments& arguments, const std::wstring* restartExe) {
+    if (restartExe != nullptr && !restartExe->empty()) {
+        return *restartExe;
+    }
+    std::wstring path;
+    getLauncherPath(path, arguments.front());
+    return path;
+}
+
+// The workspace as the restarted launcher must find it, whatever its working directory.
+std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& properties,
+                               const std::wstring& installDir) {
+    std::wstring value = argument;
+    replaceFirstRcpHome(value, installDir);
+    const std::wstring before = value;
+    if (!replaceUserPlaceholders(value, properties)) {
+        refusePlaceholders(before, L"-data", argument.origin);
+    }
+    std::wstring absolute;
+    convert_from_relative_location(value, absolute);
+    return absolute;
+}
+
+// The arguments to record, in order.
+std::vector<std::wstring> recordedArguments(const Arguments& arguments,
+                                            const std::wstring* restartExe,
+                                            const PropertyList& properties,
+                                            const std::wstring& installDir) {
+    const int restart = findOption(L"-restart", arguments);
+    const int resetConfig = findOption(L"-resetconfig", arguments);
+    const int oldPid = findOption(L"-rcp_old_pid", arguments);
+    const std::wstring* data = optionValue(L"-data", arguments);
+    std::vector<std::wstring> recorded{programPath(arguments, restartExe)};
+    for (int i = 1; i < static_cast<int>(arguments.size()); ++i) {
+        const Argument& argument = arguments[static_cast<std::size_t>(i)];
+        if (i == restart || i == resetConfig) {
+            continue;
+        }
+        if (i == oldPid) {
+            i += optionValue(L"-rcp_old_pid", arguments) == nullptr ? 0 : 1;
+        } else if (i + 1 < static_cast<int>(arguments.size()) &&
+                   lacksValue(arguments, static_cast<std::size_t>(i))) {
+            continue;  // a restart would take the launcher's own "-vm" behind it for its value
+        } else if (&argument == data) {
+            recorded.push_back(absoluteWorkspace(argument, properties, installDir));
+        } else {
+            recorded.push_back(argument);
+        }
+    }
+    return recorded;
+}
+
+std::vector<Line> makeLines(const std::vector<std::wstring>& recorded) {
+    std::vector<Line> lines;
+    for (std::size_t i = 0; i < recorded.size(); ++i) {
+        lines.push_back(makeLine(L"arg" + std::to_wstring(i), recorded[i], kArgumentFailed));
+    }
+    lines.push_back(makeLine(L"argc", std::to_wstring(recorded.size()), kCountFailed));
+    std::wstring libraryPath;
+    getEnv(L"DYLD_LIBRARY_PATH", libraryPath);
+    lines.push_back(
+        makeLine(L"com.ovr.rcp.core.internal.librarypath", libraryPath, kLibraryPathFailed));
+    return lines;
+}
+
+bool isWritten(const std::wstring& path, const std::vector<Line>& lines) {
+    std::string text;
+    for (const Line& line : lines) {
+        text += line.text;
+    }
+    return holdsText(path, text);
+}
+
+}  // namespace
+
+void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
+                      const std::wstring* restartExe, const PropertyList& properties,
+                      const std::wstring& installDir) {
+    const std::wstring path = osPath(configuration + L"/args.properties");
+    const std::vector<Line> lines =
+        makeLines(recordedArguments(arguments, restartExe, properties, installDir));
+    if (isWritten(path, lines)) {
+        return;
+    }
+    WholeFile file(path);
+    if (!file.open()) {
+        fatal(because(errno), "ZYPRA0097E: Could not open %ls for writing!", path);
+    }
+    for (const Line& line : lines) {
+        if (!file.write(line.text)) {
+            fatal(because(errno), line.failed, path);
+        }
+    }
+    if (!file.commit()) {
+        fatal(because(errno), kLibraryPathFailed, path);
+    }
+}
+
+}  // namespace rcp

@@ -1,0 +1,197 @@
+#include "launcher/user_area/user_files.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/properties/java_properties.h"
+#include "launcher/properties/property_text.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
+
+#include <errno.h>
+#include <stdio.h>
+
+#include <string_view>
+
+namespace rcp {
+namespace {
+
+// The folder of the master copies, below "config".
+std::wstring_view coreFileFolder(InstallConfiguration configuration) {
+    switch (configuration) {
+        case InstallConfiguration::kMultiuserServiceInit:
+            return L"muservice";
+        case InstallConfiguration::kUser:
+        case InstallConfiguration::kMultiuser:
+        case InstallConfiguration::kLockdown:
+            return L"user";
+        case InstallConfiguration::kUserpb:
+            return L"pbuilder";
+        default:
+            return L"";
+    }
+}
+
+// One line of the block at the end of the user's file.
+struct BlockLine {
+    const wchar_t* key;
+    const wchar_t* property;
+    bool isPath;  // slashes turned, escaped for the Java reader; left out when empty
+    bool isRequired;
+    const wchar_t* otherwise;  // for a missing property
+};
+
+constexpr BlockLine kBlockLines[] = {
+    {L"rcp.install.id", L"rcp.install.id", false, true, nullptr},
+    {L"vm", L"jvm.location", true, false, nullptr},
+    {L"rcp.base.location", L"rcp.base.location", true, true, nullptr},
+    // An installation that names no configuration is one of configuration "user".
+    {L"install.configuration", L"install.configuration", false, true, L"user"},
+    {L"com.ovr.rcp.core.locale", L"com.ovr.rcp.core.locale", false, false, nullptr},
+    {L"com.ovr.rcp.core.bidi", L"com.ovr.rcp.core.bidi", false, false, nullptr},
+};
+
+constexpr char kAppendFailed[] =
+    "ZYPRA0015E: Unable to append values to user specific rcpinstall.properties file.";
+
+std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList& properties) {
+    const std::wstring* property = findProperty(line.property, properties);
+    if (property == nullptr) {
+        return line.otherwise == nullptr ? std::nullopt
+                                         : std::optional<std::wstring>(line.otherwise);
+    }
+    if (!line.isPath) {
+        return *property;
+    }
+    if (property->empty() && !line.isRequired) {
+        return std::nullopt;
+    }
+    std::wstring path = *property;
+    convertBS2S(path);
+    std::wstring escaped;
+    convWcharTo8859_1_Value(path, escaped);
+    return escaped;
+}
+
+// The errno of a copy that could not be read to its end, else 0.
+int copyLines(std::FILE& copy, WholeFile& file) {
+    UserFileFilter filter;
+    std::wstring line;
+    while (readFile(copy, kCopiedLineFormat, line) != EOF) {
+        if (filter.keeps(line) && !file.write(toNarrow(line) + "\n")) {
+            report(because(errno),
+                   "ZYPRA0001E: Error while copying base rcpinstall.properties to user specific "
+                   "rcpinstall.properties file.");
+        }
+    }
+    return ferror(&copy) != 0 ? errno : 0;
+}
+
+}  // namespace
+
+std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
+                                 const std::wstring& name) {
+    std::wstring candidate = base + L"/config/";
+    candidate += coreFileFolder(configuration);
+    candidate += L"/" + name;
+    convertToOsSeparator(candidate);
+    return exists(candidate) ? candidate : osPath(base + L"/" + name);
+}
+
+bool createConfigIni(const LaunchInputs& inputs, const std::wstring& base) {
+    const std::wstring target = osPath(inputs.configuration + L"/config.ini");
+    if (exists(target)) {
+        return false;
+    }
+    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"config.ini"), target)) {
+        fatal(noReason(), "ZYPRA0009E: Unable to copy config.ini to the user directory.");
+    }
+    return true;
+}
+
+std::wstring userFileOf(const std::wstring& configuration) {
+    return osPath(configuration + L"/rcpinstall.properties");
+}
+
+bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base) {
+    const std::wstring target = userFileOf(inputs.configuration);
+    if (exists(target)) {
+        return false;
+    }
+    const std::wstring copy = target + L".tmp";
+    TemporaryName temporary(toNarrow(copy));
+    temporary.claim();
+    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties"),
+                  copy)) {
+        fatal(noReason(),
+              "ZYPRA0022E: Unable to copy rcpinstall.properties to the user directory.");
+    }
+    fixUserRCPInstallProperties(copy, target, inputs.properties);
+    return true;
+}
+
+bool UserFileFilter::keeps(std::wstring& line) {
+    if (isDropping_) {
+        isDropping_ = isContinuationLine(line);
+        return false;
+    }
+    if (isContinuing_) {
+        isContinuing_ = isContinuationLine(line);
+        return true;
+    }
+    if (isComment(line)) {
+        return true;
+    }
+    const bool continues = isContinuationLine(line);
+    const bool isDropped = processFilterKey(line);
+    isDropping_ = isDropped && continues;
+    isContinuing_ = !isDropped && continues;
+    return !isDropped;
+}
+
+std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
+    UserFileBlock block;
+    for (const BlockLine& line : kBlockLines) {
+        const std::optional<std::wstring> value = blockValue(line, properties);
+        if (!value && line.isRequired) {
+            return std::nullopt;
+        }
+        const std::string narrow = toNarrow(value.value_or(L""));
+        if (narrow.empty() && value && !value->empty()) {
+            block.missingKeys.emplace_back(line.key);
+        } else if (value) {
+            // A value is the format of its own output: "%%" in it becomes "%".
+            block.lines += propertyLines(toNarrow(line.key), expandFormat(narrow));
+        }
+    }
+    return block;
+}
+
+int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
+                                const PropertyList& properties) {
+    Stream from;
+    open_file(from, osPath(copy), L"r");
+    WholeFile file(osPath(target), L".new");
+    if (!from || !file.open()) {
+        report(because(errno),
+               "ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
+               "rcpinstall.properties files.");
+        return -1;
+    }
+    const int readError = copyLines(*from, file);
+    const std::optional<UserFileBlock> block = userFileBlock(properties);
+    if (!block) {
+        fatal(noReason(),
+              "ZYPRA0008E: Unable to calculate necessary values for user specific "
+              "rcpinstall.properties file.");
+    }
+    for (const std::wstring& key : block->missingKeys) {
+        report(because("its value is no text of this locale").at(key), kAppendFailed);
+    }
+    if (readError != 0 || !file.write(block->lines) || !file.commit()) {
+        report(because(readError != 0 ? readError : errno), kAppendFailed);
+        return -1;
+    }
+    return 0;
+}
+
+}  // namespace rcp

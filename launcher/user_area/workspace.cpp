@@ -1,0 +1,127 @@
+#include "launcher/user_area/workspace.h"
+
+#include "diagnostics/svc_debug.h"
+#include "launcher/properties/placeholders.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/install_location.h"
+#include "platform/text.h"
+
+namespace rcp {
+namespace {
+
+constexpr wchar_t kServiceWorkspace[] = L"/eclipse/.workspace";
+constexpr wchar_t kServiceConfiguration[] = L"/eclipse/.config";
+constexpr wchar_t kMuServiceWorkspace[] = L"/eclipse/.muservice";
+constexpr wchar_t kMuServiceConfiguration[] = L"/eclipse/.muservice/.config";
+constexpr wchar_t kConfiguration[] = L"/.config";
+constexpr wchar_t kDefaultFolder[] = L"/OVR/RCP/";
+
+void dropTrailingSeparator(std::wstring& path) {
+    if (path.ends_with(L'/') || path.ends_with(L'\\')) {
+        path.pop_back();
+        path = path.empty() ? L"/" : path;
+    }
+}
+
+[[noreturn]] void refuse(const std::wstring& value) {
+    fatal(noReason(), "ZYPRA0099E: rcp.data property is invalid (%ls)", value);
+}
+
+// The user's area must not lie among the system's folders, whichever way leads there. What is not
+// there yet is no link.
+std::wstring notTheRoot(const std::wstring& workspace, const std::wstring& value) {
+    const std::string path = toNarrow(osPath(workspace));
+    if (lexicalPath(path) == "/" || resolvedPath(path) == "/") {
+        refuse(value);
+    }
+    return workspace;
+}
+
+std::wstring workspaceFromArgument(const std::wstring& argument, const PropertyList& properties,
+                                   const std::wstring& rcpHome) {
+    std::wstring value = argument;
+    dropTrailingSeparator(value);
+    replaceFirstRcpHome(value, rcpHome);
+    replaceUserPlaceholders(value, properties);
+    std::wstring absolute;
+    convert_from_relative_location(value, absolute);
+    return notTheRoot(absolute, argument);
+}
+
+// Whether "${rcp.home}" is all that is left in a text whose user placeholders were replaced.
+bool onlyRcpHomeIsLeft(std::wstring text, const PropertyList& properties) {
+    replaceStdPlaceholders({.workspace = L"${workspace.location}", .installDir = L"/"}, text);
+    return replaceUserPlaceholders(text, properties);
+}
+
+std::wstring workspaceFromProperty(const std::wstring& property, const PropertyList& properties,
+                                   const std::wstring& rcpHome) {
+    std::wstring value = property;
+    const bool resolved = replaceUserPlaceholders(value, properties);
+    const bool valid = resolved || onlyRcpHomeIsLeft(value, properties);
+    std::wstring path = value;
+    dropTrailingSeparator(path);
+    // An empty path would put the user's area below the root of the file system.
+    if (!valid || path.empty()) {
+        refuse(value);
+    }
+    replaceFirstRcpHome(path, rcpHome);
+    replaceUserPlaceholders(path, properties);
+    return notTheRoot(path, value);
+}
+
+std::wstring defaultWorkspace(const PropertyList& properties) {
+    const std::wstring* installId = findProperty(L"rcp.install.id", properties);
+    if (installId == nullptr) {
+        fatal(noReason(), "ZYPRA0035E: Couldn't find the rcp.install.id property!");
+    }
+    std::wstring user;
+    if (getEnv(L"USER", user) == nullptr) {
+        fatal(noReason(), "ZYPRA0037E: Couldn't find the user name!");
+    }
+    std::wstring home;
+    getUserHome(home);
+    if (!home.starts_with(L'/')) {
+        fatal(noReason(), "Error: getWorkspaceLocation: HOME does not name a directory (%ls).",
+              home);
+    }
+    return home + kDefaultFolder + *installId + L"/" + user;
+}
+
+}  // namespace
+
+std::wstring getWorkspaceLocation(const LaunchInputs& inputs) {
+    switch (inputs.traits.eConfig) {
+        case InstallConfiguration::kService:
+            return inputs.installDir + kServiceWorkspace;
+        case InstallConfiguration::kMultiuserServiceInit:
+            return inputs.installDir + kMuServiceWorkspace;
+        default:
+            break;
+    }
+    if (const std::wstring* argument = optionValue(L"-data", inputs.arguments)) {
+        return workspaceFromArgument(*argument, inputs.properties, inputs.installDir);
+    }
+    if (const std::wstring* property = findProperty(L"rcp.data", inputs.properties)) {
+        return workspaceFromProperty(*property, inputs.properties, inputs.installDir);
+    }
+    return defaultWorkspace(inputs.properties);
+}
+
+std::wstring getConfigurationLocation(const LaunchInputs& inputs) {
+    switch (inputs.traits.eConfig) {
+        case InstallConfiguration::kService:
+            return inputs.installDir + kServiceConfiguration;
+        case InstallConfiguration::kMultiuserServiceInit:
+            return inputs.installDir + kMuServiceConfiguration;
+        default:
+            return inputs.workspace + kConfiguration;
+    }
+}
+
+std::wstring getLogLocation(const std::wstring& workspace) {
+    return osPath(workspace + L"/logs");
+}
+
+}  // namespace rcp

@@ -1,0 +1,55 @@
+#include "launcher/command_line/plan.h"
+
+#include "tests/unit/launch_pieces.h"
+
+namespace rcp {
+namespace {
+
+TEST(CommandLine, ArgumentsAreAppendedOptionOrValue) {
+    CommandLine line;
+    line.add(L"-a");
+    line.add(L"");
+    line.add(L"-a", L"value");
+    EXPECT_EQ(line.arguments(), (Arguments{L"-a", L"", L"-a", L"value"}));
+}
+
+TEST(CommandLine, ProgramEmptiesTheList) {
+    CommandLine line;
+    line.add(L"-a");
+    line.setProgram(L"/x y/eclipse");
+    EXPECT_EQ(line.arguments(), Arguments{L"/x y/eclipse"});
+    line.add(L"-b");
+    EXPECT_EQ(line.arguments(), (Arguments{L"/x y/eclipse", L"-b"}));
+}
+
+TEST(CommandLine, RestartDropsTheDebugConsole) {
+    const std::vector<std::wstring> arguments = {L"-debug", L"-console", L"-consoleLog", L"-Debug",
+                                                 L"debug"};
+    CommandLine ordinary;
+    CommandLine restart(Start::kRestart);
+    for (const std::wstring& argument : arguments) {
+        ordinary.add(argument);
+        restart.add(argument);
+    }
+    EXPECT_EQ(ordinary.arguments().size(), arguments.size());
+    EXPECT_EQ(restart.arguments(), (Arguments{L"-consoleLog", L"-Debug", L"debug"}));
+}
+
+TEST(CommandLine, LibraryIsTheLastOneSet) {
+    CommandLine line;
+    EXPECT_EQ(line.library(), L"");
+    line.setLibrary(L"/a");
+    line.setLibrary(L"/b");
+    EXPECT_EQ(line.library(), L"/b");
+    EXPECT_TRUE(line.arguments().empty());
+}
+
+TEST(CommandLine, FixedNames) {
+    EXPECT_STREQ(ECLIPSE_SO_NAME_DEFAULT, L"eclipse_1615.so");
+    EXPECT_STREQ(CONSOLEARG, L"-console");
+    EXPECT_STREQ(DEBUGARG, L"-debug");
+    EXPECT_STREQ(PB4LARG, L"-pb4l");
+}
+
+}  // namespace
+}  // namespace rcp
