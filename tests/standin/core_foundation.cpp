@@ -31,6 +31,7 @@ struct Object {
     plist_t node = nullptr;         // of what was parsed; a dictionary's or an array's own
     const Object* owner = nullptr;  // of a value that a dictionary has handed out
     bool isOwned = true;
+    bool isDirectory = false;  // of a URL
 };
 
 [[noreturn]] void refuse(const char* what) {
@@ -285,20 +286,25 @@ CFComparisonResult CFStringCompare(CFStringRef left, CFStringRef right, CFString
 }
 
 CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef, const UInt8* bytes,
-                                                               CFIndex length, Boolean,
+                                                               CFIndex length, Boolean isDirectory,
                                                                CFURLRef base) {
     const std::string path = bytesOf(bytes, length);
-    const std::string folder =
-        base == nullptr ? std::string() : objects().at(base, Kind::kUrl).bytes;
+    std::string folder = base == nullptr ? std::string() : objects().at(base, Kind::kUrl).bytes;
+    // Beside a file, below a directory.
+    if (base != nullptr && !objects().at(base, Kind::kUrl).isDirectory) {
+        folder.resize(folder.rfind('/') + 1);
+    }
     if (fails() || path.empty()) {
         return nullptr;
     }
     // What is no UTF-8 is an empty path here.
     const std::string named = rcp::platform::decodeUtf8(path) ? path : std::string();
     const bool endsInSlash = folder.ends_with('/');
-    return made<CFURLRef>({Kind::kUrl, named.starts_with('/') || base == nullptr
-                                           ? named
-                                           : folder + (endsInSlash ? "" : "/") + named});
+    Object url{Kind::kUrl, named.starts_with('/') || base == nullptr
+                               ? named
+                               : folder + (endsInSlash ? "" : "/") + named};
+    url.isDirectory = isDirectory != 0;
+    return made<CFURLRef>(std::move(url));
 }
 
 Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean, UInt8* buffer, CFIndex size) {

@@ -35,6 +35,15 @@ TEST_F(CopyFile, LinesMayHaveAnyLength) {
     copies(large);
 }
 
+// What is compared is read in one piece; a longer file is never a copy of its beginning.
+TEST_F(CopyFile, BeginningOfTheFileIsNoCopyOfIt) {
+    const std::string piece(std::size_t{16} * 1024, 'x');
+    folder_.write("to", piece);
+    copies(piece + "more");
+    folder_.write("to", piece);
+    copies(piece);
+}
+
 TEST_F(CopyFile, ExistingDestinationIsReplacedWhole) {
     folder_.write("to", std::string(5000, 'z'));
     copies("short\n");

@@ -108,6 +108,16 @@ TEST_F(InstallLocation, ExecutableStartedFromADescriptorIsTheFileBehindIt) {
 }
 #endif
 
+TEST_F(InstallLocation, ExecutableStartedByARelativeNameKeepsThatName) {
+    const std::string real = program("real/prog");
+    fs::create_directory(root_ + "/links");
+    fs::create_symlink(real, root_ + "/links/client");
+    const fs::path before = fs::current_path();
+    fs::current_path(root_);
+    EXPECT_EQ(ask("executable as started", "links/client"), root_ + "/links/client");
+    fs::current_path(before);
+}
+
 TEST_F(InstallLocation, ExecutableStartedThroughALinkReportsTheTargetsDirectory) {
     const std::string real = program("real/prog");
     fs::create_symlink(real, root_ + "/link");

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace rcp {
@@ -33,6 +34,22 @@ TEST_F(Process, EveryOtherEndIsNoSuccess) {
     EXPECT_FALSE(shell("exit 1").succeeded);
     EXPECT_FALSE(shell("kill -9 $$").succeeded);
     EXPECT_EQ(shell("printf x; exit 3").output, "x");
+}
+
+TEST_F(Process, SignalsDoNotEndTheWait) {
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int) {};
+    struct sigaction before {};
+    ASSERT_EQ(sigaction(SIGALRM, &interrupting, &before), 0);
+    const itimerval often = {{0, 2000}, {0, 2000}};
+    setitimer(ITIMER_REAL, &often, nullptr);
+    // Its output ends long before it does: all of the wait is for its end.
+    const auto result = runProgram({"/bin/sh", "-c", "exec >&-; sleep 0.1"});
+    const itimerval never = {};
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &before, nullptr);
+    ASSERT_TRUE(result.has_value());
+    EXPECT_TRUE(result->succeeded);
 }
 
 TEST_F(Process, LongOutputIsReadWhole) {

@@ -462,6 +462,28 @@ TEST_F(PropertyList, BinaryWithAKeyTwiceIsRefused) {
     EXPECT_FALSE(isSafeBinaryPropertyList(binaryList(objects, 5)));
 }
 
+// More than fourteen elements, or characters, and their number follows in an integer of its own.
+TEST_F(PropertyList, BinaryNumbersThatFollowMayHaveAnySize) {
+    const std::string text(20, 'b');
+    for (const std::string& number :
+         {std::string("\x10\x14", 2), std::string("\x11\x00\x14", 3),
+          std::string("\x12\x00\x00\x00\x14", 5), "\x13" + std::string(7, '\0') + "\x14"}) {
+        const auto list = parsePropertyList(binaryList(
+            {"\x51\x61", "\x5F" + number + text, "\xD1" + bigEndian(0, 4) + bigEndian(1, 4)}, 2));
+        ASSERT_TRUE(list.has_value()) << number.size();
+        EXPECT_EQ(list->stringForKey("a"), text);
+    }
+    std::string references;
+    for (int i = 0; i < 20; ++i) {
+        references += bigEndian(0, 4);
+    }
+    EXPECT_TRUE(isSafeBinaryPropertyList(binaryList({"\x09", "\xAF\x10\x14" + references}, 1)));
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList({"\x09", "\xAF\x14\x14" + references}, 1)))
+        << "an integer of 16 bytes";
+    EXPECT_FALSE(isSafeBinaryPropertyList(binaryList({"\x09", "\xAF\x20\x14" + references}, 1)))
+        << "no integer";
+}
+
 TEST_F(PropertyList, BinaryWithAKeyThatIsNoTextIsRefused) {
     const std::vector<std::string> objects = {std::string("\x10\x07"), "\x51\x62",
                                               "\xD1" + bigEndian(0, 4) + bigEndian(1, 4)};

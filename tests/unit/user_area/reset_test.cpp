@@ -1,5 +1,6 @@
 #include "launcher/user_area/reset.h"
 
+#include "base/system_calls.h"
 #include "platform/files.h"
 #include "tests/unit/held_directory.h"
 #include "tests/unit/user_area/user_area_fixture.h"
@@ -135,6 +136,27 @@ TEST_F(Reset, RemovalsThatDidNotFinishAreFinishedByTheNextReset) {
     }
     EXPECT_TRUE(workspaceHas(".configbakdeleteme0006/f"));
     EXPECT_FALSE(workspaceHas(".configbak/f"));
+}
+
+std::vector<std::string> namesGiven;
+
+int noteName(const char* source, const char* target) {
+    namesGiven.emplace_back(target);
+    return kSystemsOwnCalls.rename(source, target);
+}
+
+TEST_F(Reset, FirstNumberIsChosenWhenAllWereTaken) {
+    writeArea();
+    folder_.write("ws/.configbak/f", "older");
+    for (const char* number : {"1", "2", "3", "4", "5"}) {
+        folder_.write(std::string("ws/.configbakdeleteme000") + number + "/f", "left");
+    }
+    SystemCalls calls = systemCalls;
+    calls.rename = &noteName;
+    const InstalledCalls installed(calls);
+    namesGiven.clear();
+    reset();
+    EXPECT_THAT(namesGiven, testing::Contains(folder_.narrow("ws/.configbakdeleteme0001")));
 }
 
 TEST_F(Reset, SmallestFreeNumberIsChosenForTheRemoval) {
