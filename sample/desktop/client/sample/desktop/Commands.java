@@ -13,14 +13,17 @@ import org.eclipse.ui.PlatformUI;
 
 /** What the client can be asked for, from its File menu or from outside. */
 final class Commands {
+    /** The label has its key behind "&". */
+    record Item(String label, Runnable command) {}
+
     /** By the name that a request has; the menu has them in this order. */
-    static final Map<String, Runnable> MENU = new LinkedHashMap<>();
+    static final Map<String, Item> MENU = new LinkedHashMap<>();
 
     static {
-        MENU.put("restart", () -> PlatformUI.getWorkbench().restart());
-        MENU.put("relaunch", () -> launchAfterThis());
-        MENU.put("reset", () -> launchAfterThis("-resetconfig"));
-        MENU.put("quit", () -> PlatformUI.getWorkbench().close());
+        MENU.put("restart", new Item("&Restart", () -> PlatformUI.getWorkbench().restart()));
+        MENU.put("relaunch", new Item("Re&launch", () -> launchAfterThis()));
+        MENU.put("reset", new Item("R&eset", () -> launchAfterThis("-resetconfig")));
+        MENU.put("quit", new Item("&Quit", () -> PlatformUI.getWorkbench().close()));
     }
 
     private Commands() {}
@@ -33,7 +36,7 @@ final class Commands {
         if (name.equals(Requests.RAISE)) {
             raise();
         } else if (MENU.containsKey(name)) {
-            MENU.get(name).run();
+            MENU.get(name).command().run();
         }
     }
 

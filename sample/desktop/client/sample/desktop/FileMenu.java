@@ -15,15 +15,15 @@ final class FileMenu extends ActionBarAdvisor {
     @Override
     protected void fillMenuBar(IMenuManager bar) {
         IMenuManager file = new MenuManager("&File", "file");
-        Commands.MENU.forEach((name, command) -> file.add(item(name, command)));
+        Commands.MENU.values().forEach(item -> file.add(action(item)));
         bar.add(file);
     }
 
-    private static Action item(String name, Runnable command) {
-        return new Action("&" + Character.toUpperCase(name.charAt(0)) + name.substring(1)) {
+    private static Action action(Commands.Item item) {
+        return new Action(item.label()) {
             @Override
             public void run() {
-                command.run();
+                item.command().run();
             }
         };
     }
