@@ -8,6 +8,24 @@
 
 namespace rcp {
 
+namespace {
+
+// macOS has no pipe2(2). There is one thread, so no other can start a program between the calls.
+int closedOnExec(int* ends) {
+#ifdef __linux__
+    return ::pipe2(ends, O_CLOEXEC);
+#else
+    if (::pipe(ends) != 0) {
+        return -1;
+    }
+    (void)fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    (void)fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    return 0;
+#endif
+}
+
+}  // namespace
+
 // Where the system's function takes more, or another number of arguments, a function of ours stands in.
 constexpr SystemCalls kSystemsOwnCalls = {
     .open = [](const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); },
@@ -32,7 +50,7 @@ constexpr SystemCalls kSystemsOwnCalls = {
     .pwrite = ::pwrite,
     .ftruncate = ::ftruncate,
     .fchmod = ::fchmod,
-    .pipe = ::pipe,
+    .pipe = closedOnExec,
     .fork = ::fork,
     .execv = ::execv,
     .sleep = ::sleep,

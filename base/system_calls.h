@@ -34,7 +34,7 @@ struct SystemCalls {
     ssize_t (*pwrite)(int descriptor, const void* bytes, std::size_t size, off_t offset);
     int (*ftruncate)(int descriptor, off_t size);
     int (*fchmod)(int descriptor, mode_t mode);
-    int (*pipe)(int* ends);
+    int (*pipe)(int* ends);  // both ends close-on-exec
     pid_t (*fork)();
     int (*execv)(const char* path, char* const* arguments);
     unsigned (*sleep)(unsigned seconds);

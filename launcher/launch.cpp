@@ -113,8 +113,9 @@ void openLog(LaunchInputs& inputs) {
 }
 
 // Reuse after another installation, or the reset the user asked for. Only the main launcher moves
-// the configuration area: under a daemon a platform is running in it.
-void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
+// the configuration area: under a daemon a platform is running in it. The user's file, when it was
+// read for that and stays.
+std::optional<PropertyList> renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
     const bool isAsked = isResetConfig(inputs.arguments);
     if (inputs.userFirstLaunch) {
         if (isAsked) {
@@ -123,23 +124,25 @@ void renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
                    "user's area had to be made (workspace %ls).",
                    inputs.workspace);
         }
-        return;
+        return std::nullopt;
     }
+    PropertyList stored;
+    const bool isThere = getPropertiesIfThere(userFileOf(inputs.configuration), stored);
     // There is one: getInstallID has made sure.
     const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
-    const bool isOld = isOldRcpInstallId(*installId, inputs.configuration);
-    if (!isOld && !isAsked) {
-        return;
+    const bool isOld = isOldRcpInstallId(*installId, stored);
+    const bool isDue = isOld || isAsked;
+    if (isDue && inputs.isMainProcess()) {
+        isOld ? createReusableWorkspace(inputs.workspace, inputs.configuration)
+              : resetWorkspace(inputs, base);
+        return std::nullopt;
     }
-    if (!inputs.isMainProcess()) {
+    if (isDue) {
         report(noReason(),
                "Error: startup: %ls is in use by the running platform and is not renewed.",
                inputs.configuration);
-    } else if (isOld) {
-        createReusableWorkspace(inputs.workspace, inputs.configuration);
-    } else {
-        resetWorkspace(inputs, base);
     }
+    return isThere ? std::optional(std::move(stored)) : std::nullopt;
 }
 
 // The folders in which the user's own extensions are installed, and the installation's link file,
@@ -168,11 +171,17 @@ void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
                      inputs.installDir);
 }
 
-void readUserFiles(LaunchInputs& inputs, const std::wstring& base) {
+// `stored` is the user's file where it was read before. A traced launch shows every reading.
+void readUserFiles(LaunchInputs& inputs, const std::wstring& base,
+                   std::optional<PropertyList> stored) {
     const bool isConfigMade = createConfigIni(inputs, base);
-    const bool isUserFileMade = createRCPInstallProps(inputs, base);
+    const bool isUserFileMade = !stored && createRCPInstallProps(inputs, base);
     inputs.userFirstLaunch = inputs.userFirstLaunch || isConfigMade || isUserFileMade;
-    getProperties(userFileOf(inputs.configuration), inputs.userProperties);
+    if (stored && !debug) {
+        inputs.userProperties = *std::move(stored);
+    } else {
+        getProperties(userFileOf(inputs.configuration), inputs.userProperties);
+    }
     std::wstring workspace = inputs.workspace;
     convertBS2S(workspace);
     SvcDebugOutW(L"ZYPRA0077I: Velmo workspaceLocation is -  \"%s\"", workspace);
@@ -265,10 +274,10 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     if (inputs.isMainProcess()) {
         removeUnfinishedFiles(inputs.workspace, inputs.configuration);
     }
-    renewUserArea(inputs, base);
+    std::optional<PropertyList> stored = renewUserArea(inputs, base);
     prepareExtensions(inputs);
     recordArguments(arguments, inputs);
-    readUserFiles(inputs, base);
+    readUserFiles(inputs, base, std::move(stored));
     const JvmPropertyLocation jvmProperties =
         getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
     loadJvmProperties(inputs, jvmProperties);

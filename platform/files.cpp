@@ -103,6 +103,13 @@ std::optional<std::string> resolvedPath(const std::string& path) {
     return resolved ? std::optional<std::string>(resolved.get()) : std::nullopt;
 }
 
+bool isRoot(const std::string& path) {
+    struct stat named {};
+    struct stat root {};
+    return calls::stat(path.c_str(), &named) == 0 && calls::stat("/", &root) == 0 &&
+           named.st_ino == root.st_ino && named.st_dev == root.st_dev;
+}
+
 std::string withoutTrailingSlashes(std::string path) {
     while (path.size() > 1 && (path.ends_with('/') || path.ends_with("/."))) {
         path.pop_back();

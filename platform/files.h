@@ -35,6 +35,9 @@ bool isExecutable(const std::string& path);
 /// realpath(3).
 std::optional<std::string> resolvedPath(const std::string& path);
 
+/// Whether the path leads to the root of the file system, by whatever links.
+bool isRoot(const std::string& path);
+
 /// `path` without slashes and "/." at its end, which make the system follow a link that the path
 /// names; "/" stays.
 std::string withoutTrailingSlashes(std::string path);

@@ -85,7 +85,9 @@ json describeInstallId(const Account& account) {
         ids["installation"] = jsonText(entries.front()->value);
     }
     if (!entries.empty()) {
-        endOf([&] { ids["isOld"] = isOldRcpInstallId(entries.front()->value, configuration); });
+        PropertyList stored;
+        endOf([&] { getPropertiesIfThere(userFileOf(configuration), stored); });
+        ids["isOld"] = isOldRcpInstallId(entries.front()->value, stored);
     }
     ids["area"] = storedValue(userFileOf(configuration), kIdKey);
     return ids;

@@ -177,9 +177,6 @@ std::string PlatformLock::content() const {
 
 // The recorded process, if it is alive and the platform.
 std::optional<long> PlatformLock::runningPlatform(const ProcessMarker& marker) const {
-    if (!exists(path_)) {
-        return std::nullopt;
-    }
     report(noReason(), "ZYPRA0090E: Existing platform lock file found - checking validity.");
     const LockContent recorded = parseLockContent(content());
     switch (recorded.kind) {
@@ -198,7 +195,7 @@ std::optional<long> PlatformLock::runningPlatform(const ProcessMarker& marker) c
 // On a restart the old platform is still shutting down.
 void PlatformLock::waitForOldPlatform(long oldPlatform, const ProcessMarker& marker) {
     sysSleep(1);
-    for (int waited = 0; runningPlatform(marker) == oldPlatform;) {
+    for (int waited = 0; exists(path_) && runningPlatform(marker) == oldPlatform;) {
         sysSleep(1);
         if (++waited == kLongestWaitSeconds) {
             giveOldPlatformUp(oldPlatform);

@@ -97,11 +97,7 @@ std::wstring getTickString() {
                            static_cast<unsigned long>(tick.tv_usec));
 }
 
-bool isOldRcpInstallId(const std::wstring& currentId, const std::wstring& directory) {
-    PropertyList stored;
-    if (!getPropertiesIfThere(osPath(directory + L"/rcpinstall.properties"), stored)) {
-        return false;
-    }
+bool isOldRcpInstallId(const std::wstring& currentId, const PropertyList& stored) {
     const std::wstring* id = findProperty(kKey, stored);
     return id != nullptr && !id->empty() && *id != currentId;
 }

@@ -18,8 +18,7 @@ std::wstring getInstallID(InstallConfiguration configuration, const std::wstring
 /// The tick count as a decimal number: seconds * 1,000,000 + microseconds.
 std::wstring getTickString();
 
-/// Whether `directory` holds an "rcpinstall.properties" whose install id is not empty and not
-/// `currentId`.
-bool isOldRcpInstallId(const std::wstring& currentId, const std::wstring& directory);
+/// Whether the install id of a user's "rcpinstall.properties" is not empty and not `currentId`.
+bool isOldRcpInstallId(const std::wstring& currentId, const PropertyList& stored);
 
 }  // namespace rcp

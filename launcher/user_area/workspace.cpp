@@ -32,7 +32,7 @@ void dropTrailingSeparator(std::wstring& path) {
 // there yet is no link.
 std::wstring notTheRoot(const std::wstring& workspace, const std::wstring& value) {
     const std::string path = toNarrow(osPath(workspace));
-    if (lexicalPath(path) == "/" || resolvedPath(path) == "/") {
+    if (lexicalPath(path) == "/" || isRoot(path)) {
         refuse(value);
     }
     return workspace;

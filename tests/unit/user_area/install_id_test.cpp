@@ -162,37 +162,36 @@ class OldInstallId : public UserAreaTest {
     void writeOwn(const std::string& text) const {
         folder_.write("ws/.config/rcpinstall.properties", text);
     }
+    [[nodiscard]] bool isOld(const std::wstring& currentId) const {
+        PropertyList stored;
+        getPropertiesIfThere(configuration() + L"/rcpinstall.properties", stored);
+        return isOldRcpInstallId(currentId, stored);
+    }
 };
 
 TEST_F(OldInstallId, NeedsAFile) {
-    EXPECT_FALSE(isOldRcpInstallId(L"new", configuration()));
-    EXPECT_FALSE(isOldRcpInstallId(L"new", folder_.wide("none")));
+    EXPECT_FALSE(isOld(L"new"));
 }
 
 TEST_F(OldInstallId, NeedsAnId) {
     writeOwn("a=b\n");
-    EXPECT_FALSE(isOldRcpInstallId(L"new", configuration()));
+    EXPECT_FALSE(isOld(L"new"));
     writeOwn("rcp.install.id=\n");
-    EXPECT_FALSE(isOldRcpInstallId(L"new", configuration()));
+    EXPECT_FALSE(isOld(L"new"));
 }
 
 TEST_F(OldInstallId, IsOneThatDiffersAnywhere) {
     writeOwn("rcp.install.id=abc\n");
-    EXPECT_FALSE(isOldRcpInstallId(L"abc", configuration()));
+    EXPECT_FALSE(isOld(L"abc"));
     for (const wchar_t* other : {L"abcd", L"ab", L"ABC", L"", L"xyz"}) {
-        EXPECT_TRUE(isOldRcpInstallId(other, configuration()));
+        EXPECT_TRUE(isOld(other));
     }
 }
 
 TEST_F(OldInstallId, IsTheFirstOfTheFile) {
     writeOwn("rcp.install.id=core\nrcp.install.id=abc\n");
-    EXPECT_TRUE(isOldRcpInstallId(L"abc", configuration()));
-    EXPECT_FALSE(isOldRcpInstallId(L"core", configuration()));
-}
-
-TEST_F(OldInstallId, IsFoundWithBackslashesInThePath) {
-    writeOwn("rcp.install.id=abc\n");
-    EXPECT_TRUE(isOldRcpInstallId(L"new", folder_.wide() + L"\\ws\\.config"));
+    EXPECT_TRUE(isOld(L"abc"));
+    EXPECT_FALSE(isOld(L"core"));
 }
 
 TEST_F(InstallId, TickCountIsTheTimeOfDayInMicroseconds) {
