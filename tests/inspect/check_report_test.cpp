@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -195,7 +196,9 @@ TEST(CheckReports, AreTextWhateverAValueHolds) {
 std::map<std::string, std::string> snapshot(const fs::path& folder) {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        const auto time = entry.last_write_time().time_since_epoch().count();
+        const auto time = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                              entry.last_write_time().time_since_epoch())
+                              .count();
         files[entry.path()] =
             std::to_string(time) +
             (entry.is_regular_file() ? " " + std::to_string(entry.file_size()) : std::string());

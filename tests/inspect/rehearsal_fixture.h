@@ -5,6 +5,8 @@
 #include "inspect/rehearsal/rehearsal.h"
 #include "tests/unit/fixture.h"
 
+#include <sys/types.h>
+
 #include <map>
 #include <memory>
 #include <random>
@@ -27,7 +29,7 @@ struct Call {
     std::string path;   // symlink(2): of the link
     std::string other;  // rename(2): the target; symlink(2): what the link says
     int flags = 0;
-    unsigned mode = 0;
+    mode_t mode = 0;
     std::string written;
 };
 std::string carryOut(const Call& call, const std::string& root);

@@ -57,7 +57,7 @@ Call randomCall(Choice& choice) {
                                         O_NOFOLLOW,
                                         O_CREAT | O_EXCL,
                                         O_CREAT | O_NOFOLLOW};
-    static const std::vector<unsigned> modes{0755, 0700, 0555};
+    static const std::vector<mode_t> modes{0755, 0700, 0555};
     // None of them leads out of the tree, wherever it is moved.
     static const std::vector<std::string> targets{"a", "ROOT/c", "ROOT/a/b", "x", "b/../f", "b"};
     Call call{choice.of(calls), randomPath(choice), {}, 0, choice.of(modes), {}};

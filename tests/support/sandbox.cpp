@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 #include <sys/types.h>
+#include <unistd.h>  // macOS has mkdtemp here
 
 #include <filesystem>
 #include <optional>
@@ -20,7 +21,6 @@
 #include <sys/statfs.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -41,7 +41,7 @@ struct Sandbox {
 Sandbox sandbox;
 
 // What startWhereSeen leaves for enterSandbox: the device number of /tmp, the folder and the view.
-constexpr char kAgain[] = "RCP_SANDBOX_AGAIN";
+[[maybe_unused]] constexpr char kAgain[] = "RCP_SANDBOX_AGAIN";
 
 bool isBelow(const std::string& path, const std::string& folder) {
     return path == folder || path.starts_with(folder + "/");

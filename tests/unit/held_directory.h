@@ -20,7 +20,7 @@ class HeldDirectory {
     ~HeldDirectory();
 
   private:
-    int mounted_ = -1;
+    [[maybe_unused]] int mounted_ = -1;
 };
 
 }  // namespace rcp::test

@@ -441,9 +441,9 @@ TEST_F(PropertyList, BinaryThatHoldsItselfIsRefused) {
 
 // One parser takes the first of them, the other the last.
 TEST_F(PropertyList, BinaryWithAKeyTwiceIsRefused) {
-    const auto references = [](std::initializer_list<int> objects) {
+    const auto references = [](std::initializer_list<std::size_t> objects) {
         std::string bytes;
-        for (const int object : objects) {
+        for (const std::size_t object : objects) {
             bytes += bigEndian(object, 4);
         }
         return bytes;
