@@ -19,6 +19,12 @@ struct Origin {
     [[nodiscard]] bool isCommandLine() const { return !file && line > 0; }
 };
 
+/// A reason in words, for whoever explains a launch. There is one table of them
+/// (launcher/command_line/whys.h), and arguments point into it.
+struct Why {
+    const char* text;
+};
+
 /// An argument of the launcher's or of what it launches.
 struct Argument : std::wstring {
     using std::wstring::wstring;
@@ -27,6 +33,8 @@ struct Argument : std::wstring {
         : std::wstring(std::move(text)), origin(std::move(from)) {}
 
     Origin origin;
+    const Why* why =
+        nullptr;  // it is an element, where the launcher has put it in by a rule of its own
 };
 
 /// The launcher's arguments or those of what it starts, the program path first.

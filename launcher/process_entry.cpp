@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/hand_off.h"
 #include "launcher/launch.h"
 #include "platform/install_location.h"
@@ -91,8 +92,8 @@ bool prepareLaunch(Launch& launch, int argc, char** argv) {
     doVersionCheck(launch.arguments);
     launch.plan = startup(launch, std::move(installation), start);
     if (launch.plan && launch.plan->kind == LaunchKind::kPlatform) {
-        launch.plan->line.add(L"-Dfile.encoding=UTF-8");
-        launch.plan->line.add(L"-XstartOnFirstThread");
+        launch.plan->line.add(L"-Dfile.encoding=UTF-8", whys::kTextsAreUtf8);
+        launch.plan->line.add(L"-XstartOnFirstThread", whys::kFirstThread);
     }
     return launch.plan.has_value();
 }

@@ -119,6 +119,15 @@ json describeElement(std::size_t index, const Arguments& given, const Account& a
             {"instead", describeLosers(index, rivalsAt(index, entry, vmarg, account), account)}};
 }
 
+// The argument of that place as the assembly has dropped it; null without.
+const Argument* droppedFrom(const Origin& origin, const Account& account) {
+    const Arguments& dropped = account.line.dropped();
+    const auto found = std::find_if(dropped.begin(), dropped.end(), [&](const Argument& argument) {
+        return isSamePlace(argument.origin, origin);
+    });
+    return found == dropped.end() ? nullptr : &*found;
+}
+
 bool isInitialStarted(const Account& account) {
     return std::any_of(account.line.arguments().begin(), account.line.arguments().end(),
                        [&](const Argument& element) {
@@ -154,9 +163,11 @@ json describeDropped(const Account& account) {
     for (std::size_t position = 1; position < given.size() && !account.line.arguments().empty();
          ++position) {
         if (elementsFrom(given[position].origin, account).empty()) {
-            dropped.push_back({{"position", position},
-                               {"text", jsonText(given[position])},
-                               {"why", whyDropped(given, position, isInitial)}});
+            dropped.push_back(
+                {{"position", position},
+                 {"text", jsonText(given[position])},
+                 {"why", whyDropped(given, position, droppedFrom(given[position].origin, account),
+                                    isInitial)}});
         }
     }
     return dropped;

@@ -21,8 +21,10 @@ std::wstring_view optionFor(std::wstring_view property);
 std::string ruleFor(const Arguments& elements, std::size_t index, const Property* entry,
                     const std::wstring& vmarg);
 
-/// Why the argument at `position` of the launcher's own is not passed on. `isInitial`: the initial
-/// configuration stands in for the arguments.
-std::string whyDropped(const Arguments& arguments, std::size_t position, bool isInitial);
+/// Why the argument at `position` of the launcher's own is not passed on: `dropped` is it as the assembly
+/// dropped it, null when it did not come that far. `isInitial`: the initial configuration stands in for the
+/// arguments.
+std::string whyDropped(const Arguments& arguments, std::size_t position, const Argument* dropped,
+                       bool isInitial);
 
 }  // namespace rcp::inspect

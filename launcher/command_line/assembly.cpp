@@ -7,6 +7,7 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
 #include "launcher/command_line/vm_choice.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/properties/placeholders.h"
 #include "platform/files.h"
 
@@ -94,7 +95,7 @@ void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properti
     if (!isExecutable(program)) {
         fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program);
     }
-    line.setProgram(program);
+    line.setProgram(program, whys::kPlatformProgram);
     const std::wstring library =
         inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
     if (!exists(library)) {
@@ -116,21 +117,24 @@ Argument executedProgram(const LaunchInputs& inputs) {
 
 void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
                              const Arguments& arguments) {
-    line.add(L"-startup");
-    const Argument* jar = optionValue(L"-perfJar", arguments);
-    line.add(jar == nullptr ? inBaseLocation(L"/launcher.jar", properties) : *jar);
+    line.add(L"-startup", whys::kStartupJar);
+    if (const Argument* jar = optionValue(L"-perfJar", arguments)) {
+        jar->origin.isCommandLine() ? line.add(*jar, whys::kUsersStartupJar) : line.add(*jar);
+    } else {
+        line.add(inBaseLocation(L"/launcher.jar", properties), whys::kStartupJarBelowBase);
+    }
 }
 
 void addMainClassToCommandLine(CommandLine& line) {
-    line.add(L"org.eclipse.core.launcher.Main");
+    line.add(L"org.eclipse.core.launcher.Main", whys::kMainClass);
 }
 
 void addClasspathToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (inputs.traits.eConfig == InstallConfiguration::kMultiuserServiceInit) {
-        line.add(L"-cp");
-        line.add(inBaseLocation(L"/startup.jar", inputs.properties));
+        line.add(L"-cp", whys::kClassPath);
+        line.add(inBaseLocation(L"/startup.jar", inputs.properties), whys::kClassPathBelowBase);
     } else if (const Property* classPath = inputs.properties.find(L"cp")) {
-        line.add(L"-cp");
+        line.add(L"-cp", whys::kClassPath);
         line.add(argumentFrom(*classPath));
     }
 }

@@ -2,6 +2,7 @@
 
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
+#include "launcher/command_line/whys.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -39,6 +40,7 @@ void addDebugOptions(Arguments& arguments, const std::wstring& marker) {
          {std::wstring(CONSOLEARG), std::wstring(DEBUGARG), std::wstring(PB4LARG),
           std::wstring(L"-debugFile"), marker}) {
         options.emplace_back(option, origin);
+        options.back().why = &whys::kDebugMarker;
     }
     arguments.insert(findSeparator(arguments), options.begin(), options.end());
 }

@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/inputs/option_values.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -9,6 +10,7 @@
 #include <errno.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace rcp {
@@ -17,21 +19,49 @@ namespace {
 struct OptionRule {
     std::wstring_view option;
     CopyRule rule;
+    const Why* why = nullptr;       // it is dropped
+    const Why* whyValue = nullptr;  // and what stands behind it
 };
 
 // Every other argument is copied as it stands.
 constexpr OptionRule kOptionRules[] = {
-    {L"-data", CopyRule::kDropWithValue},  // the launcher writes its own
-    {L"-configuration", CopyRule::kDropWithValue},
+    {L"-data", CopyRule::kDropWithValue, &whys::kOwnWorkspace, &whys::kOwnWorkspace},
+    {L"-configuration", CopyRule::kDropWithValue, &whys::kOwnConfiguration,
+     &whys::kOwnConfiguration},
     {L"-plugincustomization", CopyRule::kCopyWithValue},
     {L"-application", CopyRule::kCopyWithValue},
     {L"-product", CopyRule::kCopyWithValue},
     {L"-personality", CopyRule::kCopyWithValue},
-    {L"-vm", CopyRule::kDropWithValue},
-    {L"-rcp_old_pid", CopyRule::kDropWithValue},
-    {L"-restart", CopyRule::kDrop},
-    {L"-resetconfig", CopyRule::kDrop},
+    {L"-vm", CopyRule::kDropWithValue, &whys::kOwnJvm, &whys::kOwnJvm},
+    {L"-rcp_old_pid", CopyRule::kDropWithValue, &whys::kOldPlatform, &whys::kOldPlatformsId},
+    {L"-restart", CopyRule::kDrop, &whys::kRestart},
+    {L"-resetconfig", CopyRule::kDrop, &whys::kReset},
 };
+
+const OptionRule* ruleFor(std::wstring_view argument) {
+    const auto* const found =
+        std::find_if(std::begin(kOptionRules), std::end(kOptionRules),
+                     [&](const OptionRule& rule) { return rule.option == argument; });
+    return found == std::end(kOptionRules) ? nullptr : found;
+}
+
+// The JVM and the workspace are those that are named first.
+bool isRepeated(const Arguments& arguments, std::size_t index) {
+    const bool isNamedOnce = arguments[index] == L"-data" || arguments[index] == L"-vm";
+    return isNamedOnce && findOption(arguments[index], arguments) != static_cast<int>(index);
+}
+
+void dropOption(CommandLine& line, const Arguments& arguments, std::size_t index, bool hasValue) {
+    const OptionRule& rule = *ruleFor(arguments[index]);
+    const bool takesValue = rule.rule == CopyRule::kDropWithValue;
+    const Why* const instead = isRepeated(arguments, index) ? &whys::kRepeats
+                               : takesValue && !hasValue    ? &whys::kLacksValue
+                                                            : nullptr;
+    line.drop(arguments[index], instead == nullptr ? *rule.why : *instead);
+    if (takesValue && hasValue) {
+        line.drop(arguments[index + 1], instead == nullptr ? *rule.whyValue : *instead);
+    }
+}
 
 // The user's arguments in front of "-vmargs", which is never taken for an option's value.
 void copyUserOptions(CommandLine& line, const Arguments& arguments) {
@@ -50,8 +80,10 @@ void copyUserOptions(CommandLine& line, const Arguments& arguments) {
                 }
                 break;
             case CopyRule::kDrop:
+                dropOption(line, arguments, i, false);
                 break;
             case CopyRule::kDropWithValue:
+                dropOption(line, arguments, i, hasValue);
                 i += hasValue ? 1 : 0;
                 break;
         }
@@ -60,9 +92,10 @@ void copyUserOptions(CommandLine& line, const Arguments& arguments) {
 
 // An option that the user gave anywhere, behind "-vmargs" too, is not added again.
 void addFromProperty(CommandLine& line, const std::wstring& option, const Property* property,
-                     const Arguments& arguments) {
+                     const Arguments& arguments, const Why& why) {
     if (property != nullptr && !hasOption(option, arguments)) {
-        line.add(option, argumentFrom(*property));
+        line.add(option, why);
+        line.add(argumentFrom(*property));
     }
 }
 
@@ -80,42 +113,41 @@ void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
         fatal(reason.at(placeOf(key, value.origin)),
               "ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
     }
-    line.add(L"-plugincustomization", path);
+    line.add(L"-plugincustomization", whys::kPreferences);
+    line.add(path);
 }
 
 }  // namespace
 
 CopyRule copyRuleFor(std::wstring_view argument) {
-    for (const OptionRule& rule : kOptionRules) {
-        if (rule.option == argument) {
-            return rule.rule;
-        }
-    }
-    return CopyRule::kCopy;
+    const OptionRule* const rule = ruleFor(argument);
+    return rule == nullptr ? CopyRule::kCopy : rule->rule;
 }
 
 void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     const Arguments& arguments = inputs.arguments;
     if (inputs.traits.isDirectJavaShape()) {
-        line.add(L"-nosplash");
+        line.add(L"-nosplash", whys::kNoSplash);
     }
     if (!isDebug(arguments)) {
-        line.add(L"--launcher.suppressErrors");
+        line.add(L"--launcher.suppressErrors", whys::kNoErrorWindows);
     }
     copyUserOptions(line, arguments);
     if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
         fatal(noReason(), "ZYPRA0005E: Couldn't find the rcp.install.id property!");
     }
-    line.add(L"-data", inputs.workspace);
-    line.add(L"-configuration", inputs.configuration);
-    addFromProperty(line, L"-application", inputs.properties.find(L"application"), arguments);
+    line.add(L"-data", inputs.workspace, whys::kWorkspace);
+    line.add(L"-configuration", inputs.configuration, whys::kConfiguration);
+    addFromProperty(line, L"-application", inputs.properties.find(L"application"), arguments,
+                    whys::kApplication);
     addPluginCustomization(line, inputs);
     const Property* product = inputs.userProperties.find(L"product");
     if (product == nullptr) {
         product = inputs.properties.find(L"product");
     }
-    addFromProperty(line, L"-product", product, arguments);
-    addFromProperty(line, L"-personality", inputs.properties.find(L"personality"), arguments);
+    addFromProperty(line, L"-product", product, arguments, whys::kProduct);
+    addFromProperty(line, L"-personality", inputs.properties.find(L"personality"), arguments,
+                    whys::kPersonality);
 }
 
 void addProvisioningApplication(CommandLine& line, const PropertyList& properties,
@@ -126,15 +158,16 @@ void addProvisioningApplication(CommandLine& line, const PropertyList& propertie
               "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
               "property is missing.");
     }
-    line.add(L"-application", argumentFrom(*application));
+    line.add(L"-application", whys::kApplication);
+    line.add(argumentFrom(*application));
     if (kind == LaunchKind::kUserProvisioning) {
-        line.add(L"-userProvLaunch");
+        line.add(L"-userProvLaunch", whys::kUsersProvisioning);
     }
 }
 
 void addUseDaemonToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (inputs.runningPlatform) {
-        line.add(L"-useDaemon", std::to_wstring(*inputs.runningPlatform));
+        line.add(L"-useDaemon", std::to_wstring(*inputs.runningPlatform), whys::kDaemon);
     }
 }
 

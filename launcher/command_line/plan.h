@@ -21,21 +21,28 @@ class CommandLine {
 
     /// The program's path becomes the only element.
     void setProgram(const Argument& path) { arguments_.assign(1, path); }
-    /// Appends an argument. On a restart "-debug" and "-console" are dropped: a restarted platform never
-    /// gets a debug console.
+    void setProgram(Argument path, const Why& why);
+    /// Appends an argument as it is. On a restart "-debug" and "-console" are dropped: a restarted platform
+    /// never gets a debug console.
     void add(const Argument& argument);
-    /// Appends an option and its value.
-    void add(const Argument& option, const Argument& value);
+    /// Appends an argument that is there by this rule, unless it brings its own.
+    void add(Argument argument, const Why& why);
+    /// Appends an option and its value, both by this rule.
+    void add(const Argument& option, const Argument& value, const Why& why);
+    /// Notes that an argument is not passed on.
+    void drop(Argument argument, const Why& why);
     void setLibrary(const std::wstring& path) { library_ = path; }
 
     /// Element 0 is the program path.
     [[nodiscard]] const Arguments& arguments() const { return arguments_; }
+    [[nodiscard]] const Arguments& dropped() const { return dropped_; }
     /// Full path of the launcher library; empty when the hand-off needs none.
     [[nodiscard]] const std::wstring& library() const { return library_; }
 
   private:
     Start start_;
     Arguments arguments_;
+    Arguments dropped_;
     std::wstring library_;
 };
 

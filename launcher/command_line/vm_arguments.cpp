@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/inputs/option_values.h"
 #include "launcher/properties/placeholders.h"
 #include "platform/text.h"
@@ -22,7 +23,12 @@ void addUserVmargs(CommandLine& line, const Arguments& arguments) {
     }
     for (auto i = static_cast<std::size_t>(separator) + 1; i < arguments.size(); ++i) {
         if (arguments[i] == L"-vm") {
-            i += i + 1 < arguments.size() && canBeValue(arguments[i + 1]) ? 1 : 0;
+            const Why& why = findOption(L"-vm", arguments) == static_cast<int>(i) ? whys::kOwnJvm
+                                                                                  : whys::kRepeats;
+            line.drop(arguments[i], why);
+            if (i + 1 < arguments.size() && canBeValue(arguments[i + 1])) {
+                line.drop(arguments[++i], why);
+            }
         } else {
             line.add(arguments[i]);
         }
@@ -42,8 +48,9 @@ void addConsoleFix(CommandLine& line, const LaunchInputs& inputs) {
     }
 }
 
-void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value) {
-    line.add({setArgProperty(key, value), value.origin});
+void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value,
+                       const Why& why) {
+    line.add({setArgProperty(key, value), value.origin}, why);
 }
 
 void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
@@ -64,7 +71,7 @@ Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view opt
 
 void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
     if (!inputs.traits.isDirectJavaShape()) {
-        line.add(L"-vmargs");
+        line.add(L"-vmargs", whys::kJvmPart);
     }
     addUserVmargs(line, inputs.arguments);
     const bool hasConsole = hasOption(CONSOLEARG, inputs.arguments) && !isRestart(inputs.arguments);
@@ -79,25 +86,26 @@ void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool 
 }
 
 void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
-    addSystemProperty(line, L"-Drcp.home", inputs.installDir);
-    addSystemProperty(line, L"-Drcp.data", inputs.workspace);
+    addSystemProperty(line, L"-Drcp.home", inputs.installDir, whys::kTellsHome);
+    addSystemProperty(line, L"-Drcp.data", inputs.workspace, whys::kTellsWorkspace);
     if (const Property* splash = inputs.userProperties.find(L"osgi.splashPath")) {
-        addSystemProperty(line, L"-Dosgi.splashPath", argumentFrom(*splash));
+        addSystemProperty(line, L"-Dosgi.splashPath", argumentFrom(*splash), whys::kTellsSplash);
     }
     const Property* installId = inputs.properties.find(L"rcp.install.id");
     if (installId == nullptr) {
         fatal(noReason(), "ZYPRA0036E: Couldn't find the rcp.install.id property!");
     }
-    addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId));
+    addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId),
+                      whys::kTellsInstallId);
     const std::wstring configuration = installConfigurationName(inputs.traits.eConfig);
     if (configuration.empty()) {
         fatal(noReason(),
               "ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
     }
-    addSystemProperty(line, L"-Drcp.install.config", configuration);
+    addSystemProperty(line, L"-Drcp.install.config", configuration, whys::kTellsKind);
     addPropertyDefinitions(line, inputs.properties);
-    addSystemProperty(line, L"-Drcp.osgi.install.area",
-                      osPath(inputs.installDir + L"/rcp/eclipse"));
+    addSystemProperty(line, L"-Drcp.osgi.install.area", osPath(inputs.installDir + L"/rcp/eclipse"),
+                      whys::kTellsInstallArea);
 }
 
 void addXargsToCommandLine(CommandLine& line, const PropertyList& properties) {

@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_file.h"
 #include "platform/files.h"
@@ -85,9 +86,10 @@ bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
         return false;
     }
     if (inputs.traits.isDirectJavaShape()) {
-        line.setProgram(vm);
+        line.setProgram(vm, whys::kJvmProgram);
     } else {
-        line.add(L"-vm", vm);
+        line.add(L"-vm", whys::kJvm);
+        vm.origin.isCommandLine() ? line.add(vm, whys::kUsersJvm) : line.add(vm);
     }
     return endsIn(vm, L".ee") || endsIn(vm, L".dll");
 }

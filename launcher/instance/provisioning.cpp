@@ -1,6 +1,7 @@
 #include "launcher/instance/provisioning.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/instance/shared_classes.h"
 #include "platform/files.h"
 #include "platform/removal.h"
@@ -38,7 +39,9 @@ void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
             "action needed while provisioning");
         return;
     }
-    vmargMap[kSharedClassesKey] = L"-Xshareclasses=none";
+    Argument none = L"-Xshareclasses=none";
+    none.why = &whys::kNoSharedClasses;
+    vmargMap[kSharedClassesKey] = std::move(none);
     SvcDebugOutA(
         "ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting -Xsharedclasses=none "
         "while provisioning");

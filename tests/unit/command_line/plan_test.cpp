@@ -1,5 +1,6 @@
 #include "launcher/command_line/plan.h"
 
+#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 
 namespace rcp {
@@ -9,8 +10,34 @@ TEST(CommandLine, ArgumentsAreAppendedOptionOrValue) {
     CommandLine line;
     line.add(L"-a");
     line.add(L"");
-    line.add(L"-a", L"value");
+    line.add(L"-a", L"value", whys::kDaemon);
     EXPECT_EQ(line.arguments(), (Arguments{L"-a", L"", L"-a", L"value"}));
+}
+
+TEST(CommandLine, ElementsTellByWhichRuleTheyAreThere) {
+    CommandLine line;
+    line.setProgram(L"/eclipse", whys::kPlatformProgram);
+    line.add(L"-useDaemon", L"7", whys::kDaemon);
+    Argument marked = L"-debug";
+    marked.why = &whys::kDebugMarker;
+    line.add(marked, whys::kJvm);
+    line.add(L"-x");
+    EXPECT_EQ(line.arguments()[0].why, &whys::kPlatformProgram);
+    EXPECT_EQ(line.arguments()[1].why, &whys::kDaemon);
+    EXPECT_EQ(line.arguments()[2].why, &whys::kDaemon);
+    EXPECT_EQ(line.arguments()[3].why, &whys::kDebugMarker) << "it has brought its own";
+    EXPECT_EQ(line.arguments()[4].why, nullptr) << "the user's";
+}
+
+TEST(CommandLine, WhatIsDroppedIsKeptWithItsReason) {
+    CommandLine line(Start::kRestart);
+    line.drop({L"-vm", Origin{nullptr, 3}}, whys::kOwnJvm);
+    line.add({L"-debug", Origin{nullptr, 4}});
+    ASSERT_EQ(line.dropped(), (Arguments{L"-vm", L"-debug"}));
+    EXPECT_EQ(line.dropped()[0].why, &whys::kOwnJvm);
+    EXPECT_EQ(line.dropped()[0].origin.line, 3U);
+    EXPECT_EQ(line.dropped()[1].why, &whys::kNoConsole);
+    EXPECT_TRUE(line.arguments().empty());
 }
 
 TEST(CommandLine, ProgramEmptiesTheList) {

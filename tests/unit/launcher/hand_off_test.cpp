@@ -223,7 +223,8 @@ class ProvisioningProgram : public test::LockTest {
             Plan& plan = launch.plan.emplace();
             plan.kind = LaunchKind::kUserProvisioning;
             plan.line.setProgram(script.empty() ? folder_.wide("missing") : L"/bin/sh");
-            plan.line.add(L"-c", script);
+            plan.line.add(L"-c");
+            plan.line.add(script);
             const std::size_t before = logQueue().size();
             try {
                 handOff(launch);
