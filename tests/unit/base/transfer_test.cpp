@@ -1,5 +1,6 @@
 #include "base/transfer.h"
 
+#include "base/system_calls.h"
 #include "tests/unit/fixture.h"
 
 #include <errno.h>
@@ -51,6 +52,38 @@ TEST_F(Transfer, FailuresLeaveTheirReasonInErrno) {
     errno = 0;
     EXPECT_FALSE(readBeginning(-1, 1).has_value());
     EXPECT_EQ(errno, EBADF);
+}
+
+int callsMade = 0;
+
+// Interrupted, then a byte at a time.
+ssize_t writeLittle(int descriptor, const void* bytes, std::size_t size) {
+    if (callsMade++ == 0) {
+        errno = EINTR;
+        return -1;
+    }
+    return kSystemsOwnCalls.write(descriptor, bytes, size == 0 ? 0 : 1);
+}
+
+TEST_F(Transfer, InterruptedAndPartialWritesGoOn) {
+    SystemCalls calls = systemCalls;
+    calls.write = &writeLittle;
+    const InstalledCalls installed(calls);
+    callsMade = 0;
+    EXPECT_TRUE(writeFully(descriptor_, "text"));
+    EXPECT_EQ(callsMade, 5);
+    EXPECT_EQ(folder_.read("file"), "text");
+}
+
+TEST_F(Transfer, ADeviceThatTakesNothingIsFull) {
+    SystemCalls calls = systemCalls;
+    calls.write = [](int, const void*, std::size_t) {
+        errno = EINTR;  // of an earlier call
+        return ssize_t{0};
+    };
+    const InstalledCalls installed(calls);
+    EXPECT_FALSE(writeFully(descriptor_, "text"));
+    EXPECT_EQ(errno, ENOSPC);
 }
 
 TEST_F(Transfer, APipeThatTakesLittleAtATimeGetsAll) {

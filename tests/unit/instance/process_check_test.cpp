@@ -5,6 +5,7 @@
 #include "platform/text.h"
 #include "tests/unit/child_process.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/records.h"
 
 #include <limits>
 
@@ -239,7 +240,10 @@ TEST_F(PlatformProcess, ProcessThatCannotBeListedIsNot) {
     ASSERT_TRUE(becomes(child, L"Velmo"));
     const std::string before = getenv("PATH");
     setenv("PATH", folder_.narrow().c_str(), 1);
+    const test::Records records(folder_);
     EXPECT_FALSE(isPlatform(child.pid(), L"Velmo")) << "there is no ps";
+    EXPECT_EQ(records.text(),
+              "Error: process check: ps cannot be started; only executables tell a platform.\n");
     setenv("PATH", before.c_str(), 1);
 }
 

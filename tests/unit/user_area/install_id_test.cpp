@@ -1,5 +1,6 @@
 #include "launcher/user_area/install_id.h"
 
+#include "base/system_calls.h"
 #include "launcher/properties/property_file.h"
 #include "platform/environment.h"
 #include "platform/text.h"
@@ -151,10 +152,28 @@ TEST_F(InstallId, FileThatCannotBeWrittenToIsFatalAndStaysAsItIs) {
             const FileSizeLimit limit(30'000);
             make();
         };
+        const Records records(folder_);
         EXPECT_FATAL(makeLimited(),
                      "ZYPRA0018E: Error while writing to .*launcher.properties file.");
         EXPECT_EQ(fileText(), text) << size;
+        EXPECT_FALSE(records.has("an incomplete line stays")) << size;
     }
+}
+
+TEST_F(InstallId, LineThatCannotBeTakenBackIsReported) {
+    writeFile("a=" + std::string(29'990, 'b') + "\n");
+    SystemCalls calls = systemCalls;
+    calls.ftruncate = [](int, off_t) {
+        errno = EIO;
+        return -1;
+    };
+    const InstalledCalls installed(calls);
+    const FileSizeLimit limit(30'000);
+    const Records records(folder_);
+    EXPECT_FATAL(make(), "ZYPRA0018E");
+    EXPECT_TRUE(
+        records.has("Error: getInstallID: an incomplete line stays in the property file. : "))
+        << records.text();
 }
 
 class OldInstallId : public UserAreaTest {
