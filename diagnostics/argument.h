@@ -33,8 +33,8 @@ struct Argument : std::wstring {
         : std::wstring(std::move(text)), origin(std::move(from)) {}
 
     Origin origin;
-    const Why* why =
-        nullptr;  // it is an element, where the launcher has put it in by a rule of its own
+    /// Why it is an element, where the launcher has put it in by a rule of its own, or why it was dropped.
+    const Why* why = nullptr;
 };
 
 /// The launcher's arguments or those of what it starts, the program path first.

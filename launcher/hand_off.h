@@ -19,8 +19,8 @@
 namespace rcp {
 
 /// Carries the plan of a prepared launch out. Returns in both processes when there is nothing left to do:
-/// in the child, in the parent when the library's "run" returned or execv(3) failed. A provisioning that
-/// could not be started ends the launch with status 0.
+/// in the child, in the parent when the library's "run" returned or execv(3) failed. Of a provisioning neither
+/// returns: the child, and a parent that could start nothing, end the launch with status 0.
 void handOff(Launch& launch);
 
 void launchEclipse(Launch& launch);

@@ -26,8 +26,6 @@
 #include "platform/text.h"
 #include "platform/whole_file.h"
 
-#include <stdlib.h>
-
 #include <optional>
 #include <string>
 #include <utility>
@@ -113,9 +111,9 @@ void openLog(LaunchInputs& inputs) {
 }
 
 // Reuse after another installation, or the reset the user asked for. Only the main launcher moves
-// the configuration area: under a daemon a platform is running in it. The user's file, when it was
-// read for that and stays.
-std::optional<PropertyList> renewUserArea(const LaunchInputs& inputs, const std::wstring& base) {
+// the configuration area: under a daemon a platform is running in it. Whether the user's file was read
+// for that and stays as it is.
+bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
     const bool isAsked = isResetConfig(inputs.arguments);
     if (inputs.userFirstLaunch) {
         if (isAsked) {
@@ -124,25 +122,25 @@ std::optional<PropertyList> renewUserArea(const LaunchInputs& inputs, const std:
                    "user's area had to be made (workspace %ls).",
                    inputs.workspace);
         }
-        return std::nullopt;
+        return false;
     }
-    PropertyList stored;
-    const bool isThere = getPropertiesIfThere(userFileOf(inputs.configuration), stored);
+    const bool isThere =
+        getPropertiesIfThere(userFileOf(inputs.configuration), inputs.userProperties);
     // There is one: getInstallID has made sure.
     const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
-    const bool isOld = isOldRcpInstallId(*installId, stored);
-    const bool isDue = isOld || isAsked;
-    if (isDue && inputs.isMainProcess()) {
-        isOld ? createReusableWorkspace(inputs.workspace, inputs.configuration)
-              : resetWorkspace(inputs, base);
-        return std::nullopt;
+    const bool isOld = isOldRcpInstallId(*installId, inputs.userProperties);
+    if (!isOld && !isAsked) {
+        return isThere;
     }
-    if (isDue) {
+    if (!inputs.isMainProcess()) {
         report(noReason(),
                "Error: startup: %ls is in use by the running platform and is not renewed.",
                inputs.configuration);
+        return isThere;
     }
-    return isThere ? std::optional(std::move(stored)) : std::nullopt;
+    isOld ? createReusableWorkspace(inputs.workspace, inputs.configuration)
+          : resetWorkspace(inputs, base);
+    return false;
 }
 
 // The folders in which the user's own extensions are installed, and the installation's link file,
@@ -171,15 +169,13 @@ void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
                      inputs.installDir);
 }
 
-// `stored` is the user's file where it was read before. A traced launch shows every reading.
-void readUserFiles(LaunchInputs& inputs, const std::wstring& base,
-                   std::optional<PropertyList> stored) {
+// `isRead`: the user's file was read before, and stays. A traced launch shows every reading.
+void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead) {
     const bool isConfigMade = createConfigIni(inputs, base);
-    const bool isUserFileMade = !stored && createRCPInstallProps(inputs, base);
+    const bool isUserFileMade = !isRead && createRCPInstallProps(inputs, base);
     inputs.userFirstLaunch = inputs.userFirstLaunch || isConfigMade || isUserFileMade;
-    if (stored && !debug) {
-        inputs.userProperties = *std::move(stored);
-    } else {
+    if (!isRead || debug) {
+        inputs.userProperties = PropertyList();
         getProperties(userFileOf(inputs.configuration), inputs.userProperties);
     }
     std::wstring workspace = inputs.workspace;
@@ -274,10 +270,10 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     if (inputs.isMainProcess()) {
         removeUnfinishedFiles(inputs.workspace, inputs.configuration);
     }
-    std::optional<PropertyList> stored = renewUserArea(inputs, base);
+    const bool isUserFileRead = renewUserArea(inputs, base);
     prepareExtensions(inputs);
     recordArguments(arguments, inputs);
-    readUserFiles(inputs, base, std::move(stored));
+    readUserFiles(inputs, base, isUserFileRead);
     const JvmPropertyLocation jvmProperties =
         getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
     loadJvmProperties(inputs, jvmProperties);

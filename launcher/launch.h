@@ -1,7 +1,7 @@
 // The start-up sequence: everything between process entry and hand-off, in its fixed order.
 #pragma once
 
-#include "launcher/command_line/assembly.h"
+#include "launcher/command_line/plan.h"
 #include "launcher/inputs/arguments.h"
 #include "launcher/inputs/launch_inputs.h"
 #include "launcher/instance/platform_lock.h"
@@ -31,7 +31,7 @@ struct Installation {
 /// Failure ends the launch.
 Installation readInstallation(const Arguments& arguments);
 
-/// Prepares the user's area, takes the lock and makes the plan. `installation` is what process entry has
+/// Prepares the user's area, takes the lock, makes the plan and the environment that it needs in this process. `installation` is what process entry has
 /// read. Every failure ends the launch. None for a launch that has to begin anew: it has decided nothing
 /// yet, but made the workspace if it was missing.
 [[nodiscard]] std::optional<Plan> startup(Launch& launch, Installation installation, Start start);

@@ -118,11 +118,11 @@ void run(Launch& launch, int argc, char** argv) {
 }
 
 int runLauncher(int argc, char** argv) {
+    Launch launch;  // its lock is held until the last record is written
     try {
         openMissingStandardStreams();
         ignoreFileSizeSignal();
         installOutOfMemoryReport();
-        Launch launch;
         run(launch, argc, argv);
         return 0;
     } catch (const LaunchEnded& end) {

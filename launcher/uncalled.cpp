@@ -19,8 +19,16 @@ bool isPipeDaemonCommand() {
     return false;
 }
 
-bool isLockdownConfig(InstallConfiguration configuration) {
-    return configuration == InstallConfiguration::kLockdown;
+InstallKind SetInstallConfiguration(const PropertyList& properties, ServiceInit serviceInit) {
+    const InstallConfiguration named = installConfigurationOf(properties);
+    return {.eConfig = serviceInit == ServiceInit::kYes
+                           ? InstallConfiguration::kMultiuserServiceInit
+                           : named,
+            .isLockdown = named == InstallConfiguration::kLockdown};
+}
+
+bool isLockdownConfig(const InstallKind& kind) {
+    return kind.isLockdown;
 }
 
 std::wstring getPipeFilePath(const std::wstring& workspace) {

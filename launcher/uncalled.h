@@ -3,6 +3,7 @@
 
 #include "launcher/inputs/arguments.h"
 #include "launcher/inputs/install_configuration.h"
+#include "launcher/properties/property_list.h"
 
 #include <optional>
 #include <string>
@@ -13,8 +14,15 @@ bool isInitMUService(const Arguments& arguments);  // "-initMUService"
 bool isDCommandOnly(const Arguments& arguments);   // "-dcommand_only"
 /// No launch is one.
 bool isPipeDaemonCommand();
-/// Whether the configuration is "lockdown".
-bool isLockdownConfig(InstallConfiguration configuration);
+/// The install configuration of a launch that may be the multi-user service's initialisation: that counts
+/// whatever the property says, and the lockdown flag tells the property all the same.
+enum class ServiceInit { kNo, kYes };
+struct InstallKind {
+    InstallConfiguration eConfig = InstallConfiguration::kUnknown;
+    bool isLockdown = false;
+};
+InstallKind SetInstallConfiguration(const PropertyList& properties, ServiceInit serviceInit);
+bool isLockdownConfig(const InstallKind& kind);
 
 /// The file that names the platform's pipe, and the name in it; none without one.
 std::wstring getPipeFilePath(const std::wstring& workspace);

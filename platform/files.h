@@ -35,7 +35,7 @@ bool isExecutable(const std::string& path);
 /// realpath(3).
 std::optional<std::string> resolvedPath(const std::string& path);
 
-/// Whether the path leads to the root of the file system, by whatever links.
+/// Whether the path leads to the root of the file system, by whatever links or mounts.
 bool isRoot(const std::string& path);
 
 /// `path` without slashes and "/." at its end, which make the system follow a link that the path

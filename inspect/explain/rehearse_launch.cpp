@@ -9,7 +9,6 @@
 #include "inspect/messages.h"
 #include "launcher/instance/running_provisioning.h"
 #include "launcher/process_entry.h"
-#include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"

@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <utility>
 
 namespace rcp::inspect {
 namespace {

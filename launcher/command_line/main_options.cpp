@@ -158,7 +158,7 @@ void addProvisioningApplication(CommandLine& line, const PropertyList& propertie
               "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
               "property is missing.");
     }
-    line.add(L"-application", whys::kApplication);
+    line.add(L"-application", whys::kProvisioning);
     line.add(argumentFrom(*application));
     if (kind == LaunchKind::kUserProvisioning) {
         line.add(L"-userProvLaunch", whys::kUsersProvisioning);

@@ -48,14 +48,21 @@ void addConsoleFix(CommandLine& line, const LaunchInputs& inputs) {
     }
 }
 
+// The terminator that setArgProperty leaves at the end is not part of an element.
+std::wstring definition(const std::wstring& key, const std::wstring& value) {
+    std::wstring item = setArgProperty(key, value);
+    item.pop_back();
+    return item;
+}
+
 void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value,
                        const Why& why) {
-    line.add({setArgProperty(key, value), value.origin}, why);
+    line.add({definition(key, value), value.origin}, why);
 }
 
 void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
     for (const Property* property : findProperties(L"-D", properties)) {
-        const std::wstring item = setArgProperty(property->key, property->value);
+        const std::wstring item = definition(property->key, property->value);
         SvcDebugOutW(L"ZYPRA0075I: commandArg  = \"%s\"", item);
         line.add({item, property->origin});
     }
@@ -121,7 +128,9 @@ void addXargsToCommandLine(CommandLine& line, const PropertyList& properties) {
 }
 
 std::wstring setArgProperty(const std::wstring& key, const std::wstring& value) {
-    return key + L"=" + value;
+    std::wstring item = key + L"=" + value;
+    item += L'\0';
+    return item;
 }
 
 void removeDuplicateSingles(Arguments& arguments, std::wstring_view option) {

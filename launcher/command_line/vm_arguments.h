@@ -21,7 +21,7 @@ void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 /// Appends the "-X" properties and the boot class path.
 void addXargsToCommandLine(CommandLine& line, const PropertyList& properties);
 
-/// KEY=VALUE.
+/// key "=" value and one NUL as the last character, so that it can be used as a terminated item as it is.
 std::wstring setArgProperty(const std::wstring& key, const std::wstring& value);
 
 /// Removes the second occurrence of `option`; the first and any third stay, so one call removes at

@@ -8,8 +8,6 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
-#include <errno.h>
-
 #include <algorithm>
 
 namespace rcp {
@@ -89,7 +87,13 @@ bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
         line.setProgram(vm, whys::kJvmProgram);
     } else {
         line.add(L"-vm", whys::kJvm);
-        vm.origin.isCommandLine() ? line.add(vm, whys::kUsersJvm) : line.add(vm);
+        if (vm.origin.isCommandLine()) {
+            line.add(vm, whys::kUsersJvm);
+        } else if (vm.origin.file) {
+            line.add(vm);
+        } else {
+            line.add(vm, whys::kJvm);
+        }
     }
     return endsIn(vm, L".ee") || endsIn(vm, L".dll");
 }

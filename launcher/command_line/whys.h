@@ -20,6 +20,7 @@ inline constexpr Why kApplication{"the application, because the arguments name n
 inline constexpr Why kPreferences{"the plug-in preferences, because the arguments name none"};
 inline constexpr Why kProduct{"the product, because the arguments name none"};
 inline constexpr Why kPersonality{"the personality, because the arguments name none"};
+inline constexpr Why kProvisioning{"the provisioning that is due"};
 inline constexpr Why kUsersProvisioning{"this provisioning was started by the user's launch"};
 inline constexpr Why kJvm{"the JVM"};
 inline constexpr Why kUsersJvm{"the JVM that the user names with -vm"};

@@ -20,14 +20,15 @@ struct LaunchInputs {
     PropertyList properties;      // the launcher property list
     PropertyList userProperties;  // the per-user install property list
     VmArgumentMap vmargMap;
-    std::optional<std::wstring> debugFile;  // the marker, if it was there
-    std::optional<long>
-        runningPlatform;  // the process of the workspace's platform; none for the main launcher
-    // A directory or per-user file of the user's had to be made, or the provisioning level changed. While
-    // false, reuse and reset of the user's area are considered.
+    /// The debug marker, if it was there.
+    std::optional<std::wstring> debugFile;
+    /// The process of the workspace's platform; none for the main launcher, and before the lock is taken.
+    std::optional<long> runningPlatform;
+    /// A directory or per-user file of the user's had to be made, or the provisioning level changed. While
+    /// false, reuse and reset of the user's area are considered.
     bool userFirstLaunch = false;
 
-    /// Whether this launcher is the main one, whose process becomes the platform.
+    /// Whether this launcher is the main one, whose process becomes the platform. Asked from the lock on.
     [[nodiscard]] bool isMainProcess() const { return !runningPlatform; }
 };
 

@@ -13,8 +13,8 @@ enum class Start { kOrdinary, kRestart };
 
 struct Traits {
     InstallConfiguration eConfig = InstallConfiguration::kUnknown;
-    bool invokeDylib =
-        false;  // hands off inside this process through the launcher library, not with execv(3)
+    /// Hands off inside this process through the launcher library, not with execv(3).
+    bool invokeDylib = false;
     Start start = Start::kOrdinary;
 
     /// A plain Java command line instead of one for the launcher library.

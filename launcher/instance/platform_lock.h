@@ -40,7 +40,8 @@ std::wstring getMainPidFilePath(const std::wstring& workspace);
 /// other launches.
 std::optional<long> oldPlatform(const Arguments& arguments);
 
-/// The lock of a workspace, held. Whoever holds it is the main launcher or a daemon's.
+/// The lock of a workspace, from the moment when this launcher holds it, and what was decided under it: it
+/// is the main launcher, or a platform runs already.
 class PlatformLock {
   public:
     /// Opens the lock file of `workspace`, waits for the old platform of a restart to end (about 20

@@ -14,7 +14,6 @@
 
 #include <limits>
 #include <optional>
-#include <vector>
 
 namespace rcp {
 namespace {

@@ -14,8 +14,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <string_view>
-
 namespace rcp {
 namespace {
 

@@ -1,7 +1,7 @@
 /* The start-up protocol of one workspace: which launcher becomes the platform.
  *
  * Three launchers start at any time beside each other, and a fourth when these are through. A step is
- * printed with the name of the function that carries it out; between two steps World may do whatever
+ * printed with a name that says what it does; between two steps World may do whatever
  * others can do. check-protocol goes through every order of steps.
  *
  * What must hold, whatever happens:

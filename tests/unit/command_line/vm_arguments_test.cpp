@@ -252,5 +252,12 @@ TEST_F(SystemProperties, HundredThousandPropertiesAndAMegabyteOfArgumentsArrive)
     EXPECT_EQ(all[50'003], L"-D149999=149999");
 }
 
+TEST(ArgProperty, EndsInOneNulOfItsOwn) {
+    const std::wstring result = setArgProperty(L"-Drcp.data", L"/x");
+    EXPECT_EQ(result.size(), 14U);
+    EXPECT_EQ(result, std::wstring(L"-Drcp.data=/x\0", 14));
+    EXPECT_EQ(setArgProperty(L"", L""), std::wstring(L"=\0", 2));
+}
+
 }  // namespace
 }  // namespace rcp

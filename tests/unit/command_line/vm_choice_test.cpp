@@ -2,6 +2,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 #include "tests/unit/records.h"
 
@@ -47,6 +48,17 @@ class VmPiece : public test::CommandLineTest {
 TEST_F(VmPiece, NamesTheJvmOfTheCommandLine) {
     EXPECT_FALSE(add({L"-vm", L"/j/java", L"-vm", L"/k/java"}, {{L"vm", L"/p/java"}}));
     EXPECT_EQ(line_.arguments(), (Arguments{L"first", L"-vm", L"/j/java"}));
+}
+
+TEST_F(VmPiece, TellsWhoseChoiceItIs) {
+    const auto why = [this](const Origin& origin) {
+        add({L"-vm", Argument(L"/j/java", origin)});
+        return line_.arguments().back().why;
+    };
+    EXPECT_EQ(why({nullptr, 2}), &whys::kUsersJvm);
+    EXPECT_EQ(why({}), &whys::kJvm) << "the installation names none";
+    const auto file = std::make_shared<const std::wstring>(L"/p/rcplauncher.properties");
+    EXPECT_EQ(why({file, 7}), nullptr) << "the property says it";
 }
 
 TEST_F(VmPiece, NamesTheJvmOfTheProperty) {

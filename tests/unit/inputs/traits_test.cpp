@@ -28,6 +28,7 @@ TEST_F(LaunchTraits, AreReadFromTheProperties) {
     EXPECT_EQ(traits.eConfig, InstallConfiguration::kService);
     EXPECT_TRUE(traits.isDirectJavaShape());
     EXPECT_EQ(traits.start, Start::kRestart);
+    EXPECT_TRUE(traits.invokeDylib) << "these tests are not called rcplauncher";
 }
 
 // --- The kind of hand-off -----------------------------------------------------------------------

@@ -158,10 +158,24 @@ TEST_F(RestartWait, OrdinaryLaunchWaitsForNobody) {
 
 // What is cleared is written over, not cut off.
 TEST_F(RestartWait, ClearingWritesFourteenBlanks) {
-    writeLock(std::to_string(platformId()) + "               7");
+    const std::string id = std::to_string(platformId());
+    writeLock(id + std::string(17 - id.size(), 'x'));
+    EXPECT_FATAL(restartAfter(platformId()), "ZYPRA0092E");
+    EXPECT_EQ(lockFile(), std::string(14, ' ') + "xxx");
+}
+
+TEST_F(RestartWait, EndsWhenTheLockFileIsGone) {
+    const test::Records records(folder_);
+    writeLock(idOf(platformId()));
+    whileAsleep = [this](int second) {
+        if (second == 3) {
+            std::filesystem::remove(folder_.path() / ".rcp.lock");
+        }
+    };
     restartAfter(platformId());
-    EXPECT_TRUE(lockFile().starts_with(std::string(14, ' '))) << lockFile();
-    EXPECT_TRUE(lockFile().ends_with(" 7")) << lockFile();
+    EXPECT_EQ(seconds, 3);
+    EXPECT_FALSE(records.has("ZYPRA0013E"));
+    EXPECT_TRUE(isMain());
 }
 
 ssize_t noPwrite(int /*descriptor*/, const void* /*bytes*/, std::size_t /*size*/, off_t /*at*/) {

@@ -248,9 +248,10 @@ class ProvisioningProgram : public test::LockTest {
 TEST_F(ProvisioningProgram, IsLoggedAndReplacesTheProcess) {
     EXPECT_EQ(start(L"exit 9"), 9);
     awaitChild();
-    EXPECT_THAT(folder_.read("records"),
-                HasSubstr("ZYPRA0129I: ===== Begin Provisioning Parameters =====\n/bin/sh\n-c\n"
-                          "exit 9\nZYPRA0130I: ===== End Provisioning Parameters =====\n"));
+    const std::string records = folder_.read("records");
+    EXPECT_EQ(records.substr(records.find("ZYPRA0129I")),
+              ("ZYPRA0129I: ===== Begin Provisioning Parameters =====\n/bin/sh\n-c\n"
+               "exit 9\nZYPRA0130I: ===== End Provisioning Parameters =====\n"));
     EXPECT_FALSE(isLocked());
 }
 

@@ -16,9 +16,15 @@ TEST(UncalledQuestions, AreAnsweredByTheirOption) {
     EXPECT_FALSE(isDirtyShutdown());
 }
 
-TEST(UncalledQuestions, LockdownIsOneConfiguration) {
-    for (int code = 1; code <= 8; ++code) {
-        EXPECT_EQ(isLockdownConfig(static_cast<InstallConfiguration>(code)), code == 2) << code;
+TEST(ServiceInitialisation, CountsWhateverThePropertySays) {
+    for (const wchar_t* name : {L"user", L"service", L"lockdown", L"nonsense"}) {
+        const PropertyList properties = test::propertyList({{L"install.configuration", name}});
+        const InstallKind forced = SetInstallConfiguration(properties, ServiceInit::kYes);
+        EXPECT_EQ(forced.eConfig, InstallConfiguration::kMultiuserServiceInit);
+        EXPECT_EQ(isLockdownConfig(forced), name == std::wstring(L"lockdown"));
+        const InstallKind named = SetInstallConfiguration(properties, ServiceInit::kNo);
+        EXPECT_EQ(named.eConfig, installConfigurationOf(properties));
+        EXPECT_EQ(isLockdownConfig(named), name == std::wstring(L"lockdown"));
     }
 }
 
