@@ -1,6 +1,7 @@
 // The log file, the queue in front of it and the temporary log.
 #include "diagnostics/log_file.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
 #include "tests/support/sandbox.h"
@@ -75,6 +76,16 @@ TEST_F(LogFile, FailedOpenIsOneQueuedRecordAndTheLaunchGoesOn) {
 }
 
 // --- The file -----------------------------------------------------------------------------------
+
+TEST_F(LogFile, FileOfWhichNothingCanBeToldIsRefused) {
+    SystemCalls calls = systemCalls;
+    calls.fstat = [](int, struct stat*) {
+        errno = EIO;
+        return -1;
+    };
+    const InstalledCalls installed(calls);
+    EXPECT_FALSE(enableLogging(folder_.wide()));
+}
 
 TEST_F(LogFile, ExistingFileIsEmptied) {
     folder_.write("rcplauncher.log", "of an earlier run\n");

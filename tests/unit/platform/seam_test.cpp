@@ -111,6 +111,24 @@ TEST_F(PlatformSeam, StartOfAProcessStaysWhenItBecomesAnotherProgram) {
 }
 
 #ifdef __linux__
+TEST_F(PlatformSeam, ExecutableOfAProcessMayHaveAPathOfAnyLength) {
+    const rcp::test::TestFolder folder;
+    std::string name;
+    for (int i = 0; i < 8; ++i) {
+        name += std::string(200, 'd') + "/";
+    }
+    std::filesystem::create_directories(folder.path() / name);
+    const std::string program = std::filesystem::canonical(folder.path()) / name / "sleep";
+    std::filesystem::copy_file("/bin/sleep", program);
+    const rcp::test::ChildProcess child(program, "sleep", "1000");
+    for (int round = 0; rcp::platform::executableOfProcess(child.pid()) != program; ++round) {
+        ASSERT_LT(round, 60'000);
+        usleep(1000);  // until it has become the program
+    }
+}
+#endif
+
+#ifdef __linux__
 TEST_F(PlatformSeam, LinuxHasNoProductVersion) {
     EXPECT_EQ(rcp::platform::productVersion(), "");
 }

@@ -38,6 +38,8 @@ TEST(StandardStreams, ClosedOnesBecomeTheNullDeviceAndOthersStay) {
             for (int descriptor = 0; descriptor < 3; ++descriptor) {
                 isRight &= isNullDevice(descriptor) == ((closed & (1 << descriptor)) != 0);
                 isRight &= (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
+                isRight &=
+                    !isNullDevice(descriptor) || (fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDWR;
             }
             _exit(isRight ? 0 : 1);
         }
