@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -71,8 +72,12 @@ class PropertyListDocument {
     std::unique_ptr<Native> native_;
 };
 
+/// What the lists that a launch reads may have; they are a few kilobytes.
+inline constexpr std::size_t kMaxPropertyListBytes = std::size_t{1} << 20;
+
 /// Parses `data` (the bytes of a property-list file). Empty optional when they are not a property
-/// list, or one nested so deeply that reading it would not be safe.
-std::optional<PropertyListDocument> parsePropertyList(const std::string& data);
+/// list, more than `mostBytes`, or one nested so deeply that reading it would not be safe.
+std::optional<PropertyListDocument> parsePropertyList(
+    const std::string& data, std::size_t mostBytes = kMaxPropertyListBytes);
 
 }  // namespace rcp::platform

@@ -8,7 +8,6 @@ namespace rcp::platform {
 
 namespace {
 
-constexpr std::size_t kMaxBytes = std::size_t{1} << 20;
 constexpr std::string_view kBinaryMagic = "bplist00";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r\n";
@@ -29,8 +28,8 @@ std::string narrowedUtf16(std::string_view data) {
 
 }  // namespace
 
-PropertyListForm guardPropertyList(std::string_view data) {
-    if (data.size() > kMaxBytes) {
+PropertyListForm guardPropertyList(std::string_view data, std::size_t mostBytes) {
+    if (data.size() > mostBytes) {
         return PropertyListForm::kRefused;
     }
     if (data.starts_with(kBinaryMagic)) {

@@ -4,17 +4,21 @@
 // more memory than the file has bytes.
 #pragma once
 
+#include "platform/platform.h"
+
+#include <cstddef>
 #include <string_view>
 
 namespace rcp::platform {
 
 enum class PropertyListForm { kRefused, kXml, kBinary };
 
-/// Tells the form of a property list, or refuses it: neither XML nor binary, too large, nested too
-/// deeply, in another encoding than UTF-8 and marked UTF-16, or built so that its nesting cannot be
-/// told with certainty or the two systems' parsers disagree about it. A list that is let through
-/// may still turn out not to be well-formed.
-PropertyListForm guardPropertyList(std::string_view data);
+/// Tells the form of a property list, or refuses it: neither XML nor binary, larger than
+/// `mostBytes`, nested too deeply, in another encoding than UTF-8 and marked UTF-16, or built so that
+/// its nesting cannot be told with certainty or the two systems' parsers disagree about it. A list
+/// that is let through may still turn out not to be well-formed.
+PropertyListForm guardPropertyList(std::string_view data,
+                                   std::size_t mostBytes = kMaxPropertyListBytes);
 
 /// Whether the text's elements are nested properly and to a harmless depth, and it declares no encoding
 /// but UTF-8 and the one that its byte order mark says.

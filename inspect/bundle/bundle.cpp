@@ -16,11 +16,21 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kStart = 16;  // bytes that tell what a file is
+// A seal has some hundred bytes for each file of the bundle, and a JVM alone has hundreds of files.
+constexpr std::size_t kLargestSeal = std::size_t{64} << 20;
 
 std::optional<platform::PropertyListDocument> readList(const std::string& path) {
     std::optional<platform::PropertyListDocument> list;
     endOf([&] { list = createPropertiesListFromFile(toWide(path)); });
     return list && list->isDictionary() ? std::move(list) : std::nullopt;
+}
+
+// As XML; empty when it is missing or cannot be read.
+std::string readSeal(const std::string& path) {
+    const std::string bytes = readQuietly(path, kLargestSeal + 1);
+    std::optional<platform::PropertyListDocument> list;
+    endOf([&] { list = platform::parsePropertyList(bytes, kLargestSeal); });
+    return list && list->isDictionary() ? list->toXml() : std::string();
 }
 
 // The first text of an array, in the form in which every list is written.
@@ -138,9 +148,7 @@ Bundle readBundle(const std::string& contents, const std::string& launcher) {
     bundle.contents = contents;
     bundle.launcher = launcher.substr(contents.size() + 1);
     bundle.keys = readBundleKeys(bundle.pathOf("Info.plist"));
-    if (const auto seal = readList(bundle.pathOf("_CodeSignature/CodeResources"))) {
-        bundle.seal = seal->toXml();
-    }
+    bundle.seal = readSeal(bundle.pathOf(kSealFile));
     std::error_code failed;
     fs::recursive_directory_iterator files(contents, fs::directory_options::skip_permission_denied,
                                            failed);

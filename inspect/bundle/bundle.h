@@ -9,6 +9,8 @@
 
 namespace rcp::inspect {
 
+inline constexpr const char* kSealFile = "_CodeSignature/CodeResources";  // behind Contents/
+
 /// The values of a property list that tell something; empty where it has none.
 struct BundleKeys {
     bool isRead = false;
@@ -31,7 +33,7 @@ struct Bundle {
     BundleKeys keys;
     std::vector<CodeFile> code;
     std::vector<std::string> strangers;  // files in MacOS that are no code, behind Contents/
-    std::string seal;  // _CodeSignature/CodeResources as XML; empty: the bundle is not sealed
+    std::string seal;                    // as XML; empty when it is missing or cannot be read
 
     [[nodiscard]] std::string pathOf(const std::string& name) const {
         return contents + "/" + name;

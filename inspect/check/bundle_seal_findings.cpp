@@ -30,8 +30,9 @@ void findInSignatures(const Bundle& bundle, Findings& findings) {
         }
     }
     if (bundle.seal.empty()) {
-        findings.add("RI708", bundle.pathOf("_CodeSignature/CodeResources"), 0,
-                     "the bundle is not sealed");
+        findings.add(
+            "RI708", bundle.pathOf(kSealFile), 0,
+            bundle.has(kSealFile) ? "the seal cannot be read" : "the bundle is not sealed");
     }
 }
 

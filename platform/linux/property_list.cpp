@@ -140,8 +140,9 @@ std::string PropertyListDocument::toXml() const {
     return {bytes, length};
 }
 
-std::optional<PropertyListDocument> parsePropertyList(const std::string& data) {
-    const PropertyListForm form = guardPropertyList(data);
+std::optional<PropertyListDocument> parsePropertyList(const std::string& data,
+                                                      std::size_t mostBytes) {
+    const PropertyListForm form = guardPropertyList(data, mostBytes);
     if (form == PropertyListForm::kRefused) {
         return std::nullopt;
     }

@@ -101,8 +101,9 @@ std::string PropertyListDocument::toXml() const {
             static_cast<std::size_t>(CFDataGetLength(data.get()))};
 }
 
-std::optional<PropertyListDocument> parsePropertyList(const std::string& data) {
-    if (guardPropertyList(data) == PropertyListForm::kRefused) {
+std::optional<PropertyListDocument> parsePropertyList(const std::string& data,
+                                                      std::size_t mostBytes) {
+    if (guardPropertyList(data, mostBytes) == PropertyListForm::kRefused) {
         return std::nullopt;
     }
     const CfRef<CFDataRef> bytes = makeData(data);

@@ -199,6 +199,7 @@ std::vector<BadBundle> sealCases() {
         {"LibraryWithoutSignature", "RI708", kLibrary, "not signed",
          holds(kLibrary, loose.bytes())},
         {"NoSeal", "RI708", kSeal, "not sealed", lacksFile(kSeal)},
+        {"SealThatIsNoList", "RI708", kSeal, "cannot be read", holds(kSeal, "<plist>")},
         {"IdentifierThatALaunchWrites", "RI709", platformInfo,
          "-bundleIdentifier com.example.velmo",
          [=](const AppBundle& bundle) {
@@ -260,6 +261,23 @@ TEST(CheckBundle, SaysWhatLaunchesWriteIntoTheBundle) {
         one.change(bundle);
         EXPECT_EQ(!launchWrites(bundle).empty(), one.code == std::string_view("RI709")) << one.name;
     }
+}
+
+// A bundle with a JVM has thousands of files, and its seal names each of them.
+TEST(CheckBundle, ReadsALargeSeal) {
+    constexpr std::size_t kLarge = std::size_t{5} << 20;
+    const AppBundle bundle;
+    const std::string start = "<key>files2</key><dict>";
+    std::string entries = start;
+    for (int i = 0; entries.size() < kLarge; ++i) {
+        entries += "<key>jre/Contents/Home/legal/" + std::string(200, 'a') + std::to_string(i) +
+                   "</key><dict><key>hash2</key><data>AAAA</data></dict>";
+    }
+    bundle.replace(kSeal, start, entries);
+    EXPECT_EQ(shown(findingsIn(bundle)), "");
+    bundle.replace(kBase + "/macosx/x86/Info.plist", "com.example.velmo", "com.example.other");
+    EXPECT_NE(shown(findingsIn(bundle)).find("RI709"), std::string::npos)
+        << shown(findingsIn(bundle));
 }
 
 TEST(CheckBundle, TellsOfAMissingLauncherAndPermission) {

@@ -66,6 +66,9 @@ TEST(PropertyListGuard, SizeAndDepthHaveTheirLimits) {
     const std::size_t most = std::size_t{1} << 20;
     EXPECT_TRUE(isXml("<a/>" + std::string(most - 4, ' ')));
     EXPECT_TRUE(isRefused("<a/>" + std::string(most - 3, ' ')));
+    const std::string larger = "<a/>" + std::string(most, ' ');
+    EXPECT_EQ(guardPropertyList(larger, larger.size()), PropertyListForm::kXml);
+    EXPECT_EQ(guardPropertyList(larger, larger.size() - 1), PropertyListForm::kRefused);
     EXPECT_TRUE(isXml(nested(kMaxPropertyListDepth)));
     EXPECT_TRUE(isRefused(nested(kMaxPropertyListDepth + 1)));
     EXPECT_TRUE(isRefused("<a></a></a><a>"));
