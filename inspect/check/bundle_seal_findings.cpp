@@ -53,10 +53,18 @@ void findInEntitlements(const Bundle& bundle, Findings& findings) {
     }
 }
 
-// The name behind Contents/ of a file in the bundle; empty when it lies elsewhere.
+// Without links as far as the path exists: a launch may make the rest.
+std::string withoutLinks(const std::string& path) {
+    std::error_code failed;
+    const std::filesystem::path place = std::filesystem::weakly_canonical(path, failed);
+    return failed ? std::filesystem::path(path).lexically_normal().string() : place.string();
+}
+
+// The name behind Contents/ of a file in the bundle; empty when it lies elsewhere. The bundle is
+// named as the user did, and most of what lies in it by the launcher's folder, which has no links.
 std::string nameIn(const Bundle& bundle, const std::wstring& path) {
-    const std::string plain = std::filesystem::path(toNarrow(path)).lexically_normal().string();
-    const std::string folder = bundle.contents + "/";
+    const std::string plain = withoutLinks(toNarrow(path));
+    const std::string folder = withoutLinks(bundle.contents) + "/";
     return plain.starts_with(folder) ? plain.substr(folder.size()) : std::string();
 }
 

@@ -280,6 +280,20 @@ TEST(CheckBundle, ReadsALargeSeal) {
         << shown(findingsIn(bundle));
 }
 
+// The launcher's own folder is known without links, whatever way led to the bundle.
+TEST(CheckBundle, SaysWhatLaunchesWriteWhenALinkLeadsToTheBundle) {
+    for (const BadBundle& one : sealCases()) {
+        const AppBundle bundle;
+        one.change(bundle);
+        bundle.link(".", "way");
+        Options options = bundle.options();
+        options.launcher = bundle.folder().narrow("way/" + kProgram);
+        options.installation = bundle.folder().narrow("way/" + kContents);
+        const std::string findings = shown(findEverything(examine(options)).sorted());
+        EXPECT_NE(findings.find(one.code), std::string::npos) << one.name << "\n" << findings;
+    }
+}
+
 TEST(CheckBundle, TellsOfAMissingLauncherAndPermission) {
     const AppBundle without;
     without.remove(kProgram);
