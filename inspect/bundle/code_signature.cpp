@@ -22,6 +22,7 @@ std::optional<CodeSignature> readCodeSignature(std::string_view blob) {
     }
     CodeSignature signature;
     bool hasDirectory = false;
+    bool hasEntitlements = false;
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint32_t at = all.word(12 + std::uint64_t{8} * i + 4);
         const std::uint32_t magic = all.word(at);
@@ -34,6 +35,10 @@ std::optional<CodeSignature> readCodeSignature(std::string_view blob) {
             signature.isHardened = (flags & kHardened) != 0;
             signature.identifier = part.text(part.word(20));
         } else if (magic == kEntitlements && size >= 8) {
+            if (hasEntitlements) {
+                return std::nullopt;
+            }
+            hasEntitlements = true;
             signature.entitlements = part.part(8, size - 8);
         }
         if (part.isDamaged()) {

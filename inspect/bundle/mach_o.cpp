@@ -3,6 +3,7 @@
 #include "inspect/bundle/bytes.h"
 #include "inspect/bundle/code_signature.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace rcp::inspect {
@@ -79,9 +80,13 @@ void readCommand(std::uint32_t kind, std::string_view command, Bytes& file, Code
             }
             break;
         case kSignature: {
-            const std::string_view blob = file.part(bytes.word(8), bytes.word(12));
-            image.signature = readCodeSignature(blob);
-            if (!image.signature) {
+            // A second one is no signature either: no linker writes it, and each of many could
+            // lead to the same large bytes.
+            const bool isFirst = !image.signature;
+            if (isFirst) {
+                image.signature = readCodeSignature(file.part(bytes.word(8), bytes.word(12)));
+            }
+            if (!isFirst || !image.signature) {
                 file.refuse();
             }
             break;
@@ -114,6 +119,17 @@ std::optional<CodeImage> readImage(std::string_view file) {
         at += size;
     }
     return bytes.isDamaged() ? std::nullopt : std::optional(image);
+}
+
+// Many parts that share their bytes would have them read as often.
+bool doOverlap(std::vector<std::string_view> parts) {
+    std::sort(parts.begin(), parts.end(), [](std::string_view left, std::string_view right) {
+        return left.data() < right.data();
+    });
+    const auto reachesInto = [](std::string_view left, std::string_view right) {
+        return left.data() + left.size() > right.data();
+    };
+    return std::adjacent_find(parts.begin(), parts.end(), reachesInto) != parts.end();
 }
 
 }  // namespace
@@ -161,15 +177,18 @@ std::optional<std::vector<CodeImage>> readMachO(std::string_view file) {
                 bytes.part(bytes.number(entry, width), bytes.number(entry + width, width)));
         }
     }
+    if (bytes.isDamaged() || doOverlap(parts)) {
+        return std::nullopt;
+    }
     std::vector<CodeImage> images;
     for (const std::string_view part : parts) {
         const std::optional<CodeImage> image = readImage(part);
-        if (bytes.isDamaged() || !image) {
+        if (!image) {
             return std::nullopt;
         }
         images.push_back(*image);
     }
-    return bytes.isDamaged() || images.empty() ? std::nullopt : std::optional(images);
+    return images.empty() ? std::nullopt : std::optional(images);
 }
 
 }  // namespace rcp::inspect

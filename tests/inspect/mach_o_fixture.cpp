@@ -36,9 +36,14 @@ std::string signature(const MachO& file) {
         blob(0xFADE0C02, big(0x20400) + big(file.signatureFlags) + big(44) + big(44) +
                              std::string(20, '\0') + "com.example" + '\0');
     const std::string entitlements = blob(0xFADE7171, file.entitlements);
-    const std::size_t first = 12 + 2 * 8;
-    return big(0xFADE0CC0) + big(first + directory.size() + entitlements.size()) + big(2) + big(0) +
-           big(first) + big(5) + big(first + directory.size()) + directory + entitlements;
+    const std::size_t count = 1 + std::size_t{file.entitlementsBlobs};
+    const std::size_t first = 12 + count * 8;
+    std::string index = big(0) + big(first);
+    for (std::uint32_t i = 0; i < file.entitlementsBlobs; ++i) {
+        index += big(5) + big(first + directory.size());
+    }
+    return big(0xFADE0CC0) + big(first + directory.size() + entitlements.size()) + big(count) +
+           index + directory + entitlements;
 }
 
 }  // namespace
@@ -66,12 +71,13 @@ std::string MachO::bytes() const {
         all += one;
     }
     const std::string blobs = isSigned ? signature(*this) : std::string();
-    const std::size_t end = 32 + all.size() + (isSigned ? 16 : 0);
-    if (isSigned) {
+    const std::uint32_t signatures = isSigned ? signatureCommands : 0;
+    const std::size_t end = 32 + all.size() + std::size_t{16} * signatures;
+    for (std::uint32_t i = 0; i < signatures; ++i) {
         all += command(0x1D, little(static_cast<std::uint32_t>(end)) +
                                  little(static_cast<std::uint32_t>(blobs.size())));
     }
-    const auto count = static_cast<std::uint32_t>(commands.size() + (isSigned ? 1 : 0));
+    const auto count = static_cast<std::uint32_t>(commands.size() + signatures);
     return little(0xFEEDFACF) + little(processor) + little(3) + little(type) + little(count) +
            little(static_cast<std::uint32_t>(all.size())) + little(0x200085) + little(0) + all +
            blobs;

@@ -21,6 +21,8 @@ struct MachO {
     bool isSigned = true;
     std::uint32_t signatureFlags = 2;  // signed by nobody
     std::string entitlements{};
+    std::uint32_t signatureCommands = 1;  // all of them for the one signature
+    std::uint32_t entitlementsBlobs = 1;  // listed in it, all of them the one
 
     [[nodiscard]] std::string bytes() const;
 };

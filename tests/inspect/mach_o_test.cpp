@@ -74,6 +74,45 @@ TEST(MachOReader, RefusesEveryShortenedFile) {
     }
 }
 
+// Each would have the same bytes read once more, as often as a small file has room to ask for it.
+TEST(MachOReader, RefusesASecondSignature) {
+    MachO file = everything();
+    file.signatureCommands = 2;
+    EXPECT_FALSE(readMachO(file.bytes()));
+    file.signatureCommands = 4096;
+    file.entitlements = std::string(std::size_t{1} << 20, 'x');
+    EXPECT_FALSE(readMachO(file.bytes()));
+    file.signatureCommands = 1;
+    EXPECT_TRUE(readMachO(file.bytes()));
+}
+
+TEST(MachOReader, RefusesSecondEntitlements) {
+    MachO file = everything();
+    file.entitlementsBlobs = 2;
+    EXPECT_FALSE(readMachO(file.bytes()));
+    file.entitlements.clear();
+    EXPECT_FALSE(readMachO(file.bytes())) << "empty ones are some too";
+}
+
+TEST(MachOReader, RefusesPartsThatOverlap) {
+    // Where the head has the position and the size of a part.
+    constexpr std::size_t kFirst = 16;
+    constexpr std::size_t kSecond = kFirst + 20;
+    constexpr std::size_t kSize = 8;
+    const std::string whole = universal({everything(), MachO()});
+    std::string turned = whole;
+    turned.replace(kFirst, kSize, whole, kSecond, kSize)
+        .replace(kSecond, kSize, whole, kFirst, kSize);
+    EXPECT_TRUE(readMachO(turned)) << "in any order";
+    std::string same = whole;
+    same.replace(kSecond, kSize, whole, kFirst, kSize);
+    EXPECT_FALSE(readMachO(same));
+    for (std::string one : {whole, turned}) {
+        ++one[(one == whole ? kFirst : kSecond) + kSize - 1];
+        EXPECT_FALSE(readMachO(one)) << "by one byte";
+    }
+}
+
 TEST(MachOReader, StaysInsideOfEveryDamagedFile) {
     const std::string whole = universal({everything(), MachO()});
     std::minstd_rand random(18);
