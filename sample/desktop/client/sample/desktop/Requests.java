@@ -2,7 +2,9 @@ package sample.desktop;
 
 import java.io.IOException;
 import java.nio.file.ClosedWatchServiceException;
+import java.nio.file.DirectoryIteratorException;
 import java.nio.file.Files;
+import java.nio.file.LinkOption;
 import java.nio.file.Path;
 import java.nio.file.StandardWatchEventKinds;
 import java.nio.file.WatchKey;
@@ -86,15 +88,33 @@ final class Requests {
         }
     }
 
+    /** Takes away what is a request; what else somebody has in the folder is left alone. */
     private List<String> take() throws IOException {
         List<String> taken = new ArrayList<>();
-        try (var requests = Files.newDirectoryStream(folder)) {
-            for (Path request : requests) {
-                if (Files.deleteIfExists(request)) {
-                    taken.add(request.getFileName().toString().replaceFirst("\\..*", ""));
+        try (var files = Files.newDirectoryStream(folder)) {
+            for (Path file : files) {
+                String name = file.getFileName().toString().replaceFirst("\\..*", "");
+                if (isKnown(name) && Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS) && remove(file)) {
+                    taken.add(name);
                 }
             }
+        } catch (DirectoryIteratorException failure) {
+            throw failure.getCause();
         }
         return taken;
+    }
+
+    private static boolean isKnown(String name) {
+        return name.equals(RAISE) || Commands.MENU.containsKey(name);
+    }
+
+    /** One that cannot be taken away is not answered either, and hinders no other. */
+    private static boolean remove(Path request) {
+        try {
+            return Files.deleteIfExists(request);
+        } catch (IOException failure) {
+            failure.printStackTrace();
+            return false;
+        }
     }
 }
