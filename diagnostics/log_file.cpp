@@ -96,11 +96,9 @@ bool startLog(UniqueFd file, std::string_view text) {
 // that meets an existing name waits a second for the next one.
 UniqueFd openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstring& path) {
     for (;;) {
-        std::wstring time;
-        getTimeString(time);
         path = folder;
         path += L"/rcplauncher_";
-        path += time;
+        path += getTimeString();
         path += L".log";
         path = withSlashes(path);
         UniqueFd opened = openLog(pathBytes(path).c_str(), inTemporaryFolder, O_EXCL);

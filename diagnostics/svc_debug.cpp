@@ -67,19 +67,13 @@ void runOutOfMemory() {
 
 }  // namespace
 
-void setDebug(bool on) {
-    debug = on;
-}
-
-void setDebug(bool on, bool& saved) {
-    saved = debug;
-    debug = on;
+bool setDebug(bool on) {
+    return std::exchange(debug, on);
 }
 
 const ForcedTracing* ForcedTracing::outermost_ = nullptr;
 
-ForcedTracing::ForcedTracing() {
-    setDebug(true, saved_);
+ForcedTracing::ForcedTracing() : saved_(setDebug(true)) {
     if (outermost_ == nullptr) {
         outermost_ = this;
     }
@@ -192,19 +186,12 @@ int endedWith(int status) {
     return status;
 }
 
-void GetLastErrorMsg(std::string& out) {
+std::string GetLastErrorMsg() {
     const int savedErrno = errno;
-    out = " Failed with error " + std::to_string(savedErrno) + ": " + strerror(savedErrno);
+    return " Failed with error " + std::to_string(savedErrno) + ": " + strerror(savedErrno);
 }
 
-void GetLastErrorMsg(std::wstring& out) {
-    std::string narrow;
-    GetLastErrorMsg(narrow);
-    // strerror(3) follows LC_MESSAGES, which the launcher leaves at "C": every character is ASCII.
-    out.assign(narrow.begin(), narrow.end());
-}
-
-void getTimeString(std::wstring& out) {
+std::wstring getTimeString() {
     timeval now{};
     gettimeofday(&now, nullptr);
     tm local{};
@@ -214,7 +201,7 @@ void getTimeString(std::wstring& out) {
         std::snprintf(text.data(), text.size(), "%.4d%.2d%.2d_%.2d%.2d%.2d_%.3hd",
                       local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
                       local.tm_min, local.tm_sec, static_cast<short>(now.tv_usec / 1000));
-    out.assign(text.data(), text.data() + length);
+    return {text.data(), text.data() + length};
 }
 
 void installOutOfMemoryReport() {

@@ -30,10 +30,8 @@ inline constexpr std::size_t kTraceFormatLimit = 1000;
 /// Tracing on or off. Set with setDebug.
 extern bool debug;
 
-void setDebug(bool on);
-/// Stores the current state in `saved`, then sets the new one: the form for records that must
-/// appear whatever the user chose. Prefer ForcedTracing, which also restores.
-void setDebug(bool on, bool& saved);
+/// Returns the former state.
+bool setDebug(bool on);
 
 /// Tracing forced on for a scope: the argument dump, the launch parameters, the lock's records.
 class ForcedTracing {
@@ -110,8 +108,7 @@ struct LaunchEnded {
 int endedWith(int status);
 
 /// " Failed with error N: text" for the current errno.
-void GetLastErrorMsg(std::string& out);
-void GetLastErrorMsg(std::wstring& out);
+std::string GetLastErrorMsg();
 
 // --- The log file. ---
 
@@ -125,7 +122,7 @@ bool dumpLogToTempLocation();
 /// Removes this user's temporary log of an earlier launch.
 void deleteTempLog();
 /// Local time as YYYYMMDD_HHMMSS_mmm.
-void getTimeString(std::wstring& out);
+std::wstring getTimeString();
 
 /// What has been written while no log file was open. For tests.
 const std::string& logQueue();

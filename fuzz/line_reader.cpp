@@ -19,13 +19,12 @@ struct Line {
 };
 
 std::vector<Line> linesOf(const std::string& file, const std::string& format) {
-    Stream stream;
-    open_file(stream, fuzz::fileWith(file), L"r");
+    const Stream stream = open_file(fuzz::fileWith(file), L"r");
     require(stream != nullptr, "the file can be opened");
     std::vector<Line> lines;
     LinePosition position;
     std::wstring line;
-    while (readFile(*stream, toWide(format), line, &position) != EOF) {
+    while (readFile(*stream, toWide(format), line, &position)) {
         lines.push_back({line, position.line});
         require(lines.size() <= file.size(), "every line takes a byte");
     }
@@ -34,8 +33,7 @@ std::vector<Line> linesOf(const std::string& file, const std::string& format) {
 
 // The C library's scanner, which stalls on an empty line without the leading blank.
 std::vector<std::string> scannedLines(const std::string& file, const std::string& format) {
-    Stream stream;
-    open_file(stream, fuzz::fileWith(file), L"r");
+    const Stream stream = open_file(fuzz::fileWith(file), L"r");
     std::vector<std::string> lines;
     std::string buffer(4096, '\0');
     for (;;) {

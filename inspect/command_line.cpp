@@ -113,7 +113,7 @@ std::optional<std::string> settleFormat(const std::vector<std::string>& given,
 std::string installationOf(const std::string& launcher) {
     setLauncherExecutable(launcher);
     std::wstring directory;
-    endOf([&] { getInstallDir(directory, {}); });
+    endOf([&] { directory = getInstallDir(); });
     return toNarrow(directory);
 }
 

@@ -65,7 +65,7 @@ std::wstring applyInstallation(const Arguments& arguments, Installation installa
                                LaunchInputs& inputs) {
     if (debug) {
         // Read before it was known that this launch is traced, and the trace shows what is read.
-        installation = readInstallation(arguments);
+        installation = readInstallation();
     }
     inputs.installDir = std::move(installation.directory);
     inputs.properties = std::move(installation.properties);
@@ -244,9 +244,9 @@ Plan planFor(LaunchInputs& inputs, LaunchKind kind) {
 
 }  // namespace
 
-Installation readInstallation(const Arguments& arguments) {
+Installation readInstallation() {
     Installation installation;
-    getInstallDir(installation.directory, arguments);
+    installation.directory = getInstallDir();
     getProperties(propertyFileOf(installation.directory), installation.properties);
     return installation;
 }

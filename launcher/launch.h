@@ -29,7 +29,7 @@ struct Installation {
 };
 
 /// Failure ends the launch.
-Installation readInstallation(const Arguments& arguments);
+Installation readInstallation();
 
 /// Prepares the user's area, takes the lock, makes the plan and the environment that it needs in this process. `installation` is what process entry has
 /// read. Every failure ends the launch. None for a launch that has to begin anew: it has decided nothing

@@ -85,7 +85,7 @@ bool prepareLaunch(Launch& launch, int argc, char** argv) {
     launch.arguments = wideArguments(argc, argv);
     const Start start =
         haveLaunchOption("-restart", {argv, argv + argc}) ? Start::kRestart : Start::kOrdinary;
-    Installation installation = readInstallation(launch.arguments);
+    Installation installation = readInstallation();
     applyProperties(launch.arguments, installation.properties, start);
     setDebug(isDebug(launch.arguments));
     dumpArguments(launch.arguments);

@@ -37,12 +37,9 @@ std::wstring getPipeFilePath(const std::wstring& workspace) {
 
 std::optional<std::wstring> getPipeName(const std::wstring& workspace) {
     const std::wstring path = getPipeFilePath(workspace);
-    Stream stream;
-    if (exists(path)) {
-        open_file(stream, path, L"r");
-    }
+    const Stream stream = exists(path) ? open_file(path, L"r") : nullptr;
     std::wstring name;
-    const bool isRead = stream && readFile(*stream, kPropertyLineFormat, name) == 1;
+    const bool isRead = stream && readFile(*stream, kPropertyLineFormat, name);
     return isRead ? std::optional(name) : std::nullopt;
 }
 

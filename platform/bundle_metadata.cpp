@@ -20,8 +20,7 @@ constexpr char kIdentifierKey[] = "CFBundleIdentifier";
 constexpr std::size_t kLargestList = std::size_t{4} * 1024 * 1024;
 
 std::optional<std::string> readBytes(const std::wstring& path) {
-    Stream stream;
-    open_file(stream, path, L"rb");
+    const Stream stream = open_file(path, L"rb");
     if (!stream) {
         return std::nullopt;
     }

@@ -39,8 +39,7 @@ bool isCopied(std::FILE& source, const std::wstring& path, const std::wstring& d
 }  // namespace
 
 bool copyFile(const std::wstring& source, const std::wstring& destination) {
-    Stream from;
-    open_file(from, source, L"r");
+    const Stream from = open_file(source, L"r");
     if (!from) {
         fatal(because(errno), "ZYPRA0190E: Unable to open source file %ls to be copied", source);
     }

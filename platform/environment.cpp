@@ -9,17 +9,16 @@
 
 namespace rcp {
 
-const wchar_t* getEnv(const std::wstring& name, std::wstring& value) {
+std::optional<std::wstring> getEnv(const std::wstring& name) {
     const char* found = getenv(toNarrow(name).c_str());
     if (found == nullptr) {
-        value.clear();
         SvcDebugOutW(L"ZYPRA0081I:  Environmental variable '%s' is not set\n", name);
-        return nullptr;
+        return std::nullopt;
     }
-    return chartowstr(found, value);
+    return toWide(found);
 }
 
-bool setEnv(const std::wstring& name, const std::wstring& value, bool overwrite) {
+bool setEnv(const std::wstring& name, const std::wstring& value, Overwrite overwrite) {
     const std::string narrow = toNarrow(value);
     if (narrow.empty() && !value.empty()) {
         report(noReason(),
@@ -27,7 +26,8 @@ bool setEnv(const std::wstring& name, const std::wstring& value, bool overwrite)
                name);
         return true;
     }
-    return setenv(toNarrow(name).c_str(), narrow.c_str(), overwrite ? 1 : 0) != 0;
+    return setenv(toNarrow(name).c_str(), narrow.c_str(), overwrite == Overwrite::kYes ? 1 : 0) !=
+           0;
 }
 
 bool unsetEnv(const std::wstring& name) {
@@ -35,9 +35,8 @@ bool unsetEnv(const std::wstring& name) {
     return true;
 }
 
-const wchar_t* getUserHome(std::wstring& home) {
-    getEnv(L"HOME", home);
-    return home.c_str();
+std::wstring getUserHome() {
+    return getEnv(L"HOME").value_or(L"");
 }
 
 bool userIsAdmin(const std::wstring& /*user*/) {

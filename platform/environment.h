@@ -3,20 +3,23 @@
 
 #include <sys/time.h>
 
+#include <optional>
 #include <string>
 
 namespace rcp {
 
-/// Reads environment variable `name` into `value` and returns its characters. Not set: `value` is
-/// emptied, one trace record is written, and the result is null.
-const wchar_t* getEnv(const std::wstring& name, std::wstring& value);
+/// The value of environment variable `name`. Not set: one trace record, and none.
+std::optional<std::wstring> getEnv(const std::wstring& name);
+
+/// What becomes of a variable that is set already.
+enum class Overwrite { kNo, kYes };
 /// setenv(3). The sense is the reverse of the usual one and callers rely on it: true when it
 /// failed. A value that is no text of the locale leaves a record and the variable as it was.
-bool setEnv(const std::wstring& name, const std::wstring& value, bool overwrite);
+bool setEnv(const std::wstring& name, const std::wstring& value, Overwrite overwrite);
 /// unsetenv(3); always true.
 bool unsetEnv(const std::wstring& name);
 /// The user's home directory from "HOME"; empty when it is not set.
-const wchar_t* getUserHome(std::wstring& home);
+std::wstring getUserHome();
 /// Whether the real user is root. The argument is accepted for the callers' sake and not used.
 bool userIsAdmin(const std::wstring& user);
 /// The operating system's name in property keys and folder names: "macosx" on every build, because

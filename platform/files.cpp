@@ -136,25 +136,26 @@ std::string lexicalPath(const std::string& path) {
     return result.empty() ? "/" : result;
 }
 
-void open_file(Stream& stream, const std::wstring& path, const std::wstring& mode) {
-    stream.reset();
+Stream open_file(const std::wstring& path, const std::wstring& mode) {
     const OpenMode* openMode = findMode(mode);
     if (openMode == nullptr) {
         errno = EINVAL;
-        return;
+        return nullptr;
     }
     UniqueFd file(calls::open(toNarrow(path).c_str(),
                               openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
+    Stream stream;
     if (file && isRegular(file.get())) {
         stream.reset(fdopen(file.get(), openMode->stream));
     }
     if (stream) {
         (void)file.release();  // the stream's from now on
     }
+    return stream;
 }
 
-void open_wfile(Stream& stream, const std::wstring& path, const std::wstring& mode) {
-    open_file(stream, path, mode);
+Stream open_wfile(const std::wstring& path, const std::wstring& mode) {
+    return open_file(path, mode);
 }
 
 bool createDirectory(const std::wstring& path) {

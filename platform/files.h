@@ -49,9 +49,9 @@ std::string lexicalPath(const std::string& path);
 /// Opens a stream as fopen(3) with `mode`; null, with errno set, on failure. The descriptor is
 /// close-on-exec. Files are read and written only where a file is meant: a directory or a pipe in
 /// its place is a failure, never a wait.
-void open_file(Stream& stream, const std::wstring& path, const std::wstring& mode);
+Stream open_file(const std::wstring& path, const std::wstring& mode);
 /// The same; both names have their callers.
-void open_wfile(Stream& stream, const std::wstring& path, const std::wstring& mode);
+Stream open_wfile(const std::wstring& path, const std::wstring& mode);
 
 /// On which line of a file a text stands; one position accompanies a stream from its first line on.
 struct LinePosition {
@@ -69,10 +69,12 @@ inline constexpr std::wstring_view kCopiedLineFormat = L"%2024[^\n]\n";
 ///
 /// Without the leading blank only an empty line is skipped, like every other blank line. A line
 /// longer than N bytes is cut in front of the UTF-8 character that does not fit; the rest is the
-/// next line. Text behind a NUL byte of a line is dropped. Returns 1, or -1 at the end of the file
-/// and after a read error (tell them apart with std::ferror).
-int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
-             LinePosition* position = nullptr);
+/// next line. Text behind a NUL byte of a line is dropped. False at the end of the file and after a
+/// read error (tell them apart with std::ferror).
+///
+/// The line comes in `out`, whose memory serves a whole file: a launch reads thousands of lines.
+bool readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
+              LinePosition* position = nullptr);
 
 /// Reports that the text on `line` of the file at `path` could not be converted. One record a file:
 /// some files are read twice, and one line is enough to find the cause.

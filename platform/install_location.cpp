@@ -45,72 +45,62 @@ void setLauncherExecutable(std::string path) {
     namedExecutable = std::move(path);
 }
 
-void read_executable_path(std::string& path) {
-    const std::optional<std::string> resolved = resolvedPath(executableAsStarted());
+std::string read_executable_path() {
+    std::optional<std::string> resolved = resolvedPath(executableAsStarted());
     if (!resolved) {
         cannotTellExecutable(errno);
     }
-    path = *resolved;
-    SvcDebugOutA("%s", path);
+    SvcDebugOutA("%s", *resolved);
+    return *std::move(resolved);
 }
 
-void read_mlauncher_path(std::string& path) {
+std::string read_mlauncher_path() {
     const std::string plist = folderOf(executableAsStarted()) + "/rcplauncher.plist";
     if (existsA(plist)) {
         const auto list = createPropertiesListFromFile(toWide(plist));
         if (list && list->isDictionary()) {
-            const std::optional<std::string> configured = list->stringForKey("mlauncher.path");
+            std::optional<std::string> configured = list->stringForKey("mlauncher.path");
             if (configured && isExecutable(*configured)) {
-                path = *configured;
-                return;
+                return *std::move(configured);
             }
         }
     }
-    read_executable_path(path);
+    return read_executable_path();
 }
 
-void getLauncherPath(std::wstring& path, const std::wstring& /*argument*/) {
-    std::string narrow;
-    read_mlauncher_path(narrow);
-    path = toWide(narrow);
+std::wstring getLauncherPath() {
+    return toWide(read_mlauncher_path());
 }
 
-std::wstring findCommand(const std::wstring& /*programName*/) {
-    std::string path;
-    read_executable_path(path);
-    return toWide(folderOf(path));
+std::wstring findCommand() {
+    return toWide(folderOf(read_executable_path()));
 }
 
-std::optional<std::wstring> getRCPDirectory(std::span<const Argument> arguments) {
-    std::wstring folder =
-        findCommand(arguments.empty() ? std::wstring() : std::wstring(arguments[0]));
+std::optional<std::wstring> getRCPDirectory() {
+    std::wstring folder = findCommand();
     if (!isDirectory(folder)) {
         return std::nullopt;
     }
     return folder;
 }
 
-void getInstallDir(std::wstring& directory, std::span<const Argument> arguments) {
-    directory.clear();
-    const std::optional<std::wstring> folder = getRCPDirectory(arguments);
+std::wstring getInstallDir() {
+    const std::optional<std::wstring> folder = getRCPDirectory();
     if (!folder) {
         fatal(because(errno), "ZYPRA0049E: Unable to locate the platform's installation directory");
     }
-    directory = *folder;
+    std::wstring directory = *folder;
     const std::wstring parent = folderOf(*folder);
     if (folder->substr(parent.size()) == L"/rcp" && isDirectory(parent)) {
         directory = parent;
     }
     const std::wstring siblingPlatform = directory + L"/../Eclipse";
-    if (exists(siblingPlatform)) {
-        directory = siblingPlatform;
-    }
+    return exists(siblingPlatform) ? siblingPlatform : directory;
 }
 
-void convert_from_relative_location(const std::wstring& path, std::wstring& absolute) {
+std::wstring convert_from_relative_location(const std::wstring& path) {
     if (path.starts_with(L"/") || path.starts_with(L"\\\\")) {
-        absolute = path;
-        return;
+        return path;
     }
     if (path.starts_with(L"${")) {
         fatal(noReason(), "ZYPRA0301E: Starts with placeholder. This should be translated");
@@ -131,7 +121,7 @@ void convert_from_relative_location(const std::wstring& path, std::wstring& abso
     if (!joined) {
         fatal(noReason(), "ZYPRA0302E: Unable to convert relative workspace path to a full path");
     }
-    absolute = toWide(*joined);
+    return toWide(*joined);
 }
 
 }  // namespace rcp

@@ -1,10 +1,7 @@
 // Where the installation is: everything is found relative to the launcher's own executable.
 #pragma once
 
-#include "diagnostics/argument.h"
-
 #include <optional>
-#include <span>
 #include <string>
 
 namespace rcp {
@@ -16,29 +13,29 @@ void setLauncherExecutable(std::string path);
 
 /// The launcher's absolute path without links. Ends the launch when the system cannot
 /// tell.
-void read_executable_path(std::string& path);
+std::string read_executable_path();
 /// The launcher path configured as "mlauncher.path" in "rcplauncher.plist" beside the executable
 /// (as it was started), provided it is executable; otherwise the executable's own path.
-void read_mlauncher_path(std::string& path);
-/// read_mlauncher_path, widened. The second argument is not used.
-void getLauncherPath(std::wstring& path, const std::wstring& argument);
+std::string read_mlauncher_path();
+/// read_mlauncher_path, widened.
+std::wstring getLauncherPath();
 
-/// The folder of the executable. The program name is not used.
-std::wstring findCommand(const std::wstring& programName);
-/// That folder when it is a directory. The arguments are not used.
-std::optional<std::wstring> getRCPDirectory(std::span<const Argument> arguments);
+/// The folder of the executable.
+std::wstring findCommand();
+/// That folder when it is a directory; none, with errno set, otherwise.
+std::optional<std::wstring> getRCPDirectory();
 /// The installation directory:
 ///
 ///   folder of the executable --named "rcp"--> its parent --sibling "Eclipse"--> + "/../Eclipse"
 ///
 /// The last form stays unnormalised; it is the bundle layout with the executable in one folder and
 /// the platform in the sibling folder Eclipse. Ends the launch when there is none.
-void getInstallDir(std::wstring& directory, std::span<const Argument> arguments);
+std::wstring getInstallDir();
 
 /// `path` made absolute against the working directory. Already absolute paths are returned
 /// untouched; so are the two other forms that count as absolute, "\\?\..." and "\\...". Ends the
 /// launch for a path that still begins with a placeholder and when the system cannot form the
 /// path.
-void convert_from_relative_location(const std::wstring& path, std::wstring& absolute);
+std::wstring convert_from_relative_location(const std::wstring& path);
 
 }  // namespace rcp

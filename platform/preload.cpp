@@ -41,8 +41,7 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
     }
     SvcDebugOutA("setPreload(): link path already exists.");
     if (entry == Entry::kOwnLink) {
-        std::string target;
-        readsymln(target, linkPath);
+        const std::string target = readsymln(linkPath);
         SvcDebugOutA("setPreload(): existing link is to: %s", target);
         if (target == library) {
             return true;
@@ -54,11 +53,11 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
 
 // "USER", which becomes part of a file name.
 std::wstring userName() {
-    std::wstring user;
-    if (getEnv(L"USER", user) == nullptr || user.find(L'/') != std::wstring::npos) {
+    const std::optional<std::wstring> user = getEnv(L"USER");
+    if (!user || user->find(L'/') != std::wstring::npos) {
         fatal(noReason(), "ZYPRA0006E: Couldn't find the user name!");
     }
-    return user;
+    return *user;
 }
 
 std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualifier) {
@@ -74,13 +73,13 @@ std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualif
 }
 
 void setVariable(const std::wstring& value) {
-    setEnv(kPreloadVariable, value, true);
+    setEnv(kPreloadVariable, value, Overwrite::kYes);
     SvcDebugOutW(L"setPreload():setting LD_PRELOAD=%s", value);
 }
 
 }  // namespace
 
-void readsymln(std::string& target, const std::string& link) {
+std::string readsymln(const std::string& link) {
     std::string buffer(1024, '\0');
     for (;;) {
         const ssize_t length = calls::readlink(link.c_str(), buffer.data(), buffer.size());
@@ -89,8 +88,8 @@ void readsymln(std::string& target, const std::string& link) {
             fatal(because(error), "ZYPRA0184E: Getting command path failed! errno = %d", error);
         }
         if (static_cast<std::size_t>(length) < buffer.size()) {
-            target.assign(buffer, 0, static_cast<std::size_t>(length));
-            return;
+            buffer.resize(static_cast<std::size_t>(length));
+            return buffer;
         }
         buffer.resize(buffer.size() * 2);
     }
@@ -129,9 +128,7 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
         return;
     }
     setVariable(wideLinkPath);
-    std::wstring readBack;
-    getEnv(kPreloadVariable, readBack);
-    SvcDebugOutW(L"setPreload():getenv LD_PRELOAD=%s", readBack);
+    SvcDebugOutW(L"setPreload():getenv LD_PRELOAD=%s", getEnv(kPreloadVariable).value_or(L""));
 }
 
 }  // namespace rcp

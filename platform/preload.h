@@ -17,7 +17,7 @@ namespace rcp {
 void setPreload(const std::wstring& library, const std::wstring& qualifier);
 
 /// The target of the symbolic link at `link`. Ends the launch when it cannot be read.
-void readsymln(std::string& target, const std::string& link);
+std::string readsymln(const std::string& link);
 
 /// The result of the entry point "logoff" of the deployment library "./lockdown.so". Without
 /// library or entry point the desktop session is ended and the process exits with status 1.

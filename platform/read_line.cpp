@@ -71,8 +71,8 @@ bool hasRoomFor(int lead, std::size_t length, std::size_t limit) {
 
 }  // namespace
 
-int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
-             LinePosition* position) {
+bool readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
+              LinePosition* position) {
     const ScanFormat scan = parseFormat(format);
     LinePosition unused;
     LinePosition& passed = position == nullptr ? unused : *position;
@@ -87,7 +87,7 @@ int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
         byte = getc_unlocked(&stream);
     }
     if (byte == EOF) {
-        return EOF;
+        return false;
     }
     passed.line = passed.lineFeeds + 1;
     std::string line;
@@ -107,7 +107,7 @@ int readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
     }
     skipBlanks(stream, passed);
     chartowstr(line.c_str(), out);
-    return 1;
+    return true;
 }
 
 void reportUnreadableLine(const std::wstring& path, std::size_t line) {

@@ -95,8 +95,7 @@ class Removal {
 };
 
 bool Removal::fail(const std::string& indentation, std::string_view what, const std::string& path) {
-    std::string reason;
-    GetLastErrorMsg(reason);
+    const std::string reason = GetLastErrorMsg();
     errors_.append(indentation).append(what).append(path);
     errors_.append("  - ").append(reason).append("\n");
     return false;

@@ -43,9 +43,7 @@ void freeString(wchar_t* buffer) {
 WideBuffer newString(std::size_t n) {
     WideBuffer buffer(static_cast<wchar_t*>(calloc(n + 1, sizeof(wchar_t))));
     if (!buffer) {
-        std::wstring reason;
-        GetLastErrorMsg(reason);
-        fatal(because(ENOMEM), "ZYPRA0004E: newString malloc failed. %ls", reason);
+        fatal(because(ENOMEM), "ZYPRA0004E: newString malloc failed. %ls", GetLastErrorMsg());
     }
     return buffer;
 }

@@ -57,14 +57,12 @@ bool addFile(Examination& examination, KeyFile kind, const std::wstring& path) {
 // The text of the user's copy of a master file. Lines that the user does not get become comments,
 // so that every entry keeps its line.
 std::string userCopy(const std::wstring& master) {
-    Stream stream;
-    open_file(stream, master, L"r");
+    const Stream stream = open_file(master, L"r");
     UserFileFilter filter;
     std::string text;
     std::size_t written = 0;
     LinePosition position;
-    for (std::wstring line;
-         stream && readFile(*stream, kCopiedLineFormat, line, &position) != EOF;) {
+    for (std::wstring line; stream && readFile(*stream, kCopiedLineFormat, line, &position);) {
         for (; written + 1 < position.line; ++written) {
             text += '\n';
         }
@@ -195,7 +193,7 @@ Examination examine(const Options& options) {
     for (const std::string& argument : options.arguments) {
         inputs.arguments.emplace_back(toWide(argument));
     }
-    endOf([&] { getInstallDir(inputs.installDir, inputs.arguments); });
+    endOf([&] { inputs.installDir = getInstallDir(); });
     if (inputs.installDir.empty()) {  // a bundle without its executable
         examination.installation = options.installation;
         return examination;

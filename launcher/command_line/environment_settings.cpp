@@ -91,7 +91,7 @@ void applyEnvironment(const EnvironmentChanges& changes) {
     for (const EnvironmentChange& change : changes) {
         switch (change.kind) {
             case EnvironmentChange::kSet:
-                setEnv(change.name, change.value, true);
+                setEnv(change.name, change.value, Overwrite::kYes);
                 break;
             case EnvironmentChange::kUnset:
                 unsetEnv(change.name);

@@ -29,18 +29,15 @@ constexpr std::size_t kLongestContent = 256;  // of the lock file, as far as it 
 
 void traceWithTime(std::wstring_view format) {
     if (debug) {
-        std::wstring time;
-        getTimeString(time);
-        SvcDebugOutW(format, time);
+        SvcDebugOutW(format, getTimeString());
     }
 }
 
 // For programs of the platform's side that look for its process.
 void populateMainPidFile(const std::wstring& path, unsigned long processId) {
-    Stream stream;
-    open_file(stream, path, L"r+");
+    Stream stream = open_file(path, L"r+");
     if (!stream) {
-        open_file(stream, path, L"w+");
+        stream = open_file(path, L"w+");
     }
     if (!stream) {
         SvcDebugOutA("ZYPRA00XXI: Unable to open rcp.main file");

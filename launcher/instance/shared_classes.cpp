@@ -52,9 +52,7 @@ std::string reallyAt(const std::string& path) {
 }
 
 std::string variable(const wchar_t* name) {
-    std::wstring value;
-    getEnv(name, value);
-    return toNarrow(value);
+    return toNarrow(getEnv(name).value_or(L""));
 }
 
 }  // namespace

@@ -24,8 +24,7 @@ std::wstring getDataPath(const std::wstring& /*key*/, const std::wstring& value)
     if (value.size() <= kRest || value.compare(kTag, kRest - kTag, kFolder) != 0) {
         return value;
     }
-    std::wstring home;
-    getUserHome(home);
+    const std::wstring home = getUserHome();
     const std::wstring middle = value.substr(kMiddle, kTag - kMiddle);
     if (isDirectory(home + middle + kFolder) || !isDirectory(home + middle + kEarlierFolder)) {
         return value;

@@ -46,7 +46,8 @@ void tellObserver(const std::wstring& before, std::wstring_view placeholder,
 
 bool getEnvironmentValue(std::wstring_view rest, std::wstring& value) {
     const std::size_t comma = rest.find(L',');
-    if (getEnv(std::wstring(rest.substr(0, comma)), value) != nullptr) {
+    if (std::optional<std::wstring> found = getEnv(std::wstring(rest.substr(0, comma)))) {
+        value = *std::move(found);
         return true;
     }
     if (comma == std::wstring_view::npos) {

@@ -142,7 +142,7 @@ void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
     LinePosition position;
     Entry entry;
     std::wstring line;
-    while (readFile(*stream, kPropertyLineFormat, line, &position) != EOF) {
+    while (readFile(*stream, kPropertyLineFormat, line, &position)) {
         if (line.empty()) {
             reportUnreadableLine(path, position.line);
             continue;
@@ -173,8 +173,7 @@ void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
 }  // namespace
 
 void getProperties(const std::wstring& path, PropertyList& list) {
-    Stream stream;
-    open_file(stream, path, L"r");
+    Stream stream = open_file(path, L"r");
     if (!stream) {
         cannotLoad(path, because(errno));
     }
@@ -182,8 +181,7 @@ void getProperties(const std::wstring& path, PropertyList& list) {
 }
 
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
-    Stream stream;
-    open_file(stream, path, L"r");
+    Stream stream = open_file(path, L"r");
     if (!stream) {
         const Reason reason = because(errno);
         if (exists(path)) {

@@ -54,8 +54,7 @@ std::wstring storedId(const std::wstring& propertyFile) {
 }
 
 std::wstring makeInstallId(const std::wstring& propertyFile) {
-    Stream stream;
-    open_file(stream, propertyFile, L"a+");
+    const Stream stream = open_file(propertyFile, L"a+");
     if (!stream || !lockExclusively(fileno(stream.get()))) {
         fatal(because(errno), "ZYPRA0017E: Could not open %ls to append rcp.install.id!",
               propertyFile);

@@ -47,8 +47,7 @@ void fillIn(const Feature& feature, std::wstring& line, const PropertyList& prop
 
 bool writePlatformXml(const std::wstring& master, const std::wstring& target,
                       const PropertyList& properties, bool bareFeatures) {
-    Stream from;
-    open_file(from, master, L"r");
+    const Stream from = open_file(master, L"r");
     if (!from) {
         report(because(errno), "ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
         return false;
@@ -61,7 +60,7 @@ bool writePlatformXml(const std::wstring& master, const std::wstring& target,
     }
     std::wstring line;
     LinePosition position;
-    while (readFile(*from, kCopiedLineFormat, line, &position) != EOF) {
+    while (readFile(*from, kCopiedLineFormat, line, &position)) {
         if (line.empty()) {
             reportUnreadableLine(master, position.line);
             continue;

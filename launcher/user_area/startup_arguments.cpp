@@ -33,13 +33,11 @@ Line makeLine(const std::wstring& key, const std::wstring& value, const char* fa
     return {propertyLines(toNarrow(key), toNarrow(escaped)), failed};
 }
 
-std::wstring programPath(const Arguments& arguments, const std::wstring* restartExe) {
+std::wstring programPath(const std::wstring* restartExe) {
     if (restartExe != nullptr && !restartExe->empty()) {
         return *restartExe;
     }
-    std::wstring path;
-    getLauncherPath(path, arguments.front());
-    return path;
+    return getLauncherPath();
 }
 
 // The workspace as the restarted launcher must find it, whatever its working directory.
@@ -51,9 +49,7 @@ std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& pro
     if (!replaceUserPlaceholders(value, properties)) {
         refusePlaceholders(before, L"-data", argument.origin);
     }
-    std::wstring absolute;
-    convert_from_relative_location(value, absolute);
-    return absolute;
+    return convert_from_relative_location(value);
 }
 
 // The arguments to record, in order.
@@ -65,7 +61,7 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
     const int resetConfig = findOption(L"-resetconfig", arguments);
     const int oldPid = findOption(L"-rcp_old_pid", arguments);
     const std::wstring* data = optionValue(L"-data", arguments);
-    std::vector<std::wstring> recorded{programPath(arguments, restartExe)};
+    std::vector<std::wstring> recorded{programPath(restartExe)};
     for (int i = 1; i < static_cast<int>(arguments.size()); ++i) {
         const Argument& argument = arguments[static_cast<std::size_t>(i)];
         if (i == restart || i == resetConfig) {
@@ -91,8 +87,7 @@ std::vector<Line> makeLines(const std::vector<std::wstring>& recorded) {
         lines.push_back(makeLine(L"arg" + std::to_wstring(i), recorded[i], kArgumentFailed));
     }
     lines.push_back(makeLine(L"argc", std::to_wstring(recorded.size()), kCountFailed));
-    std::wstring libraryPath;
-    getEnv(L"DYLD_LIBRARY_PATH", libraryPath);
+    const std::wstring libraryPath = getEnv(L"DYLD_LIBRARY_PATH").value_or(L"");
     lines.push_back(
         makeLine(L"com.ovr.rcp.core.internal.librarypath", libraryPath, kLibraryPathFailed));
     return lines;

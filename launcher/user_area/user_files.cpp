@@ -76,7 +76,7 @@ std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList
 int copyLines(std::FILE& copy, WholeFile& file) {
     UserFileFilter filter;
     std::wstring line;
-    while (readFile(copy, kCopiedLineFormat, line) != EOF) {
+    while (readFile(copy, kCopiedLineFormat, line)) {
         if (filter.keeps(line) && !file.write(toNarrow(line) + "\n")) {
             report(because(errno),
                    "ZYPRA0001E: Error while copying base rcpinstall.properties to user specific "
@@ -168,8 +168,7 @@ std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
 
 int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
                                 const PropertyList& properties) {
-    Stream from;
-    open_file(from, osPath(copy), L"r");
+    const Stream from = open_file(osPath(copy), L"r");
     WholeFile file(osPath(target), L".new");
     if (!from || !file.open()) {
         report(because(errno),

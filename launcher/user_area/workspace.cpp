@@ -44,9 +44,7 @@ std::wstring workspaceFromArgument(const std::wstring& argument, const PropertyL
     dropTrailingSeparator(value);
     replaceFirstRcpHome(value, rcpHome);
     replaceUserPlaceholders(value, properties);
-    std::wstring absolute;
-    convert_from_relative_location(value, absolute);
-    return notTheRoot(absolute, argument);
+    return notTheRoot(convert_from_relative_location(value), argument);
 }
 
 // Whether "${rcp.home}" is all that is left in a text whose user placeholders were replaced.
@@ -76,17 +74,16 @@ std::wstring defaultWorkspace(const PropertyList& properties) {
     if (installId == nullptr) {
         fatal(noReason(), "ZYPRA0035E: Couldn't find the rcp.install.id property!");
     }
-    std::wstring user;
-    if (getEnv(L"USER", user) == nullptr) {
+    const std::optional<std::wstring> user = getEnv(L"USER");
+    if (!user) {
         fatal(noReason(), "ZYPRA0037E: Couldn't find the user name!");
     }
-    std::wstring home;
-    getUserHome(home);
+    const std::wstring home = getUserHome();
     if (!home.starts_with(L'/')) {
         fatal(noReason(), "Error: getWorkspaceLocation: HOME does not name a directory (%ls).",
               home);
     }
-    return home + kDefaultFolder + *installId + L"/" + user;
+    return home + kDefaultFolder + *installId + L"/" + *user;
 }
 
 }  // namespace

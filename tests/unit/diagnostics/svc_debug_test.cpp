@@ -157,16 +157,13 @@ TEST_F(Tracing, CutNeverSplitsACharacter) {
 
 // --- The switch ---------------------------------------------------------------------------------
 
-TEST_F(Errors, SwitchKeepsTheFormerValueWhenAsked) {
-    bool saved = true;
-    setDebug(true, saved);
+TEST_F(Errors, SwitchTellsTheFormerValue) {
+    EXPECT_FALSE(setDebug(true));
     EXPECT_TRUE(debug);
-    EXPECT_FALSE(saved);
-    setDebug(false, saved);
+    EXPECT_TRUE(setDebug(true));
+    EXPECT_TRUE(setDebug(false));
     EXPECT_FALSE(debug);
-    EXPECT_TRUE(saved);
-    setDebug(saved);
-    EXPECT_TRUE(debug);
+    EXPECT_FALSE(setDebug(false));
 }
 
 TEST_F(Errors, ForcedRecordIsWrittenAndTracingIsAsBefore) {
@@ -254,19 +251,14 @@ TEST_F(Errors, EndOfALaunchCarriesItsStatusAndItsRecord) {
 }
 
 TEST_F(Errors, LastErrorMessageNamesNumberAndText) {
-    std::string narrow = "old";
     errno = ENOENT;
-    GetLastErrorMsg(narrow);
-    EXPECT_EQ(narrow, " Failed with error 2: No such file or directory");
-    std::wstring wide = L"old";
+    EXPECT_EQ(GetLastErrorMsg(), " Failed with error 2: No such file or directory");
     errno = EACCES;
-    GetLastErrorMsg(wide);
-    EXPECT_EQ(wide, L" Failed with error 13: Permission denied");
+    EXPECT_EQ(GetLastErrorMsg(), " Failed with error 13: Permission denied");
 }
 
 TEST_F(Errors, TimeStringIsDateTimeAndMilliseconds) {
-    std::wstring time = L"old";
-    getTimeString(time);
+    const std::wstring time = getTimeString();
     const std::string narrow(time.begin(), time.end());
     EXPECT_THAT(narrow, testing::MatchesRegex("2[0-9][0-9][0-9][01][0-9][0-3][0-9]_"
                                               "[0-2][0-9][0-5][0-9][0-6][0-9]_[0-9][0-9][0-9]"));

@@ -26,7 +26,7 @@ const test::Probe kStartup("start-up sequence", [](const std::vector<std::string
         launch.arguments.emplace_back(toWide(text));
     }
     const Start start = isRestart(launch.arguments) ? Start::kRestart : Start::kOrdinary;
-    const std::optional<Plan> plan = startup(launch, readInstallation(launch.arguments), start);
+    const std::optional<Plan> plan = startup(launch, readInstallation(), start);
     if (!plan) {
         return 1;
     }

@@ -24,52 +24,44 @@ class SystemEnvironment : public test::LauncherTest {
 
 TEST_F(SystemEnvironment, VariableIsReadAndNothingIsRecorded) {
     const ScopedVariable variable(kName, "v\u00E4lue");
-    std::wstring value = L"old";
-    const wchar_t* const found = getEnv(kWideName, value);
-    EXPECT_EQ(found, value.c_str());
-    EXPECT_EQ(value, L"v\u00E4lue");
+    EXPECT_EQ(getEnv(kWideName), L"v\u00E4lue");
     EXPECT_EQ(records_.text(), "");
 }
 
 TEST_F(SystemEnvironment, EmptyVariableIsSet) {
     const ScopedVariable variable(kName, "");
-    std::wstring value = L"old";
-    EXPECT_STREQ(getEnv(kWideName, value), L"");
-    EXPECT_EQ(value, L"");
+    EXPECT_EQ(getEnv(kWideName), L"");
     EXPECT_EQ(records_.text(), "");
 }
 
-TEST_F(SystemEnvironment, MissingVariableIsNullAndOneTraceRecord) {
-    std::wstring value = L"old";
-    EXPECT_EQ(getEnv(kWideName, value), nullptr);
-    EXPECT_EQ(value, L"");
+TEST_F(SystemEnvironment, MissingVariableIsNoneAndOneTraceRecord) {
+    EXPECT_EQ(getEnv(kWideName), std::nullopt);
     EXPECT_EQ(records_.text(),
               "ZYPRA0081I:  Environmental variable 'RCP_UNIT_\u00C4' is not set\n\n");
 }
 
 TEST_F(SystemEnvironment, MissingVariableIsNotRecordedWithoutTracing) {
     setDebug(false);
-    std::wstring value;
-    EXPECT_EQ(getEnv(kWideName, value), nullptr);
+    EXPECT_EQ(getEnv(kWideName), std::nullopt);
     EXPECT_EQ(records_.text(), "");
 }
 
 TEST_F(SystemEnvironment, SetAnswersFalseWhenItSucceeded) {
-    EXPECT_FALSE(setEnv(kWideName, L"\u00E9", false));
+    EXPECT_FALSE(setEnv(kWideName, L"\u00E9", Overwrite::kNo));
     EXPECT_EQ(test::variable(kName), "\u00E9");
-    EXPECT_FALSE(setEnv(kWideName, L"second", true));
+    EXPECT_FALSE(setEnv(kWideName, L"second", Overwrite::kYes));
     EXPECT_EQ(test::variable(kName), "second");
 }
 
 TEST_F(SystemEnvironment, SetWithoutOverwriteLeavesAnExistingValueAndAnswersFalse) {
     const ScopedVariable variable(kName, "first");
-    EXPECT_FALSE(setEnv(kWideName, L"second", false));
+    EXPECT_FALSE(setEnv(kWideName, L"second", Overwrite::kNo));
     EXPECT_EQ(test::variable(kName), "first");
 }
 
 TEST_F(SystemEnvironment, SetAnswersTrueWhenItFailed) {
-    EXPECT_TRUE(setEnv(L"", L"x", true));
-    EXPECT_TRUE(setEnv(L"A=B", L"x", true));
+    EXPECT_TRUE(setEnv(L"", L"x", Overwrite::kYes));
+    EXPECT_TRUE(setEnv(L"A=B", L"x", Overwrite::kYes));
 }
 
 TEST_F(SystemEnvironment, UnsetAlwaysAnswersTrue) {
@@ -82,17 +74,12 @@ TEST_F(SystemEnvironment, UnsetAlwaysAnswersTrue) {
 
 TEST_F(SystemEnvironment, HomeIsThatOfTheVariable) {
     const ScopedVariable home("HOME", "/Users/ann");
-    std::wstring out;
-    const wchar_t* const found = getUserHome(out);
-    EXPECT_EQ(found, out.c_str());
-    EXPECT_EQ(out, L"/Users/ann");
+    EXPECT_EQ(getUserHome(), L"/Users/ann");
 }
 
 TEST_F(SystemEnvironment, MissingHomeIsEmptyAndTraced) {
     const ScopedVariable home("HOME");
-    std::wstring out = L"old";
-    EXPECT_STREQ(getUserHome(out), L"");
-    EXPECT_EQ(out, L"");
+    EXPECT_EQ(getUserHome(), L"");
     EXPECT_EQ(records_.text(), "ZYPRA0081I:  Environmental variable 'HOME' is not set\n\n");
 }
 

@@ -138,13 +138,12 @@ TEST_F(Files, LexicalPathIsTheTextAlone) {
 TEST_F(Files, BothOpenFunctionsOpenAStream) {
     for (const auto open : {&open_file, &open_wfile}) {
         folder_.write("file", "old content");
-        Stream stream;
-        open(stream, folder_.wide("file"), L"w+");
+        Stream stream = open(folder_.wide("file"), L"w+");
         ASSERT_NE(stream, nullptr);
         EXPECT_GE(fputs("new", stream.get()), 0);
         stream.reset();
         EXPECT_EQ(folder_.read("file"), "new");
-        open(stream, folder_.wide("file"), L"r");
+        stream = open(folder_.wide("file"), L"r");
         ASSERT_NE(stream, nullptr);
         EXPECT_EQ(fgetc(stream.get()), 'n');
         EXPECT_EQ(fputc('x', stream.get()), EOF) << "only for reading";
@@ -153,8 +152,7 @@ TEST_F(Files, BothOpenFunctionsOpenAStream) {
 
 TEST_F(Files, EveryModeIsThatOfTheStandardLibrary) {
     for (const wchar_t* mode : {L"r", L"rb", L"r+"}) {
-        Stream stream;
-        open_file(stream, folder_.wide("missing"), mode);
+        Stream stream = open_file(folder_.wide("missing"), mode);
         EXPECT_EQ(stream, nullptr) << mode;
     }
     for (const auto& [mode, expected] : {std::pair<const wchar_t*, const char*>{L"w", "new"},
@@ -162,8 +160,7 @@ TEST_F(Files, EveryModeIsThatOfTheStandardLibrary) {
                                          {L"a+", "old contentnew"},
                                          {L"r+", "new content"}}) {
         folder_.write("file", "old content");
-        Stream stream;
-        open_file(stream, folder_.wide("file"), mode);
+        Stream stream = open_file(folder_.wide("file"), mode);
         ASSERT_NE(stream, nullptr) << mode;
         EXPECT_GE(fputs("new", stream.get()), 0);
         stream.reset();
@@ -173,34 +170,25 @@ TEST_F(Files, EveryModeIsThatOfTheStandardLibrary) {
 
 TEST_F(Files, FailedOpenGivesNullAndTheReason) {
     folder_.write("file", "");
-    Stream stream;
-    open_file(stream, folder_.wide("file"), L"r");
-    ASSERT_NE(stream, nullptr);
+    ASSERT_NE(open_file(folder_.wide("file"), L"r"), nullptr);
     errno = 0;
-    open_file(stream, folder_.wide("missing"), L"r");
-    EXPECT_EQ(stream, nullptr) << "the former stream is closed";
+    EXPECT_EQ(open_file(folder_.wide("missing"), L"r"), nullptr);
     EXPECT_EQ(errno, ENOENT);
-    open_file(stream, folder_.wide("file"), L"x");
-    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(open_file(folder_.wide("file"), L"x"), nullptr);
     EXPECT_EQ(errno, EINVAL);
 }
 
 TEST_F(Files, DirectoryOrPipeInAFilesPlaceIsAFailureNeverAWait) {
     ASSERT_EQ(mkfifo(folder_.narrow("pipe").c_str(), 0600), 0);
-    Stream stream;
-    open_file(stream, folder_.wide(), L"r");
-    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(open_file(folder_.wide(), L"r"), nullptr);
     EXPECT_EQ(errno, EISDIR);
-    open_file(stream, folder_.wide("pipe"), L"r");
-    EXPECT_EQ(stream, nullptr);
-    open_file(stream, folder_.wide("pipe"), L"w");
-    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(open_file(folder_.wide("pipe"), L"r"), nullptr);
+    EXPECT_EQ(open_file(folder_.wide("pipe"), L"w"), nullptr);
 }
 
 TEST_F(Files, StreamIsNotInheritedByAnExecutedProgram) {
     folder_.write("file", "");
-    Stream stream;
-    open_file(stream, folder_.wide("file"), L"r");
+    Stream stream = open_file(folder_.wide("file"), L"r");
     ASSERT_NE(stream, nullptr);
     EXPECT_NE(fcntl(fileno(stream.get()), F_GETFD) & FD_CLOEXEC, 0);
 }

@@ -25,9 +25,7 @@ void print(const std::string& text) {
 }
 
 const Probe kExecutable("executable path", [](const std::vector<std::string>&) {
-    std::string path;
-    read_executable_path(path);
-    print(path);
+    print(read_executable_path());
     return 0;
 });
 
@@ -37,30 +35,20 @@ const Probe kAsStarted("executable as started", [](const std::vector<std::string
 });
 
 const Probe kLauncherPath("launcher path", [](const std::vector<std::string>&) {
-    std::wstring path;
-    getLauncherPath(path, L"ignored");
-    std::string narrow;
-    read_mlauncher_path(narrow);
-    print(toNarrow(path));
-    return toNarrow(path) == narrow ? 0 : 1;
+    const std::string path = toNarrow(getLauncherPath());
+    print(path);
+    return path == read_mlauncher_path() ? 0 : 1;
 });
 
-const Probe kInstallDir("install dir", [](const std::vector<std::string>& arguments) {
-    std::vector<Argument> wide;
-    for (const std::string& argument : arguments) {
-        wide.push_back(toWide(argument));
-    }
-    std::wstring directory = L"old";
-    getInstallDir(directory, wide);
-    print(toNarrow(directory));
+const Probe kInstallDir("install dir", [](const std::vector<std::string>&) {
+    print(toNarrow(getInstallDir()));
     return 0;
 });
 
 const Probe kCommand("find command", [](const std::vector<std::string>&) {
-    const std::wstring folder = findCommand(L"/usr/bin/ignored");
+    const std::wstring folder = findCommand();
     print(toNarrow(folder));
-    const std::vector<Argument> arguments = {L"/usr/bin/ignored"};
-    return getRCPDirectory(arguments) == folder && getRCPDirectory({}) == folder ? 0 : 1;
+    return getRCPDirectory() == folder ? 0 : 1;
 });
 
 class InstallLocation : public test::LauncherTest {
@@ -140,8 +128,7 @@ TEST_F(InstallLocation, PathLongerThanAnyFixedBufferWorks) {
 TEST_F(InstallLocation, ExecutablesPathIsTraced) {
     const test::Records records(folder_);
     setDebug(true);
-    std::string path;
-    read_executable_path(path);
+    const std::string path = read_executable_path();
     setDebug(false);
     EXPECT_EQ(records.text(), path + "\n");
 }
@@ -149,8 +136,7 @@ TEST_F(InstallLocation, ExecutablesPathIsTraced) {
 const Probe kRemoved("removed executable", [](const std::vector<std::string>& arguments) {
     EXPECT_EQ(unlink(platform::executablePathAsStarted().c_str()), 0);
     enableLogging(toWide(arguments.at(0)));
-    std::string path;
-    read_executable_path(path);
+    (void)read_executable_path();
     return 0;
 });
 
@@ -254,9 +240,7 @@ class RelativeLocation : public InstallLocation {
     }
     void TearDown() override { fs::current_path(before_); }
     static std::string absolute(const std::wstring& path) {
-        std::wstring out = L"old";
-        convert_from_relative_location(path, out);
-        return toNarrow(out);
+        return toNarrow(convert_from_relative_location(path));
     }
 
   private:

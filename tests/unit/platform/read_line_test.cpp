@@ -13,18 +13,16 @@ class ReadLine : public test::LauncherTest {
   protected:
     std::vector<std::wstring> lines(const std::string& content, const wchar_t* format = kSkipping) {
         folder_.write("file", content);
-        Stream stream;
-        open_file(stream, folder_.wide("file"), L"r");
+        const Stream stream = open_file(folder_.wide("file"), L"r");
         positions_.clear();
         std::vector<std::wstring> found;
         std::wstring line = L"old";
         LinePosition position;
-        int result = 0;
-        while ((result = readFile(*stream, format, line, &position)) == 1) {
+        while (readFile(*stream, format, line, &position)) {
             found.push_back(line);
             positions_.push_back(position.line);
         }
-        EXPECT_EQ(result, EOF);
+        EXPECT_NE(feof(stream.get()), 0);
         EXPECT_EQ(line, L"");
         EXPECT_EQ(ferror(stream.get()), 0);
         return found;
@@ -114,19 +112,17 @@ TEST_F(ReadLine, TextBehindANulIsDropped) {
 
 TEST_F(ReadLine, PositionIsOptional) {
     folder_.write("file", "a\n");
-    Stream stream;
-    open_file(stream, folder_.wide("file"), L"r");
+    const Stream stream = open_file(folder_.wide("file"), L"r");
     std::wstring line;
-    EXPECT_EQ(readFile(*stream, kSkipping, line), 1);
+    EXPECT_TRUE(readFile(*stream, kSkipping, line));
     EXPECT_EQ(line, L"a");
-    EXPECT_EQ(readFile(*stream, kSkipping, line), EOF);
+    EXPECT_FALSE(readFile(*stream, kSkipping, line));
 }
 
 TEST_F(ReadLine, StreamThatCannotBeReadIsAtItsEndWithAnError) {
-    Stream stream;
-    open_file(stream, folder_.wide("file"), L"w");
+    const Stream stream = open_file(folder_.wide("file"), L"w");
     std::wstring line;
-    EXPECT_EQ(readFile(*stream, kSkipping, line), EOF);
+    EXPECT_FALSE(readFile(*stream, kSkipping, line));
     EXPECT_NE(ferror(stream.get()), 0);
 }
 
