@@ -37,11 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const bool isFeature =
         line.find(kIds[0]) != std::wstring::npos || line.find(kIds[1]) != std::wstring::npos;
-    const std::wstring bare = platformXmlLine(line, properties, true);
+    const std::wstring bare = platformXmlLine(line, properties, Features::kBare);
     require(bare == (isFeature ? L"<feature>" : line),
             "a feature's line becomes bare, others stay");
 
-    const std::wstring filled = platformXmlLine(line, properties, false);
+    const std::wstring filled = platformXmlLine(line, properties, Features::kFilledIn);
     require(isFeature || filled == line, "a line without a feature's id stays");
     const std::size_t most = line.size() / kShortestPlaceholder + 1;
     require(filled.size() <= line.size() + most * most * longestValue * longestValue + longestValue,
@@ -55,10 +55,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                         "a feature's placeholders are filled in");
             }
         }
-        require(platformXmlLine(filled, properties, false) == filled,
+        require(platformXmlLine(filled, properties, Features::kFilledIn) == filled,
                 "filling in twice is filling in once");
     }
-    fuzz::requireLinearTime(
-        line, [&](const std::wstring& large) { (void)platformXmlLine(large, properties, false); });
+    fuzz::requireLinearTime(line, [&](const std::wstring& large) {
+        (void)platformXmlLine(large, properties, Features::kFilledIn);
+    });
     return 0;
 }

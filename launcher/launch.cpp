@@ -163,10 +163,9 @@ void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
     if (!inputs.isMainProcess() || isRestart(arguments)) {
         return;
     }
-    std::wstring restartExe;
-    getRestartExe(restartExe, arguments, inputs.properties, inputs.installDir);
-    writeStartupArgs(arguments, inputs.configuration, &restartExe, inputs.properties,
-                     inputs.installDir);
+    writeStartupArgs(arguments, inputs.configuration,
+                     getRestartExe(arguments, inputs.properties, inputs.installDir),
+                     inputs.properties, inputs.installDir);
 }
 
 // `isRead`: the user's file was read before, and stays. A traced launch shows every reading.
@@ -277,7 +276,8 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     const JvmPropertyLocation jvmProperties =
         getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
     loadJvmProperties(inputs, jvmProperties);
-    const bool isUpdateMade = createPlatformXML(inputs, base, jvmProperties.isDefault);
+    const bool isUpdateMade = createPlatformXML(
+        inputs, base, jvmProperties.isDefault ? Features::kBare : Features::kFilledIn);
     inputs.userFirstLaunch = inputs.userFirstLaunch || isUpdateMade;
     updateBundle(inputs, base);
 

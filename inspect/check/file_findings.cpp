@@ -130,11 +130,11 @@ void findNamedFiles(const Examination& examination, Findings& findings) {
         }
     }
     for (const std::wstring& name : extensionNames(examination)) {
-        std::wstring program;
-        getRestartExe(program, {Argument(L"rcplauncher"), Argument(L"-config"), Argument(name)},
-                      properties, examination.inputs.installDir);
-        if (!program.empty()) {
-            needProgram(examination, program,
+        const std::optional<std::wstring> program =
+            getRestartExe({Argument(L"rcplauncher"), Argument(L"-config"), Argument(name)},
+                          properties, examination.inputs.installDir);
+        if (program && !program->empty()) {
+            needProgram(examination, *program,
                         examination.originOf(L"config." + name + L".restartExe.macosx"), findings);
         }
     }

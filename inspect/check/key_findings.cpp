@@ -197,14 +197,13 @@ std::set<std::wstring> referredKeys(const Examination& examination) {
     std::set<std::wstring> keys;
     for (const PropertyFile& file : examination.files) {
         for (const Property& entry : file.entries.entries()) {
-            std::size_t end = 0;
-            std::wstring name;
-            std::size_t at = std::wstring::npos;
-            while (at != 0 && (at = findLastPlaceholder(entry.value, at - 1, end, name)) !=
-                                  std::wstring::npos) {
-                if (name.starts_with(kProperty)) {
-                    keys.insert(name.substr(kProperty.size()));
+            auto last = findLastPlaceholder(entry.value, std::wstring::npos);
+            while (last) {
+                if (last->name.starts_with(kProperty)) {
+                    keys.emplace(last->name.substr(kProperty.size()));
                 }
+                last = last->begin == 0 ? std::nullopt
+                                        : findLastPlaceholder(entry.value, last->begin - 1);
             }
         }
     }

@@ -16,10 +16,7 @@ struct Place {
 };
 
 bool isUnclosed(const std::wstring& text) {
-    std::size_t end = 0;
-    std::wstring name;
-    return text.find(L"${") != std::wstring::npos &&
-           findLastPlaceholder(text, std::wstring::npos, end, name) == std::wstring::npos;
+    return text.find(L"${") != std::wstring::npos && !findLastPlaceholder(text, std::wstring::npos);
 }
 
 // What is left in a text that could not be expanded. When something in it can still be replaced,
@@ -28,24 +25,18 @@ void findLeft(const std::wstring& text, const PropertyList& properties, const Pl
               Findings& findings) {
     std::vector<std::wstring> names;
     std::size_t limit = std::wstring::npos;
-    std::size_t end = 0;
-    std::wstring name;
-    std::wstring value;
-    for (;;) {
-        const std::size_t at = findLastPlaceholder(text, limit, end, name);
-        if (at == std::wstring::npos) {
-            break;
-        }
-        if (getPlaceholderValue(name, value, properties)) {
+    while (const std::optional<Placeholder> last = findLastPlaceholder(text, limit)) {
+        const std::wstring name(last->name);
+        if (getPlaceholderValue(name, properties)) {
             findings.add("RI303", place.file, place.line,
                          quoted(L"${" + name + L"}") + " brings itself back");
             return;
         }
         names.push_back(name);
-        if (at == 0) {
+        if (last->begin == 0) {
             break;
         }
-        limit = at - 1;
+        limit = last->begin - 1;
     }
     for (const std::wstring& left : names) {
         const bool isVariable = left.starts_with(L"env.");
@@ -151,12 +142,10 @@ void findUnexpanded(const PropertyFile& file, const StandardLocations& locations
         }
         std::wstring text = entry.value;
         expand(known->expansion, locations, text);
-        std::size_t end = 0;
-        std::wstring name;
-        if (findLastPlaceholder(text, std::wstring::npos, end, name) != std::wstring::npos) {
+        if (const auto last = findLastPlaceholder(text, std::wstring::npos)) {
             findings.add("RI305", file.name, entry.origin.line,
-                         quoted(L"${" + name + L"}") + " stays as it is in the value of " +
-                             quoted(entry.key));
+                         quoted(L"${" + std::wstring(last->name) + L"}") +
+                             " stays as it is in the value of " + quoted(entry.key));
         }
     }
 }

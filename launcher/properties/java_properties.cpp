@@ -17,6 +17,14 @@ void appendEscaped(wchar_t character, std::wstring_view specials, std::wstring& 
     out += character;
 }
 
+std::wstring escaped(std::wstring_view text, std::wstring_view specials) {
+    std::wstring out;
+    for (const wchar_t character : text) {
+        appendEscaped(character, specials, out);
+    }
+    return out;
+}
+
 constexpr std::size_t kLongestLine = 2000;
 constexpr std::size_t kNearEnd = 32;  // where a line may end early, at a place that needs no escape
 constexpr std::size_t kLongestCharacter = 4;
@@ -63,22 +71,16 @@ void addHexDigits(std::wstring& out, std::uint32_t codePoint) {
     }
 }
 
-void convWcharTo8859_1_Key(const std::wstring& key, std::wstring& out) {
-    for (const wchar_t character : key) {
-        appendEscaped(character, L"#!=:\\ ", out);
-    }
+std::wstring convWcharTo8859_1_Key(std::wstring_view key) {
+    return escaped(key, L"#!=:\\ ");
 }
 
-void convWcharTo8859_1_Value(const std::wstring& value, std::wstring& out) {
-    for (const wchar_t character : value) {
-        appendEscaped(character, L"#!=:\\", out);
-    }
+std::wstring convWcharTo8859_1_Value(std::wstring_view value) {
+    return escaped(value, L"#!=:\\");
 }
 
-void convWcharTo8859_1(const std::wstring& key, const std::wstring& value, std::wstring& out) {
-    convWcharTo8859_1_Key(key, out);
-    out += L'=';
-    convWcharTo8859_1_Value(value, out);
+std::wstring convWcharTo8859_1(std::wstring_view key, std::wstring_view value) {
+    return convWcharTo8859_1_Key(key) + L'=' + convWcharTo8859_1_Value(value);
 }
 
 std::string propertyLines(std::string_view key, std::string_view value) {

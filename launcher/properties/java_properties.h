@@ -11,11 +11,11 @@ namespace rcp {
 /// Appends the four lowest hexadecimal digits of `codePoint`, lower-case. Higher ones are dropped:
 /// there is no surrogate-pair encoding.
 void addHexDigits(std::wstring& out, std::uint32_t codePoint);
-/// Append the escaped form of a key or value. Only keys escape blanks.
-void convWcharTo8859_1_Key(const std::wstring& key, std::wstring& out);
-void convWcharTo8859_1_Value(const std::wstring& value, std::wstring& out);
-/// Appends escaped key, "=", escaped value.
-void convWcharTo8859_1(const std::wstring& key, const std::wstring& value, std::wstring& out);
+/// The escaped form of a key or value. Only keys escape blanks.
+std::wstring convWcharTo8859_1_Key(std::wstring_view key);
+std::wstring convWcharTo8859_1_Value(std::wstring_view value);
+/// Escaped key, "=", escaped value.
+std::wstring convWcharTo8859_1(std::wstring_view key, std::wstring_view value);
 
 /// An entry as it stands in a file, with its line feeds. `key` and `value` are in their written form.
 /// The launcher's reader takes a line in pieces, and what stands behind the first would be an entry

@@ -32,9 +32,9 @@ void traceModification(const std::wstring& before, const std::wstring& after) {
     }
 }
 
-// The copy of a text that an observer is shown as what stood there before.
-std::wstring observed(const std::wstring& text) {
-    return observer == nullptr ? std::wstring() : text;
+// The copy of a text that an observer is shown when the text itself has changed.
+std::wstring observed(std::wstring_view text) {
+    return observer == nullptr ? std::wstring() : std::wstring(text);
 }
 
 void tellObserver(const std::wstring& before, std::wstring_view placeholder,
@@ -44,17 +44,13 @@ void tellObserver(const std::wstring& before, std::wstring_view placeholder,
     }
 }
 
-bool getEnvironmentValue(std::wstring_view rest, std::wstring& value) {
+std::optional<std::wstring> getEnvironmentValue(std::wstring_view rest) {
     const std::size_t comma = rest.find(L',');
-    if (std::optional<std::wstring> found = getEnv(std::wstring(rest.substr(0, comma)))) {
-        value = *std::move(found);
-        return true;
+    std::optional<std::wstring> value = getEnv(std::wstring(rest.substr(0, comma)));
+    if (!value && comma != std::wstring_view::npos) {
+        value = rest.substr(comma + 1);
     }
-    if (comma == std::wstring_view::npos) {
-        return false;
-    }
-    value = rest.substr(comma + 1);
-    return true;
+    return value;
 }
 
 }  // namespace
@@ -95,61 +91,53 @@ void replaceStdPlaceholders(const StandardLocations& locations, std::wstring& te
     replaceEvery(text, L"${rcp.data}", locations.workspace);
 }
 
-std::size_t findLastPlaceholder(const std::wstring& text, std::size_t limit, std::size_t& end,
-                                std::wstring& name) {
+std::optional<Placeholder> findLastPlaceholder(std::wstring_view text, std::size_t limit) {
     const std::size_t begin = text.rfind(L"${", limit);
-    if (begin == std::wstring::npos) {
-        return begin;
+    if (begin == std::wstring_view::npos) {
+        return std::nullopt;
     }
-    end = text.find(L'}', begin + 2);
-    if (end == std::wstring::npos) {
-        return end;
+    const std::size_t end = text.find(L'}', begin + 2);
+    if (end == std::wstring_view::npos) {
+        return std::nullopt;
     }
-    name.assign(text, begin + 2, end - begin - 2);
-    return begin;
+    return Placeholder{begin, end, text.substr(begin + 2, end - begin - 2)};
 }
 
-bool getPlaceholderValue(const std::wstring& name, std::wstring& value,
-                         const PropertyList& properties) {
-    const std::wstring_view view = name;
-    if (view.starts_with(L"env.")) {
-        if (getEnvironmentValue(view.substr(4), value)) {
-            return true;
-        }
-    } else if (view.starts_with(L"prop.")) {
-        if (const std::wstring* found = findProperty(view.substr(5), properties)) {
-            value = *found;
-            return true;
+std::optional<std::wstring> getPlaceholderValue(std::wstring_view name,
+                                                const PropertyList& properties) {
+    if (name.starts_with(L"env.")) {
+        return getEnvironmentValue(name.substr(4));
+    }
+    if (name.starts_with(L"prop.")) {
+        if (const std::wstring* found = findProperty(name.substr(5), properties)) {
+            return *found;
         }
     }
-    value = L"${" + name + L"}";
-    return false;
+    return std::nullopt;
 }
 
 bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties) {
     const std::size_t longest = text.size() + kLongestGrowth;
     bool allResolved = true;
     std::size_t limit = text.size();
-    std::size_t end = 0;
-    std::wstring name;
-    std::wstring value;
     for (int replacements = 0;; ++replacements) {
-        const std::size_t begin = findLastPlaceholder(text, limit, end, name);
-        if (begin == std::wstring::npos) {
+        const std::optional<Placeholder> last = findLastPlaceholder(text, limit);
+        if (!last) {
             return allResolved;
         }
         if (replacements == kMostReplacements || text.size() > longest) {
             return false;
         }
-        if (getPlaceholderValue(name, value, properties)) {
+        limit = last->begin;
+        if (const std::optional<std::wstring> value = getPlaceholderValue(last->name, properties)) {
+            const std::wstring name = observed(last->name);
             const std::wstring before = observer == nullptr ? traced(text) : text;
-            text.replace(begin, end + 1 - begin, value);
+            text.replace(last->begin, last->end + 1 - last->begin, *value);
             traceModification(before, text);
-            tellObserver(before, name, value, text);
-            limit = begin + value.size();
+            tellObserver(before, name, *value, text);
+            limit += value->size();
         } else {
             allResolved = false;
-            limit = begin;
         }
         // The limit is the last character in front of here; there is none at the very start.
         if (limit == 0) {

@@ -7,6 +7,7 @@
 #include "launcher/properties/vm_argument_map.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -33,15 +34,20 @@ void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir);
 /// Replaces every standard placeholder in `text`. Inserted text is not searched again.
 void replaceStdPlaceholders(const StandardLocations& locations, std::wstring& text);
 
-/// The position of the last "${" at or before `limit` that has a "}" behind it, npos without one.
-/// `end` is the position of that "}", `name` the text between. "The last one first" resolves nested
-/// placeholders from the inside out.
-std::size_t findLastPlaceholder(const std::wstring& text, std::size_t limit, std::size_t& end,
-                                std::wstring& name);
+/// Where a placeholder stands in a text.
+struct Placeholder {
+    std::size_t begin = 0;   // of "${"
+    std::size_t end = 0;     // of "}"
+    std::wstring_view name;  // between the two, as long as the text stays
+};
 
-/// Resolves a user placeholder's name. False: `value` is the placeholder itself.
-bool getPlaceholderValue(const std::wstring& name, std::wstring& value,
-                         const PropertyList& properties);
+/// The last "${" at or before `limit`, if a "}" stands behind it. "The last one first" resolves nested
+/// placeholders from the inside out.
+std::optional<Placeholder> findLastPlaceholder(std::wstring_view text, std::size_t limit);
+
+/// The value of a user placeholder's name; none when it cannot be resolved.
+std::optional<std::wstring> getPlaceholderValue(std::wstring_view name,
+                                                const PropertyList& properties);
 
 /// Replaces the user placeholders in `text`, inserted values included; true when all resolved. One
 /// that keeps bringing itself back is given up after a bounded number of replacements and length

@@ -46,7 +46,7 @@ void fillIn(const Feature& feature, std::wstring& line, const PropertyList& prop
 }
 
 bool writePlatformXml(const std::wstring& master, const std::wstring& target,
-                      const PropertyList& properties, bool bareFeatures) {
+                      const PropertyList& properties, Features features) {
     const Stream from = open_file(master, L"r");
     if (!from) {
         report(because(errno), "ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
@@ -65,7 +65,7 @@ bool writePlatformXml(const std::wstring& master, const std::wstring& target,
             reportUnreadableLine(master, position.line);
             continue;
         }
-        const std::wstring filled = platformXmlLine(line, properties, bareFeatures);
+        const std::wstring filled = platformXmlLine(line, properties, features);
         const std::string bytes = toNarrow(filled);
         if (bytes.empty() && !filled.empty()) {
             report(because("a value filled in is no text of this locale")
@@ -83,12 +83,12 @@ bool writePlatformXml(const std::wstring& master, const std::wstring& target,
 
 }  // namespace
 
-std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, bool bareFeatures) {
+std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, Features features) {
     for (const Feature& feature : kFeatures) {
         if (line.find(feature.idPlaceholder) == std::wstring::npos) {
             continue;
         }
-        if (bareFeatures) {
+        if (features == Features::kBare) {
             line = L"<feature>";
         } else {
             fillIn(feature, line, properties);
@@ -97,7 +97,7 @@ std::wstring platformXmlLine(std::wstring line, const PropertyList& properties, 
     return line;
 }
 
-bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, bool bareFeatures) {
+bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, Features features) {
     const PropertyList& properties = inputs.properties;
     const InstallConfiguration configuration = inputs.traits.eConfig;
     if (configuration == InstallConfiguration::kUserpb) {
@@ -112,7 +112,7 @@ bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, boo
     const std::wstring* managed = findProperty(L"update.policy.managed", properties);
     if (!exists(target) && (managed == nullptr || *managed != L"false")) {
         return writePlatformXml(getCoreFileLocation(configuration, base, L"platform.xml"), target,
-                                properties, bareFeatures) ||
+                                properties, features) ||
                isMissing;
     }
     return isMissing;

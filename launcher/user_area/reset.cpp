@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -35,7 +36,8 @@ std::wstring savedName(const std::wstring& name) {
 
 void saveFile(const std::wstring& name, const std::wstring& workspace,
               const std::wstring& configuration) {
-    handleCopy({workspace, savedName(name)}, {updateDirectory(configuration), name}, false, false);
+    handleCopy({workspace, savedName(name)}, {updateDirectory(configuration), name},
+               Need::kOptional, Transfer::kCopy);
 }
 
 void saveKeptFiles(const std::wstring& workspace, const std::wstring& configuration) {
@@ -48,11 +50,11 @@ void saveKeptFiles(const std::wstring& workspace, const std::wstring& configurat
 void rebuildConfiguration(const std::wstring& workspace, const std::wstring& configuration,
                           const char* message) {
     const std::wstring path = osPath(configuration);
-    handleDirMove(path + L"bak", path, true);
+    handleDirMove(path + L"bak", path, Need::kRequired);
     const std::wstring update = updateDirectory(configuration);
     ensureDirectory(update, message);
     for (const wchar_t* name : kKeptFiles) {
-        handleFileMove({update, name}, {workspace, savedName(name)}, false);
+        handleFileMove({update, name}, {workspace, savedName(name)}, Need::kOptional);
     }
 }
 
@@ -195,18 +197,18 @@ void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base) {
     }
 }
 
-void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required, bool move) {
+void handleCopy(const CopyPlace& target, const CopyPlace& source, Need need, Transfer transfer) {
     const std::wstring to = pathOf(target);
     const std::wstring from = pathOf(source);
     if (!exists(from)) {
-        if (required) {
+        if (need == Need::kRequired) {
             fatal(because(errno), "ZYPRA0109E: Unable to locate '%ls' for copying", from);
         }
         SvcDebugOutW(L"ZYPRA0110I: '%s' not found", from);
         return;
     }
     clearTarget(to);
-    if (move) {
+    if (transfer == Transfer::kMove) {
         if (!moveFile(from, to)) {
             fatal(because(errno), "ZYPRA0141E: Can't move file/dir  '%ls'", from);
         }
@@ -215,26 +217,29 @@ void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required,
     }
 }
 
-void handleFileMove(const CopyPlace& target, const CopyPlace& source, bool required) {
-    handleCopy(target, source, required, true);
+void handleFileMove(const CopyPlace& target, const CopyPlace& source, Need need) {
+    handleCopy(target, source, need, Transfer::kMove);
 }
 
-void handleDirMove(const std::wstring& target, const std::wstring& source, bool required) {
-    handleCopy({target, L""}, {source, L""}, required, true);
+void handleDirMove(const std::wstring& target, const std::wstring& source, Need need) {
+    handleCopy({target, L""}, {source, L""}, need, Transfer::kMove);
 }
 
-void getRestartExe(std::wstring& executable, const Arguments& arguments,
-                   const PropertyList& properties, const std::wstring& rcpHome) {
+std::optional<std::wstring> getRestartExe(const Arguments& arguments,
+                                          const PropertyList& properties,
+                                          const std::wstring& rcpHome) {
     const std::wstring* name = optionValue(L"-config", arguments);
     if (name == nullptr) {
-        return;
+        return std::nullopt;
     }
     const std::wstring key = L"config." + *name + L".restartExe." + getOS();
-    if (const std::wstring* value = findProperty(key, properties)) {
-        executable = *value;
-        replaceFirstRcpHome(executable, rcpHome);
-        convertToOsSeparator(executable);
+    const std::wstring* value = findProperty(key, properties);
+    if (value == nullptr) {
+        return std::nullopt;
     }
+    std::wstring executable = *value;
+    replaceFirstRcpHome(executable, rcpHome);
+    return osPath(std::move(executable));
 }
 
 }  // namespace rcp

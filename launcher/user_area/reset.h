@@ -12,6 +12,7 @@
 
 #include "launcher/inputs/launch_inputs.h"
 
+#include <optional>
 #include <string>
 
 namespace rcp {
@@ -29,15 +30,21 @@ struct CopyPlace {
     std::wstring name;
 };
 
-/// Copies or moves `source` to `target`, replacing what is there. A missing source ends the launch
-/// only when it is `required`; every other failure always does.
-void handleCopy(const CopyPlace& target, const CopyPlace& source, bool required, bool move);
-void handleFileMove(const CopyPlace& target, const CopyPlace& source, bool required);
-void handleDirMove(const std::wstring& target, const std::wstring& source, bool required);
+/// Whether the launch goes on without the source.
+enum class Need { kOptional, kRequired };
+/// Whether the source stays.
+enum class Transfer { kCopy, kMove };
 
-/// For "-config NAME": `executable` becomes the value of "config.NAME.restartExe.macosx", if there
-/// is one, with its first "${rcp.home}" replaced. Otherwise it stays.
-void getRestartExe(std::wstring& executable, const Arguments& arguments,
-                   const PropertyList& properties, const std::wstring& rcpHome);
+/// Brings `source` to `target`, replacing what is there. A missing source ends the launch only when
+/// it is required; every other failure always does.
+void handleCopy(const CopyPlace& target, const CopyPlace& source, Need need, Transfer transfer);
+void handleFileMove(const CopyPlace& target, const CopyPlace& source, Need need);
+void handleDirMove(const std::wstring& target, const std::wstring& source, Need need);
+
+/// For "-config NAME": the value of "config.NAME.restartExe.macosx", if there is one, with its first
+/// "${rcp.home}" replaced. None otherwise.
+std::optional<std::wstring> getRestartExe(const Arguments& arguments,
+                                          const PropertyList& properties,
+                                          const std::wstring& rcpHome);
 
 }  // namespace rcp

@@ -28,13 +28,11 @@ struct Line {
 };
 
 Line makeLine(const std::wstring& key, const std::wstring& value, const char* failed) {
-    std::wstring escaped;
-    convWcharTo8859_1_Value(value, escaped);
-    return {propertyLines(toNarrow(key), toNarrow(escaped)), failed};
+    return {propertyLines(toNarrow(key), toNarrow(convWcharTo8859_1_Value(value))), failed};
 }
 
-std::wstring programPath(const std::wstring* restartExe) {
-    if (restartExe != nullptr && !restartExe->empty()) {
+std::wstring programPath(const std::optional<std::wstring>& restartExe) {
+    if (restartExe && !restartExe->empty()) {
         return *restartExe;
     }
     return getLauncherPath();
@@ -54,7 +52,7 @@ std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& pro
 
 // The arguments to record, in order.
 std::vector<std::wstring> recordedArguments(const Arguments& arguments,
-                                            const std::wstring* restartExe,
+                                            const std::optional<std::wstring>& restartExe,
                                             const PropertyList& properties,
                                             const std::wstring& installDir) {
     const int restart = findOption(L"-restart", arguments);
@@ -104,7 +102,7 @@ bool isWritten(const std::wstring& path, const std::vector<Line>& lines) {
 }  // namespace
 
 void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
-                      const std::wstring* restartExe, const PropertyList& properties,
+                      const std::optional<std::wstring>& restartExe, const PropertyList& properties,
                       const std::wstring& installDir) {
     const std::wstring path = osPath(configuration + L"/args.properties");
     const std::vector<Line> lines =

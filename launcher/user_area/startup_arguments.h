@@ -5,16 +5,17 @@
 #include "launcher/inputs/arguments.h"
 #include "launcher/properties/property_list.h"
 
+#include <optional>
 #include <string>
 
 namespace rcp {
 
 /// Writes "args.properties" into the configuration directory: the arguments less those that belong
-/// to this one start, then their number, then the library path. `restartExe` (may be null or empty)
+/// to this one start, then their number, then the library path. `restartExe` (none or empty: not given)
 /// is the program to restart with; without one it is the launcher. Every failure ends the launch
 /// and leaves an older file as it was.
 void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
-                      const std::wstring* restartExe, const PropertyList& properties,
+                      const std::optional<std::wstring>& restartExe, const PropertyList& properties,
                       const std::wstring& installDir);
 
 }  // namespace rcp

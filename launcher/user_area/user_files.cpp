@@ -67,9 +67,7 @@ std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList
     }
     std::wstring path = *property;
     convertBS2S(path);
-    std::wstring escaped;
-    convWcharTo8859_1_Value(path, escaped);
-    return escaped;
+    return convWcharTo8859_1_Value(path);
 }
 
 // The errno of a copy that could not be read to its end, else 0.
@@ -166,15 +164,15 @@ std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
     return block;
 }
 
-int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
-                                const PropertyList& properties) {
+bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
+                                 const PropertyList& properties) {
     const Stream from = open_file(osPath(copy), L"r");
     WholeFile file(osPath(target), L".new");
     if (!from || !file.open()) {
         report(because(errno),
                "ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
                "rcpinstall.properties files.");
-        return -1;
+        return false;
     }
     const int readError = copyLines(*from, file);
     const std::optional<UserFileBlock> block = userFileBlock(properties);
@@ -188,9 +186,9 @@ int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& ta
     }
     if (readError != 0 || !file.write(block->lines) || !file.commit()) {
         report(because(readError != 0 ? readError : errno), kAppendFailed);
-        return -1;
+        return false;
     }
-    return 0;
+    return true;
 }
 
 }  // namespace rcp

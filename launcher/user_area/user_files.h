@@ -25,10 +25,10 @@ bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base)
 /// The user's "rcpinstall.properties".
 std::wstring userFileOf(const std::wstring& configuration);
 
-/// Writes the per-user form of the copy at `copy` to `target`, by way of `target` + ".new". Returns
-/// -1 when one of the files cannot be opened or the result cannot be put in place, else 0.
-int fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
-                                const PropertyList& properties);
+/// Writes the per-user form of the copy at `copy` to `target`, by way of `target` + ".new". False
+/// when one of the files cannot be opened or the result cannot be put in place.
+bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
+                                 const PropertyList& properties);
 
 /// Decides line by line what of the master copy the user gets. An entry is dropped whole, its
 /// continuation lines included:

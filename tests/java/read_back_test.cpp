@@ -49,8 +49,7 @@ std::wstring fromDigits(const std::string& digits) {
 }
 
 std::string shown(const std::wstring& text) {
-    std::wstring escaped;
-    convWcharTo8859_1_Key(text, escaped);
+    const std::wstring escaped = convWcharTo8859_1_Key(text);
     return {escaped.begin(), escaped.end()};
 }
 
@@ -92,9 +91,7 @@ class JavaReadBack : public testing::Test {
         const std::string file = folder + "/escaped.properties";
         std::ofstream out(file, std::ios::binary);
         for (const auto& [key, value] : entries) {
-            std::wstring line;
-            convWcharTo8859_1(key, value, line);
-            out << toNarrow(line) << '\n';
+            out << toNarrow(convWcharTo8859_1(key, value)) << '\n';
         }
         out.close();
         return read(file);
@@ -210,7 +207,7 @@ TEST_F(JavaReadBack, RecordedArgumentsComeBack) {
         expected[L"arg" + std::to_wstring(i)] = asValue(arguments.back());
     }
     setenv("DYLD_LIBRARY_PATH", "/ä: /b=c ", 1);
-    writeStartupArgs(arguments, toWide(folder), &restartExe, {}, L"/opt/i");
+    writeStartupArgs(arguments, toWide(folder), restartExe, {}, L"/opt/i");
     unsetenv("DYLD_LIBRARY_PATH");
     expectEqual(expected, read(folder + "/args.properties"));
 }
@@ -234,9 +231,8 @@ TEST_F(JavaReadBack, PathsOfTheUsersFileComeBack) {
         properties.append({L"jvm.location", paths[0], {}});
         properties.append({L"rcp.base.location", paths[1], {}});
         const std::string target = folder + "/rcpinstall.properties";
-        ASSERT_EQ(fixUserRCPInstallProperties(toWide(folder + "/core.properties"), toWide(target),
-                                              properties),
-                  0);
+        ASSERT_TRUE(fixUserRCPInstallProperties(toWide(folder + "/core.properties"), toWide(target),
+                                                properties));
         expectEqual({{L"rcp.install.id", L"abc"},
                      {L"vm", expected[0]},
                      {L"rcp.base.location", expected[1]},
@@ -282,7 +278,7 @@ TEST_F(JavaReadBack, LongRecordedArgumentsComeBack) {
         arguments.push_back(L"velmo://" + value);
     }
     unsetenv("DYLD_LIBRARY_PATH");
-    writeStartupArgs(arguments, toWide(folder), &restartExe, {}, L"/opt/i");
+    writeStartupArgs(arguments, toWide(folder), restartExe, {}, L"/opt/i");
     Entries expected = {{L"arg0", restartExe},
                         {L"argc", std::to_wstring(arguments.size())},
                         {L"com.ovr.rcp.core.internal.librarypath", L""}};

@@ -13,9 +13,7 @@
 namespace rcp::test {
 
 inline std::wstring escapedValue(const std::wstring& value) {
-    std::wstring escaped;
-    convWcharTo8859_1_Value(value, escaped);
-    return escaped;
+    return convWcharTo8859_1_Value(value);
 }
 
 /// A text whose written form has `length` bytes. `density` in ten of its characters are special.

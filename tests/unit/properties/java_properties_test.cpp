@@ -19,15 +19,11 @@ namespace rcp {
 namespace {
 
 std::wstring key(const std::wstring& text) {
-    std::wstring out;
-    convWcharTo8859_1_Key(text, out);
-    return out;
+    return convWcharTo8859_1_Key(text);
 }
 
 std::wstring value(const std::wstring& text) {
-    std::wstring out;
-    convWcharTo8859_1_Value(text, out);
-    return out;
+    return convWcharTo8859_1_Value(text);
 }
 
 std::wstring digits(std::uint32_t codePoint) {
@@ -105,16 +101,12 @@ TEST(JavaProperties, ValueThatIsNoCharacterIsNumberedToo) {
     EXPECT_EQ(value({WCHAR_MIN}), L"\\u0000");
 }
 
-TEST(JavaProperties, LineIsKeyEqualsValueAppendedToWhatIsThere) {
-    std::wstring out = L"before ";
-    convWcharTo8859_1(L"a b", L" c=d", out);
-    EXPECT_EQ(out, L"before a\\ b= c\\=d");
+TEST(JavaProperties, LineIsKeyEqualsValue) {
+    EXPECT_EQ(convWcharTo8859_1(L"a b", L" c=d"), L"a\\ b= c\\=d");
 }
 
 TEST(JavaProperties, EmptyTextsGiveAnEmptyKeyAndValue) {
-    std::wstring out;
-    convWcharTo8859_1(L"", L"", out);
-    EXPECT_EQ(out, L"=");
+    EXPECT_EQ(convWcharTo8859_1(L"", L""), L"=");
 }
 
 // --- Entries that do not fit a line ---

@@ -13,8 +13,6 @@ using test::propertyList;
 using test::ScopedVariable;
 using testing::HasSubstr;
 
-constexpr std::size_t kNone = std::wstring::npos;
-
 const StandardLocations kLocations{.workspace = L"/ws", .installDir = L"/opt/x"};
 
 std::wstring withStandard(std::wstring text, const StandardLocations& locations = kLocations) {
@@ -62,13 +60,12 @@ TEST(FirstRcpHome, OnlyTheFirstIsReplaced) {
 
 // Position, end and name of the last placeholder, as text.
 std::wstring last(const std::wstring& text, std::size_t limit) {
-    std::size_t end = 0;
-    std::wstring name;
-    const std::size_t begin = findLastPlaceholder(text, limit, end, name);
-    if (begin == kNone) {
+    const std::optional<Placeholder> found = findLastPlaceholder(text, limit);
+    if (!found) {
         return L"none";
     }
-    return std::to_wstring(begin) + L"-" + std::to_wstring(end) + L" " + name;
+    return std::to_wstring(found->begin) + L"-" + std::to_wstring(found->end) + L" " +
+           std::wstring(found->name);
 }
 
 TEST(LastPlaceholder, IsTheLastOneAtOrBeforeTheLimit) {
@@ -98,11 +95,10 @@ TEST(LastPlaceholder, NeedsBothDelimiters) {
     }
 }
 
-// The value of a name, behind "+" when it resolved and "-" when it did not.
+// The value of a name behind "+", "-" when it has none.
 std::wstring valueOf(const std::wstring& name, const Pairs& properties = {}) {
-    std::wstring value = L"before";
-    const bool resolved = getPlaceholderValue(name, value, propertyList(properties));
-    return (resolved ? L"+" : L"-") + value;
+    const std::optional<std::wstring> value = getPlaceholderValue(name, propertyList(properties));
+    return value ? L"+" + *value : L"-";
 }
 
 TEST(PlaceholderValue, VariableGivesItsValue) {
@@ -126,20 +122,20 @@ TEST(PlaceholderValue, DefaultStandsBehindTheFirstComma) {
 
 TEST(PlaceholderValue, UnsetVariableWithoutDefaultIsUnresolved) {
     const ScopedVariable a("RCP_TEST_A");
-    EXPECT_EQ(valueOf(L"env.RCP_TEST_A"), L"-${env.RCP_TEST_A}");
+    EXPECT_EQ(valueOf(L"env.RCP_TEST_A"), L"-");
 }
 
 TEST(PlaceholderValue, PropertyGivesItsFirstValue) {
     EXPECT_EQ(valueOf(L"prop.k", {{L"j", L"0"}, {L"k", L"1"}, {L"k", L"2"}}), L"+1");
     EXPECT_EQ(valueOf(L"prop.k", {{L"k", L""}}), L"+");
-    EXPECT_EQ(valueOf(L"prop.a,b", {{L"a", L"1"}}), L"-${prop.a,b}") << "only env has defaults";
-    EXPECT_EQ(valueOf(L"prop.K", {{L"k", L"1"}}), L"-${prop.K}");
+    EXPECT_EQ(valueOf(L"prop.a,b", {{L"a", L"1"}}), L"-") << "only env has defaults";
+    EXPECT_EQ(valueOf(L"prop.K", {{L"k", L"1"}}), L"-");
 }
 
 TEST(PlaceholderValue, EveryOtherNameIsUnresolved) {
     const Pairs properties = {{L"", L"1"}, {L"k", L"1"}};
     for (const wchar_t* name : {L"", L"k", L"ENV.HOME", L"Prop.k", L"env", L"prop", L"rcp.home"}) {
-        EXPECT_EQ(valueOf(name, properties), L"-${" + std::wstring(name) + L"}");
+        EXPECT_EQ(valueOf(name, properties), L"-");
     }
 }
 

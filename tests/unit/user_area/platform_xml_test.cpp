@@ -14,11 +14,12 @@ class PlatformXml : public UserAreaTest {
                                       {L"jvm.parent.feature.id", L"com.parent"},
                                       {L"jvm.parent.feature.version", L"9.0"}});
 
-    [[nodiscard]] std::wstring line(const std::wstring& text, bool bareFeatures = false) const {
-        return platformXmlLine(text, properties, bareFeatures);
+    [[nodiscard]] std::wstring line(const std::wstring& text,
+                                    Features features = Features::kFilledIn) const {
+        return platformXmlLine(text, properties, features);
     }
-    bool create(bool bareFeatures = false) {
-        return createPlatformXML(with(properties), base(), bareFeatures);
+    bool create(Features features = Features::kFilledIn) {
+        return createPlatformXML(with(properties), base(), features);
     }
 };
 
@@ -70,17 +71,17 @@ TEST_F(PlatformXml, InsertedIdThatIsTheParentsPlaceholderIsTheParentsNext) {
 }
 
 TEST_F(PlatformXml, BareFeatureLinesLoseEverythingElse) {
-    EXPECT_EQ(line(L"  <x a=\"${jvm.feature.id}\" b>", true), L"<feature>");
-    EXPECT_EQ(line(L"${jvm.parent.feature.id} tail", true), L"<feature>");
-    EXPECT_EQ(line(L"${jvm.feature.id} ${jvm.parent.feature.id}", true), L"<feature>");
-    EXPECT_EQ(line(L"${jvm.feature.version}", true), L"${jvm.feature.version}");
-    EXPECT_EQ(line(L"<y>", true), L"<y>");
+    EXPECT_EQ(line(L"  <x a=\"${jvm.feature.id}\" b>", Features::kBare), L"<feature>");
+    EXPECT_EQ(line(L"${jvm.parent.feature.id} tail", Features::kBare), L"<feature>");
+    EXPECT_EQ(line(L"${jvm.feature.id} ${jvm.parent.feature.id}", Features::kBare), L"<feature>");
+    EXPECT_EQ(line(L"${jvm.feature.version}", Features::kBare), L"${jvm.feature.version}");
+    EXPECT_EQ(line(L"<y>", Features::kBare), L"<y>");
 }
 
 TEST_F(PlatformXml, BareFeatureLinesNeedNoProperties) {
     properties = {};
     const Records records(folder_);
-    EXPECT_EQ(line(L"${jvm.feature.id} ${jvm.parent.feature.id}", true), L"<feature>");
+    EXPECT_EQ(line(L"${jvm.feature.id} ${jvm.parent.feature.id}", Features::kBare), L"<feature>");
     EXPECT_EQ(records.text(), "");
 }
 
@@ -113,7 +114,7 @@ TEST_F(PlatformXml, IsTheMasterCopyWithItsPlaceholdersFilledIn) {
 
 TEST_F(PlatformXml, BareFeaturesReachTheFile) {
     writeCore("platform.xml", "<c>\n<f ${jvm.feature.id}/>\n</c>\n");
-    EXPECT_TRUE(create(true));
+    EXPECT_TRUE(create(Features::kBare));
     EXPECT_EQ(own(kFile), "<c>\n<feature>\n</c>\n");
 }
 

@@ -240,27 +240,27 @@ TEST_F(Reset, UpdateDirectoryThatCannotBeMadeIsFatalUnderTwoNumbers) {
 
 TEST_F(Reset, MissingSourceMattersOnlyWhenItIsRequired) {
     const Records records(folder_);
-    handleCopy({workspace(), L"t"}, {workspace(), L"missing"}, false, false);
-    handleFileMove({workspace(), L"t"}, {workspace(), L"missing"}, false);
+    handleCopy({workspace(), L"t"}, {workspace(), L"missing"}, Need::kOptional, Transfer::kCopy);
+    handleFileMove({workspace(), L"t"}, {workspace(), L"missing"}, Need::kOptional);
     EXPECT_EQ(records.text(), "") << "information is traced only";
     EXPECT_FALSE(workspaceHas("t"));
-    EXPECT_FATAL(handleFileMove({workspace(), L"t"}, {workspace(), L"missing"}, true),
+    EXPECT_FATAL(handleFileMove({workspace(), L"t"}, {workspace(), L"missing"}, Need::kRequired),
                  "ZYPRA0109E: Unable to locate '.*/ws/missing' for copying");
 }
 
 TEST_F(Reset, MissingSourceLeavesTheTarget) {
     folder_.write("ws/t", "kept");
-    handleCopy({workspace(), L"t"}, {workspace(), L"missing"}, false, false);
+    handleCopy({workspace(), L"t"}, {workspace(), L"missing"}, Need::kOptional, Transfer::kCopy);
     EXPECT_EQ(inWorkspace("t"), "kept");
 }
 
 TEST_F(Reset, CopyKeepsTheSourceAndMoveDoesNot) {
     folder_.write("ws/s", "text");
     folder_.write("ws/t", "older");
-    handleCopy({workspace(), L"t"}, {workspace(), L"s"}, true, false);
+    handleCopy({workspace(), L"t"}, {workspace(), L"s"}, Need::kRequired, Transfer::kCopy);
     EXPECT_EQ(inWorkspace("t"), "text");
     EXPECT_EQ(inWorkspace("s"), "text");
-    handleFileMove({workspace(), L"u"}, {workspace(), L"s"}, true);
+    handleFileMove({workspace(), L"u"}, {workspace(), L"s"}, Need::kRequired);
     EXPECT_EQ(inWorkspace("u"), "text");
     EXPECT_FALSE(workspaceHas("s"));
 }
@@ -268,14 +268,14 @@ TEST_F(Reset, CopyKeepsTheSourceAndMoveDoesNot) {
 TEST_F(Reset, DirectoryInTheWayOfAFileIsRemoved) {
     folder_.write("ws/s", "text");
     folder_.write("ws/t/d/f", "older");
-    handleFileMove({workspace(), L"t"}, {workspace(), L"s"}, true);
+    handleFileMove({workspace(), L"t"}, {workspace(), L"s"}, Need::kRequired);
     EXPECT_EQ(inWorkspace("t"), "text");
     EXPECT_FALSE(workspaceHas("tdeleteme0001"));
 }
 
 TEST_F(Reset, DirectoryIsMovedWithAllThatIsInIt) {
     folder_.write("ws/s/d/f", "text");
-    handleDirMove(folder_.wide("ws/t"), folder_.wide() + L"\\ws\\s", true);
+    handleDirMove(folder_.wide("ws/t"), folder_.wide() + L"\\ws\\s", Need::kRequired);
     EXPECT_EQ(inWorkspace("t/d/f"), "text");
     EXPECT_FALSE(workspaceHas("s"));
 }
@@ -284,37 +284,35 @@ TEST_F(Reset, FileThatCannotBeReplacedIsFatal) {
     folder_.write("ws/s", "");
     folder_.write("closed/t", "");
     close("closed");
-    EXPECT_FATAL_AS_ORDINARY_USER(
-        handleCopy({folder_.wide("closed"), L"t"}, {workspace(), L"s"}, true, false),
-        "ZYPRA0111E: Can't delete old copy of file '" + folder_.narrow("closed/t") +
-            "' : Permission denied");
+    EXPECT_FATAL_AS_ORDINARY_USER(handleCopy({folder_.wide("closed"), L"t"}, {workspace(), L"s"},
+                                             Need::kRequired, Transfer::kCopy),
+                                  "ZYPRA0111E: Can't delete old copy of file '" +
+                                      folder_.narrow("closed/t") + "' : Permission denied");
 }
 
 TEST_F(Reset, DirectoryThatCannotBeReplacedIsFatal) {
     folder_.write("ws/s", "");
     folder_.write("closed/t/f", "");
     close("closed");
-    EXPECT_FATAL_AS_ORDINARY_USER(
-        handleCopy({folder_.wide("closed"), L"t"}, {workspace(), L"s"}, true, true),
-        "ZYPRA0112E: Can't move file/dir  '" + folder_.narrow("closed/t") +
-            "' : Permission denied");
+    EXPECT_FATAL_AS_ORDINARY_USER(handleCopy({folder_.wide("closed"), L"t"}, {workspace(), L"s"},
+                                             Need::kRequired, Transfer::kMove),
+                                  "ZYPRA0112E: Can't move file/dir  '" +
+                                      folder_.narrow("closed/t") + "' : Permission denied");
 }
 
 TEST_F(Reset, MoveThatFailsIsFatal) {
     folder_.write("closed/s", "");
     close("closed");
-    EXPECT_FATAL_AS_ORDINARY_USER(
-        handleFileMove({folder_.wide("log"), L"t"}, {folder_.wide("closed"), L"s"}, true),
-        "ZYPRA0141E: Can't move file/dir  '" + folder_.narrow("closed/s") +
-            "' : Permission denied");
+    EXPECT_FATAL_AS_ORDINARY_USER(handleFileMove({folder_.wide("log"), L"t"},
+                                                 {folder_.wide("closed"), L"s"}, Need::kRequired),
+                                  "ZYPRA0141E: Can't move file/dir  '" +
+                                      folder_.narrow("closed/s") + "' : Permission denied");
 }
 
 // --- The program to restart with ---
 
-std::wstring restartExe(const Arguments& arguments, const PropertyList& properties) {
-    std::wstring executable = L"as it was";
-    getRestartExe(executable, arguments, properties, L"/opt/i");
-    return executable;
+std::optional<std::wstring> restartExe(const Arguments& arguments, const PropertyList& properties) {
+    return getRestartExe(arguments, properties, L"/opt/i");
 }
 
 TEST_F(Reset, RestartProgramIsThatOfTheNamedConfiguration) {
@@ -327,13 +325,13 @@ TEST_F(Reset, RestartProgramIsThatOfTheNamedConfiguration) {
               L"/other");
 }
 
-TEST_F(Reset, RestartProgramStaysWithoutANamedConfigurationThatHasOne) {
+TEST_F(Reset, RestartProgramIsNoneWithoutANamedConfigurationThatHasOne) {
     const PropertyList properties = listOf(
         {{L"config.initial.restartExe.macosx", L"/x"}, {L"config.linux.restartExe.linux", L"/y"}});
     for (const Arguments& arguments :
          {Arguments{L"p"}, Arguments{L"p", L"-config"}, Arguments{L"p", L"-config", L"none"},
           Arguments{L"p", L"-config", L"linux"}, Arguments{L"p", L"-Config", L"initial"}}) {
-        EXPECT_EQ(restartExe(arguments, properties), L"as it was");
+        EXPECT_EQ(restartExe(arguments, properties), std::nullopt);
     }
 }
 

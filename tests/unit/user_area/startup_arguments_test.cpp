@@ -16,7 +16,7 @@ class StartupArguments : public UserAreaTest {
     ~StartupArguments() override { unsetenv("DYLD_LIBRARY_PATH"); }
 
     void write(const Arguments& arguments, const std::wstring& restartExe = L"/r/exe") const {
-        writeStartupArgs(arguments, configuration(), &restartExe, properties, L"/opt/i");
+        writeStartupArgs(arguments, configuration(), restartExe, properties, L"/opt/i");
     }
     [[nodiscard]] std::string written() const { return own("args.properties"); }
 
@@ -78,7 +78,8 @@ TEST_F(StartupArguments, WithoutRestartProgramTheLauncherItselfIsRecorded) {
     const std::string withEmpty = written();
     EXPECT_FALSE(withEmpty.starts_with("arg0=\n")) << withEmpty;
     EXPECT_TRUE(withEmpty.starts_with("arg0=/")) << withEmpty;
-    writeStartupArgs({L"/opt/rcp/rcplauncher"}, configuration(), nullptr, properties, L"/opt/i");
+    writeStartupArgs({L"/opt/rcp/rcplauncher"}, configuration(), std::nullopt, properties,
+                     L"/opt/i");
     EXPECT_EQ(written(), withEmpty);
 }
 
@@ -136,13 +137,13 @@ TEST_F(StartupArguments, OlderFileIsReplaced) {
 
 TEST_F(StartupArguments, BackslashesOfTheConfigurationAreTurned) {
     const std::wstring exe = L"/r/exe";
-    writeStartupArgs({L"x"}, folder_.wide() + L"\\ws\\.config", &exe, properties, L"/opt/i");
+    writeStartupArgs({L"x"}, folder_.wide() + L"\\ws\\.config", exe, properties, L"/opt/i");
     EXPECT_TRUE(hasOwn("args.properties"));
 }
 
 TEST_F(StartupArguments, MissingConfigurationDirectoryIsFatal) {
     const std::wstring exe = L"/r/exe";
-    EXPECT_FATAL(writeStartupArgs({L"x"}, folder_.wide("none"), &exe, properties, L"/opt/i"),
+    EXPECT_FATAL(writeStartupArgs({L"x"}, folder_.wide("none"), exe, properties, L"/opt/i"),
                  "ZYPRA0097E: Could not open .*/none/args.properties for writing! : No such file");
 }
 

@@ -11,7 +11,7 @@ class UnchangedStartupArguments : public UserAreaTest {
   protected:
     ino_t fileNumberAfter(const Arguments& arguments) const {
         const std::wstring program = L"/r/exe";
-        writeStartupArgs(arguments, configuration(), &program, {}, L"/opt/i");
+        writeStartupArgs(arguments, configuration(), program, {}, L"/opt/i");
         struct stat status {};
         EXPECT_EQ(stat(folder_.narrow("ws/.config/args.properties").c_str(), &status), 0);
         return status.st_ino;

@@ -259,8 +259,8 @@ TEST_F(UserFilesTest, BlockIsItsOwnFormat) {
 TEST_F(UserFilesTest, MissingCopyIsReportedAndLeavesTheFile) {
     folder_.write("target", "older");
     const Records records(folder_);
-    EXPECT_EQ(fixUserRCPInstallProperties(folder_.wide("none"), folder_.wide("target"), properties),
-              -1);
+    EXPECT_FALSE(
+        fixUserRCPInstallProperties(folder_.wide("none"), folder_.wide("target"), properties));
     EXPECT_TRUE(
         records.has("ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
                     "rcpinstall.properties files. : No such file or directory\n"));
@@ -271,15 +271,15 @@ TEST_F(UserFilesTest, MissingCopyIsReportedAndLeavesTheFile) {
 TEST_F(UserFilesTest, MissingPlaceIsReported) {
     folder_.write("copy", "a=1\n");
     const Records records(folder_);
-    EXPECT_EQ(fixUserRCPInstallProperties(folder_.wide("copy"), folder_.wide("no/t"), properties),
-              -1);
+    EXPECT_FALSE(
+        fixUserRCPInstallProperties(folder_.wide("copy"), folder_.wide("no/t"), properties));
     EXPECT_TRUE(records.has("ZYPRA0074E"));
 }
 
 TEST_F(UserFilesTest, BothPathsMayHaveBackslashes) {
     folder_.write("copy", "a=1\n");
     const std::wstring folder = folder_.wide();
-    EXPECT_EQ(fixUserRCPInstallProperties(folder + L"\\copy", folder + L"\\target", properties), 0);
+    EXPECT_TRUE(fixUserRCPInstallProperties(folder + L"\\copy", folder + L"\\target", properties));
     EXPECT_EQ(folder_.read("target"), "a=1\n" + block());
 }
 
@@ -293,7 +293,7 @@ TEST_F(UserFilesTest, FullDiskIsReportedAndLeavesNoFile) {
     const auto fixLimited = [this] {
         const Records records(folder_);
         const FileSizeLimit limit(30'000);
-        const int result =
+        const bool isFixed =
             fixUserRCPInstallProperties(folder_.wide("copy"), folder_.wide("target"), properties);
         const bool both = records.has(
                               "ZYPRA0001E: Error while copying base rcpinstall.properties to user "
@@ -301,7 +301,7 @@ TEST_F(UserFilesTest, FullDiskIsReportedAndLeavesNoFile) {
                           records.has(
                               "ZYPRA0015E: Unable to append values to user specific "
                               "rcpinstall.properties file. : File too large\n");
-        _exit(result == -1 && both ? 0 : 1);
+        _exit(!isFixed && both ? 0 : 1);
     };
     EXPECT_EXIT(fixLimited(), testing::ExitedWithCode(0), "");
     EXPECT_FALSE(folder_.has("target"));
