@@ -65,7 +65,7 @@ void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments
 /// Every text a record of its own as it stands, all in one write to the log: a launch has dozens of
 /// parameters.
 void SvcDebugOutRecords(std::span<const std::string_view> texts);
-/// The same as SvcDebugOutW; in spite of the name no system error text is added.
+/// The same as SvcDebugOutW; no system error text is added. No launch calls these or Output.
 void SvcDebugLastError(std::wstring_view message);
 void SvcDebugLastError(std::wstring_view format, std::wstring_view argument);
 void Output(std::string_view format, std::span<const FormatArgument> arguments);

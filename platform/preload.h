@@ -22,7 +22,7 @@ std::string readsymln(const std::string& link);
 /// The result of the entry point "logoff" of the deployment library "./lockdown.so". Without
 /// library or entry point the desktop session is ended and the process exits with status 1.
 bool logoff();
-/// Writes the shutdown request file, then logoff(). False when the file cannot be written.
+/// Writes the shutdown request file, then logoff(). False when the file cannot be written. No launch calls it.
 bool shutdown();
 
 }  // namespace rcp

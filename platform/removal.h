@@ -12,7 +12,7 @@ namespace rcp {
 
 /// Deletes the files in the tree below `directory` whose names contain `pattern`.
 /// Directories on the way are removed too when nothing is left in them and reported when something
-/// is. Appends to `errors`; true when nothing failed at the top level.
+/// is. Appends to `errors`; true when nothing failed at the top level. No launch calls it.
 bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
                                         std::wstring& errors);
 

@@ -23,12 +23,12 @@ using WideBuffer = std::unique_ptr<wchar_t[], FreeWideString>;
 WideBuffer newString(std::size_t n);
 /// The same, uninitialised.
 WideBuffer mallocString(std::size_t n);
-/// Appends `source` to `destination`, which must have room for it, and returns `destination`.
+/// Appends `source` to `destination`, which has room for it, and returns it. No launch calls it.
 wchar_t* initMemString(wchar_t* destination, const wchar_t* source);
 
 /// Every backslash becomes "/", in place.
 void convertBS2S(std::wstring& text);
-/// Every "/" becomes a backslash, in place.
+/// Every "/" becomes a backslash, in place. No launch calls it.
 void convertS2BS(std::wstring& text);
 /// The separators of this operating system: the same as convertBS2S.
 void convertToOsSeparator(std::wstring& path);
