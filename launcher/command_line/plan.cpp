@@ -8,7 +8,8 @@ namespace rcp {
 
 void CommandLine::setProgram(Argument path, const Why& why) {
     path.why = &why;
-    arguments_.assign(1, std::move(path));
+    arguments_.clear();
+    arguments_.push_back(std::move(path));
 }
 
 void CommandLine::add(const Argument& argument) {
