@@ -26,13 +26,6 @@ void writeRecord(std::string text) {
     writeToLog(text);
 }
 
-// Trace records: only while tracing, and only for formats of reasonable length.
-void output_doit(std::string_view format, std::span<const FormatArgument> arguments) {
-    if (debug && format.size() < kTraceFormatLimit) {
-        writeRecord(expandFormat(format, arguments));
-    }
-}
-
 constexpr int kFatalStatus = 255;
 
 // Held back so that the report of an exhausted memory has memory to work with.
@@ -96,14 +89,20 @@ void SvcDebugOutA(std::string_view text) {
     }
 }
 
+void SvcDebugOutA(std::string_view format, std::span<const FormatArgument> arguments) {
+    if (debug && format.size() < kTraceFormatLimit) {
+        writeRecord(expandFormat(format, arguments));
+    }
+}
+
 void SvcDebugOutA(std::string_view format, std::string_view argument) {
     const FormatArgument arguments[] = {argument};
-    output_doit(format, arguments);
+    SvcDebugOutA(format, arguments);
 }
 
 void SvcDebugOutA(std::string_view format, int argument) {
     const FormatArgument arguments[] = {static_cast<long>(argument)};
-    output_doit(format, arguments);
+    SvcDebugOutA(format, arguments);
 }
 
 void SvcDebugOutW(std::wstring_view format, std::wstring_view argument) {
@@ -137,18 +136,6 @@ void SvcDebugOutRecords(std::span<const std::string_view> texts) {
         records += '\n';
     }
     writeToLog(records);
-}
-
-void SvcDebugLastError(std::wstring_view message) {
-    SvcDebugOutW(message, std::wstring_view());
-}
-
-void SvcDebugLastError(std::wstring_view format, std::wstring_view argument) {
-    SvcDebugOutW(format, argument);
-}
-
-void Output(std::string_view format, std::span<const FormatArgument> arguments) {
-    output_doit(format, arguments);
 }
 
 std::string Reason::text() const {

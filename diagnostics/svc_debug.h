@@ -58,6 +58,7 @@ bool isTracingAsked();
 void SvcDebugOutA(std::string_view text);
 void SvcDebugOutA(std::string_view format, std::string_view argument);
 void SvcDebugOutA(std::string_view format, int argument);
+void SvcDebugOutA(std::string_view format, std::span<const FormatArgument> arguments);
 void SvcDebugOutW(std::wstring_view format, std::wstring_view argument);
 /// The argument dump: message="first, second, ", with the percent signs of the arguments read as
 /// directives ("%%" becomes "%") and an empty line after it.
@@ -65,10 +66,6 @@ void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments
 /// Every text a record of its own as it stands, all in one write to the log: a launch has dozens of
 /// parameters.
 void SvcDebugOutRecords(std::span<const std::string_view> texts);
-/// The same as SvcDebugOutW; no system error text is added. No launch calls these or Output.
-void SvcDebugLastError(std::wstring_view message);
-void SvcDebugLastError(std::wstring_view format, std::wstring_view argument);
-void Output(std::string_view format, std::span<const FormatArgument> arguments);
 
 // --- Errors: written whatever `debug` is. ---
 

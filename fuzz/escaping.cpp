@@ -100,7 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Fields fields(data, size);
     const std::wstring key = fields.text();
     const std::wstring value = fields.text();
-    const std::wstring line = convWcharTo8859_1(key, value);
+    const std::wstring line = convWcharTo8859_1_Key(key) + L'=' + convWcharTo8859_1_Value(value);
     require(line.size() <= 6 * (key.size() + value.size()) + 1, "the result has a bound");
     require(std::all_of(line.begin(), line.end(), [](wchar_t c) { return c >= 0x20 && c <= 0x7E; }),
             "the result is printable ASCII");

@@ -31,9 +31,9 @@ struct Installation {
 /// Failure ends the launch.
 Installation readInstallation();
 
-/// Prepares the user's area, takes the lock, makes the plan and the environment that it needs in this process. `installation` is what process entry has
-/// read. Every failure ends the launch. None for a launch that has to begin anew: it has decided nothing
-/// yet, but made the workspace if it was missing.
+/// Prepares the user's area, takes the lock, makes the plan and the environment that it needs in this
+/// process. `installation` is what process entry has read. Every failure ends the launch. None for a
+/// launch that has to begin anew: it has decided nothing yet, but made the workspace if it was missing.
 [[nodiscard]] std::optional<Plan> startup(Launch& launch, Installation installation, Start start);
 
 }  // namespace rcp

@@ -1,11 +1,51 @@
 #include "launcher/uncalled.h"
 
 #include "diagnostics/svc_debug.h"
-#include "platform/files.h"
+#include "launcher/properties/java_properties.h"
+#include "platform/process.h"
+#include "platform/removal.h"
+#include "platform/text.h"
+#include "platform/whole_file.h"
 
+#include <dlfcn.h>
 #include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+#include <wchar.h>
+
+#include <algorithm>
 
 namespace rcp {
+namespace {
+
+constexpr char kDeploymentLibrary[] = "./lockdown.so";
+constexpr char kRequestFile[] = "/tmp/obx_shutdown";
+
+// The request is one record of two fixed fields, the rest of each filled with zeros.
+struct ShutdownRequest {
+    char command[256];
+    char argument[256];
+};
+
+[[noreturn]] void endDesktopSession() {
+    runProgram({"killall", "gnome-session"});
+    exit(1);
+}
+
+// Everybody can write in /tmp, so a link planted under the name is never followed.
+bool writeShutdownRequest() {
+    const ShutdownRequest request{"shutdown", "1"};
+    const int descriptor = open(
+        kRequestFile, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool written = write(descriptor, &request, sizeof request) == ssize_t{sizeof request};
+    return close(descriptor) == 0 && written;
+}
+
+}  // namespace
 
 bool isInitMUService(const Arguments& arguments) {
     return hasOption(L"-initMUService", arguments);
@@ -57,6 +97,71 @@ bool isJavaw(const std::wstring& jvm, const std::wstring& name) {
 std::wstring replaceJavaExecutableName(const std::wstring& jvm, const std::wstring& name,
                                        const std::wstring& replacement) {
     return jvm.ends_with(name) ? jvm.substr(0, jvm.size() - name.size()) + replacement : jvm;
+}
+
+std::wstring convWcharTo8859_1(std::wstring_view key, std::wstring_view value) {
+    return convWcharTo8859_1_Key(key) + L'=' + convWcharTo8859_1_Value(value);
+}
+
+wchar_t* initMemString(wchar_t* destination, const wchar_t* source) {
+    return wcscat(destination, source);
+}
+
+void convertS2BS(std::wstring& text) {
+    std::replace(text.begin(), text.end(), L'/', L'\\');
+}
+
+Stream open_wfile(const std::wstring& path, const std::wstring& mode) {
+    return open_file(path, mode);
+}
+
+bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
+                                        std::wstring& errors) {
+    std::string text;
+    const bool succeeded =
+        removeDirectoryContents(toNarrow(directory), toNarrow(pattern), text, "");
+    errors += toWide(text);
+    return succeeded;
+}
+
+bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path) {
+    const std::string xml = list.toXml();
+    WholeFile file(path);
+    return !xml.empty() && file.open() && file.write(xml) && file.commit();
+}
+
+bool userIsAdmin(const std::wstring& /*user*/) {
+    return getuid() == 0;
+}
+
+void SvcDebugLastError(std::wstring_view message) {
+    SvcDebugOutW(message, std::wstring_view());
+}
+
+void SvcDebugLastError(std::wstring_view format, std::wstring_view argument) {
+    SvcDebugOutW(format, argument);
+}
+
+void Output(std::string_view format, std::span<const FormatArgument> arguments) {
+    SvcDebugOutA(format, arguments);
+}
+
+bool logoff() {
+    void* library = dlopen(kDeploymentLibrary, RTLD_LAZY);
+    if (library == nullptr) {
+        endDesktopSession();
+    }
+    const auto entryPoint = reinterpret_cast<bool (*)()>(dlsym(library, "logoff"));
+    if (entryPoint == nullptr) {
+        endDesktopSession();
+    }
+    const bool result = entryPoint();
+    dlclose(library);
+    return result;
+}
+
+bool shutdown() {
+    return writeShutdownRequest() && logoff();
 }
 
 void getCmdString(const Arguments& /*arguments*/) {}

@@ -1,12 +1,17 @@
 // What belongs to the launcher's interface though no launch calls it.
 #pragma once
 
+#include "diagnostics/format.h"
 #include "launcher/inputs/arguments.h"
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/properties/property_list.h"
+#include "platform/files.h"
+#include "platform/platform.h"
 
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace rcp {
 
@@ -35,6 +40,40 @@ bool isJavaw(const std::wstring& jvm, const std::wstring& name);
 /// The JVM path with its ending `name` replaced by `replacement`; any other path as it is.
 std::wstring replaceJavaExecutableName(const std::wstring& jvm, const std::wstring& name,
                                        const std::wstring& replacement);
+
+/// Escaped key, "=", escaped value; propertyLines, which launches call, keeps the line's length too.
+std::wstring convWcharTo8859_1(std::wstring_view key, std::wstring_view value);
+
+/// Appends `source` to `destination`, which has room for it, and returns it.
+wchar_t* initMemString(wchar_t* destination, const wchar_t* source);
+/// Every "/" becomes a backslash, in place.
+void convertS2BS(std::wstring& text);
+
+/// The same as open_file.
+Stream open_wfile(const std::wstring& path, const std::wstring& mode);
+/// Deletes the files in the tree below `directory` whose names contain `pattern`.
+/// Directories on the way are removed too when nothing is left in them and reported when something
+/// is. Appends to `errors`; true when nothing failed at the top level.
+bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
+                                        std::wstring& errors);
+/// Writes `list` as XML in place of the file at `path`, as a whole and with the old file's
+/// permissions. False, with errno set, when it cannot be written; the old file is then untouched.
+bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path);
+
+/// Whether the real user is root, whatever the argument.
+bool userIsAdmin(const std::wstring& user);
+
+/// The same as SvcDebugOutW; no system error text is added.
+void SvcDebugLastError(std::wstring_view message);
+void SvcDebugLastError(std::wstring_view format, std::wstring_view argument);
+/// The same as SvcDebugOutA.
+void Output(std::string_view format, std::span<const FormatArgument> arguments);
+
+/// The result of the entry point "logoff" of a locked-down deployment's library "./lockdown.so". Without
+/// library or entry point the desktop session is ended and the process exits with status 1.
+bool logoff();
+/// Writes the shutdown request file, then logoff(). False when the file cannot be written.
+bool shutdown();
 
 /// Both do nothing.
 void getCmdString(const Arguments& arguments);

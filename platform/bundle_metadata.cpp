@@ -88,11 +88,6 @@ std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
     return platform::parsePropertyList(*bytes);
 }
 
-bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path) {
-    const std::string xml = list.toXml();
-    return !xml.empty() && writeInPlace(path, xml);
-}
-
 void updateInfoPlist(const std::wstring& path, const std::wstring& identifier) {
     std::optional<platform::PropertyListDocument> list = createPropertiesListFromFile(path);
     if (!list || !list->isDictionary()) {

@@ -13,10 +13,6 @@ namespace rcp {
 std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
     const std::wstring& path);
 
-/// Writes `list` as XML in place of the file at `path`, as a whole and with the old file's
-/// permissions. False, with errno set, when it cannot be written; the old file is then untouched.
-bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path);
-
 /// Sets "CFBundleIdentifier" in the dictionary of the file at `path`. The file is not touched when
 /// it cannot be read, is no dictionary, or already holds the identifier in any letter case. An
 /// identifier that cannot be set or a file that cannot be written is reported, no more: the launch

@@ -39,10 +39,6 @@ std::wstring getUserHome() {
     return getEnv(L"HOME").value_or(L"");
 }
 
-bool userIsAdmin(const std::wstring& /*user*/) {
-    return getuid() == 0;
-}
-
 const wchar_t* getOS() {
     return L"macosx";
 }

@@ -20,8 +20,6 @@ bool setEnv(const std::wstring& name, const std::wstring& value, Overwrite overw
 bool unsetEnv(const std::wstring& name);
 /// The user's home directory from "HOME"; empty when it is not set.
 std::wstring getUserHome();
-/// Whether the real user is root, whatever the argument. No launch asks.
-bool userIsAdmin(const std::wstring& user);
 /// The operating system's name in property keys and folder names: "macosx" on every build, because
 /// installations are laid out for it.
 const wchar_t* getOS();

@@ -154,10 +154,6 @@ Stream open_file(const std::wstring& path, const std::wstring& mode) {
     return stream;
 }
 
-Stream open_wfile(const std::wstring& path, const std::wstring& mode) {
-    return open_file(path, mode);
-}
-
 bool createDirectory(const std::wstring& path) {
     return calls::mkdir(toNarrow(path).c_str(), 0775) == 0;
 }

@@ -50,8 +50,6 @@ std::string lexicalPath(const std::string& path);
 /// close-on-exec. Files are read and written only where a file is meant: a directory or a pipe in
 /// its place is a failure, never a wait.
 Stream open_file(const std::wstring& path, const std::wstring& mode);
-/// The same; the launcher itself calls the other one.
-Stream open_wfile(const std::wstring& path, const std::wstring& mode);
 
 /// On which line of a file a text stands; one position accompanies a stream from its first line on.
 struct LinePosition {

@@ -1,5 +1,4 @@
-// The library preload link, and the helpers of a locked-down deployment that end the user's
-// session.
+// The library preload link.
 #pragma once
 
 #include <string>
@@ -18,11 +17,5 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier);
 
 /// The target of the symbolic link at `link`. Ends the launch when it cannot be read.
 std::string readsymln(const std::string& link);
-
-/// The result of the entry point "logoff" of the deployment library "./lockdown.so". Without
-/// library or entry point the desktop session is ended and the process exits with status 1.
-bool logoff();
-/// Writes the shutdown request file, then logoff(). False when the file cannot be written. No launch calls it.
-bool shutdown();
 
 }  // namespace rcp

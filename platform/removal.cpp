@@ -147,15 +147,6 @@ bool removeDirectoryContents(const std::wstring& directory, std::wstring& errors
     return succeeded;
 }
 
-bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
-                                        std::wstring& errors) {
-    std::string text;
-    const bool succeeded =
-        removeDirectoryContents(toNarrow(directory), toNarrow(pattern), text, "");
-    errors += toWide(text);
-    return succeeded;
-}
-
 bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& errors) {
     std::string text;
     const bool succeeded = Removal("*", text).removeTree(atPath(toNarrow(directory)));

@@ -10,12 +10,6 @@
 
 namespace rcp {
 
-/// Deletes the files in the tree below `directory` whose names contain `pattern`.
-/// Directories on the way are removed too when nothing is left in them and reported when something
-/// is. Appends to `errors`; true when nothing failed at the top level. No launch calls it.
-bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
-                                        std::wstring& errors);
-
 /// Deletes everything below `directory` and keeps the directory. The wide form sets `errors`, the
 /// narrow ones append to it. `indentation` stands in front of each line and grows by two blanks a
 /// level; `pattern` "*" is every file, any other a substring of the file's name.

@@ -59,16 +59,8 @@ WideBuffer mallocString(std::size_t n) {
     return buffer;
 }
 
-wchar_t* initMemString(wchar_t* destination, const wchar_t* source) {
-    return wcscat(destination, source);
-}
-
 void convertBS2S(std::wstring& text) {
     std::replace(text.begin(), text.end(), L'\\', L'/');
-}
-
-void convertS2BS(std::wstring& text) {
-    std::replace(text.begin(), text.end(), L'/', L'\\');
 }
 
 void convertToOsSeparator(std::wstring& path) {

@@ -23,13 +23,9 @@ using WideBuffer = std::unique_ptr<wchar_t[], FreeWideString>;
 WideBuffer newString(std::size_t n);
 /// The same, uninitialised.
 WideBuffer mallocString(std::size_t n);
-/// Appends `source` to `destination`, which has room for it, and returns it. No launch calls it.
-wchar_t* initMemString(wchar_t* destination, const wchar_t* source);
 
 /// Every backslash becomes "/", in place.
 void convertBS2S(std::wstring& text);
-/// Every "/" becomes a backslash, in place. No launch calls it.
-void convertS2BS(std::wstring& text);
 /// The separators of this operating system: the same as convertBS2S.
 void convertToOsSeparator(std::wstring& path);
 /// `path` with the separators of this operating system.

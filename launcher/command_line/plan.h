@@ -20,7 +20,6 @@ class CommandLine {
     explicit CommandLine(Start start = Start::kOrdinary) : start_(start) {}
 
     /// The program's path becomes the only element.
-    void setProgram(const Argument& path) { arguments_.assign(1, path); }
     void setProgram(Argument path, const Why& why);
     /// Appends an argument as it is. On a restart "-debug" and "-console" are dropped: a restarted platform
     /// never gets a debug console.

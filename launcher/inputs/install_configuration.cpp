@@ -43,10 +43,6 @@ InstallConfiguration installConfigurationOf(const PropertyList& properties) {
     return codeOf(*name);
 }
 
-bool isDirectJavaShape(InstallConfiguration configuration) {
-    return isServiceConfig(configuration);
-}
-
 bool isServiceConfig(InstallConfiguration configuration) {
     return configuration == InstallConfiguration::kService ||
            configuration == InstallConfiguration::kMultiuserServiceInit;

@@ -22,11 +22,8 @@ enum class InstallConfiguration {
 /// That of the properties: kUser without the property, kUnknown for a value that is none of the names.
 InstallConfiguration installConfigurationOf(const PropertyList& properties);
 
-/// Whether the command line is a plain Java command line ("service" and the multi-user service
-/// initialisation) instead of one for the launcher library.
-bool isDirectJavaShape(InstallConfiguration configuration);
-
-/// Whether the configuration is one of the two whose user area lives inside the installation.
+/// Whether the configuration is "service" or the multi-user service's initialisation: their user area lives
+/// inside the installation, and the JVM runs the platform without the launcher library.
 bool isServiceConfig(InstallConfiguration configuration);
 
 /// The name that the platform is told; empty for an unknown configuration.

@@ -18,7 +18,7 @@ struct Traits {
     Start start = Start::kOrdinary;
 
     /// A plain Java command line instead of one for the launcher library.
-    [[nodiscard]] bool isDirectJavaShape() const { return rcp::isDirectJavaShape(eConfig); }
+    [[nodiscard]] bool isDirectJavaShape() const { return isServiceConfig(eConfig); }
 };
 
 /// The executable's name and the system version count for the hand-off.

@@ -79,10 +79,6 @@ std::wstring convWcharTo8859_1_Value(std::wstring_view value) {
     return escaped(value, L"#!=:\\");
 }
 
-std::wstring convWcharTo8859_1(std::wstring_view key, std::wstring_view value) {
-    return convWcharTo8859_1_Key(key) + L'=' + convWcharTo8859_1_Value(value);
-}
-
 std::string propertyLines(std::string_view key, std::string_view value) {
     std::string lines = std::string(key) + "=";
     if (lines.size() + value.size() <= kLongestLine) {

@@ -14,8 +14,6 @@ void addHexDigits(std::wstring& out, std::uint32_t codePoint);
 /// The escaped form of a key or value. Only keys escape blanks.
 std::wstring convWcharTo8859_1_Key(std::wstring_view key);
 std::wstring convWcharTo8859_1_Value(std::wstring_view value);
-/// Escaped key, "=", escaped value. No launch calls it: propertyLines has the line's length.
-std::wstring convWcharTo8859_1(std::wstring_view key, std::wstring_view value);
 
 /// An entry as it stands in a file, with its line feeds. `key` and `value` are in their written form.
 /// The launcher's reader takes a line in pieces, and what stands behind the first would be an entry

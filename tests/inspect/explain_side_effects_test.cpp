@@ -134,13 +134,16 @@ class ExplainTraced : public ExplainTest {
     int status_ = -1;
 };
 
-#define NEEDS_STRACE()                                                                \
-    do {                                                                              \
-        Program tracing({kTracer, "-qq", "-o", "/dev/null", "/bin/true"}, {});        \
-        (void)tracing.rest();                                                         \
-        if (tracing.wait() != 0) {                                                    \
-            GTEST_SKIP() << "strace is not installed, or nothing can be traced here"; \
-        }                                                                             \
+#define NEEDS_STRACE()                                                         \
+    do {                                                                       \
+        if (!files::exists(kTracer)) {                                         \
+            GTEST_SKIP() << "there is no " << kTracer;                         \
+        }                                                                      \
+        Program tracing({kTracer, "-qq", "-o", "/dev/null", "/bin/true"}, {}); \
+        (void)tracing.rest();                                                  \
+        if (tracing.wait() != 0) {                                             \
+            GTEST_SKIP() << "nothing can be traced here";                      \
+        }                                                                      \
     } while (false)
 
 TEST_F(ExplainTraced, OnlyLooksBeforeTheFirstLaunch) {

@@ -91,7 +91,8 @@ class JavaReadBack : public testing::Test {
         const std::string file = folder + "/escaped.properties";
         std::ofstream out(file, std::ios::binary);
         for (const auto& [key, value] : entries) {
-            out << toNarrow(convWcharTo8859_1(key, value)) << '\n';
+            out << toNarrow(convWcharTo8859_1_Key(key)) << '='
+                << toNarrow(convWcharTo8859_1_Value(value)) << '\n';
         }
         out.close();
         return read(file);

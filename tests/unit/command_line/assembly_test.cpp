@@ -2,6 +2,7 @@
 
 #include "launcher/command_line/environment_settings.h"
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ class CommandLinePieces : public test::CommandLineTest {
 };
 
 TEST_F(CommandLinePieces, StartsWithTheLauncherExecutable) {
-    line_.setProgram(L"-before");
+    line_.setProgram(L"-before", whys::kPlatformProgram);
     addBaseEclipseToCommandLine(line_, withBase());
     EXPECT_EQ(line_.arguments(), Arguments{program_});
     EXPECT_EQ(line_.library(), folder_.wide("base/macosx/x86/eclipse_1615.so"));

@@ -155,6 +155,20 @@ TEST_F(Environment, PreloadLinkOfABlankPathIsNamedByTheInstallId) {
     std::filesystem::remove("/tmp/ovr.rcp.ann.id1.l.so");
 }
 
+TEST_F(Environment, SettingsComeBehindTheLibraryPathAndInFrontOfThePreloadedLibrary) {
+    const auto kSet = EnvironmentChange::kSet;
+    EXPECT_EQ(environmentOf(propertyList({{L"rcp.install.id", L"id1"},
+                                          {L"library.preload", L"/l.so"},
+                                          {L"env.set.DYLD_LIBRARY_PATH", L"/set"},
+                                          {L"env.unset.RCP_TEST_A", L""},
+                                          {L"library.path.append", L"/appended"}})),
+              (EnvironmentChanges{{kSet, L"DYLD_LIBRARY_PATH", L"/appended"},
+                                  {EnvironmentChange::kUnset, L"RCP_TEST_A", L""},
+                                  {kSet, L"DYLD_LIBRARY_PATH", L"/set"},
+                                  {EnvironmentChange::kPreload, L"id1", L"/l.so"},
+                                  {kSet, L"JAVA_HIGH_ZIPFDS", L"500"}}));
+}
+
 TEST_F(Environment, ZipDescriptorsAreFiveHundredUnlessThePropertySaysOtherwise) {
     make(&addEnvJavaHighZipfds, propertyList({}));
     EXPECT_EQ(variable("JAVA_HIGH_ZIPFDS"), "500");

@@ -1,6 +1,7 @@
 #include "launcher/command_line/main_options.h"
 
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 
 #include <algorithm>
@@ -220,11 +221,11 @@ using ProvisioningApplication = test::CommandLineTest;
 
 TEST_F(ProvisioningApplication, IsNamedAndKnowsWhoAskedForIt) {
     inputs_.properties = propertyList({{L"provisioning.application", L"com.ovr.provision"}});
-    line_.setProgram(L"program");
+    line_.setProgram(L"program", whys::kPlatformProgram);
     addProvisioningApplication(line_, inputs_.properties, LaunchKind::kUserProvisioning);
     EXPECT_EQ(line_.arguments(),
               (Arguments{L"program", L"-application", L"com.ovr.provision", L"-userProvLaunch"}));
-    line_.setProgram(L"program");
+    line_.setProgram(L"program", whys::kPlatformProgram);
     addProvisioningApplication(line_, inputs_.properties, LaunchKind::kInstallerProvisioning);
     EXPECT_EQ(line_.arguments(), (Arguments{L"program", L"-application", L"com.ovr.provision"}));
 }

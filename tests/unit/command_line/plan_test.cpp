@@ -43,7 +43,7 @@ TEST(CommandLine, WhatIsDroppedIsKeptWithItsReason) {
 TEST(CommandLine, ProgramEmptiesTheList) {
     CommandLine line;
     line.add(L"-a");
-    line.setProgram(L"/x y/eclipse");
+    line.setProgram(L"/x y/eclipse", whys::kPlatformProgram);
     EXPECT_EQ(line.arguments(), Arguments{L"/x y/eclipse"});
     line.add(L"-b");
     EXPECT_EQ(line.arguments(), (Arguments{L"/x y/eclipse", L"-b"}));

@@ -40,7 +40,7 @@ class VmPiece : public test::CommandLineTest {
         inputs_.arguments.insert(inputs_.arguments.begin(), L"rcplauncher");
         inputs_.properties = propertyList(properties);
         inputs_.installDir = L"/opt/i";
-        line_.setProgram(L"first");
+        line_.setProgram(L"first", whys::kPlatformProgram);
         return addVmToCommandLine(line_, inputs_);
     }
 };

@@ -41,9 +41,7 @@ TEST_F(Errors, NothingIsTracedWhileTracingIsOff) {
     SvcDebugOutA("%d", 1);
     SvcDebugOutW(L"%s", L"text");
     SvcDebugOutW(L"dump", arguments);
-    SvcDebugLastError(L"text");
-    SvcDebugLastError(L"%s", L"text");
-    Output("%d", values);
+    SvcDebugOutA("%d", values);
     EXPECT_EQ(records_.text(), "");
 }
 
@@ -79,7 +77,7 @@ TEST_F(Tracing, FormatOf999CharactersIsWritten) {
     SvcDebugOutA(kLongest, "x");
     SvcDebugOutA(kLongest, 1);
     SvcDebugOutW(std::wstring(999, L'f'), L"x");
-    Output(kLongest, {});
+    SvcDebugOutA(kLongest, std::span<const FormatArgument>());
     const std::string line = kLongest + "\n";
     EXPECT_EQ(records_.text(), line + line + line + line + line);
 }
@@ -93,8 +91,7 @@ TEST_F(Tracing, FormatOf1000CharactersIsDroppedWhole) {
     SvcDebugOutA(tooLong, 1);
     SvcDebugOutW(wideTooLong, L"x");
     SvcDebugOutW(wideTooLong, arguments);
-    SvcDebugLastError(wideTooLong);
-    Output(tooLong, {});
+    SvcDebugOutA(tooLong, std::span<const FormatArgument>());
     EXPECT_EQ(records_.text(), "");
 }
 
@@ -108,16 +105,9 @@ TEST_F(Tracing, LengthOfAWideFormatIsInCharacters) {
     EXPECT_EQ(records_.text().size(), 2U * 999 + 1);
 }
 
-TEST_F(Tracing, LastErrorAddsNoErrorText) {
-    errno = ENOENT;
-    SvcDebugLastError(L"message %s.");
-    SvcDebugLastError(L"message %s", L"x");
-    EXPECT_EQ(records_.text(), "message .\nmessage x\n");
-}
-
-TEST_F(Tracing, OutputTakesAnyNumberOfArguments) {
+TEST_F(Tracing, FormatTakesAnyNumberOfArguments) {
     const FormatArgument values[] = {std::string_view("a"), 1L, std::wstring_view(L"c")};
-    Output("%s %d %ls", values);
+    SvcDebugOutA("%s %d %ls", values);
     EXPECT_EQ(records_.text(), "a 1 c\n");
 }
 

@@ -39,7 +39,7 @@ TEST_F(Configuration, OtherValuesAreUnknownAndNameless) {
     for (const wchar_t* value : {L"Service", L"USER", L"", L" user", L"user ", L"multi", L"3"}) {
         EXPECT_EQ(static_cast<int>(of(value)), 5) << '"' << value << '"';
         EXPECT_EQ(installConfigurationName(of(value)), L"");
-        EXPECT_FALSE(isDirectJavaShape(of(value)));
+        EXPECT_FALSE(isServiceConfig(of(value)));
     }
 }
 
@@ -79,7 +79,6 @@ TEST_F(Configuration, ServiceInitialisationIsToldAsTheServiceOfManyUsers) {
 TEST_F(Configuration, OnlyServiceAndItsInitialisationAreStartedWithPlainJava) {
     for (int code = 1; code <= 8; ++code) {
         const auto configuration = static_cast<InstallConfiguration>(code);
-        EXPECT_EQ(isDirectJavaShape(configuration), code == 1 || code == 7) << code;
         EXPECT_EQ(isServiceConfig(configuration), code == 1 || code == 7) << code;
     }
 }

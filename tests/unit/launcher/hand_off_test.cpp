@@ -2,6 +2,7 @@
 #include "launcher/hand_off.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/hand_off_tools.h"
 #include "platform/text.h"
 #include "tests/support/sandbox.h"
@@ -168,8 +169,14 @@ class HandedOff : public HandOff {
 
 TEST_F(HandedOff, LaunchParametersAreLoggedOneALineWhetherTracingOrNot) {
     launch("execute", "", {seen(STANDIN_PLATFORM), "-data", "100%s", ""});
-    EXPECT_EQ(log().substr(log().find("ZYPRA0132I")),
-              "ZYPRA0132I: ===== Begin Launch Parameters =====\n" + seen(STANDIN_PLATFORM) +
+    const std::string records = log();
+    EXPECT_TRUE(records.starts_with("ZYPRA0303I: lock file captured @ ")) << records;
+    EXPECT_EQ(records.substr(records.find('\n') + 1),
+              "ZYPRA0090E: Existing platform lock file found - checking validity.\n"
+              "ZYPRA0091E: No data in the platform lock file.\n"
+              "ZYPRA0304I: We are main process\n\n"
+              "ZYPRA0132I: ===== Begin Launch Parameters =====\n" +
+                  seen(STANDIN_PLATFORM) +
                   "\n-data\n100%s\n\nZYPRA0133I: ===== End Launch Parameters =====\n");
 }
 
@@ -222,7 +229,8 @@ class ProvisioningProgram : public test::LockTest {
             launch.lock = PlatformLock::take(folder_.wide(), kMarker, std::nullopt);
             Plan& plan = launch.plan.emplace();
             plan.kind = LaunchKind::kUserProvisioning;
-            plan.line.setProgram(script.empty() ? folder_.wide("missing") : L"/bin/sh");
+            plan.line.setProgram(script.empty() ? folder_.wide("missing") : L"/bin/sh",
+                                 whys::kPlatformProgram);
             plan.line.add(L"-c");
             plan.line.add(script);
             const std::size_t before = logQueue().size();

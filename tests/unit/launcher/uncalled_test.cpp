@@ -1,6 +1,13 @@
 #include "launcher/uncalled.h"
 
+#include "platform/bundle_metadata.h"
+#include "platform/text.h"
 #include "tests/unit/launch_pieces.h"
+#include "tests/unit/records.h"
+
+#include <errno.h>
+#include <stdio.h>
+#include <unistd.h>
 
 namespace rcp {
 namespace {
@@ -26,6 +33,84 @@ TEST(ServiceInitialisation, CountsWhateverThePropertySays) {
         EXPECT_EQ(named.eConfig, installConfigurationOf(properties));
         EXPECT_EQ(isLockdownConfig(named), name == std::wstring(L"lockdown"));
     }
+}
+
+TEST(UncalledTexts, LineIsKeyEqualsValue) {
+    EXPECT_EQ(convWcharTo8859_1(L"a b", L" c=d"), L"a\\ b= c\\=d");
+    EXPECT_EQ(convWcharTo8859_1(L"", L""), L"=");
+}
+
+TEST(UncalledTexts, InitMemStringAppendsAndReturnsItsDestination) {
+    const WideBuffer buffer = newString(10);
+    EXPECT_EQ(initMemString(buffer.get(), L"abc"), buffer.get());
+    EXPECT_STREQ(initMemString(buffer.get(), L"def"), L"abcdef");
+}
+
+TEST(UncalledTexts, EverySlashBecomesABackslash) {
+    std::wstring path = L"//a\\b/";
+    convertS2BS(path);
+    EXPECT_EQ(path, L"\\\\a\\b\\");
+}
+
+TEST(UncalledQuestions, AdministratorIsTheRealUserRootWhateverTheArgument) {
+    EXPECT_EQ(userIsAdmin(L""), getuid() == 0);
+    EXPECT_EQ(userIsAdmin(L"somebody"), getuid() == 0);
+    if (getuid() == 0) {
+        EXPECT_EXIT(
+            {
+                const bool isRoot = userIsAdmin(L"root") && setuid(12345) == 0;
+                _exit(isRoot && !userIsAdmin(L"root") ? 3 : 4);
+            },
+            testing::ExitedWithCode(3), "");
+    }
+}
+
+using UncalledFiles = test::LauncherTest;
+
+TEST_F(UncalledFiles, WideNameOpensAStreamAsTheNarrowOneDoes) {
+    folder_.write("file", "new");
+    const Stream stream = open_wfile(folder_.wide("file"), L"r");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(fgetc(stream.get()), 'n');
+    EXPECT_EQ(open_wfile(folder_.wide("none"), L"r"), nullptr);
+}
+
+TEST_F(UncalledFiles, FilesWithThePatternAreRemovedAndFailuresAppended) {
+    folder_.write("tree/a.log", "");
+    folder_.write("tree/b.txt", "");
+    std::wstring errors = L"old";
+    EXPECT_TRUE(removeFileWithPatternFromDirectory(folder_.wide("tree"), L".log", errors));
+    EXPECT_EQ(errors, L"old");
+    EXPECT_FALSE(folder_.has("tree/a.log"));
+    EXPECT_TRUE(folder_.has("tree/b.txt"));
+    EXPECT_FALSE(removeFileWithPatternFromDirectory(folder_.wide("none"), L".log", errors));
+    EXPECT_TRUE(errors.starts_with(L"old") && errors.size() > 3) << toNarrow(errors);
+}
+
+TEST_F(UncalledFiles, PropertyListIsWrittenAsXmlOrNotAtAll) {
+    folder_.write("Info.plist",
+                  "<plist><dict><key>CFBundleIdentifier</key><string>a</string></dict></plist>");
+    const auto list = createPropertiesListFromFile(folder_.wide("Info.plist"));
+    ASSERT_TRUE(list.has_value());
+    EXPECT_TRUE(writePropertyListToFile(*list, folder_.wide("copy")));
+    EXPECT_TRUE(folder_.read("copy").starts_with("<?xml"));
+    const auto copy = createPropertiesListFromFile(folder_.wide("copy"));
+    ASSERT_TRUE(copy.has_value());
+    EXPECT_EQ(copy->stringForKey("CFBundleIdentifier"), "a");
+    EXPECT_FALSE(writePropertyListToFile(*list, folder_.wide("missing/Info.plist")));
+}
+
+TEST_F(UncalledFiles, TraceRecordsGetNoSystemErrorText) {
+    const test::Records records(folder_);
+    const FormatArgument values[] = {std::string_view("a"), 1L};
+    Output("off", {});
+    SvcDebugLastError(L"off");
+    const ForcedTracing tracing;
+    errno = ENOENT;
+    SvcDebugLastError(L"message %s.");
+    SvcDebugLastError(L"message %s", L"x");
+    Output("%s %d", values);
+    EXPECT_EQ(records.text(), "message .\nmessage x\na 1\n");
 }
 
 using JavaExecutable = test::LauncherTest;

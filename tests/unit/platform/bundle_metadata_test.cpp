@@ -128,20 +128,6 @@ TEST_F(BundleMetadata, FailedWriteIsReported) {
     isUntouched(withIdentifier("a"), L"b");
     EXPECT_EQ(records.text(), "Error: updateInfoPlist: " + folder_.narrow("Info.plist") +
                                   " cannot be written : Is a directory\n");
-    const auto parsed = createPropertiesListFromFile(folder_.wide("Info.plist"));
-    ASSERT_TRUE(parsed.has_value());
-    EXPECT_FALSE(writePropertyListToFile(*parsed, folder_.wide("missing/Info.plist")));
-}
-
-TEST_F(BundleMetadata, ListIsWrittenAsXml) {
-    folder_.write("Info.plist", withIdentifier("a"));
-    const auto parsed = createPropertiesListFromFile(folder_.wide("Info.plist"));
-    ASSERT_TRUE(parsed.has_value());
-    EXPECT_TRUE(writePropertyListToFile(*parsed, folder_.wide("copy")));
-    EXPECT_TRUE(folder_.read("copy").starts_with("<?xml"));
-    const auto copy = createPropertiesListFromFile(folder_.wide("copy"));
-    ASSERT_TRUE(copy.has_value());
-    EXPECT_EQ(copy->stringForKey("CFBundleIdentifier"), "a");
 }
 
 }  // namespace

@@ -83,19 +83,6 @@ TEST_F(SystemEnvironment, MissingHomeIsEmptyAndTraced) {
     EXPECT_EQ(records_.text(), "ZYPRA0081I:  Environmental variable 'HOME' is not set\n\n");
 }
 
-TEST_F(SystemEnvironment, AdministratorIsTheRealUserRootWhateverTheArgument) {
-    EXPECT_EQ(userIsAdmin(L""), getuid() == 0);
-    EXPECT_EQ(userIsAdmin(L"somebody"), getuid() == 0);
-    if (getuid() == 0) {
-        EXPECT_EXIT(
-            {
-                const bool isRoot = userIsAdmin(L"root") && setuid(12345) == 0;
-                _exit(isRoot && !userIsAdmin(L"root") ? 3 : 4);
-            },
-            testing::ExitedWithCode(3), "");
-    }
-}
-
 TEST_F(SystemEnvironment, SystemIsMacosxOnEveryBuild) {
     EXPECT_STREQ(getOS(), L"macosx");
 }

@@ -26,7 +26,10 @@ class Removal : public test::LauncherTest {
         return removeDirectoryContents(folder_.wide(name), errors_);
     }
     bool removePattern(const wchar_t* pattern) {
-        return removeFileWithPatternFromDirectory(folder_.wide("tree"), pattern, errors_);
+        std::string errors;
+        const bool succeeded = removeDirectoryContents(at("tree"), toNarrow(pattern), errors, "");
+        errors_ += toWide(errors);
+        return succeeded;
     }
     std::wstring errors_;
 };

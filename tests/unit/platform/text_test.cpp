@@ -104,12 +104,6 @@ TEST(WideBuffers, MallocStringHasRoomForTheTerminator) {
     EXPECT_STREQ(buffer.get(), L"abc");
 }
 
-TEST(WideBuffers, InitMemStringAppendsAndReturnsItsDestination) {
-    const WideBuffer buffer = newString(10);
-    EXPECT_EQ(initMemString(buffer.get(), L"abc"), buffer.get());
-    EXPECT_STREQ(initMemString(buffer.get(), L"def"), L"abcdef");
-}
-
 TEST(WideBuffers, FreeingNullIsNothing) {
     freeString(nullptr);
     freeString(newString(1).release());
@@ -148,12 +142,6 @@ TEST(Separators, EveryBackslashBecomesASlashAndSlashesStay) {
     EXPECT_EQ(path, L"a/b/c");
     EXPECT_EQ(osPath(L"a\\b/c"), L"a/b/c");
     EXPECT_EQ(osPath(L""), L"");
-}
-
-TEST(Separators, EverySlashBecomesABackslash) {
-    std::wstring path = L"//a\\b/";
-    convertS2BS(path);
-    EXPECT_EQ(path, L"\\\\a\\b\\");
 }
 
 }  // namespace

@@ -101,14 +101,6 @@ TEST(JavaProperties, ValueThatIsNoCharacterIsNumberedToo) {
     EXPECT_EQ(value({WCHAR_MIN}), L"\\u0000");
 }
 
-TEST(JavaProperties, LineIsKeyEqualsValue) {
-    EXPECT_EQ(convWcharTo8859_1(L"a b", L" c=d"), L"a\\ b= c\\=d");
-}
-
-TEST(JavaProperties, EmptyTextsGiveAnEmptyKeyAndValue) {
-    EXPECT_EQ(convWcharTo8859_1(L"", L""), L"=");
-}
-
 // --- Entries that do not fit a line ---
 
 class PropertyLines : public test::LauncherTest {

@@ -1,5 +1,5 @@
 // The helpers of a locked-down deployment.
-#include "platform/preload.h"
+#include "launcher/uncalled.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
 #include "tests/unit/launch_pieces.h"
