@@ -23,6 +23,9 @@
 namespace rcp {
 namespace {
 
+// A JVM that lives for a moment compiles little and collects nothing.
+const std::string kJava = "java -XX:TieredStopAtLevel=1 -XX:+UseSerialGC";
+
 using Entries = std::map<std::wstring, std::wstring>;
 
 // The output of a shell command and whether it ended with status 0.
@@ -58,7 +61,7 @@ class JavaReadBack : public testing::Test {
     void SetUp() override {
         setlocale(LC_CTYPE, "C.UTF-8");
         static const bool hasJava =
-            outputOf("java --list-modules 2>/dev/null | grep jdk.compiler").second;
+            outputOf(kJava + " --list-modules 2>/dev/null | grep jdk.compiler").second;
         if (!hasJava) {
             GTEST_SKIP() << "no JRE that runs a source file";
         }
@@ -73,7 +76,8 @@ class JavaReadBack : public testing::Test {
     }
 
     [[nodiscard]] static Entries read(const std::string& file) {
-        const auto [output, succeeded] = outputOf("java '" JAVA_READ_BACK "' '" + file + "' 2>&1");
+        const auto [output, succeeded] =
+            outputOf(kJava + " '" JAVA_READ_BACK "' '" + file + "' 2>&1");
         EXPECT_TRUE(succeeded) << output.substr(0, 1000);
         Entries entries;
         std::size_t at = 0;
