@@ -211,7 +211,8 @@ void reportSecondPlatform(const LaunchInputs& inputs) {
 
 // Until the first configuration is complete the launch runs with it instead of its own arguments.
 void switchToInitialConfiguration(LaunchInputs& inputs) {
-    if (isInitialRequired(inputs)) {
+    inputs.isInitial = isInitialRequired(inputs);
+    if (inputs.isInitial) {
         inputs.debugFile = debugFile(inputs.installDir);
         inputs.arguments =
             addConfigExtentionsToArg(initialArguments(inputs.arguments), inputs.properties,

@@ -8,7 +8,6 @@
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_text.h"
-#include "launcher/user_area/install_id.h"
 
 #include <algorithm>
 #include <map>

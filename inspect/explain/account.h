@@ -26,7 +26,7 @@ struct Account {
     const CommandLine& line;  // the plan's; empty where the launch ended before it had one
     const Variables& before;  // the environment at the beginning
     int status;               // of the launch's end
-    bool hasWaitedForMarker;  // until it was removed
+    const std::wstring& awaitedMarker;  // for whose removal it has waited; empty without one
 };
 
 /// The parts of the layout, each as its name says.
@@ -40,16 +40,9 @@ nlohmann::json describeRecords(const Rehearsal& rehearsal);
 /// How the launch ended as far as it knows itself: kind, role and program.
 nlohmann::json describeOutcome(const Launch& launch);
 
-/// What the launcher's functions say of the launch: "isInitial", whether the initial configuration stands
-/// in for the arguments, and "provisioning", null when the launch did not come to the user's files.
-nlohmann::json askLauncher(const Account& account);
 /// The facts of the layout; `told` holds outcome, changes and records. Asked of the real tree, as
 /// the launch found it.
-nlohmann::json describeFacts(const Account& account, const nlohmann::json& decisions,
-                             const nlohmann::json& told);
-
-/// The file whose presence makes launches wait.
-std::string debugMarker(const Options& options);
+nlohmann::json describeFacts(const Account& account, const nlohmann::json& told);
 
 /// The launcher's own arguments as it was given them.
 Arguments launcherArguments(const Options& options);

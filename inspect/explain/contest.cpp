@@ -2,7 +2,6 @@
 
 #include "inspect/explain/rules.h"
 #include "inspect/property_keys.h"
-#include "launcher/command_line/plan.h"
 
 #include <algorithm>
 

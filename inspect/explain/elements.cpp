@@ -2,7 +2,6 @@
 #include "inspect/explain/account.h"
 #include "inspect/explain/contest.h"
 #include "inspect/explain/rules.h"
-#include "launcher/command_line/plan.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -128,14 +127,6 @@ const Argument* droppedFrom(const Origin& origin, const Account& account) {
     return found == dropped.end() ? nullptr : &*found;
 }
 
-bool isInitialStarted(const Account& account) {
-    return std::any_of(account.line.arguments().begin(), account.line.arguments().end(),
-                       [&](const Argument& element) {
-                           const Property* entry = account.sources.entryAt(element.origin);
-                           return entry != nullptr && entry->key.starts_with(L"config.initial.");
-                       });
-}
-
 }  // namespace
 
 Arguments launcherArguments(const Options& options) {
@@ -157,8 +148,6 @@ json describeElements(const Account& account) {
 
 json describeDropped(const Account& account) {
     const Arguments given = launcherArguments(account.options);
-    const Argument* name = optionValue(L"-config", given);
-    const bool isInitial = isInitialStarted(account) && (name == nullptr || *name != L"initial");
     json dropped = json::array();
     for (std::size_t position = 1; position < given.size() && !account.line.arguments().empty();
          ++position) {
@@ -167,7 +156,7 @@ json describeDropped(const Account& account) {
                 {{"position", position},
                  {"text", jsonText(given[position])},
                  {"why", whyDropped(given, position, droppedFrom(given[position].origin, account),
-                                    isInitial)}});
+                                    account.launch.inputs.isInitial)}});
         }
     }
     return dropped;

@@ -4,7 +4,6 @@
 #include "inspect/explain/account.h"
 #include "inspect/status/lock_file.h"
 #include "inspect/status/lock_holders.h"
-#include "launcher/command_line/initial_configuration.h"
 #include "launcher/instance/provisioning.h"
 #include "launcher/instance/running_provisioning.h"
 #include "launcher/properties/property_file.h"
@@ -50,55 +49,52 @@ const char* role(const Launch& launch) {
     return launch.lock->platform() ? "daemon" : "main";
 }
 
-bool wasUserFileRead(const Account& account) {
-    const auto& files = account.witness.files();
-    const std::wstring path = userFileOf(account.launch.inputs.configuration);
-    return std::find(files.begin(), files.end(), path) != files.end();
-}
-
 // --- As the launch found it --------------------------------------------------------------------------
 
-json textOrNull(const std::wstring* text) {
-    return text == nullptr ? json() : jsonText(*text);
+json valueOrNull(const wchar_t* key, const PropertyList& list) {
+    const std::wstring* value = findProperty(key, list);
+    return value == nullptr ? json() : jsonText(*value);
 }
 
-// What the file at `path` really says.
-json storedValue(const std::wstring& path, const wchar_t* key) {
+// What a file really says.
+PropertyList storedList(const std::wstring& path) {
     PropertyList stored;
-    if (exists(path)) {
-        endOf([&] { getProperties(path, stored); });
-    }
-    return textOrNull(findProperty(key, stored));
+    endOf([&] { getPropertiesIfThere(path, stored); });
+    return stored;
 }
 
-// Made by the launch: the real file does not have it yet.
+PropertyList usersStoredList(const Account& account) {
+    return storedList(userFileOf(account.launch.inputs.configuration));
+}
+
+// Made by the launch: the real file, the first that it reads, does not have it yet.
 bool isIdMade(const Account& account) {
-    const auto entries = account.sources.entriesOf(kIdKey);
-    return !entries.empty() && storedValue(*entries.front()->origin.file, kIdKey).is_null();
+    return findProperty(kIdKey, account.launch.inputs.properties) != nullptr &&
+           findProperty(kIdKey, storedList(account.sources.files().front().path)) == nullptr;
 }
 
 json describeInstallId(const Account& account) {
-    json ids{{"installation", nullptr}, {"isOld", false}};
-    const std::wstring& configuration = account.launch.inputs.configuration;
-    const auto entries = account.sources.entriesOf(kIdKey);
-    if (!entries.empty() && !isIdMade(account)) {
-        ids["installation"] = jsonText(entries.front()->value);
-    }
-    if (!entries.empty()) {
-        PropertyList stored;
-        endOf([&] { getPropertiesIfThere(userFileOf(configuration), stored); });
-        ids["isOld"] = isOldRcpInstallId(entries.front()->value, stored);
-    }
-    ids["area"] = storedValue(userFileOf(configuration), kIdKey);
-    return ids;
+    const PropertyList stored = usersStoredList(account);
+    const PropertyList& properties = account.launch.inputs.properties;
+    const std::wstring* id = findProperty(kIdKey, properties);
+    return {{"installation", isIdMade(account) ? json() : valueOrNull(kIdKey, properties)},
+            {"area", valueOrNull(kIdKey, stored)},
+            {"isOld", id != nullptr && isOldRcpInstallId(*id, stored)}};
 }
 
-json describeProvisioning(const Account& account, json provisioning) {
-    if (!provisioning.is_null()) {
-        provisioning["userLevel"] =
-            storedValue(userFileOf(account.launch.inputs.configuration), kLevelKey);
+// Null for a launch that did not come to the user's files. The launch compares the levels as they stand
+// there, before placeholders are replaced.
+json describeProvisioning(const Account& account) {
+    const LaunchInputs& inputs = account.launch.inputs;
+    const Sources::File* read = account.sources.file(userFileOf(inputs.configuration));
+    if (read == nullptr) {
+        return {};
     }
-    return provisioning;
+    return {{"isEnabled", isProvisioningEnabled(inputs)},
+            {"installationLevel", valueOrNull(kLevelKey, inputs.properties)},
+            {"userLevel", valueOrNull(kLevelKey, usersStoredList(account))},
+            {"isNew", isNewProvisioningLevel(findProperty(kLevelKey, read->entries),
+                                             findProperty(kLevelKey, inputs.properties))}};
 }
 
 // Whether anything of the user's area was made. A new provisioning level makes a first launch too.
@@ -156,8 +152,8 @@ json provisioningProcess(const Launch& launch) {
 
 json describeWaits(const Account& account, const json& facts) {
     json waits = json::array();
-    if (account.hasWaitedForMarker) {
-        waits.push_back("until " + debugMarker(account.options) + " is removed");
+    if (!account.awaitedMarker.empty()) {
+        waits.push_back("until " + toNarrow(account.awaitedMarker) + " is removed");
     }
     if (isRestart(launcherArguments(account.options))) {
         waits.push_back("up to 21 seconds for the old platform to end");
@@ -198,8 +194,7 @@ void addStart(json& steps, const json& outcome, bool isInitial) {
     }
 }
 
-json describeSteps(const Account& account, const json& decisions, const json& told,
-                   const json& facts) {
+json describeSteps(const Account& account, const json& told, const json& facts) {
     json steps = json::array();
     if (isIdMade(account)) {
         steps.push_back("make-install-id");
@@ -213,18 +208,17 @@ json describeSteps(const Account& account, const json& decisions, const json& to
     if (hasRecord(told["records"], "ZYPRA0307I")) {
         steps.push_back("wait-for-provisioning");
     }
-    if (account.hasWaitedForMarker) {
+    if (!account.awaitedMarker.empty()) {
         steps.push_back("wait-for-debug-marker");
     }
     addAreaStep(steps, facts.value("area", ""));
     if (account.status == 0) {
-        addStart(steps, told["outcome"], decisions["isInitial"] == true);
+        addStart(steps, told["outcome"], account.launch.inputs.isInitial);
     }
     return steps;
 }
 
-void describeWorkspace(const Account& account, const json& decisions, const json& told,
-                       json& facts) {
+void describeWorkspace(const Account& account, const json& told, json& facts) {
     const LaunchInputs& inputs = account.launch.inputs;
     facts["workspace"] = toNarrow(inputs.workspace);
     facts["configuration"] = toNarrow(inputs.configuration);
@@ -234,15 +228,11 @@ void describeWorkspace(const Account& account, const json& decisions, const json
     facts["recordedProcess"] = describeRecordedProcess(account.launch);
     facts["provisioningProcess"] = provisioningProcess(account.launch);
     facts["installId"] = describeInstallId(account);
-    facts["provisioning"] = describeProvisioning(account, decisions["provisioning"]);
+    facts["provisioning"] = describeProvisioning(account);
     facts["area"] = areaState(account, facts, told);
 }
 
 }  // namespace
-
-std::string debugMarker(const Options& options) {
-    return options.installation + "/rcp/rcplauncher.debug";
-}
 
 json describeOutcome(const Launch& launch) {
     const std::string kind = kindOfEnd(launch);
@@ -255,29 +245,15 @@ json describeOutcome(const Launch& launch) {
     return outcome;
 }
 
-json askLauncher(const Account& account) {
-    if (!account.launch.marker || !wasUserFileRead(account)) {
-        return {{"isInitial", false}, {"provisioning", nullptr}};
-    }
-    const LaunchInputs& inputs = account.launch.inputs;
-    bool isInitial = false;
-    endOf([&] { isInitial = isInitialRequired(inputs); });
-    const json provisioning{
-        {"isEnabled", isProvisioningEnabled(inputs)},
-        {"installationLevel", textOrNull(findProperty(kLevelKey, inputs.properties))},
-        {"isNew", isAtNewProvisioningLevel(inputs)}};
-    return {{"isInitial", isInitial}, {"provisioning", provisioning}};
-}
-
-json describeFacts(const Account& account, const json& decisions, const json& told) {
+json describeFacts(const Account& account, const json& told) {
     const LaunchInputs& inputs = account.launch.inputs;
     json facts{{"firstLaunch", inputs.userFirstLaunch}};
     facts["installConfiguration"] = jsonText(installConfigurationName(inputs.traits.eConfig));
     if (account.launch.marker) {
-        describeWorkspace(account, decisions, told, facts);
+        describeWorkspace(account, told, facts);
     }
     facts["waits"] = describeWaits(account, facts);
-    facts["steps"] = describeSteps(account, decisions, told, facts);
+    facts["steps"] = describeSteps(account, told, facts);
     return facts;
 }
 

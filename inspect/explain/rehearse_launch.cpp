@@ -41,7 +41,7 @@ struct Stage {
     Launch launch;
     Witness witness;
     Variables before = environmentNow();
-    bool hasWaitedForMarker = false;
+    std::wstring awaitedMarker;
     std::string lastError;  // that was recorded before a log was looked for in the end
     int output = -1;
 };
@@ -51,10 +51,10 @@ Stage* stage = nullptr;
 // Waiting takes no time, and what is waited for is taken to have happened. With the log open only
 // the marker's removal is left to wait for; before, what a record tells.
 unsigned noteWait(unsigned /*seconds*/) {
-    const std::string marker = debugMarker(stage->options);
-    if (logIsOpen() && exists(toWide(marker))) {
-        stage->hasWaitedForMarker = true;
-        stage->rehearsal->hide(marker);
+    const auto& marker = stage->launch.inputs.debugFile;
+    if (logIsOpen() && marker && exists(*marker)) {
+        stage->awaitedMarker = *marker;
+        stage->rehearsal->hide(toNarrow(*marker));
     } else if (logQueue().find("ZYPRA0307I") != std::string::npos) {
         stage->rehearsal->hide(toNarrow(provisioningFileOf(stage->launch.inputs.workspace)));
     }
@@ -85,7 +85,7 @@ json tellAll(int status) {
                           .line = line,
                           .before = stage->before,
                           .status = status,
-                          .hasWaitedForMarker = stage->hasWaitedForMarker};
+                          .awaitedMarker = stage->awaitedMarker};
     const json records = describeRecords(*stage->rehearsal);
     json outcome = describeOutcome(launch);
     const std::string& last = stage->lastError;
@@ -100,9 +100,8 @@ json tellAll(int status) {
               {"files", describeFiles(account)},
               {"changes", describeChanges(*stage->rehearsal)},
               {"records", records}};
-    const json decisions = askLauncher(account);
     stage->rehearsal.reset();
-    told["facts"] = describeFacts(account, decisions, told);
+    told["facts"] = describeFacts(account, told);
     return told;
 }
 

@@ -17,16 +17,22 @@ Sources::Sources(const Witness& witness) {
     for (const std::wstring& path : witness.files()) {
         PropertyList list;
         endOf([&] { getProperties(path, list); });  // one that cannot be read has ended the launch
-        files_.push_back({path, {list.entries().begin(), list.entries().end()}});
+        files_.push_back({path, std::move(list)});
     }
     for (const File& file : files_) {
-        for (const Property& entry : file.entries) {
+        for (const Property& entry : file.entries.entries()) {
             byPlace_.try_emplace({file.path, entry.origin.line}, &entry);
             if (counts(entry)) {
                 byKey_[entry.key].push_back(&entry);
             }
         }
     }
+}
+
+const Sources::File* Sources::file(const std::wstring& path) const {
+    const auto found = std::find_if(files_.begin(), files_.end(),
+                                    [&](const File& file) { return file.path == path; });
+    return found == files_.end() ? nullptr : &*found;
 }
 
 const Property* Sources::entryAt(const Origin& origin) const {

@@ -21,9 +21,11 @@ class Sources {
 
     struct File {
         std::wstring path;
-        std::vector<Property> entries;  // as written, placeholders and all
+        PropertyList entries;  // as written, placeholders and all
     };
     [[nodiscard]] const std::vector<File>& files() const { return files_; }
+    /// The file of that path; null when it was not read.
+    [[nodiscard]] const File* file(const std::wstring& path) const;
     /// The entry at a place; null when there is none.
     [[nodiscard]] const Property* entryAt(const Origin& origin) const;
     /// The entries of a key in the order in which the files were read, less those of files in which

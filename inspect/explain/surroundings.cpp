@@ -3,7 +3,6 @@
 #include "inspect/explain/account.h"
 #include "inspect/explain/contest.h"
 #include "inspect/property_keys.h"
-#include "launcher/command_line/plan.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -177,7 +176,7 @@ json describeFiles(const Account& account) {
     json files = json::array();
     for (const Sources::File& file : account.sources.files()) {
         json entries = json::array();
-        for (const Property& entry : file.entries) {
+        for (const Property& entry : file.entries.entries()) {
             const Use use = useOf(entry, account);
             entries.push_back({{"line", entry.origin.line},
                                {"key", jsonText(entry.key)},

@@ -27,6 +27,8 @@ struct LaunchInputs {
     /// A directory or per-user file of the user's had to be made, or the provisioning level changed. While
     /// false, reuse and reset of the user's area are considered.
     bool userFirstLaunch = false;
+    /// The initial configuration stands in for the user's arguments.
+    bool isInitial = false;
 
     /// Whether this launcher is the main one, whose process becomes the platform. Asked from the lock on.
     [[nodiscard]] bool isMainProcess() const { return !runningPlatform; }

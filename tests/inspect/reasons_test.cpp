@@ -25,6 +25,13 @@ TEST_F(ExplainReasons, OfTheStartUpJarNameWhatItIs) {
               "the start-up jar that the user names with -perfJar");
 }
 
+TEST_F(ExplainReasons, OfAJvmThatNobodyNamesAreThatItIsTheJvm) {
+    replaceIn(kProperties, "\njvm.location=[^\n]*", "");
+    const Json jvm = valueOf(explain(), "-vm");
+    EXPECT_EQ(jvm["rule"], "the JVM");
+    EXPECT_EQ(sourceOf(jvm), "computed");
+}
+
 TEST_F(ExplainReasons, OfTheKindOfInstallationNameItsProperty) {
     EXPECT_EQ(sourceOf(element(explain(), "-Drcp.install.config=user")),
               "rcplauncher.properties install.configuration");

@@ -104,6 +104,28 @@ TEST_F(StatusOfTheNextLaunch, ANewProvisioningLevelIsProvisionedOnce) {
     EXPECT_TRUE(hasStarted("sample.report"));
 }
 
+TEST_F(StatusOfTheNextLaunch, ALevelThatIsAPlaceholderIsComparedAsItStandsInTheUsersFile) {
+    makeInstallation({"--provisioning", "2"});
+    ASSERT_EQ(launch(), 0);
+    append(kUserFile, "provisioning.manifest.version=${prop.level}\nlevel=2\n");
+    EXPECT_EQ(status()["provisioning"]["user"], "${prop.level}");
+    EXPECT_EQ(status()["provisioning"]["isNew"], true);
+    EXPECT_EQ(steps(), Json({"provision"}));
+
+    EXPECT_EQ(launch(), 0);
+    EXPECT_TRUE(hasStarted("sample.provisioning"));
+}
+
+TEST_F(StatusOfTheNextLaunch, TheLevelIsComparedThoughTheLaunchEndsBeforeItAsks) {
+    makeInstallation({"--provisioning", "2"});
+    ASSERT_EQ(launch(), 0);
+    append(kUserFile, "provisioning.manifest.version=2\n");
+    std::filesystem::remove_all(folder_.path() / area("applications/eclipse/features"));
+    folder_.write(area("applications/eclipse/features"), "");
+    EXPECT_EQ(idOfEnd(), "ZYPRA0094E");
+    EXPECT_EQ(status()["provisioning"]["isNew"], false);
+}
+
 TEST_F(StatusOfTheNextLaunch, ADaemonKnowsTheProvisioningLevelsAndProvisionsNothing) {
     makeInstallation({"--provisioning", "2"});
     ASSERT_EQ(launch(), 0);
@@ -141,6 +163,10 @@ TEST_F(StatusOfTheNextLaunch, TheInitialConfigurationIsUsedUntilItIsComplete) {
 
     append(kUserFile, "initial.done=true\n");
     EXPECT_EQ(steps(), Json({"start-platform"}));
+
+    replaceIn(kUserFile, "initial.done=true", "initial.done=$${prop.done}\ndone=true");
+    EXPECT_EQ(steps(), Json({"initial-configuration", "start-platform"}))
+        << "the launch looks before placeholders are replaced";
 }
 
 TEST_F(StatusOfTheNextLaunch, ItWaitsWhileTheDebugMarkerIsThere) {
