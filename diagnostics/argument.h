@@ -2,9 +2,11 @@
 // trusts what a file of the installation says and not what the command line says.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -25,13 +27,21 @@ struct Why {
     const char* text;
 };
 
-/// An argument of the launcher's or of what it launches.
-struct Argument : std::wstring {
-    using std::wstring::wstring;
+/// An argument of the launcher's or of what it launches: a text, and what is known of it.
+struct Argument {
     Argument() = default;
-    Argument(std::wstring text, Origin from = {})
-        : std::wstring(std::move(text)), origin(std::move(from)) {}
+    Argument(std::wstring words, Origin from = {})
+        : text(std::move(words)), origin(std::move(from)) {}
+    Argument(const wchar_t* words) : text(words) {}
 
+    /// Of the texts alone.
+    bool operator==(const Argument& other) const { return text == other.text; }
+    template <std::convertible_to<std::wstring_view> Text>
+    bool operator==(const Text& other) const {
+        return text == std::wstring_view(other);
+    }
+
+    std::wstring text;
     Origin origin;
     /// Why it is an element, where the launcher has put it in by a rule of its own, or why it was dropped.
     const Why* why = nullptr;

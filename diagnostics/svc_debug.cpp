@@ -117,8 +117,8 @@ void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments
         return;
     }
     std::string line = toUtf8(message) + "=\"";
-    for (const std::wstring& argument : arguments) {
-        line += toUtf8(argument);
+    for (const Argument& argument : arguments) {
+        line += toUtf8(argument.text);
         line += ", ";
     }
     // The line feed is part of the text, so the record's own leaves an empty line behind the dump.

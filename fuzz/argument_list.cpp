@@ -7,6 +7,7 @@
 #include "launcher/command_line/main_options.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
+#include "launcher/command_line/whys.h"
 #include "launcher/inputs/install_configuration.h"
 
 #include <algorithm>
@@ -21,15 +22,15 @@ using Counts = std::map<std::wstring, std::size_t>;
 
 Counts countsOf(const Arguments& arguments) {
     Counts counts;
-    for (const std::wstring& argument : arguments) {
-        ++counts[argument];
+    for (const Argument& argument : arguments) {
+        ++counts[argument.text];
     }
     return counts;
 }
 
 bool isSubsequence(const Arguments& part, const Arguments& whole) {
     auto at = whole.begin();
-    for (const std::wstring& argument : part) {
+    for (const Argument& argument : part) {
         at = std::find(at, whole.end(), argument);
         if (at == whole.end()) {
             return false;
@@ -54,15 +55,16 @@ bool mayHaveRepetitions(const Arguments& arguments) {
 Arguments usedValues(const Arguments& values) {
     Arguments used;
     std::copy_if(values.begin(), values.end(), std::back_inserter(used),
-                 [](const std::wstring& value) { return !value.empty(); });
+                 [](const Argument& value) { return !value.text.empty(); });
     return used;
 }
 
 void checkExtension(const Arguments& arguments, const Arguments& values,
                     const Arguments& extended) {
     require(!extended.empty() && extended[0] == arguments[0], "the program stays in front");
-    const int config = findOption(L"-config", arguments);
-    const std::wstring* name = optionValue(L"-config", arguments);
+    const auto config =
+        std::find(arguments.begin() + 1, arguments.end(), L"-config") - arguments.begin();
+    const Argument* name = optionValue(L"-config", arguments);
     if (name == nullptr) {
         require(extended == arguments, "without an extension the arguments stay");
         return;
@@ -91,8 +93,8 @@ void checkExtension(const Arguments& arguments, const Arguments& values,
 void checkMainOptions(const Arguments& launchArgs, const LaunchInputs& inputs) {
     Arguments plain;
     for (std::size_t i = 1; i < inputs.arguments.size() && inputs.arguments[i] != L"-vmargs"; ++i) {
-        const bool isBehindOption = inputs.arguments[i - 1].starts_with(L"-");
-        if (!inputs.arguments[i].starts_with(L"-") && (i == 1 || !isBehindOption)) {
+        const bool isBehindOption = inputs.arguments[i - 1].text.starts_with(L"-");
+        if (!inputs.arguments[i].text.starts_with(L"-") && (i == 1 || !isBehindOption)) {
             plain.push_back(inputs.arguments[i]);
         }
     }
@@ -120,7 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     inputs.properties.append({L"rcp.install.id", L"abc123", {}});
     inputs.properties.append({L"plugincustomization", L"/dev/null", {}});
     for (std::size_t i = 0; i < values.size(); ++i) {
-        inputs.properties.append({L"config.x." + std::to_wstring(i + 1), values[i], {}});
+        inputs.properties.append({L"config.x." + std::to_wstring(i + 1), values[i].text, {}});
     }
     inputs.traits.eConfig = installConfigurationOf(inputs.properties);
     const bool ended = fuzz::endsLaunch([&] {
@@ -128,17 +130,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                     inputs.debugFile);
     });
     if (ended) {
-        const auto isVmarg = [](const std::wstring& text) { return text.starts_with(L"vmarg."); };
+        const auto isVmarg = [](const Argument& one) { return one.text.starts_with(L"vmarg."); };
         require(std::any_of(all.begin(), all.end(), isVmarg), "only a bad vmarg ends the launch");
         return 0;
     }
     checkExtension(arguments, values, inputs.arguments);
 
     CommandLine line(isRestart(inputs.arguments) ? Start::kRestart : Start::kOrdinary);
-    line.setProgram(L"/eclipse");
+    line.setProgram(L"/eclipse", whys::kPlatformProgram);
     addMainOptionsToCommandLine(line, inputs);
     checkMainOptions(line.arguments(), inputs);
-    addVmargsToCommandLine(line, inputs, true);
+    addVmargsToCommandLine(line, inputs, JvmFile::kEeOrDll);
     addDashDToCommandLine(line, inputs);
     addXargsToCommandLine(line, inputs.properties);
     const Arguments& launchArgs = line.arguments();
@@ -146,8 +148,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(launchArgs.size() <= inputs.arguments.size() + inputs.vmargMap.size() + 20,
             "the list has a bound");
     for (const auto& [key, argument] : inputs.vmargMap) {
-        require(argument.empty() || argument == L"-debug" || argument == L"-console" ||
-                    hasOption(argument, launchArgs),
+        require(argument.text.empty() || argument == L"-debug" || argument == L"-console" ||
+                    hasOption(argument.text, launchArgs),
                 "no JVM argument is lost");
     }
     return 0;

@@ -54,7 +54,7 @@ void checkStandard(const StandardLocations& locations, const std::wstring& text)
     }
     Arguments arguments = {text, L"", text};
     replacePlaceholdersInArgv(locations, arguments);
-    require(arguments.size() == 3 && arguments[1].empty() && arguments[0] == arguments[2],
+    require(arguments.size() == 3 && arguments[1].text.empty() && arguments[0] == arguments[2],
             "arguments are replaced each for itself");
 }
 

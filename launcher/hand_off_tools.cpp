@@ -14,12 +14,12 @@ namespace rcp {
 NarrowArguments::NarrowArguments(std::span<const Argument> arguments) {
     texts_.reserve(arguments.size());
     pointers_.reserve(arguments.size() + 1);
-    for (const std::wstring& argument : arguments) {
-        texts_.push_back(toNarrow(argument));
-        if (texts_.back().empty() && !argument.empty()) {
+    for (const Argument& argument : arguments) {
+        texts_.push_back(toNarrow(argument.text));
+        if (texts_.back().empty() && !argument.text.empty()) {
             report(noReason(),
                    "Error: the launch argument '%ls' is no text of this locale and becomes empty.",
-                   argument);
+                   argument.text);
         }
     }
     for (std::string& text : texts_) {

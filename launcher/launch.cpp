@@ -90,7 +90,7 @@ void reportMissingValue(const Arguments& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         if (lacksValue(arguments, i)) {
             report(noReason(), "Error: startup: option %ls stands last and has no value.",
-                   arguments[i]);
+                   arguments[i].text);
         }
     }
 }
@@ -193,8 +193,8 @@ void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
     std::wstring path = base + L"/macosx/x86/Info.plist";
     replaceUserPlaceholders(path, inputs.properties);
     removeUnfinished(path);  // may be another workspace's at work, unlike the user's own files
-    if (const std::wstring* identifier = getBundleIdentifier(inputs.arguments)) {
-        updateInfoPlist(path, *identifier);
+    if (const Argument* identifier = getBundleIdentifier(inputs.arguments)) {
+        updateInfoPlist(path, identifier->text);
     }
 }
 
@@ -224,7 +224,7 @@ void switchToInitialConfiguration(LaunchInputs& inputs) {
 bool takeLock(Launch& launch) {
     LaunchInputs& inputs = launch.inputs;
     launch.marker = {.mainProcessName = getMainProcessName(inputs.traits, inputs.properties),
-                     .platformExecutable = executedProgram(inputs),
+                     .platformExecutable = executedProgram(inputs).text,
                      .invokeDylib = inputs.traits.invokeDylib};
     launch.lock =
         PlatformLock::take(inputs.workspace, *launch.marker, oldPlatform(inputs.arguments));

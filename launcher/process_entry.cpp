@@ -56,7 +56,7 @@ Arguments wideArguments(int argc, char** argv) {
     for (int i = 0; i < argc; ++i) {
         arguments.emplace_back(chartowcs(argv[i]).get(),
                                Origin{nullptr, static_cast<std::size_t>(i)});
-        if (arguments.back().empty() && *argv[i] != '\0') {
+        if (arguments.back().text.empty() && *argv[i] != '\0') {
             report(noReason(), "Error: main: argument %d is no text of this locale.", i);
         }
     }
@@ -143,18 +143,18 @@ void setCharacterLocale() {
 void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& properties) {
     const std::wstring suffix =
         L":" + jvmLocation(properties) + valueOr(L"jvm.extpath", kDefaultExtensionPath, properties);
-    const auto isMatch = [](const std::wstring& argument) {
-        return argument.starts_with(L"-Djava.ext.dirs");
+    const auto isMatch = [](const Argument& argument) {
+        return argument.text.starts_with(L"-Djava.ext.dirs");
     };
     std::wstring last;
-    for (const std::wstring& argument : arguments) {
+    for (const Argument& argument : arguments) {
         if (isMatch(argument)) {
-            last = argument + suffix;
+            last = argument.text + suffix;
         }
     }
-    for (std::wstring& argument : arguments) {
+    for (Argument& argument : arguments) {
         if (isMatch(argument)) {
-            argument.assign(last);
+            argument.text = last;
         }
     }
 }

@@ -77,7 +77,7 @@ void findInIdentifier(const Bundle& bundle, const Examination& examination, Find
     const std::string name = nameIn(bundle, path);
     const BundleKeys keys = readBundleKeys(toNarrow(path));
     const Argument* const given = getBundleIdentifier(examination.inputs.arguments);
-    const std::string wanted = given == nullptr ? bundle.keys.identifier : toNarrow(*given);
+    const std::string wanted = given == nullptr ? bundle.keys.identifier : toNarrow(given->text);
     if (!wanted.empty() && keys.isRead && bundle.seals(name) &&
         !platform::equalIgnoringCase(keys.identifier, wanted)) {
         findings.add("RI709", examination.nameOf(path), 0,

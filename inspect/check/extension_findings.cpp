@@ -71,7 +71,7 @@ void findRefused(const Examination& examination, const Arguments& arguments, Fin
     for (const Argument& argument : arguments) {
         if (const auto record = refusal({argument})) {
             findings.add("RI503", examination.nameOf(argument.origin), argument.origin.line,
-                         "\"" + toUtf8(argument) + "\": " + *record);
+                         "\"" + toUtf8(argument.text) + "\": " + *record);
         }
     }
 }

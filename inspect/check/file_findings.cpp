@@ -58,22 +58,22 @@ void findInBase(const Examination& examination, Findings& findings) {
              addStartupToCommandLine(startup, properties, examination.inputs.arguments);
          })) {
         if (jar != L"-startup") {
-            needFile(examination, jar, origin, findings);
+            needFile(examination, jar.text, origin, findings);
         }
     }
     if (line.arguments().empty()) {
         return;
     }
     // The process of a script runs the interpreter, so only its listing can tell what it is.
-    const std::string path = toNarrow(line.arguments().front());
+    const std::string path = toNarrow(line.arguments().front().text);
     const Traits& traits = examination.inputs.traits;
     const ProcessMarker marker{.mainProcessName = getMainProcessName(traits, properties),
-                               .platformExecutable = line.arguments().front(),
+                               .platformExecutable = line.arguments().front().text,
                                .invokeDylib = traits.invokeDylib};
     if (!traits.invokeDylib && readQuietly(path, 2) == "#!" &&
         !listingShowsPlatform(path, marker)) {
         findings.add("RI603", examination.nameOf(origin), origin.line,
-                     quoted(line.arguments().front()) + " is not recognised");
+                     quoted(line.arguments().front().text) + " is not recognised");
     }
 }
 
@@ -84,9 +84,9 @@ void findInClassPath(const Examination& examination, Findings& findings) {
         return;
     }
     const Argument& path = elements.back();
-    for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(path.find(L':', at), path.size());
-        needFile(examination, path.substr(at, end - at), path.origin, findings);
+    for (std::size_t at = 0; at < path.text.size();) {
+        const std::size_t end = std::min(path.text.find(L':', at), path.text.size());
+        needFile(examination, path.text.substr(at, end - at), path.origin, findings);
         at = end + 1;
     }
 }
@@ -98,9 +98,9 @@ void findJvm(const Examination& examination, Findings& findings) {
     replacePlaceholdersInArgv(locations, arguments);
     const Origin origin = examination.originOf(L"jvm.location");
     if (examination.inputs.traits.isDirectJavaShape()) {
-        needProgram(examination, arguments.back(), origin, findings);
+        needProgram(examination, arguments.back().text, origin, findings);
     } else {
-        needFile(examination, arguments.back(), origin, findings);
+        needFile(examination, arguments.back().text, origin, findings);
     }
 }
 

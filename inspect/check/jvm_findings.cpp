@@ -17,13 +17,13 @@ Arguments jvmArguments(const Examination& examination) {
     LaunchInputs inputs = examination.inputs;
     const StandardLocations locations{inputs.workspace, inputs.installDir};
     for (auto& [key, argument] : inputs.vmargMap) {
-        std::wstring text = argument;
+        std::wstring text = argument.text;
         const bool resolved = replaceAllPlaceholders(locations, text, inputs.properties);
         argument = Argument(resolved ? text : std::wstring(), argument.origin);
     }
     CommandLine line;
     endOf([&] {
-        addVmargsToCommandLine(line, inputs, false);
+        addVmargsToCommandLine(line, inputs, JvmFile::kProgram);
         addDashDToCommandLine(line, inputs);
     });
     addXargsToCommandLine(line, inputs.properties);
@@ -48,9 +48,10 @@ void add(const Examination& examination, const char* code, const Argument& argum
 void findHeapSizes(const Examination& examination, const Arguments& arguments, Findings& findings) {
     const Argument* start = lastHeapSize(HeapSize::kStart, arguments);
     const Argument* limit = lastHeapSize(HeapSize::kLimit, arguments);
-    if (start != nullptr && limit != nullptr && heapBytes(*start) > heapBytes(*limit)) {
+    if (start != nullptr && limit != nullptr && heapBytes(start->text) > heapBytes(limit->text)) {
         add(examination, "RI401", *start,
-            quoted(*start) + " is more than " + quoted(*limit) + atLine(examination, *limit),
+            quoted(start->text) + " is more than " + quoted(limit->text) +
+                atLine(examination, *limit),
             findings);
     }
 }
@@ -60,7 +61,7 @@ void findCollectors(const Examination& examination, const Arguments& arguments,
     const std::vector<const Argument*> chosen = chosenCollectors(arguments);
     for (std::size_t i = 1; i < chosen.size(); ++i) {
         add(examination, "RI402", *chosen[i],
-            quoted(*chosen[i]) + " and " + quoted(*chosen.front()) +
+            quoted(chosen[i]->text) + " and " + quoted(chosen.front()->text) +
                 atLine(examination, *chosen.front()),
             findings);
     }
@@ -70,7 +71,7 @@ void findRepetitions(const Examination& examination, const Arguments& arguments,
                      Findings& findings) {
     std::map<std::wstring, const Argument*> last;
     for (const Argument& argument : arguments) {
-        const std::wstring name = jvmOptionName(argument);
+        const std::wstring name = jvmOptionName(argument.text);
         if (name.empty()) {
             continue;
         }
@@ -78,7 +79,7 @@ void findRepetitions(const Examination& examination, const Arguments& arguments,
         if (former != nullptr && *former != argument) {
             const Argument& place = former->origin.file ? *former : argument;
             add(examination, "RI403", place,
-                quoted(*former) + " loses against " + quoted(argument) +
+                quoted(former->text) + " loses against " + quoted(argument.text) +
                     atLine(examination, argument),
                 findings);
         }
@@ -88,8 +89,8 @@ void findRepetitions(const Examination& examination, const Arguments& arguments,
 
 void findTexts(const Examination& examination, const Arguments& arguments, Findings& findings) {
     for (const Argument& argument : arguments) {
-        if (argument.origin.file && !argument.starts_with(L'-')) {
-            add(examination, "RI404", argument, quoted(argument) + " is no option", findings);
+        if (argument.origin.file && !argument.text.starts_with(L'-')) {
+            add(examination, "RI404", argument, quoted(argument.text) + " is no option", findings);
         }
     }
 }

@@ -46,7 +46,7 @@ const Argument* lastHeapSize(HeapSize size, const Arguments& arguments) {
     const auto& options = size == HeapSize::kStart ? kStartOptions : kLimitOptions;
     const auto found =
         std::find_if(arguments.rbegin(), arguments.rend(), [&](const Argument& argument) {
-            return !prefixOf(argument, options).empty() && heapBytes(argument) > 0;
+            return !prefixOf(argument.text, options).empty() && heapBytes(argument.text) > 0;
         });
     return found == arguments.rend() ? nullptr : &*found;
 }
@@ -67,7 +67,7 @@ std::uint64_t heapBytes(std::wstring_view option) {
 std::vector<const Argument*> chosenCollectors(const Arguments& arguments) {
     std::map<std::wstring_view, const Argument*> states;
     for (const Argument& argument : arguments) {
-        const std::wstring_view view = argument;
+        const std::wstring_view view = argument.text;
         if (!view.starts_with(L"-XX:+") && !view.starts_with(L"-XX:-")) {
             continue;
         }

@@ -73,7 +73,7 @@ void findInUserFile(const Examination& examination, const StandardLocations& loc
 void findInVmArguments(const Examination& examination, const StandardLocations& locations,
                        Findings& findings) {
     for (const auto& [key, argument] : examination.inputs.vmargMap) {
-        std::wstring text = argument;
+        std::wstring text = argument.text;
         replaceStdPlaceholders(locations, text);
         findIn(text, examination.inputs.properties, placeOf(examination, argument.origin),
                findings);

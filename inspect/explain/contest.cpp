@@ -60,7 +60,7 @@ std::vector<const Property*> extensionEntries(const Account& account) {
     const Argument* name = optionValue(L"-config", arguments);
     for (std::size_t n = 1; name != nullptr; ++n) {
         const auto numbered =
-            account.sources.entriesOf(L"config." + *name + L"." + std::to_wstring(n));
+            account.sources.entriesOf(L"config." + name->text + L"." + std::to_wstring(n));
         if (numbered.empty()) {
             break;
         }
@@ -75,8 +75,8 @@ std::vector<Rival> rivalsForVmarg(const std::wstring& name, const Account& accou
     std::vector<Rival> rivals;
     const std::wstring beginning = name + L"=";
     for (const Argument& argument : launcherArguments(account.options)) {
-        if (argument.starts_with(beginning)) {
-            rivals.push_back({argument.substr(beginning.size()), argument.origin});
+        if (argument.text.starts_with(beginning)) {
+            rivals.push_back({argument.text.substr(beginning.size()), argument.origin});
         }
     }
     for (const Property* entry : extensionEntries(account)) {
@@ -92,10 +92,10 @@ std::vector<Rival> rivalsForOption(std::wstring_view option, const Account& acco
     std::vector<Rival> rivals;
     const Arguments arguments = launcherArguments(account.options);
     if (const Argument* value = optionValue(option, arguments)) {
-        rivals.push_back({*value, value->origin});
-    } else if (const int index = findOption(option, arguments); index > 0 && option != L"-data") {
+        rivals.push_back({value->text, value->origin});
+    } else if (const auto index = findOption(option, arguments); index && option != L"-data") {
         // Without a value it still keeps the property out, save the workspace's.
-        rivals.push_back({L"", arguments[static_cast<std::size_t>(index)].origin});
+        rivals.push_back({L"", arguments[*index].origin});
     }
     const auto extension = extensionEntries(account);
     for (std::size_t i = 0; i + 1 < extension.size(); ++i) {

@@ -20,7 +20,7 @@ std::wstring writtenText(const Argument& element, const Origin& origin, const Pr
         return entry->value;
     }
     const bool isGiven = !origin.file && origin.line > 0 && origin.line < arguments.size();
-    return isGiven ? std::wstring(arguments[origin.line]) : std::wstring(element);
+    return isGiven ? arguments[origin.line].text : element.text;
 }
 
 // "vmarg.NAME" of an element that is a JVM argument of that name, wherever it was given: an argument
@@ -30,7 +30,7 @@ std::wstring vmargName(const Argument& element, const Property* entry,
     if (entry != nullptr && entry->key.starts_with(kVmarg)) {
         return entry->key;
     }
-    const bool isMade = written.starts_with(kVmarg) && !element.starts_with(kVmarg);
+    const bool isMade = written.starts_with(kVmarg) && !element.text.starts_with(kVmarg);
     return isMade ? written.substr(0, written.find(L'=')) : std::wstring();
 }
 
@@ -51,7 +51,8 @@ bool isWorkspacePath(std::size_t index, const Account& account) {
         return false;
     }
     const Argument& before = elements[index - 1];
-    return before == L"-data" || before == L"-configuration" || element.starts_with(L"-Drcp.data=");
+    return before == L"-data" || before == L"-configuration" ||
+           element.text.starts_with(L"-Drcp.data=");
 }
 
 // The workspace, what is made of it and the kind of installation are computed; the user wants to
@@ -59,7 +60,7 @@ bool isWorkspacePath(std::size_t index, const Account& account) {
 Origin originAt(std::size_t index, const Account& account) {
     const Argument& element = account.line.arguments()[index];
     const bool isComputed = !element.origin.file && element.origin.line == 0;
-    if (isComputed && element.starts_with(L"-Drcp.install.config=")) {
+    if (isComputed && element.text.starts_with(L"-Drcp.install.config=")) {
         const auto entries = account.sources.entriesOf(L"install.configuration");
         return entries.empty() ? Origin() : entries.front()->origin;
     }
@@ -82,8 +83,8 @@ std::vector<Rival> rivalsAt(std::size_t index, const Property* entry, const std:
     if (!vmarg.empty()) {
         return rivalsForVmarg(vmarg, account);
     }
-    if (index > 0 && !propertiesFor(account.line.arguments()[index - 1]).empty()) {
-        return rivalsForOption(account.line.arguments()[index - 1], account);
+    if (index > 0 && !propertiesFor(account.line.arguments()[index - 1].text).empty()) {
+        return rivalsForOption(account.line.arguments()[index - 1].text, account);
     }
     return entry == nullptr ? std::vector<Rival>() : rivalsOf(*entry, account);
 }
@@ -111,7 +112,7 @@ json describeElement(std::size_t index, const Arguments& given, const Account& a
     if (!vmarg.empty() && written.starts_with(vmarg + L"=")) {
         written.erase(0, vmarg.size() + 1);
     }
-    return {{"text", jsonText(element)},
+    return {{"text", jsonText(element.text)},
             {"rule", ruleFor(account.line.arguments(), index, entry, vmarg)},
             {"source", sourceAt(index, origin, account)},
             {"placeholders", describePlaceholders(written, account.witness)},
@@ -154,7 +155,7 @@ json describeDropped(const Account& account) {
         if (elementsFrom(given[position].origin, account).empty()) {
             dropped.push_back(
                 {{"position", position},
-                 {"text", jsonText(given[position])},
+                 {"text", jsonText(given[position].text)},
                  {"why", whyDropped(given, position, droppedFrom(given[position].origin, account),
                                     account.launch.inputs.isInitial)}});
         }

@@ -240,7 +240,7 @@ json describeOutcome(const Launch& launch) {
     if (launch.plan) {
         const CommandLine& line = launch.plan->line;
         outcome["program"] =
-            jsonText(kind == "in-process" ? line.library() : line.arguments().front());
+            jsonText(kind == "in-process" ? line.library() : line.arguments().front().text);
     }
     return outcome;
 }

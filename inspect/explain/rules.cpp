@@ -113,7 +113,7 @@ std::string whyDropped(const Arguments& arguments, std::size_t position, const A
                        bool isInitial) {
     const Argument& argument = arguments[position];
     const std::wstring_view before =
-        position > 1 ? std::wstring_view(arguments[position - 1]) : std::wstring_view();
+        position > 1 ? std::wstring_view(arguments[position - 1].text) : std::wstring_view();
     const bool isData = argument == L"-data" || before == L"-data";
     if (isInitial && !isData && argument != L"-vm") {
         return "the initial configuration is started instead";
@@ -124,10 +124,10 @@ std::string whyDropped(const Arguments& arguments, std::size_t position, const A
     if (before == L"-config" && canBeValue(argument)) {
         return kExtensionName;
     }
-    if (const char* early = droppedEarly(argument)) {
+    if (const char* early = droppedEarly(argument.text)) {
         return early;
     }
-    if (argument.starts_with(L"vmarg.")) {
+    if (argument.text.starts_with(L"vmarg.")) {
         return "an earlier one of its name is already there";
     }
     const bool repeats = isRepeated(arguments, position);

@@ -31,8 +31,8 @@ void validateIfUrlHandlerLaunch(const Arguments& arguments) {
         return;
     }
     const std::size_t count = arguments.size() - (isRestart(arguments) ? 1 : 0);
-    const std::wstring* expected = optionValue(L"-maxargcnt", arguments);
-    if ((expected == nullptr ? 0 : wcstoul(expected->c_str(), nullptr, 10)) != count) {
+    const Argument* expected = optionValue(L"-maxargcnt", arguments);
+    if ((expected == nullptr ? 0 : wcstoul(expected->text.c_str(), nullptr, 10)) != count) {
         fatal(noReason(),
               "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument "
               "count.");
@@ -40,8 +40,8 @@ void validateIfUrlHandlerLaunch(const Arguments& arguments) {
 }
 
 void validateThatDoubleQuotesNotUsed(const Arguments& arguments) {
-    for (const std::wstring& argument : arguments) {
-        if (argument.find(L'"') != std::wstring::npos) {
+    for (const Argument& argument : arguments) {
+        if (argument.text.find(L'"') != std::wstring::npos) {
             fatal(noReason(),
                   "ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument.");
         }
@@ -49,9 +49,9 @@ void validateThatDoubleQuotesNotUsed(const Arguments& arguments) {
 }
 
 void validateNoJavaLibraryPath(const Arguments& arguments) {
-    for (const std::wstring& argument : arguments) {
+    for (const Argument& argument : arguments) {
         for (const ForbiddenText& forbidden : kForbiddenTexts) {
-            if (argument.find(forbidden.text) != std::wstring::npos) {
+            if (argument.text.find(forbidden.text) != std::wstring::npos) {
                 fatal(noReason(), forbidden.message);
             }
         }
@@ -60,9 +60,9 @@ void validateNoJavaLibraryPath(const Arguments& arguments) {
 
 void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmargMap) {
     Arguments chosen;
-    const int separator = findOption(L"-vmargs", arguments);
-    if (separator >= 0) {
-        chosen.assign(arguments.begin() + separator + 1, arguments.end());
+    if (const std::optional<std::size_t> separator = findOption(L"-vmargs", arguments)) {
+        chosen.assign(arguments.begin() + static_cast<std::ptrdiff_t>(*separator) + 1,
+                      arguments.end());
     }
     for (const auto& [name, argument] : vmargMap) {
         chosen.push_back(argument);

@@ -30,8 +30,8 @@ Argument inBaseLocation(const std::wstring& file, const PropertyList& properties
 }
 
 // The JVM's part of a command line for the launcher library.
-void addJvmSection(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
-    addVmargsToCommandLine(line, inputs, vmIsEeOrDll);
+void addJvmSection(CommandLine& line, const LaunchInputs& inputs, JvmFile jvm) {
+    addVmargsToCommandLine(line, inputs, jvm);
     addDashDToCommandLine(line, inputs);
     addXargsToCommandLine(line, inputs.properties);
     addClasspathToCommandLine(line, inputs);
@@ -41,23 +41,23 @@ void assembleProvisioning(CommandLine& line, const LaunchInputs& inputs, LaunchK
     addBaseEclipseToCommandLine(line, inputs.properties);
     addMainOptionsToCommandLine(line, inputs);
     addProvisioningApplication(line, inputs.properties, kind);
-    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    const JvmFile jvm = addVmToCommandLine(line, inputs);
     addStartupToCommandLine(line, inputs.properties, inputs.arguments);
-    addJvmSection(line, inputs, vmIsEeOrDll);
+    addJvmSection(line, inputs, jvm);
 }
 
 void assembleForLauncherLibrary(CommandLine& line, const LaunchInputs& inputs) {
     addBaseEclipseToCommandLine(line, inputs.properties);
     addMainOptionsToCommandLine(line, inputs);
-    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
+    const JvmFile jvm = addVmToCommandLine(line, inputs);
     addUseDaemonToCommandLine(line, inputs);
     addStartupToCommandLine(line, inputs.properties, inputs.arguments);
-    addJvmSection(line, inputs, vmIsEeOrDll);
+    addJvmSection(line, inputs, jvm);
 }
 
 void assembleForJava(CommandLine& line, const LaunchInputs& inputs) {
-    const bool vmIsEeOrDll = addVmToCommandLine(line, inputs);
-    addJvmSection(line, inputs, vmIsEeOrDll);
+    const JvmFile jvm = addVmToCommandLine(line, inputs);
+    addJvmSection(line, inputs, jvm);
     addMainClassToCommandLine(line);
     addMainOptionsToCommandLine(line, inputs);
 }
@@ -92,12 +92,12 @@ Plan getUserCmdString(const LaunchInputs& inputs, LaunchKind kind) {
 
 void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
     const Argument program = platformProgram(properties);
-    if (!isExecutable(program)) {
-        fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program);
+    if (!isExecutable(program.text)) {
+        fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program.text);
     }
     line.setProgram(program, whys::kPlatformProgram);
     const std::wstring library =
-        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
+        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties).text;
     if (!exists(library)) {
         fatal(because(errno),
               "Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",

@@ -81,15 +81,15 @@ void placeExtension(Arguments& arguments, Arguments values) {
 }  // namespace
 
 void patchWorkspace(const Arguments& extension, PropertyList& properties) {
-    const std::wstring* workspace = optionValue(L"-data", extension);
+    const Argument* workspace = optionValue(L"-data", extension);
     if (workspace == nullptr) {
         return;
     }
     if (findProperty(L"rcp.data", properties) != nullptr) {
-        replaceValue(L"rcp.data", *workspace, properties);
+        replaceValue(L"rcp.data", workspace->text, properties);
     } else {
         // Its filter would take a backslash for an escape.
-        pushBackProperty(properties, L"rcp.data", osPath(*workspace));
+        pushBackProperty(properties, L"rcp.data", osPath(workspace->text));
     }
 }
 
@@ -98,7 +98,7 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
                                    const std::optional<std::wstring>& debugFile) {
     insertArgsToVmargMap(vmargMap, arguments, properties);
     Arguments extended = arguments;
-    const std::wstring* name = optionValue(L"-config", arguments);
+    const Argument* name = optionValue(L"-config", arguments);
     if (name == nullptr) {
         if (debugFile) {
             addDebugOptions(extended, *debugFile);
@@ -106,9 +106,9 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
         }
         return extended;
     }
-    const auto config = extended.begin() + findOption(L"-config", arguments);
+    const auto config = std::find(extended.begin() + 1, extended.end(), L"-config");
     extended.erase(config, config + 2);
-    placeExtension(extended, extensionValues(*name, properties));
+    placeExtension(extended, extensionValues(name->text, properties));
     if (debugFile) {
         addDebugOptions(extended, *debugFile);
     }

@@ -126,12 +126,11 @@ Arguments initialArguments(const Arguments& arguments) {
                          {L"-console", false, false},
                          {L"-noExit", false, false}};
     Arguments initial{arguments.front(), L"-config", L"initial"};
-    const int separator = findOption(L"-vmargs", arguments);
-    const std::size_t end = separator < 0 ? arguments.size() : static_cast<std::size_t>(separator);
+    const std::size_t end = endOfOptions(arguments);
     for (std::size_t i = 1; i < end; ++i) {
         const auto option =
             std::find_if(std::begin(kept), std::end(kept), [&](const KeptOption& candidate) {
-                return !candidate.isTaken && arguments[i].starts_with(candidate.prefix);
+                return !candidate.isTaken && arguments[i].text.starts_with(candidate.prefix);
             });
         if (option == std::end(kept) ||
             (option->hasValue && (i + 1 == end || !canBeValue(arguments[i + 1])))) {

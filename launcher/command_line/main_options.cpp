@@ -48,11 +48,11 @@ const OptionRule* ruleFor(std::wstring_view argument) {
 // The JVM and the workspace are those that are named first.
 bool isRepeated(const Arguments& arguments, std::size_t index) {
     const bool isNamedOnce = arguments[index] == L"-data" || arguments[index] == L"-vm";
-    return isNamedOnce && findOption(arguments[index], arguments) != static_cast<int>(index);
+    return isNamedOnce && findOption(arguments[index].text, arguments) != index;
 }
 
 void dropOption(CommandLine& line, const Arguments& arguments, std::size_t index, bool hasValue) {
-    const OptionRule& rule = *ruleFor(arguments[index]);
+    const OptionRule& rule = *ruleFor(arguments[index].text);
     const bool takesValue = rule.rule == CopyRule::kDropWithValue;
     const Why* const instead = isRepeated(arguments, index) ? &whys::kRepeats
                                : takesValue && !hasValue    ? &whys::kLacksValue
@@ -65,11 +65,10 @@ void dropOption(CommandLine& line, const Arguments& arguments, std::size_t index
 
 // The user's arguments in front of "-vmargs", which is never taken for an option's value.
 void copyUserOptions(CommandLine& line, const Arguments& arguments) {
-    const int separator = findOption(L"-vmargs", arguments);
-    const std::size_t end = separator < 0 ? arguments.size() : static_cast<std::size_t>(separator);
+    const std::size_t end = endOfOptions(arguments);
     for (std::size_t i = 1; i < end; ++i) {
         const bool hasValue = i + 1 < end && canBeValue(arguments[i + 1]);
-        switch (copyRuleFor(arguments[i])) {
+        switch (copyRuleFor(arguments[i].text)) {
             case CopyRule::kCopy:
                 line.add(arguments[i]);
                 break;
@@ -106,12 +105,12 @@ void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
     const std::wstring key = L"plugincustomization";
     const Property* property = inputs.properties.find(key);
     const Argument value = property == nullptr ? Argument() : argumentFrom(*property);
-    const Argument path(osPath(value), value.origin);
-    if (!exists(path)) {
+    const Argument path(osPath(value.text), value.origin);
+    if (!exists(path.text)) {
         // That it is missing the text says itself.
         const Reason reason = errno == ENOENT ? noReason() : because(errno);
         fatal(reason.at(placeOf(key, value.origin)),
-              "ZYPRA0050E:  plugin_customization.ini is missing from %ls", value);
+              "ZYPRA0050E:  plugin_customization.ini is missing from %ls", value.text);
     }
     line.add(L"-plugincustomization", whys::kPreferences);
     line.add(path);

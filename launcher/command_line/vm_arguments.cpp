@@ -17,14 +17,9 @@ constexpr wchar_t VMFIXARG_PROPERTY[] = L"vmfix.noconsole";
 // What the user put behind "-vmargs". A "-vm" there is a choice of the launcher's, not a JVM
 // option.
 void addUserVmargs(CommandLine& line, const Arguments& arguments) {
-    const int separator = findOption(L"-vmargs", arguments);
-    if (separator < 0) {
-        return;
-    }
-    for (auto i = static_cast<std::size_t>(separator) + 1; i < arguments.size(); ++i) {
+    for (std::size_t i = endOfOptions(arguments) + 1; i < arguments.size(); ++i) {
         if (arguments[i] == L"-vm") {
-            const Why& why = findOption(L"-vm", arguments) == static_cast<int>(i) ? whys::kOwnJvm
-                                                                                  : whys::kRepeats;
+            const Why& why = findOption(L"-vm", arguments) == i ? whys::kOwnJvm : whys::kRepeats;
             line.drop(arguments[i], why);
             if (i + 1 < arguments.size() && canBeValue(arguments[i + 1])) {
                 line.drop(arguments[++i], why);
@@ -41,9 +36,9 @@ void addConsoleFix(CommandLine& line, const LaunchInputs& inputs) {
         return;
     }
     Argument fix = argumentFrom(*fixes.front());
-    replaceFirst(fix, L"${workspace.location}", inputs.workspace);
-    convertToOsSeparator(fix);
-    if (!fix.empty()) {
+    replaceFirst(fix.text, L"${workspace.location}", inputs.workspace);
+    convertToOsSeparator(fix.text);
+    if (!fix.text.empty()) {
         line.add(fix);
     }
 }
@@ -57,7 +52,7 @@ std::wstring definition(const std::wstring& key, const std::wstring& value) {
 
 void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value,
                        const Why& why) {
-    line.add({definition(key, value), value.origin}, why);
+    line.add({definition(key, value.text), value.origin}, why);
 }
 
 void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
@@ -76,17 +71,17 @@ Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view opt
 
 }  // namespace
 
-void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll) {
+void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, JvmFile jvm) {
     if (!inputs.traits.isDirectJavaShape()) {
         line.add(L"-vmargs", whys::kJvmPart);
     }
     addUserVmargs(line, inputs.arguments);
     const bool hasConsole = hasOption(CONSOLEARG, inputs.arguments) && !isRestart(inputs.arguments);
-    if (!hasConsole && !vmIsEeOrDll) {
+    if (!hasConsole && jvm == JvmFile::kProgram) {
         addConsoleFix(line, inputs);
     }
     for (const auto& [key, argument] : inputs.vmargMap) {
-        if (!argument.empty()) {
+        if (!argument.text.empty()) {
             line.add(argument);
         }
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "launcher/command_line/plan.h"
+#include "launcher/command_line/vm_choice.h"
 #include "launcher/inputs/launch_inputs.h"
 
 #include <string>
@@ -11,8 +12,8 @@ namespace rcp {
 
 /// Appends the JVM section: "-vmargs" (not in the direct Java shape), what the user put behind
 /// "-vmargs" less any "-vm" pair, the console fix argument, and the VM argument map in key order.
-/// `vmIsEeOrDll` is what addVmToCommandLine returned.
-void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, bool vmIsEeOrDll);
+/// A JVM that is no program of its own gets no console fix.
+void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, JvmFile jvm);
 
 /// Appends the "-D" system properties. Ends the launch without "rcp.install.id" and for an
 /// unrecognised install configuration.

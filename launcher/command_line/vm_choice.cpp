@@ -9,6 +9,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -37,51 +38,48 @@ Argument givenVm(const PropertyList& properties, const Arguments& arguments) {
 Argument chosenVm(const PropertyList& properties, const Arguments& arguments,
                   const char* missingMessage) {
     Argument vm = givenVm(properties, arguments);
-    if (vm.empty() && isVmOverride(arguments)) {
+    if (vm.text.empty() && isVmOverride(arguments)) {
         fatal(noReason(), missingMessage);
     }
     return vm;
 }
 
 void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
+    const std::optional<std::wstring> home = getJvmHome(location.jvm);
     if (const std::wstring* given = findProperty(L"java.home", properties)) {
-        std::wstring home = *given;
-        getJvmHome(location.jvm, home);
-        replaceValue(L"java.home", home, properties);
-        return;
-    }
-    std::wstring home;
-    getJvmHome(location.jvm, home);
-    if (location.isDefault && !home.empty()) {
-        pushBackProperty(properties, L"java.home", home);
+        replaceValue(L"java.home", home.value_or(*given), properties);
+    } else if (location.isDefault && home && !home->empty()) {
+        pushBackProperty(properties, L"java.home", *home);
     }
 }
 
 void settleLibraryPath(PropertyList& properties) {
     const std::wstring* given = findProperty(L"jvm.library.path", properties);
     if (given != nullptr && !given->empty()) {
-        std::wstring path = *given;
-        fixUpJvmLibPath(path);
-        replaceValue(L"jvm.library.path", path, properties);
+        replaceValue(L"jvm.library.path", fixUpJvmLibPath(*given), properties);
     }
+}
+
+std::optional<std::wstring> rootWithProperties(std::wstring root) {
+    return jvmPropExists(root) ? std::optional(std::move(root)) : std::nullopt;
 }
 
 }  // namespace
 
 Argument vmProgram(const LaunchInputs& inputs) {
     Argument vm = givenVm(inputs.properties, inputs.arguments);
-    replaceFirstRcpHome(vm, inputs.installDir);
+    replaceFirstRcpHome(vm.text, inputs.installDir);
     return vm;
 }
 
-bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
+JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
-    replaceFirstRcpHome(vm, inputs.installDir);
-    if (vm.empty()) {
+    replaceFirstRcpHome(vm.text, inputs.installDir);
+    if (vm.text.empty()) {
         if (inputs.traits.isDirectJavaShape()) {
             fatal(noReason(), kNoVmMessage);  // or an option would become the program
         }
-        return false;
+        return JvmFile::kProgram;
     }
     if (inputs.traits.isDirectJavaShape()) {
         line.setProgram(vm, whys::kJvmProgram);
@@ -95,61 +93,53 @@ bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
             line.add(vm, whys::kJvm);
         }
     }
-    return endsIn(vm, L".ee") || endsIn(vm, L".dll");
+    return endsIn(vm.text, L".ee") || endsIn(vm.text, L".dll") ? JvmFile::kEeOrDll
+                                                               : JvmFile::kProgram;
 }
 
 JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
                                            const std::wstring& installDir) {
     JvmPropertyLocation location;
-    std::wstring root;
-    location.jvm =
-        chosenVm(properties, arguments,
-                 "ZYPRA0079E: -vm on command line must be followed by a valid jvm path.");
-    bool found = false;
+    std::optional<std::wstring> root;
+    location.jvm = chosenVm(properties, arguments,
+                            "ZYPRA0079E: -vm on command line must be followed by a valid jvm path.")
+                       .text;
     if (location.jvm.empty()) {
         traceAlways(L"ZYPRA0119I: VM specified is \"%s\"", L"external JVM");
     } else {
         replaceFirstRcpHome(location.jvm, installDir);
         convertBS2S(location.jvm);
         traceAlways(L"ZYPRA0021I: VM specified is \"%s\"", location.jvm);
-        found = getStandardJvmPropertyRoot(location.jvm, root, location.isDefault) ||
-                getInstallJvmPropertyRoot(location.jvm, root);
+        root = getStandardJvmPropertyRoot(location.jvm);
+        root = root ? root : getInstallJvmPropertyRoot(location.jvm);
     }
-    location.isDefault = !found;
-    if (!found) {
+    location.isDefault = !root;
+    if (!root) {
         root = installDir + L"/rcp/deploy/";
-        convertBS2S(root);
+        convertBS2S(*root);
     }
-    pushBackProperty(properties, L"jvm.root", root);
-    location.file = root + kFileName;
+    pushBackProperty(properties, L"jvm.root", *root);
+    location.file = *root + kFileName;
     return location;
 }
 
-bool getStandardJvmPropertyRoot(const std::wstring& jvm, std::wstring& root, bool& isDefault) {
+std::optional<std::wstring> getStandardJvmPropertyRoot(const std::wstring& jvm) {
     const std::size_t folder = jvm.find(kPluginFolder);
     if (folder == std::wstring::npos) {
-        return false;
+        return std::nullopt;
     }
     const std::size_t end = jvm.find(L'/', folder + kPluginFolder.size());
-    if (end == std::wstring::npos) {
-        return false;
-    }
-    root = jvm.substr(0, end + 1);
-    isDefault = !jvmPropExists(root);
-    return !isDefault;
+    return end == std::wstring::npos ? std::nullopt : rootWithProperties(jvm.substr(0, end + 1));
 }
 
-bool getInstallJvmPropertyRoot(const std::wstring& jvm, std::wstring& root) {
+std::optional<std::wstring> getInstallJvmPropertyRoot(const std::wstring& jvm) {
     const std::size_t last = jvm.rfind(L'/');
     if (last == std::wstring::npos || last == 0) {
-        return false;
+        return std::nullopt;
     }
     const std::size_t second = jvm.rfind(L'/', last - 1);
-    if (second == std::wstring::npos) {
-        return false;
-    }
-    root = jvm.substr(0, second + 1);
-    return jvmPropExists(root);
+    return second == std::wstring::npos ? std::nullopt
+                                        : rootWithProperties(jvm.substr(0, second + 1));
 }
 
 bool jvmPropExists(const std::wstring& root) {
@@ -169,20 +159,20 @@ void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location
     settleLibraryPath(inputs.properties);
 }
 
-void getJvmHome(const std::wstring& jvm, std::wstring& home) {
+std::optional<std::wstring> getJvmHome(const std::wstring& jvm) {
     const std::size_t found = jvm.find(L"jvm/bin");
-    if (found != std::wstring::npos && found > 0) {
-        home = jvm.substr(0, found - 1);
-    }
+    return found == std::wstring::npos || found == 0 ? std::nullopt
+                                                     : std::optional(jvm.substr(0, found - 1));
 }
 
-void fixUpJvmLibPath(std::wstring& libraryPath) {
-    convertBS2S(libraryPath);
+std::wstring fixUpJvmLibPath(const std::wstring& libraryPath) {
+    std::wstring path = libraryPath;
+    convertBS2S(path);
     std::wstring fixed;
     std::size_t at = 0;
-    while (at < libraryPath.size()) {
-        const std::size_t end = std::min(libraryPath.find(L':', at), libraryPath.size());
-        const std::wstring element = libraryPath.substr(at, end - at);
+    while (at < path.size()) {
+        const std::size_t end = std::min(path.find(L':', at), path.size());
+        const std::wstring element = path.substr(at, end - at);
         at = end + 1;
         if (element.empty()) {
             continue;
@@ -196,7 +186,7 @@ void fixUpJvmLibPath(std::wstring& libraryPath) {
         }
         fixed += element;
     }
-    libraryPath = fixed;
+    return fixed;
 }
 
 bool endsIn(std::wstring_view text, std::wstring_view suffix) {

@@ -12,6 +12,7 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/inputs/launch_inputs.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,10 +20,13 @@ namespace rcp {
 
 /// The JVM's path as it is handed over; empty when none is named.
 Argument vmProgram(const LaunchInputs& inputs);
+/// What the JVM's path names: a program, also where there is no path, or by its ending a description of an
+/// execution environment or a library.
+enum class JvmFile { kProgram, kEeOrDll };
 /// Appends the JVM piece: "-vm" and its path, or in the direct Java shape the path as first
-/// element. True when the path ends in ".ee" or ".dll". Ends the
-/// launch when "-vm" has no value, and in the direct Java shape when there is no JVM at all.
-bool addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs);
+/// element. Ends the launch when "-vm" has no value, and in the direct Java shape when there is no JVM at
+/// all.
+JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
 struct JvmPropertyLocation {
     std::wstring file;       // root + "jvm.properties"; need not exist in the default root
@@ -33,24 +37,22 @@ struct JvmPropertyLocation {
 /// Finds the jvm.properties file and records its root as property "jvm.root".
 JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
                                            const std::wstring& installDir);
-/// The root when the JVM lives in a plug-in folder that holds a jvm.properties. `isDefault` is
-/// cleared then, and set when there is a plug-in folder without one.
-bool getStandardJvmPropertyRoot(const std::wstring& jvm, std::wstring& root, bool& isDefault);
+/// The root when the JVM lives in a plug-in folder that holds a jvm.properties.
+std::optional<std::wstring> getStandardJvmPropertyRoot(const std::wstring& jvm);
 /// The root two levels above the JVM executable, when it holds a jvm.properties.
-bool getInstallJvmPropertyRoot(const std::wstring& jvm, std::wstring& root);
+std::optional<std::wstring> getInstallJvmPropertyRoot(const std::wstring& jvm);
 bool jvmPropExists(const std::wstring& root);
 
 /// Reads the jvm.properties file into the launcher properties and the VM argument map, then brings
 /// "java.home" and "jvm.library.path" into their final form.
 void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location);
 
-/// For a JVM path that holds "jvm/bin": `home` becomes what stands in front of it, less the "/".
-/// Otherwise `home` stays.
-void getJvmHome(const std::wstring& jvm, std::wstring& home);
+/// For a JVM path that holds "jvm/bin" what stands in front of it, less the "/".
+std::optional<std::wstring> getJvmHome(const std::wstring& jvm);
 
-/// Puts "${prop.java.home}/" in front of every element of a library path that does not name the
-/// Java home already. Empty elements are dropped: they would mean the Java home itself.
-void fixUpJvmLibPath(std::wstring& libraryPath);
+/// The library path with "${prop.java.home}/" in front of every element that does not name the Java home
+/// already. Empty elements are dropped: they would mean the Java home itself.
+std::wstring fixUpJvmLibPath(const std::wstring& libraryPath);
 
 /// Whether the first occurrence of `suffix` at or behind position length(text) - length(suffix)
 /// stands exactly there, in unsigned arithmetic: a text one character shorter than the suffix ends

@@ -29,25 +29,28 @@ bool isAppendedVm(const Argument& argument) {
 
 }  // namespace
 
-int findOption(std::wstring_view option, const Arguments& arguments) {
+std::optional<std::size_t> findOption(std::wstring_view option, const Arguments& arguments) {
     if (arguments.empty()) {
-        return -1;
+        return std::nullopt;
     }
     const auto found = std::find(arguments.begin() + 1, arguments.end(), option);
-    return found == arguments.end() ? -1 : static_cast<int>(found - arguments.begin());
+    return found == arguments.end() ? std::nullopt
+                                    : std::optional<std::size_t>(found - arguments.begin());
 }
 
 bool hasOption(std::wstring_view option, const Arguments& arguments) {
-    return findOption(option, arguments) >= 0;
+    return findOption(option, arguments).has_value();
+}
+
+std::size_t endOfOptions(const Arguments& arguments) {
+    return findOption(L"-vmargs", arguments).value_or(arguments.size());
 }
 
 const Argument* optionValue(std::wstring_view option, const Arguments& arguments) {
-    const int index = findOption(option, arguments);
-    if (index < 0) {
-        return nullptr;
-    }
-    const std::size_t value = static_cast<std::size_t>(index) + 1;
-    return value < arguments.size() && canBeValue(arguments[value]) ? &arguments[value] : nullptr;
+    const std::optional<std::size_t> index = findOption(option, arguments);
+    const bool hasValue =
+        index && *index + 1 < arguments.size() && canBeValue(arguments[*index + 1]);
+    return hasValue ? &arguments[*index + 1] : nullptr;
 }
 
 bool canBeValue(const Argument& argument) {

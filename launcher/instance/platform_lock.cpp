@@ -66,8 +66,8 @@ std::optional<long> oldPlatform(const Arguments& arguments) {
     if (!isRestart(arguments)) {
         return std::nullopt;
     }
-    const std::wstring* value = optionValue(L"-rcp_old_pid", arguments);
-    return value == nullptr ? 0 : oldProcessId(*value);
+    const Argument* value = optionValue(L"-rcp_old_pid", arguments);
+    return value == nullptr ? 0 : oldProcessId(value->text);
 }
 
 std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,

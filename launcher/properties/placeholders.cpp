@@ -179,16 +179,16 @@ void replacePlaceholdersInVmargMap(StandardLocations locations, const PropertyLi
                                    VmArgumentMap& vmargMap) {
     turnSlashes(locations);
     for (auto& [key, argument] : vmargMap) {
-        if (!replaceAllPlaceholders(locations, argument, properties)) {
-            refusePlaceholders(argument, key, argument.origin);
+        if (!replaceAllPlaceholders(locations, argument.text, properties)) {
+            refusePlaceholders(argument.text, key, argument.origin);
         }
     }
 }
 
 void replacePlaceholdersInArgv(StandardLocations locations, Arguments& arguments) {
     turnSlashes(locations);
-    for (std::wstring& argument : arguments) {
-        replaceStdPlaceholders(locations, argument);
+    for (Argument& argument : arguments) {
+        replaceStdPlaceholders(locations, argument.text);
     }
 }
 

@@ -13,15 +13,15 @@ constexpr std::wstring_view kPrefix = L"vmarg.";
 
 // `invalidMessage` differs by source, so that the record tells where the argument came from.
 void insertArguments(VmArgumentMap& map, const Arguments& arguments, const char* invalidMessage) {
-    for (const Argument& argument : arguments) {
-        if (!argument.starts_with(kPrefix)) {
+    for (const auto& [text, origin, why] : arguments) {
+        if (!text.starts_with(kPrefix)) {
             continue;
         }
-        const std::size_t equals = argument.find(L'=');
+        const std::size_t equals = text.find(L'=');
         if (equals == std::wstring::npos) {
             fatal(noReason(), invalidMessage);
         }
-        map.try_emplace(argument.substr(0, equals), argument.substr(equals + 1), argument.origin);
+        map.try_emplace(text.substr(0, equals), text.substr(equals + 1), origin);
     }
 }
 

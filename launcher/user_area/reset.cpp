@@ -228,11 +228,11 @@ void handleDirMove(const std::wstring& target, const std::wstring& source, Need 
 std::optional<std::wstring> getRestartExe(const Arguments& arguments,
                                           const PropertyList& properties,
                                           const std::wstring& rcpHome) {
-    const std::wstring* name = optionValue(L"-config", arguments);
+    const Argument* name = optionValue(L"-config", arguments);
     if (name == nullptr) {
         return std::nullopt;
     }
-    const std::wstring key = L"config." + *name + L".restartExe." + getOS();
+    const std::wstring key = L"config." + name->text + L".restartExe." + getOS();
     const std::wstring* value = findProperty(key, properties);
     if (value == nullptr) {
         return std::nullopt;

@@ -41,7 +41,7 @@ std::wstring programPath(const std::optional<std::wstring>& restartExe) {
 // The workspace as the restarted launcher must find it, whatever its working directory.
 std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& properties,
                                const std::wstring& installDir) {
-    std::wstring value = argument;
+    std::wstring value = argument.text;
     replaceFirstRcpHome(value, installDir);
     const std::wstring before = value;
     if (!replaceUserPlaceholders(value, properties)) {
@@ -55,25 +55,24 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
                                             const std::optional<std::wstring>& restartExe,
                                             const PropertyList& properties,
                                             const std::wstring& installDir) {
-    const int restart = findOption(L"-restart", arguments);
-    const int resetConfig = findOption(L"-resetconfig", arguments);
-    const int oldPid = findOption(L"-rcp_old_pid", arguments);
-    const std::wstring* data = optionValue(L"-data", arguments);
+    const auto restart = findOption(L"-restart", arguments);
+    const auto resetConfig = findOption(L"-resetconfig", arguments);
+    const auto oldPid = findOption(L"-rcp_old_pid", arguments);
+    const Argument* data = optionValue(L"-data", arguments);
     std::vector<std::wstring> recorded{programPath(restartExe)};
-    for (int i = 1; i < static_cast<int>(arguments.size()); ++i) {
-        const Argument& argument = arguments[static_cast<std::size_t>(i)];
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const Argument& argument = arguments[i];
         if (i == restart || i == resetConfig) {
             continue;
         }
         if (i == oldPid) {
             i += optionValue(L"-rcp_old_pid", arguments) == nullptr ? 0 : 1;
-        } else if (i + 1 < static_cast<int>(arguments.size()) &&
-                   lacksValue(arguments, static_cast<std::size_t>(i))) {
+        } else if (i + 1 < arguments.size() && lacksValue(arguments, i)) {
             continue;  // a restart would take the launcher's own "-vm" behind it for its value
         } else if (&argument == data) {
             recorded.push_back(absoluteWorkspace(argument, properties, installDir));
         } else {
-            recorded.push_back(argument);
+            recorded.push_back(argument.text);
         }
     }
     return recorded;

@@ -97,8 +97,8 @@ std::wstring getWorkspaceLocation(const LaunchInputs& inputs) {
         default:
             break;
     }
-    if (const std::wstring* argument = optionValue(L"-data", inputs.arguments)) {
-        return workspaceFromArgument(*argument, inputs.properties, inputs.installDir);
+    if (const Argument* argument = optionValue(L"-data", inputs.arguments)) {
+        return workspaceFromArgument(argument->text, inputs.properties, inputs.installDir);
     }
     if (const std::wstring* property = findProperty(L"rcp.data", inputs.properties)) {
         return workspaceFromProperty(*property, inputs.properties, inputs.installDir);

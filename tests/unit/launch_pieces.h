@@ -57,7 +57,7 @@ inline VmArgumentMap vmargMap(const Pairs& pairs) {
 inline Pairs pairsOf(const VmArgumentMap& map) {
     Pairs pairs;
     for (const auto& [key, argument] : map) {
-        pairs.emplace_back(key, argument);
+        pairs.emplace_back(key, argument.text);
     }
     return pairs;
 }

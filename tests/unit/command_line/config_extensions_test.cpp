@@ -28,8 +28,9 @@ class Extensions : public test::LauncherTest {
     // The numbered properties of configuration "N".
     static Pairs values(const Arguments& texts) {
         Pairs properties;
-        for (const std::wstring& text : texts) {
-            properties.emplace_back(L"config.N." + std::to_wstring(properties.size() + 1), text);
+        for (const Argument& argument : texts) {
+            properties.emplace_back(L"config.N." + std::to_wstring(properties.size() + 1),
+                                    argument.text);
         }
         return properties;
     }

@@ -20,11 +20,11 @@ class JvmSection : public test::CommandLineTest {
         inputs_.installDir = L"/opt/x";
     }
     // What addVmargsToCommandLine appends for these options of the launcher.
-    Arguments vmargs(const Arguments& options, bool vmIsEeOrDll = false) {
+    Arguments vmargs(const Arguments& options, JvmFile jvm = JvmFile::kProgram) {
         inputs_.arguments = options;
         inputs_.arguments.insert(inputs_.arguments.begin(), L"rcplauncher");
         line_ = CommandLine(start_);
-        addVmargsToCommandLine(line_, inputs_, vmIsEeOrDll);
+        addVmargsToCommandLine(line_, inputs_, jvm);
         return line_.arguments();
     }
     void setFix(const std::wstring& value) {
@@ -77,9 +77,9 @@ TEST_F(JvmSection, ConsoleFixNeedsNoConsoleOrARestart) {
 
 TEST_F(JvmSection, ConsoleFixIsNotForDescriptionFilesAndLibraries) {
     setFix(L"-Dfix");
-    EXPECT_EQ(vmargs({}, true), Arguments{L"-vmargs"});
-    EXPECT_EQ(vmargs({L"-restart"}, true), Arguments{L"-vmargs"});
-    EXPECT_EQ(vmargs({L"-console"}, true), Arguments{L"-vmargs"});
+    EXPECT_EQ(vmargs({}, JvmFile::kEeOrDll), Arguments{L"-vmargs"});
+    EXPECT_EQ(vmargs({L"-restart"}, JvmFile::kEeOrDll), Arguments{L"-vmargs"});
+    EXPECT_EQ(vmargs({L"-console"}, JvmFile::kEeOrDll), Arguments{L"-vmargs"});
 }
 
 TEST_F(JvmSection, FirstPropertyThatBeginsWithItsNameIsTheConsoleFix) {
@@ -142,8 +142,8 @@ TEST_F(SystemProperties, InstallAreaHasTheSystemsSeparators) {
 }
 
 TEST_F(SystemProperties, NoTerminatorReachesTheList) {
-    for (const std::wstring& argument : definitions()) {
-        EXPECT_EQ(argument.find(L'\0'), std::wstring::npos) << argument;
+    for (const Argument& argument : definitions()) {
+        EXPECT_EQ(argument.text.find(L'\0'), std::wstring::npos) << argument.text;
     }
 }
 

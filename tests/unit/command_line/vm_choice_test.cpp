@@ -35,7 +35,7 @@ TEST(EndsIn, HoldsForATextOneCharacterShorterThanTheSuffix) {
 class VmPiece : public test::CommandLineTest {
   protected:
     VmPiece() { inputs_.traits.eConfig = InstallConfiguration::kUser; }
-    bool add(const Arguments& options, const Pairs& properties = {}) {
+    JvmFile add(const Arguments& options, const Pairs& properties = {}) {
         inputs_.arguments = options;
         inputs_.arguments.insert(inputs_.arguments.begin(), L"rcplauncher");
         inputs_.properties = propertyList(properties);
@@ -46,7 +46,8 @@ class VmPiece : public test::CommandLineTest {
 };
 
 TEST_F(VmPiece, NamesTheJvmOfTheCommandLine) {
-    EXPECT_FALSE(add({L"-vm", L"/j/java", L"-vm", L"/k/java"}, {{L"vm", L"/p/java"}}));
+    EXPECT_EQ(add({L"-vm", L"/j/java", L"-vm", L"/k/java"}, {{L"vm", L"/p/java"}}),
+              JvmFile::kProgram);
     EXPECT_EQ(line_.arguments(), (Arguments{L"first", L"-vm", L"/j/java"}));
 }
 
@@ -62,7 +63,7 @@ TEST_F(VmPiece, TellsWhoseChoiceItIs) {
 }
 
 TEST_F(VmPiece, NamesTheJvmOfTheProperty) {
-    EXPECT_FALSE(add({}, {{L"vm", L"/p/java"}, {L"vm", L"/q/java"}}));
+    EXPECT_EQ(add({}, {{L"vm", L"/p/java"}, {L"vm", L"/q/java"}}), JvmFile::kProgram);
     EXPECT_EQ(line_.arguments(), (Arguments{L"first", L"-vm", L"/p/java"}));
 }
 
@@ -72,14 +73,14 @@ TEST_F(VmPiece, FirstRcpHomeOfThePropertyIsReplacedInWhatIsHandedOver) {
 }
 
 TEST_F(VmPiece, IsMissingForTheExternalJvm) {
-    EXPECT_FALSE(add({L"-console", L"-consoleLog"}));
+    EXPECT_EQ(add({L"-console", L"-consoleLog"}), JvmFile::kProgram);
     EXPECT_EQ(line_.arguments(), (Arguments{L"first"}));
 }
 
 TEST_F(VmPiece, IsTheProgramInTheDirectJavaShape) {
     for (const int code : {1, 7}) {
         inputs_.traits.eConfig = static_cast<InstallConfiguration>(code);
-        EXPECT_FALSE(add({L"-vm", L"/j/java"}));
+        EXPECT_EQ(add({L"-vm", L"/j/java"}), JvmFile::kProgram);
         EXPECT_EQ(line_.arguments(), (Arguments{L"/j/java"}));
     }
 }
@@ -97,12 +98,12 @@ TEST_F(VmPiece, OptionWithoutValueIsFatalEvenWithTheProperty) {
 }
 
 TEST_F(VmPiece, TellsDescriptionFilesAndLibraries) {
-    EXPECT_TRUE(add({L"-vm", L"/j/default.ee"}));
-    EXPECT_TRUE(add({}, {{L"vm", L"C:/j/jvm.dll"}}));
-    EXPECT_TRUE(add({L"-vm", L"xy"}));
-    EXPECT_FALSE(add({L"-vm", L"/j/libjvm.so"}));
+    EXPECT_EQ(add({L"-vm", L"/j/default.ee"}), JvmFile::kEeOrDll);
+    EXPECT_EQ(add({}, {{L"vm", L"C:/j/jvm.dll"}}), JvmFile::kEeOrDll);
+    EXPECT_EQ(add({L"-vm", L"xy"}), JvmFile::kEeOrDll);
+    EXPECT_EQ(add({L"-vm", L"/j/libjvm.so"}), JvmFile::kProgram);
     inputs_.traits.eConfig = InstallConfiguration::kService;
-    EXPECT_TRUE(add({L"-vm", L"/j/default.ee"}));
+    EXPECT_EQ(add({L"-vm", L"/j/default.ee"}), JvmFile::kEeOrDll);
 }
 
 class JvmProperties : public test::LauncherTest {
@@ -197,27 +198,19 @@ TEST_F(JvmProperties, ChoiceIsRecordedWithTracingOff) {
 }
 
 TEST_F(JvmProperties, RootsFailWithoutEnoughFolders) {
-    std::wstring text;
-    bool isDefault = false;
     for (const wchar_t* jvm : {L"", L"/eclipse/plugins", L"/x/eclipse/plugins/java", L"/x/java"}) {
-        EXPECT_FALSE(getStandardJvmPropertyRoot(jvm, text, isDefault)) << jvm;
+        EXPECT_FALSE(getStandardJvmPropertyRoot(jvm)) << jvm;
     }
     for (const wchar_t* jvm : {L"", L"java", L"/java", L"bin/java", L"/"}) {
-        EXPECT_FALSE(getInstallJvmPropertyRoot(jvm, text)) << jvm;
-        EXPECT_EQ(text, L"") << "no folder is even looked into";
+        EXPECT_FALSE(getInstallJvmPropertyRoot(jvm)) << jvm;
     }
 }
 
 TEST_F(JvmProperties, StandardRootTellsWhetherThePluginHasTheFile) {
-    std::wstring text;
-    bool isDefault = false;
     const std::wstring java = folder_.wide("eclipse/plugins/N/java");
-    EXPECT_FALSE(getStandardJvmPropertyRoot(java, text, isDefault));
-    EXPECT_TRUE(isDefault);
+    EXPECT_EQ(getStandardJvmPropertyRoot(java), std::nullopt);
     folder_.write("eclipse/plugins/N/jvm.properties", "");
-    EXPECT_TRUE(getStandardJvmPropertyRoot(java, text, isDefault));
-    EXPECT_FALSE(isDefault);
-    EXPECT_EQ(text, folder_.wide("eclipse/plugins/N/"));
+    EXPECT_EQ(getStandardJvmPropertyRoot(java), folder_.wide("eclipse/plugins/N/"));
     EXPECT_TRUE(jvmPropExists(folder_.wide("eclipse/plugins/N\\")));
     EXPECT_FALSE(jvmPropExists(folder_.wide("eclipse/")));
 }
@@ -295,9 +288,7 @@ TEST_F(JvmLoading, EmptyLibraryPathStays) {
 }
 
 std::wstring javaHome(const wchar_t* jvm) {
-    std::wstring home = L"(same)";
-    getJvmHome(jvm, home);
-    return home;
+    return getJvmHome(jvm).value_or(L"(same)");
 }
 
 TEST(JvmHome, StandsInFrontOfTheJvmsFolder) {
@@ -309,23 +300,18 @@ TEST(JvmHome, StandsInFrontOfTheJvmsFolder) {
     EXPECT_EQ(javaHome(L""), L"(same)");
 }
 
-std::wstring libraryPath(std::wstring path) {
-    fixUpJvmLibPath(path);
-    return path;
-}
-
 TEST(JvmLibraryPath, EveryElementIsBelowTheJavaHome) {
-    EXPECT_EQ(libraryPath(L"lib:${prop.java.home}/x"),
+    EXPECT_EQ(fixUpJvmLibPath(L"lib:${prop.java.home}/x"),
               L"${prop.java.home}/lib:${prop.java.home}/x");
-    EXPECT_EQ(libraryPath(L"a\\b"), L"${prop.java.home}/a/b");
-    EXPECT_EQ(libraryPath(L"x/${prop.java.home}"), L"x/${prop.java.home}");
-    EXPECT_EQ(libraryPath(L"/abs"), L"${prop.java.home}//abs");
+    EXPECT_EQ(fixUpJvmLibPath(L"a\\b"), L"${prop.java.home}/a/b");
+    EXPECT_EQ(fixUpJvmLibPath(L"x/${prop.java.home}"), L"x/${prop.java.home}");
+    EXPECT_EQ(fixUpJvmLibPath(L"/abs"), L"${prop.java.home}//abs");
 }
 
 TEST(JvmLibraryPath, EmptyElementsAreDropped) {
-    EXPECT_EQ(libraryPath(L":a::b:"), L"${prop.java.home}/a:${prop.java.home}/b");
-    EXPECT_EQ(libraryPath(L""), L"");
-    EXPECT_EQ(libraryPath(L"::"), L"");
+    EXPECT_EQ(fixUpJvmLibPath(L":a::b:"), L"${prop.java.home}/a:${prop.java.home}/b");
+    EXPECT_EQ(fixUpJvmLibPath(L""), L"");
+    EXPECT_EQ(fixUpJvmLibPath(L"::"), L"");
 }
 
 TEST(VmOverride, IsTheExactOption) {

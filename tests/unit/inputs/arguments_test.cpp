@@ -16,19 +16,19 @@ TEST(FindOption, FirstExactMatchBehindTheProgram) {
 }
 
 TEST(FindOption, ProgramIsNeverCompared) {
-    EXPECT_EQ(findOption(L"-program", kArguments), -1);
+    EXPECT_EQ(findOption(L"-program", kArguments), std::nullopt);
 }
 
 TEST(FindOption, ArgumentsAreComparedWhole) {
-    EXPECT_EQ(findOption(L"-dat", kArguments), -1);
-    EXPECT_EQ(findOption(L"-data", Arguments{L"p", L"-data=ws", L"-datax"}), -1);
-    EXPECT_EQ(findOption(L"", kArguments), -1);
+    EXPECT_EQ(findOption(L"-dat", kArguments), std::nullopt);
+    EXPECT_EQ(findOption(L"-data", Arguments{L"p", L"-data=ws", L"-datax"}), std::nullopt);
+    EXPECT_EQ(findOption(L"", kArguments), std::nullopt);
     EXPECT_EQ(findOption(L"", Arguments{L"p", L""}), 1);
 }
 
 TEST(FindOption, NoArgumentsHoldNothing) {
-    EXPECT_EQ(findOption(L"-data", Arguments()), -1);
-    EXPECT_EQ(findOption(L"-data", Arguments{L"-data"}), -1);
+    EXPECT_EQ(findOption(L"-data", Arguments()), std::nullopt);
+    EXPECT_EQ(findOption(L"-data", Arguments{L"-data"}), std::nullopt);
     EXPECT_FALSE(hasOption(L"-data", Arguments()));
     EXPECT_TRUE(hasOption(L"-data", kArguments));
 }

@@ -31,7 +31,7 @@ const test::Probe kStartup("start-up sequence", [](const std::vector<std::string
         return 1;
     }
     for (const Argument& argument : plan->line.arguments()) {
-        (void)printf("%s\n", toNarrow(argument).c_str());
+        (void)printf("%s\n", toNarrow(argument.text).c_str());
     }
     return 0;
 });

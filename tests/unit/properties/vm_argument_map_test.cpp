@@ -76,7 +76,7 @@ TEST_F(VmargMap, KeysAreInTheOrderOfTheirCharacters) {
     insertPropToVmargMap(map, list);
     std::wstring order;
     for (const auto& [key, argument] : map) {
-        order += argument;
+        order += argument.text;
     }
     EXPECT_EQ(order, L"564371298");
 }

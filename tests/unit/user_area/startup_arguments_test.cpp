@@ -113,7 +113,7 @@ TEST_F(StartupArguments, OtherArgumentsKeepTheirPlaceholders) {
 }
 
 TEST_F(StartupArguments, ArgumentsAreEscapedForTheJavaReader) {
-    EXPECT_EQ(record({L" a\tb\n", L"é", {wchar_t{0x1F600}}, L"k=v:#!\\", L"100%d %s"}),
+    EXPECT_EQ(record({L" a\tb\n", L"é", L"\U0001F600", L"k=v:#!\\", L"100%d %s"}),
               "arg1= a\\u0009b\\u000a\narg2=\\u00e9\narg3=\\uf600\narg4=k\\=v\\:\\#\\!\\\\\n"
               "arg5=100%d %s\nargc=6\n");
 }
