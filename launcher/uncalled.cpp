@@ -3,8 +3,6 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/java_properties.h"
 #include "platform/process.h"
-#include "platform/removal.h"
-#include "platform/text.h"
 #include "platform/whole_file.h"
 
 #include <dlfcn.h>
@@ -115,13 +113,9 @@ Stream open_wfile(const std::wstring& path, const std::wstring& mode) {
     return open_file(path, mode);
 }
 
-bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
-                                        std::wstring& errors) {
-    std::string text;
-    const bool succeeded =
-        removeDirectoryContents(toNarrow(directory), toNarrow(pattern), text, "");
-    errors += toWide(text);
-    return succeeded;
+Removed removeFileWithPatternFromDirectory(const std::wstring& directory,
+                                           const std::wstring& pattern) {
+    return removeDirectoryContents(directory, pattern);
 }
 
 bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path) {

@@ -7,6 +7,7 @@
 #include "launcher/properties/property_list.h"
 #include "platform/files.h"
 #include "platform/platform.h"
+#include "platform/removal.h"
 
 #include <optional>
 #include <span>
@@ -51,11 +52,9 @@ void convertS2BS(std::wstring& text);
 
 /// The same as open_file.
 Stream open_wfile(const std::wstring& path, const std::wstring& mode);
-/// Deletes the files in the tree below `directory` whose names contain `pattern`.
-/// Directories on the way are removed too when nothing is left in them and reported when something
-/// is. Appends to `errors`; true when nothing failed at the top level.
-bool removeFileWithPatternFromDirectory(const std::wstring& directory, const std::wstring& pattern,
-                                        std::wstring& errors);
+/// The same as removeDirectoryContents.
+Removed removeFileWithPatternFromDirectory(const std::wstring& directory,
+                                           const std::wstring& pattern);
 /// Writes `list` as XML in place of the file at `path`, as a whole and with the old file's
 /// permissions. False, with errno set, when it cannot be written; the old file is then untouched.
 bool writePropertyListToFile(const platform::PropertyListDocument& list, const std::wstring& path);

@@ -68,10 +68,13 @@ bool collectNames(DIR* directory, std::vector<std::string>& names) {
 // place meanwhile leads out of the tree.
 class Removal {
   public:
-    Removal(std::string pattern, std::string& errors)
-        : pattern_(std::move(pattern)), errors_(errors) {}
+    explicit Removal(const std::wstring& pattern = kEveryFile)
+        : isEveryFile_(pattern == kEveryFile), pattern_(toNarrow(pattern)) {}
 
-    // Each of them is false, with a line added, when something failed.
+    [[nodiscard]] Removed ended(bool isComplete) const { return {isComplete, toWide(failures_)}; }
+
+    // Each of them is false, with a line added, when something failed. The lines of a deeper level are
+    // indented by two blanks more.
     bool empty(const Entry& directory, const std::string& indentation);
     bool removeTree(const Entry& directory) {
         const bool isEmptied = empty(directory, "");
@@ -87,17 +90,18 @@ class Removal {
                fail(indentation, "Can't delete dir ", entry.path);
     }
     [[nodiscard]] bool isMeant(const std::string& name) const {
-        return pattern_ == "*" || name.find(pattern_) != std::string::npos;
+        return isEveryFile_ || name.find(pattern_) != std::string::npos;
     }
 
+    bool isEveryFile_;
     std::string pattern_;
-    std::string& errors_;
+    std::string failures_;
 };
 
 bool Removal::fail(const std::string& indentation, std::string_view what, const std::string& path) {
     const std::string reason = GetLastErrorMsg();
-    errors_.append(indentation).append(what).append(path);
-    errors_.append("  - ").append(reason).append("\n");
+    failures_.append(indentation).append(what).append(path);
+    failures_.append("  - ").append(reason).append("\n");
     return false;
 }
 
@@ -130,34 +134,18 @@ bool Removal::remove(const Entry& entry, const std::string& indentation) {
 
 }  // namespace
 
-bool removeDirectoryContents(const std::string& directory, const std::string& pattern,
-                             std::string& errors, const std::string& indentation) {
-    return Removal(pattern, errors).empty(atPath(directory), indentation);
+Removed removeDirectoryContents(const std::wstring& directory, const std::wstring& pattern) {
+    Removal removal(pattern);
+    return removal.ended(removal.empty(atPath(toNarrow(directory)), ""));
 }
 
-bool removeDirectoryContents(const std::string& directory, std::string& errors,
-                             const std::string& indentation) {
-    return removeDirectoryContents(directory, "*", errors, indentation);
+Removed removeDirectoryAndContents(const std::wstring& directory) {
+    Removal removal;
+    return removal.ended(removal.removeTree(atPath(toNarrow(directory))));
 }
 
-bool removeDirectoryContents(const std::wstring& directory, std::wstring& errors) {
-    std::string text;
-    const bool succeeded = removeDirectoryContents(toNarrow(directory), text, "");
-    errors = toWide(text);
-    return succeeded;
-}
-
-bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& errors) {
-    std::string text;
-    const bool succeeded = Removal("*", text).removeTree(atPath(toNarrow(directory)));
-    errors = toWide(text);
-    return succeeded;
-}
-
-bool removeDirectoryBelow(const std::wstring& folder, const std::wstring& directory,
-                          std::wstring& errors) {
-    std::string text;
-    Removal removal("*", text);
+Removed removeDirectoryBelow(const std::wstring& folder, const std::wstring& directory) {
+    Removal removal;
     std::string path = toNarrow(folder);
     std::string name = toNarrow(directory);
     // By this name through a link; a path that is no text of the locale is empty, and not the root.
@@ -167,10 +155,8 @@ bool removeDirectoryBelow(const std::wstring& folder, const std::wstring& direct
         open = openDirectory({dirfd(open.get()), name.substr(0, slash), path});
         name.erase(0, slash + 1);
     }
-    const bool succeeded = open ? removal.removeTree({dirfd(open.get()), name, path + "/" + name})
-                                : removal.fail("", "Error in ", path);
-    errors = toWide(text);
-    return succeeded;
+    return removal.ended(open ? removal.removeTree({dirfd(open.get()), name, path + "/" + name})
+                              : removal.fail("", "Error in ", path));
 }
 
 }  // namespace rcp

@@ -10,20 +10,23 @@
 
 namespace rcp {
 
-/// Deletes everything below `directory` and keeps the directory. The wide form sets `errors`, the
-/// narrow ones append to it. `indentation` stands in front of each line and grows by two blanks a
-/// level; `pattern` "*" is every file, any other a substring of the file's name.
-bool removeDirectoryContents(const std::wstring& directory, std::wstring& errors);
-bool removeDirectoryContents(const std::string& directory, std::string& errors,
-                             const std::string& indentation);
-bool removeDirectoryContents(const std::string& directory, const std::string& pattern,
-                             std::string& errors, const std::string& indentation);
+inline constexpr wchar_t kEveryFile[] = L"*";
+
+/// What became of a removal.
+struct Removed {
+    bool isComplete = false;  // nothing failed at the top level
+    std::wstring failures;    // one line each
+};
+
+/// Deletes everything below `directory` and keeps the directory. With a `pattern` only the files whose names
+/// contain it; directories on the way go too when nothing is left in them and are reported when something is.
+Removed removeDirectoryContents(const std::wstring& directory,
+                                const std::wstring& pattern = kEveryFile);
 
 /// Deletes everything below `directory`, then `directory` itself.
-bool removeDirectoryAndContents(const std::wstring& directory, std::wstring& errors);
+Removed removeDirectoryAndContents(const std::wstring& directory);
 /// The same for `directory`, elements joined by single slashes, below `folder`: links may lead to
 /// `folder`, and none is followed from there on.
-bool removeDirectoryBelow(const std::wstring& folder, const std::wstring& directory,
-                          std::wstring& errors);
+Removed removeDirectoryBelow(const std::wstring& folder, const std::wstring& directory);
 
 }  // namespace rcp

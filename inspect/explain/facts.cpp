@@ -146,8 +146,8 @@ json lockHolder(const Launch& launch) {
 }
 
 json provisioningProcess(const Launch& launch) {
-    const long process = runningProvisioning(provisioningFileOf(launch.inputs.workspace));
-    return process == 0 ? json() : json(process);
+    const auto process = runningProvisioning(provisioningFileOf(launch.inputs.workspace));
+    return process ? json(*process) : json();
 }
 
 json describeWaits(const Account& account, const json& facts) {

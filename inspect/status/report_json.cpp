@@ -100,7 +100,7 @@ Json lockJson(const LockState& state) {
             {"isHeld", state.lock.isHeld},
             {"holders", processes(state.lock.holders)},
             {"waiting", processes(state.lock.waiting)},
-            {"provisioner", state.provisioner == 0 ? Json() : Json(state.provisioner)}};
+            {"provisioner", state.provisioner ? Json(*state.provisioner) : Json()}};
 }
 
 Json provisioningJson(const std::optional<ProvisioningState>& state) {

@@ -250,8 +250,8 @@ std::string toText(const WorkspaceState& state, bool isColored) {
     if (state.provisioning) {
         addProvisioning(page, *state.provisioning);
     }
-    if (state.lock.provisioner != 0) {
-        page.line("provisioned", "now, by process " + std::to_string(state.lock.provisioner),
+    if (state.lock.provisioner) {
+        page.line("provisioned", "now, by process " + std::to_string(*state.lock.provisioner),
                   Tone::kOdd);
     }
     addNext(page, state);

@@ -24,7 +24,7 @@ struct LockState {
     bool isAlive = false;     // somebody has the recorded id
     bool isPlatform = false;  // and it is what launchers take for the running platform
     LockHolders lock;
-    long provisioner = 0;  // the process that provisions the workspace now
+    std::optional<long> provisioner;  // the process that provisions the workspace now
 
     bool operator==(const LockState&) const = default;
 };

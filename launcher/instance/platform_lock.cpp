@@ -82,7 +82,7 @@ std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,
     }
     lock.lock();
     traceWithTime(L"ZYPRA0303I: lock file captured @ %s");
-    if (runningProvisioning(provisioning) != 0) {
+    if (runningProvisioning(provisioning)) {
         lock.release();
         waitForProvisioning(provisioning);
         return std::nullopt;

@@ -94,12 +94,12 @@ void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
                toWide(directory) + L" " + *reason);
         return;
     }
-    std::wstring problems;
-    if (!removeDirectoryContents(toWide(facts.resolved), problems)) {
+    const Removed removed = removeDirectoryContents(toWide(facts.resolved));
+    if (!removed.isComplete) {
         fatal(noReason(),
               "\nZYPRA0086I begin: Information collected while removing shared classes directory\n"
               "%ls\nZYPRA0087I end: Unable to remove all files in the shared classes directory.",
-              problems);
+              removed.failures);
     }
 }
 

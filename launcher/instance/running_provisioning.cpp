@@ -14,7 +14,6 @@
 #include <unistd.h>
 
 #include <charconv>
-#include <optional>
 
 namespace rcp {
 namespace {
@@ -50,26 +49,27 @@ void recordProvisioning(const std::wstring& path) {
     }
 }
 
-long runningProvisioning(const std::wstring& path) {
+std::optional<long> runningProvisioning(const std::wstring& path) {
     const std::string content = contentOf(path);
     pid_t process = 0;
     std::from_chars(content.data(), content.data() + content.size(), process);
     if (process <= 0 || process == getpid()) {
-        return 0;
+        return std::nullopt;
     }
     const std::optional<std::string> start = platform::startOfProcess(process);
-    return start && content == recordOf(process, *start) ? process : 0;
+    const bool isAtWork = start && content == recordOf(process, *start);
+    return isAtWork ? std::optional<long>(process) : std::nullopt;
 }
 
 void waitForProvisioning(const std::wstring& path) {
-    long process = runningProvisioning(path);
+    std::optional<long> process = runningProvisioning(path);
     SvcDebugOutW(L"ZYPRA0307I: process %s provisions this workspace; waiting for its end",
-                 std::to_wstring(process));
-    for (int waited = 0; process != 0; ++waited) {
+                 std::to_wstring(process.value_or(0)));
+    for (int waited = 0; process; ++waited) {
         if (waited == kPatience) {
             report(noReason(),
                    "Error: provisioning: process %ls still provisions this workspace; waiting on.",
-                   std::to_wstring(process));
+                   std::to_wstring(*process));
         }
         sysSleep(1);
         process = runningProvisioning(path);

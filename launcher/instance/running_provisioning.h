@@ -22,6 +22,7 @@
 // dies, its start is nobody's any more, and the next look tells so.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace rcp {
@@ -33,9 +34,9 @@ std::wstring provisioningFileOf(const std::wstring& workspace);
 /// that cannot be written is reported.
 void recordProvisioning(const std::wstring& path);
 
-/// The id of the process that the file records; 0 when there is none, or it has ended, or the id is
+/// The id of the process that the file records; none when it records none, or it has ended, or the id is
 /// another process's by now. Never this process: a provisioning program may become a launcher.
-long runningProvisioning(const std::wstring& path);
+std::optional<long> runningProvisioning(const std::wstring& path);
 
 /// Waits until it has ended.
 void waitForProvisioning(const std::wstring& path);

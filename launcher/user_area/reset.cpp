@@ -64,6 +64,13 @@ std::wstring numberedName(const std::wstring& path, std::uint32_t number) {
     return name;
 }
 
+void removeOrTrace(const std::wstring& directory) {
+    const Removed removed = removeDirectoryAndContents(directory);
+    if (!removed.isComplete) {
+        SvcDebugOutW(L"%s", removed.failures);
+    }
+}
+
 // A free name beside `path` for what is to be removed: the smallest of five numbered ones that does
 // not exist, else the first. Those that do exist are left from removals that did not finish and are
 // removed now. One that cannot be removed must not stop every later reset: then the count goes on.
@@ -75,10 +82,7 @@ std::wstring deleteMeName(const std::wstring& path) {
             chosen = k;
             continue;
         }
-        std::wstring problems;
-        if (!removeDirectoryAndContents(name, problems)) {
-            SvcDebugOutW(L"%s", problems);
-        }
+        removeOrTrace(name);
     }
     while (exists(numberedName(path, chosen))) {
         ++chosen;
@@ -92,10 +96,7 @@ void clearDirectory(const std::wstring& path) {
     if (!moveFile(path, name)) {
         fatal(because(errno), "ZYPRA0112E: Can't move file/dir  '%ls'", path);
     }
-    std::wstring problems;
-    if (!removeDirectoryAndContents(name, problems)) {
-        SvcDebugOutW(L"%s", problems);
-    }
+    removeOrTrace(name);
 }
 
 void clearTarget(const std::wstring& path) {
@@ -163,13 +164,16 @@ void removePluginDirectory(const std::wstring& plugins, const std::wstring& valu
                "Error: resetMetaDataDirs: '%ls' does not name a directory of a plug-in.", value);
         return;
     }
-    std::wstring problems;
-    if (exists(plugins + L"/" + entry) && !removeDirectoryBelow(plugins, entry, problems)) {
+    if (!exists(plugins + L"/" + entry)) {
+        return;
+    }
+    const Removed removed = removeDirectoryBelow(plugins, entry);
+    if (!removed.isComplete) {
         fatal(noReason(),
               "\nZYPRA0107E begin: Error removing metadata plugin directory\n%ls\n"
               "ZYPRA0108E end: Unable to remove all files in the metadata plugin directory. Please "
               "correct the problems listed above",
-              problems);
+              removed.failures);
     }
 }
 

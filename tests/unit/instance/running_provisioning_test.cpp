@@ -59,7 +59,7 @@ int countOf(const std::string& text, const std::string& part) {
 }
 
 TEST_F(RunningProvisioning, IsTheRecordedProcessUntilItEnds) {
-    EXPECT_EQ(runningProvisioning(file()), 0) << "there is no file";
+    EXPECT_EQ(runningProvisioning(file()), std::nullopt) << "there is no file";
     start();
     EXPECT_EQ(folder_.read(kName),
               std::to_string(id()) + " " + platform::startOfProcess(id()).value_or("") + "\n");
@@ -68,22 +68,22 @@ TEST_F(RunningProvisioning, IsTheRecordedProcessUntilItEnds) {
     while (platform::startOfProcess(id())) {
         usleep(1000);
     }
-    EXPECT_EQ(runningProvisioning(file()), 0) << "nobody has waited for it yet";
+    EXPECT_EQ(runningProvisioning(file()), std::nullopt) << "nobody has waited for it yet";
     end();
-    EXPECT_EQ(runningProvisioning(file()), 0);
+    EXPECT_EQ(runningProvisioning(file()), std::nullopt);
     EXPECT_FALSE(folder_.has(".rcp.provisioning.tmp"));
 }
 
 TEST_F(RunningProvisioning, IdThatAnotherProcessHasNowIsNobodys) {
     write(platformId(), platform::startOfProcess(getpid()).value_or("") + "1");
-    EXPECT_EQ(runningProvisioning(file()), 0);
+    EXPECT_EQ(runningProvisioning(file()), std::nullopt);
     write(platformId(), platform::startOfProcess(platformId()).value_or(""));
     EXPECT_EQ(runningProvisioning(file()), platformId());
 }
 
 TEST_F(RunningProvisioning, ProgramThatBecomesALauncherDoesNotWaitForItself) {
     recordProvisioning(file());
-    EXPECT_EQ(runningProvisioning(file()), 0);
+    EXPECT_EQ(runningProvisioning(file()), std::nullopt);
     EXPECT_TRUE(take());
 }
 
@@ -93,11 +93,11 @@ TEST_F(RunningProvisioning, FileWithAnythingElseIsNobodys) {
          {std::string(), std::string("nonsense\n"), id, id + "\n", id + " \n", "-" + id + " 1\n",
           std::string("99999999999999999999 1\n"), std::string("0 1\n"), std::string(300, '\0')}) {
         folder_.write(kName, content);
-        EXPECT_EQ(runningProvisioning(file()), 0) << content;
+        EXPECT_EQ(runningProvisioning(file()), std::nullopt) << content;
     }
     std::filesystem::remove(folder_.path() / kName);
     ASSERT_EQ(mkfifo(folder_.narrow(kName).c_str(), 0600), 0);
-    EXPECT_EQ(runningProvisioning(file()), 0) << "without a wait";
+    EXPECT_EQ(runningProvisioning(file()), std::nullopt) << "without a wait";
 }
 
 TEST_F(RunningProvisioning, FileThatCannotBeWrittenOrRemovedIsReported) {

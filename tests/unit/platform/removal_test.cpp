@@ -22,16 +22,22 @@ class Removal : public test::LauncherTest {
   protected:
     [[nodiscard]] std::string at(const std::string& name) const { return folder_.narrow(name); }
     bool removeContents(const std::string& name = "tree") {
-        errors_ = L"old";
-        return removeDirectoryContents(folder_.wide(name), errors_);
+        return tell(removeDirectoryContents(folder_.wide(name)));
     }
     bool removePattern(const wchar_t* pattern) {
-        std::string errors;
-        const bool succeeded = removeDirectoryContents(at("tree"), toNarrow(pattern), errors, "");
-        errors_ += toWide(errors);
-        return succeeded;
+        return tell(removeDirectoryContents(folder_.wide("tree"), pattern));
     }
-    std::wstring errors_;
+    bool removeBelow(const char* folder, const wchar_t* directory) {
+        return tell(removeDirectoryBelow(folder_.wide(folder), directory));
+    }
+    bool removeTree(const std::string& name) {
+        return tell(removeDirectoryAndContents(folder_.wide() + L"/" + toWide(name)));
+    }
+    bool tell(const Removed& removed) {
+        errors_ = toNarrow(removed.failures);
+        return removed.isComplete;
+    }
+    std::string errors_;
 };
 
 TEST_F(Removal, ContentsGoAndTheDirectoryStays) {
@@ -40,19 +46,19 @@ TEST_F(Removal, ContentsGoAndTheDirectoryStays) {
     folder_.write("tree/b/c/d\u00FC", "");
     fs::create_directories(folder_.path() / "tree/empty");
     EXPECT_TRUE(removeContents());
-    EXPECT_EQ(errors_, L"");
+    EXPECT_EQ(errors_, "");
     EXPECT_TRUE(fs::is_empty(folder_.path() / "tree"));
 }
 
 TEST_F(Removal, MissingDirectoryIsAFailureWithOneLine) {
     EXPECT_FALSE(removeContents("missing"));
-    EXPECT_EQ(toNarrow(errors_), "Error in " + at("missing") + kMissing);
+    EXPECT_EQ(errors_, "Error in " + at("missing") + kMissing);
 }
 
 TEST_F(Removal, FileInTheDirectorysPlaceIsAFailure) {
     folder_.write("file", "x");
     EXPECT_FALSE(removeContents("file"));
-    EXPECT_EQ(toNarrow(errors_), "Error in " + at("file") + kNotADirectory);
+    EXPECT_EQ(errors_, "Error in " + at("file") + kNotADirectory);
     EXPECT_TRUE(folder_.has("file"));
 }
 
@@ -60,9 +66,8 @@ TEST_F(Removal, PatternDeletesMatchingFilesInEverySubdirectoryAndReportsTheOther
     for (const char* name : {"x.log", "x.log.1", "x.txt", "sub/y.log", "sub/keep", "gone/z.log"}) {
         folder_.write(std::string("tree/") + name, "");
     }
-    errors_ = L"before\n";
     EXPECT_FALSE(removePattern(L".log"));
-    EXPECT_EQ(toNarrow(errors_), "before\nCan't delete dir " + at("tree/sub") + notEmpty());
+    EXPECT_EQ(errors_, "Can't delete dir " + at("tree/sub") + notEmpty());
     EXPECT_FALSE(folder_.has("tree/x.log"));
     EXPECT_FALSE(folder_.has("tree/x.log.1"));
     EXPECT_FALSE(folder_.has("tree/sub/y.log"));
@@ -89,10 +94,9 @@ TEST_F(Removal, EmptyDirectoriesGoWhateverThePattern) {
 
 TEST_F(Removal, DeeperFailureShowsThroughItsDirectoryWithGrowingIndentation) {
     folder_.write("tree/a/b/keep", "");
-    std::string errors = "before\n";
-    EXPECT_FALSE(removeDirectoryContents(at("tree"), ".log", errors, ">"));
-    EXPECT_EQ(errors, "before\n>  Can't delete dir " + at("tree/a/b") + notEmpty() +
-                          ">Can't delete dir " + at("tree/a") + notEmpty());
+    EXPECT_FALSE(removePattern(L".log"));
+    EXPECT_EQ(errors_, "  Can't delete dir " + at("tree/a/b") + notEmpty() + "Can't delete dir " +
+                           at("tree/a") + notEmpty());
 }
 
 TEST_F(Removal, EntryThatCannotBeRemovedIsReportedAndTheOthersGo) {
@@ -101,8 +105,8 @@ TEST_F(Removal, EntryThatCannotBeRemovedIsReportedAndTheOthersGo) {
     folder_.write("tree/a", "");
     folder_.write("tree/z", "");
     EXPECT_FALSE(removeContents());
-    EXPECT_EQ(toNarrow(errors_), "Can't delete dir " + at("tree/held") +
-                                     "  -  Failed with error 16: Device or resource busy\n");
+    EXPECT_EQ(errors_, "Can't delete dir " + at("tree/held") +
+                           "  -  Failed with error 16: Device or resource busy\n");
     EXPECT_FALSE(folder_.has("tree/a"));
     EXPECT_FALSE(folder_.has("tree/z"));
 }
@@ -149,11 +153,9 @@ TEST_F(Removal, LinkInTheTreesOwnPlaceIsNotEnteredHoweverItsNameEnds) {
     folder_.write("target/file", "x");
     fs::create_directory_symlink(at("target"), folder_.path() / "tree");
     for (const char* name : {"tree", "tree/", "tree//", "tree/.", "tree/./", "tree//././/"}) {
-        std::wstring errors;
-        errors_ = L"old";
-        EXPECT_FALSE(removeDirectoryContents(folder_.wide() + L"/" + toWide(name), errors_));
-        EXPECT_TRUE(toNarrow(errors_).starts_with("Error in " + at("tree") + "  -  Failed with"));
-        EXPECT_FALSE(removeDirectoryAndContents(folder_.wide() + L"/" + toWide(name), errors));
+        EXPECT_FALSE(tell(removeDirectoryContents(folder_.wide() + L"/" + toWide(name))));
+        EXPECT_TRUE(errors_.starts_with("Error in " + at("tree") + "  -  Failed with"));
+        EXPECT_FALSE(removeTree(name));
         EXPECT_EQ(folder_.read("target/file"), "x") << name;
         EXPECT_TRUE(fs::is_symlink(folder_.path() / "tree")) << name;
     }
@@ -164,17 +166,16 @@ TEST_F(Removal, BelowAFolderFollowsLinksToTheFolderOnly) {
     folder_.write("target/c/file", "x");
     fs::create_directory_symlink("c", folder_.path() / "target/link");
     fs::create_directory_symlink("target", folder_.path() / "folder");
-    std::wstring errors;
-    EXPECT_TRUE(removeDirectoryBelow(folder_.wide("folder"), L"a/b", errors));
-    EXPECT_EQ(errors, L"");
+    EXPECT_TRUE(removeBelow("folder", L"a/b"));
+    EXPECT_EQ(errors_, "");
     EXPECT_TRUE(fs::is_empty(folder_.path() / "target/a"));
     for (const wchar_t* name : {L"link", L"link/d", L"link/../c", L""}) {
-        EXPECT_FALSE(removeDirectoryBelow(folder_.wide("folder"), name, errors));
-        EXPECT_NE(errors, L"");
+        EXPECT_FALSE(removeBelow("folder", name));
+        EXPECT_NE(errors_, "");
         EXPECT_TRUE(folder_.has("target/c/file"));
     }
-    EXPECT_FALSE(removeDirectoryBelow(folder_.wide("missing"), L"a", errors));
-    EXPECT_EQ(toNarrow(errors), "Error in " + at("missing") + kMissing);
+    EXPECT_FALSE(removeBelow("missing", L"a"));
+    EXPECT_EQ(errors_, "Error in " + at("missing") + kMissing);
 }
 
 TEST_F(Removal, FileThatCannotBeDeletedIsReported) {
@@ -182,14 +183,13 @@ TEST_F(Removal, FileThatCannotBeDeletedIsReported) {
     // Root deletes everything, so somebody else tries.
     ASSERT_EQ(chmod(at("").c_str(), 0755), 0);
     ASSERT_EQ(chmod(at("tree").c_str(), 0555), 0);
-    const std::string tree = at("tree");
+    const std::wstring tree = folder_.wide("tree");
     EXPECT_EXIT(
         {
-            std::string errors;
             const bool changed = geteuid() != 0 || seteuid(12345) == 0;
-            const bool removed = removeDirectoryContents(tree, errors, "");
-            fputs(errors.c_str(), stderr);
-            _exit(changed && !removed ? 3 : 4);
+            const Removed removed = removeDirectoryContents(tree);
+            fputs(toNarrow(removed.failures).c_str(), stderr);
+            _exit(changed && !removed.isComplete ? 3 : 4);
         },
         testing::ExitedWithCode(3),
         "^Can't delete file .*/tree/file  -  Failed with error 13: Permission denied\n$");
@@ -209,27 +209,17 @@ TEST_F(Removal, ManyEntriesAndDeepTreesAreRemoved) {
     EXPECT_TRUE(fs::is_empty(folder_.path() / "tree"));
 }
 
-TEST_F(Removal, NarrowFormsAppendToTheText) {
-    folder_.write("tree/a", "");
-    std::string errors = "before\n";
-    EXPECT_TRUE(removeDirectoryContents(at("tree"), errors, "  "));
-    EXPECT_EQ(errors, "before\n");
-    EXPECT_FALSE(removeDirectoryContents(at("missing"), errors, "  "));
-    EXPECT_EQ(errors, "before\n  Error in " + at("missing") + kMissing);
-}
-
 TEST_F(Removal, DirectoryGoesBehindItsContents) {
     folder_.write("tree/a/b", "");
-    errors_ = L"old";
-    EXPECT_TRUE(removeDirectoryAndContents(folder_.wide("tree"), errors_));
-    EXPECT_EQ(errors_, L"");
+    EXPECT_TRUE(removeTree("tree"));
+    EXPECT_EQ(errors_, "");
     EXPECT_FALSE(folder_.has("tree"));
 }
 
 TEST_F(Removal, MissingDirectoryIsReportedForItsContentsAndForItself) {
-    EXPECT_FALSE(removeDirectoryAndContents(folder_.wide("missing"), errors_));
-    EXPECT_EQ(toNarrow(errors_), "Error in " + at("missing") + kMissing + "Can't delete dir " +
-                                     at("missing") + kMissing);
+    EXPECT_FALSE(removeTree("missing"));
+    EXPECT_EQ(errors_, "Error in " + at("missing") + kMissing + "Can't delete dir " +
+                           at("missing") + kMissing);
 }
 
 }  // namespace
