@@ -14,18 +14,21 @@ namespace rcp::platform {
 enum class PropertyListForm { kRefused, kXml, kBinary };
 
 /// Tells the form of a property list, or refuses it: neither XML nor binary, larger than
-/// `mostBytes`, nested too deeply, in another encoding than UTF-8 and marked UTF-16, or built so that
-/// its nesting cannot be told with certainty or the two systems' parsers disagree about it. A list
-/// that is let through may still turn out not to be well-formed.
+/// `mostBytes`, nested too deeply, in another encoding than UTF-8, or built so that its nesting cannot
+/// be told with certainty or the two systems' parsers disagree about it. A list that is let through
+/// may still turn out not to be well-formed.
 PropertyListForm guardPropertyList(std::string_view data,
                                    std::size_t mostBytes = kMaxPropertyListBytes);
 
-/// Whether the text's elements are nested properly and to a harmless depth, and it declares no encoding
-/// but UTF-8 and the one that its byte order mark says.
-bool isSafeXmlPropertyList(std::string_view text, std::string_view marked = {});
+/// Whether the text's elements are nested properly and to a harmless depth, hold what every parser reads
+/// alike, and it declares no encoding but UTF-8.
+bool isSafeXmlPropertyList(std::string_view text);
 
-/// Whether the text of an element is what every parser takes for a number or date; any text is for others.
-bool isSafePropertyListValue(std::string_view element, std::string_view text);
+/// Whether every parser reads the text, which is that of an element as it stands between its tags, alike.
+using PropertyListTextRule = bool (*)(std::string_view text);
+
+/// The rule for the text of such elements; null for elements that hold others.
+PropertyListTextRule propertyListTextRule(std::string_view element);
 
 /// Whether the binary list's objects lie inside the data, are nested to a harmless depth and unfold
 /// into a harmless amount.

@@ -2,10 +2,13 @@
 // "bplist00", the objects, a table of their offsets, and a trailer of 32 bytes that describes the
 // table. Every number is big-endian. What the parsers of the two systems read differently is refused:
 // a key that stands in its dictionary twice (one takes the first, the other the last of them) or is
-// no text, and text with the character 0, with a byte that is no ASCII or with half a surrogate pair.
+// no text, text with the character 0, with a byte that is no ASCII or with half a surrogate pair, numbers
+// of sizes that one does not know, and what one of them cannot write as XML: nothing, sets, and dates whose
+// year has not four digits.
 #include "platform/property_list_guard.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -101,13 +104,14 @@ class Walker {
         std::uint64_t at = *offset + 1;
         switch (kind) {
             case 0x0:
-                return spend(0, at);
+                return (info == 0x8 || info == 0x9) && spend(0, at);
             case 0x1:
             case 0x2:
             case 0x3:
-                return info <= 4 && spend(std::uint64_t{1} << info, at);
+                return info <= 4 && spend(std::uint64_t{1} << info, at) &&
+                       isSafeNumber(kind, info, at);
             case 0x8:
-                return spend(std::uint64_t{info} + 1, at);
+                return (info == 0 || info == 1 || info == 3) && spend(std::uint64_t{info} + 1, at);
             default:
                 break;
         }
@@ -122,7 +126,6 @@ class Walker {
             case kUtf16Text:
                 return spend(*count * unitSize(kind), at) && textAt(kind, *count, at).has_value();
             case 0xA:
-            case 0xC:
                 return visitAll(*count, at, depth);
             case 0xD:
                 return visitAll(*count * 2, at, depth) && haveDifferentTexts(*count, at);
@@ -142,6 +145,22 @@ class Walker {
             }
         }
         return true;
+    }
+
+    /// Whether parsers read the integer, real or date of 2 to the power of `info` bytes alike.
+    [[nodiscard]] bool isSafeNumber(unsigned kind, unsigned info, std::uint64_t at) const {
+        // From the year 1000 until 9999, in seconds since 2001.
+        constexpr double kFirstDate = -31588531200.0;
+        constexpr double kBehindDates = 252423993600.0;
+        if (kind == 0x1) {
+            return info < 4 || *integer(at, kMaxIntegerSize) == 0;
+        }
+        if (kind == 0x2) {
+            return info == 2 || info == 3;
+        }
+        const auto date =
+            info == 3 ? std::bit_cast<double>(*integer(at, kMaxIntegerSize)) : kBehindDates;
+        return date >= kFirstDate && date < kBehindDates;
     }
 
     static std::uint64_t unitSize(unsigned kind) { return kind == kUtf16Text ? 2 : 1; }

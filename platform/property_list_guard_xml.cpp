@@ -28,6 +28,10 @@ Position behind(std::string_view text, std::string_view end, std::size_t from) {
     return at ? Position(*at + end.size()) : std::nullopt;
 }
 
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(kBlanks) == std::string_view::npos;
+}
+
 std::string_view withoutLeadingBlanks(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
     return text;
@@ -53,13 +57,12 @@ std::string_view encodingName(std::string_view text) {
     return end == std::string_view::npos ? std::string_view() : text.substr(1, end - 1);
 }
 
-/// Whether the instruction declares an encoding other than those that the text may be in.
-bool declaresAnother(std::string_view instruction, std::string_view marked) {
+/// Whether the instruction declares another encoding than UTF-8.
+bool declaresAnother(std::string_view instruction) {
     constexpr std::string_view kWord = "encoding";
     while (const Position next = behind(instruction, kWord, 0)) {
         instruction.remove_prefix(*next);
-        const std::string_view name = encodingName(instruction);
-        if (name.empty() || (!equalInAscii(name, "UTF-8") && !equalInAscii(name, marked))) {
+        if (!equalInAscii(encodingName(instruction), "UTF-8")) {
             return true;
         }
     }
@@ -87,60 +90,52 @@ Position endOfTag(std::string_view text, std::size_t at) {
     return std::nullopt;
 }
 
-bool holdsText(std::string_view element) {
-    constexpr std::string_view kNames[] = {"key", "string", "integer", "real", "date", "data"};
-    return std::find(std::begin(kNames), std::end(kNames), element) != std::end(kNames);
-}
-
-/// Whether the text holds or refers to the character 0, where a text would end for one reader only.
-bool holdsNul(std::string_view text) {
-    if (text.find('\0') != std::string_view::npos) {
-        return true;
-    }
-    for (Position at = behind(text, "&#", 0); at; at = behind(text, "&#", *at)) {
-        const std::size_t end = text.find_first_not_of("xX0", *at);
-        if (end != std::string_view::npos && end > *at && text[end] == ';') {
-            return true;
-        }
-    }
-    return false;
+/// One parser knows no empty tag of these.
+bool mayBeEmpty(std::string_view element) {
+    return element != "key" && element != "data";
 }
 
 class Follower {
   public:
-    Follower(std::string_view text, std::string_view marked) : text_(text), marked_(marked) {}
+    explicit Follower(std::string_view text) : text_(text) {}
 
     bool run() {
-        Position at = found(text_.find('<'));
-        while (at) {
-            const char kind = *at + 1 < text_.size() ? text_[*at + 1] : '\0';
-            const Position next =
-                kind == '!' || kind == '?' ? behindDeclaration(*at) : behindTag(*at);
-            if (!next) {
+        std::size_t at = 0;
+        while (const Position tag = found(text_.find('<', at))) {
+            const char kind = *tag + 1 < text_.size() ? text_[*tag + 1] : '\0';
+            const bool isRight = !isBetweenElements() || isBlank(text_.substr(at, *tag - at));
+            const bool isDeclaration = kind == '!' || kind == '?';
+            const Position next = isDeclaration ? behindDeclaration(*tag) : behindTag(*tag);
+            if (!isRight || !next) {
                 return false;
             }
-            at = found(text_.find('<', *next));
+            at = *next;
         }
-        return open_.empty();
+        return open_.empty() && isBlank(text_.substr(at));
     }
 
   private:
     struct Element {
         std::string_view name;
         std::size_t text = 0;  // where it begins, behind the tag
+        PropertyListTextRule rule = nullptr;
         std::size_t children = 0;
         bool awaitsValue = false;  // a dictionary behind a key
     };
 
+    [[nodiscard]] bool isBetweenElements() const {
+        return open_.empty() || open_.back().rule == nullptr;
+    }
+
     /// Behind the comment, CDATA section, instruction or document type at `at`; none when it is not
-    /// closed, of another kind or in the middle of a text.
+    /// closed, of another kind, in the middle of a text or, as a document type, not at the beginning.
     [[nodiscard]] Position behindDeclaration(std::size_t at) const {
         const std::string_view rest = text_.substr(at);
         if (rest.starts_with("<![CDATA[")) {
             return behind(text_, "]]>", at + 9);
         }
         if (rest.starts_with("<!-->") || rest.starts_with("<!--->") || rest.starts_with("<?>") ||
-            (!open_.empty() && holdsText(open_.back().name))) {
+            !isBetweenElements()) {
             return std::nullopt;
         }
         if (rest.starts_with("<!--")) {
@@ -148,10 +143,10 @@ class Follower {
         }
         if (rest.starts_with("<?")) {
             const Position end = behind(text_, "?>", at + 2);
-            const bool isRefused = end && declaresAnother(text_.substr(at, *end - at), marked_);
+            const bool isRefused = end && declaresAnother(text_.substr(at, *end - at));
             return isRefused ? std::nullopt : end;
         }
-        if (rest.starts_with("<!DOCTYPE")) {
+        if (rest.starts_with("<!DOCTYPE") && !hasRoot_) {
             const std::size_t end = text_.find_first_of("[<>", at + 1);
             return end != std::string_view::npos && text_[end] == '>' ? Position(end + 1)
                                                                       : std::nullopt;
@@ -169,10 +164,15 @@ class Follower {
         const bool closes = tag.starts_with('/');
         const bool isEmpty = !closes && tag.ends_with('/');
         tag.remove_prefix(closes ? 1 : 0);
-        tag = tag.substr(0, tag.find_first_of(" \t\r\n/"));
-        const bool isRight = (closes || enter(tag, *end + 1)) &&
-                             (!(closes || isEmpty) || leave(tag, closes ? at : *end + 1));
-        return isRight ? Position(*end + 1) : std::nullopt;
+        tag.remove_suffix(isEmpty ? 1 : 0);
+        const std::string_view name = tag.substr(0, tag.find_first_of(kBlanks));
+        const bool isRight = closes ? name.size() == tag.size() || isBlank(tag.substr(name.size()))
+                             : isEmpty ? mayBeEmpty(name)
+                                       : true;
+        return isRight && (closes || enter(name, *end + 1)) &&
+                       (!(closes || isEmpty) || leave(name, closes ? at : *end + 1))
+                   ? Position(*end + 1)
+                   : std::nullopt;
     }
 
     bool enter(std::string_view name, std::size_t text) {
@@ -180,7 +180,7 @@ class Follower {
             return false;
         }
         hasRoot_ = true;
-        open_.push_back({name, text});
+        open_.push_back({name, text, propertyListTextRule(name)});
         // The element around every list that is written is none of the list's own levels.
         const std::size_t wrapper = open_.front().name == "plist" ? 1 : 0;
         return open_.size() - wrapper <= std::size_t{kMaxPropertyListDepth};
@@ -194,15 +194,16 @@ class Follower {
             parent.awaitsValue = !parent.awaitsValue;
             return (name == "key") == parent.awaitsValue;
         }
-        return !holdsText(parent.name);
+        return parent.rule == nullptr;
     }
 
     bool leave(std::string_view name, std::size_t end) {
         if (open_.empty() || open_.back().name != name || open_.back().awaitsValue) {
             return false;
         }
-        const std::size_t text = open_.back().text;
-        if (!isSafePropertyListValue(name, text_.substr(text, end - text))) {
+        const Element& element = open_.back();
+        if (element.rule != nullptr &&
+            !element.rule(text_.substr(element.text, end - element.text))) {
             return false;
         }
         open_.pop_back();
@@ -210,15 +211,14 @@ class Follower {
     }
 
     std::string_view text_;
-    std::string_view marked_;
     std::vector<Element> open_;
     bool hasRoot_ = false;
 };
 
 }  // namespace
 
-bool isSafeXmlPropertyList(std::string_view text, std::string_view marked) {
-    return !holdsNul(text) && Follower(text, marked).run();
+bool isSafeXmlPropertyList(std::string_view text) {
+    return text.find('\0') == std::string_view::npos && Follower(text).run();
 }
 
 }  // namespace rcp::platform

@@ -1,10 +1,10 @@
 // Linux: property lists through libplist. The library is loaded when a list is really to be read
 // and never linked: hardly any start on Linux meets such a file, and every start would pay for it.
 #include "diagnostics/svc_debug.h"
-#include "platform/linux/utf8.h"
 #include "platform/platform.h"
 #include "platform/property_list_guard.h"
 #include "platform/text.h"
+#include "platform/utf8.h"
 
 #include <dlfcn.h>
 #include <plist/plist.h>

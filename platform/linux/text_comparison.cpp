@@ -1,6 +1,6 @@
 // Linux: UTF-8 texts compared without regard to case.
-#include "platform/linux/utf8.h"
 #include "platform/platform.h"
+#include "platform/utf8.h"
 
 #include <locale.h>
 #include <wctype.h>

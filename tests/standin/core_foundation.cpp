@@ -4,7 +4,7 @@
 // Any call that can fail does so when a test asks for it. It proves who owns what, the order of the
 // calls and what happens when one fails. It does not prove what Apple's library answers: lists are
 // parsed by libplist here, paths and letters by rules of its own.
-#include "platform/linux/utf8.h"
+#include "platform/utf8.h"
 #include "tests/standin/macos/calls.h"
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,6 +1,6 @@
 #ifdef __linux__
 
-#include "platform/linux/utf8.h"
+#include "platform/utf8.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Decodes UTF-8 strictly: overlong spellings, surrogates and cut sequences are errors.
-#include "platform/linux/utf8.h"
+#include "platform/utf8.h"
 
 #include <cstddef>
 #include <cstdint>
