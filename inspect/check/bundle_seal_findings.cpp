@@ -30,9 +30,12 @@ void findInSignatures(const Bundle& bundle, Findings& findings) {
         }
     }
     if (bundle.seal.empty()) {
-        findings.add(
-            "RI708", bundle.pathOf(kSealFile), 0,
-            bundle.has(kSealFile) ? "the seal cannot be read" : "the bundle is not sealed");
+        // One that nobody may open is there as well, or may be.
+        std::error_code failed;
+        const auto seal = std::filesystem::symlink_status(bundle.pathOf(kSealFile), failed);
+        const bool isMissing = seal.type() == std::filesystem::file_type::not_found;
+        findings.add("RI708", bundle.pathOf(kSealFile), 0,
+                     isMissing ? "the bundle is not sealed" : "the seal cannot be read");
     }
 }
 

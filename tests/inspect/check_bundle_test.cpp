@@ -11,8 +11,10 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -200,6 +202,11 @@ std::vector<BadBundle> sealCases() {
          holds(kLibrary, loose.bytes())},
         {"NoSeal", "RI708", kSeal, "not sealed", lacksFile(kSeal)},
         {"SealThatIsNoList", "RI708", kSeal, "cannot be read", holds(kSeal, "<plist>")},
+        {"SealThatIsALinkToNowhere", "RI708", kSeal, "cannot be read",
+         [](const AppBundle& bundle) {
+             bundle.remove(kSeal);
+             bundle.link("CodeResources", kSeal);
+         }},
         {"IdentifierThatALaunchWrites", "RI709", platformInfo,
          "-bundleIdentifier com.example.velmo",
          [=](const AppBundle& bundle) {
@@ -304,6 +311,24 @@ TEST(CheckBundle, TellsOfAMissingLauncherAndPermission) {
     forbidden.forbidExecution(kEclipse);
     const std::string findings = shown(findingsIn(forbidden));
     EXPECT_NE(findings.find("RI602"), std::string::npos) << findings;
+}
+
+// Root reads everything, so somebody else tries.
+TEST(CheckBundle, TellsASealThatNobodyMayReadFromNone) {
+    for (const std::string& closed : {kSeal, kContents + "/_CodeSignature"}) {
+        const AppBundle bundle;
+        std::filesystem::permissions(bundle.folder().path() / closed, std::filesystem::perms::none);
+        std::filesystem::permissions(bundle.folder().path(), std::filesystem::perms(0755));
+        EXPECT_EXIT(
+            {
+                const bool isOther = geteuid() != 0 || seteuid(12345) == 0;
+                const std::string findings = shown(findingsIn(bundle));
+                fputs(findings.c_str(), stderr);
+                _exit(isOther ? 3 : 4);
+            },
+            ::testing::ExitedWithCode(3), "RI708 .*/CodeResources the seal cannot be read\n");
+        std::filesystem::permissions(bundle.folder().path() / closed, std::filesystem::perms(0700));
+    }
 }
 
 // Names that are searched for lead to the bundle's own libraries in every way there is.

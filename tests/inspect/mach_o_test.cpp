@@ -2,10 +2,15 @@
 #include "inspect/bundle/mach_o.h"
 
 #include "mach_o_fixture.h"
+#include "tests/support/sandbox.h"
+#include "tests/unit/paths.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <map>
 #include <random>
+#include <sstream>
 
 namespace rcp::inspect {
 namespace {
@@ -61,6 +66,38 @@ TEST(MachOReader, KnowsItsFilesByTheirStart) {
     EXPECT_FALSE(looksLikeMachO(std::string("\xCA\xFE\xBA\xBE\0\0\0\x3D", 8))) << "a Java class";
     EXPECT_FALSE(looksLikeMachO("#!/bin/sh\n"));
     EXPECT_FALSE(looksLikeMachO(""));
+}
+
+// What is signed is what is checked: the script that signs is asked the same (tests/packages/check-signing).
+TEST(MachOReader, KnowsTheKindsThatAreSigned) {
+    std::ifstream table(test::seen(UNIT_DATA "/code_files.txt"));
+    std::map<std::string, int> kinds;
+    for (std::string line; std::getline(table, line);) {
+        if (line.starts_with('#')) {
+            continue;
+        }
+        std::istringstream fields(line);
+        std::string kind;
+        std::string what;
+        std::string digits;
+        std::getline(std::getline(std::getline(fields, kind, '\t'), what, '\t'), digits);
+        std::string file;
+        for (std::size_t at = 0; at < digits.size(); at += 2) {
+            file += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
+        }
+        const auto images = looksLikeMachO(file.substr(0, 16)) ? readMachO(file) : std::nullopt;
+        const CodeKind found = images ? images->front().kind : CodeKind::kOther;
+        const bool isLibrary = found == CodeKind::kLibrary || found == CodeKind::kPlugin;
+        EXPECT_EQ(found == CodeKind::kProgram ? "program"
+                  : isLibrary                 ? "library"
+                                              : "none",
+                  kind)
+            << what;
+        ++kinds[kind];
+    }
+    EXPECT_GE(kinds["program"], 5);
+    EXPECT_GE(kinds["library"], 5);
+    EXPECT_GE(kinds["none"], 5);
 }
 
 // A text may end with its file, so a file may be whole without its last padding.
