@@ -3,11 +3,15 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace rcp::test::macos {
 
 /// What _NSGetExecutablePath gives from now on.
 void setExecutablePath(const std::string& path);
+
+/// What the system's version is at each time that it is asked for; then there is none.
+void setProductVersions(const std::vector<std::string>& versions);
 
 /// Core Foundation objects that somebody still owns.
 std::size_t ownedObjects();

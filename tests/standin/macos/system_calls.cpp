@@ -1,11 +1,15 @@
-// macOS's calls about processes, answered from Linux's process file system.
+// macOS's calls about processes, answered from Linux's process file system, and those about the system itself.
 #include "tests/standin/macos/calls.h"
 
+#include <errno.h>
 #include <libproc.h>
+#include <locale.h>
 #include <mach-o/dyld.h>
 #include <sys/auxv.h>
 #include <sys/proc.h>
+#include <sys/sysctl.h>
 
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -17,9 +21,18 @@ std::string& executablePath() {
     return path;
 }
 
+std::deque<std::string>& productVersions() {
+    static std::deque<std::string> versions;
+    return versions;
+}
+
 }  // namespace
 
 namespace rcp::test::macos {
+
+void setProductVersions(const std::vector<std::string>& versions) {
+    productVersions() = {versions.begin(), versions.end()};
+}
 
 void setExecutablePath(const std::string& path) {
     executablePath() = path;
@@ -28,6 +41,33 @@ void setExecutablePath(const std::string& path) {
 }  // namespace rcp::test::macos
 
 extern "C" {
+
+// What the linker puts in the place of setlocale(3): macOS knows a locale "UTF-8", for letters alone.
+char* realSetlocale(int category, const char* name) asm("__real_setlocale");
+char* macosSetlocale(int category, const char* name) asm("__wrap_setlocale");
+
+char* macosSetlocale(int category, const char* name) {
+    const bool isMacos = category == LC_CTYPE && name != nullptr && std::string(name) == "UTF-8";
+    return realSetlocale(category, isMacos ? "C.UTF-8" : name);
+}
+
+int sysctlbyname(const char* name, void* value, size_t* size, void* newValue, size_t /*newSize*/) {
+    if (std::string(name) != "kern.osproductversion" || newValue != nullptr ||
+        productVersions().empty()) {
+        errno = ENOENT;
+        return -1;
+    }
+    const std::string version = productVersions().front();
+    productVersions().pop_front();
+    const bool fits = value == nullptr || *size > version.size();
+    if (value != nullptr && fits) {
+        version.copy(static_cast<char*>(value), version.size());
+        static_cast<char*>(value)[version.size()] = '\0';
+    }
+    errno = fits ? 0 : ENOMEM;
+    *size = version.size() + 1;
+    return fits ? 0 : -1;
+}
 
 int _NSGetExecutablePath(char* buffer, uint32_t* size) {
     const std::string& path = executablePath();

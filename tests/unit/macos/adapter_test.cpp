@@ -92,6 +92,18 @@ TEST_F(MacAdapter, ProgramStartedFromTheRootHasOneSlash) {
     EXPECT_EQ(test::runProbe("started-at-the-root", {name}).output, "/" + name);
 }
 
+TEST_F(MacAdapter, ProductVersionIsThatOfTheSecondQuestion) {
+    const auto answer = [](const std::vector<std::string>& versions) {
+        test::macos::setProductVersions(versions);
+        return productVersion();
+    };
+    EXPECT_EQ(answer({"10.15.7", "10.15.7"}), "10.15.7");
+    EXPECT_EQ(answer({"10.15.7", "11.0"}), "11.0") << "the buffer is larger than it";
+    EXPECT_EQ(answer({"11.0", "10.15.7"}), "") << "the buffer is too small for it";
+    EXPECT_EQ(answer({"11.0"}), "");
+    EXPECT_EQ(answer({}), "");
+}
+
 // What the stand-in itself would not let pass.
 TEST(CoreFoundationStandIn, WrongOwnershipEndsTheProcess) {
     const auto text = [] {
