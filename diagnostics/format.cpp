@@ -1,5 +1,7 @@
 #include "diagnostics/format.h"
 
+#include "diagnostics/directive.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -7,40 +9,6 @@
 
 namespace rcp {
 namespace {
-
-// One printf directive, as far as it can be read without knowing the argument:
-//
-//   '%' --> flags "-+ #0" --> width --> '.' precision --> length "hlLqjzt" --> conversion
-//
-// Anything else after '%' is no directive and stays in the text.
-struct Directive {
-    std::string_view text;   // from '%' to the conversion character
-    std::string_view shape;  // flags, width and precision only
-    char conversion = 0;
-};
-
-std::size_t skipAny(std::string_view text, std::size_t at, std::string_view set) {
-    const std::size_t end = text.find_first_not_of(set, at);
-    return end == std::string_view::npos ? text.size() : end;
-}
-
-std::optional<Directive> readDirective(std::string_view text) {
-    std::size_t at = skipAny(text, 1, "-+ #0");
-    at = skipAny(text, at, "0123456789");
-    if (at < text.size() && text[at] == '.') {
-        at = skipAny(text, at + 1, "0123456789");
-    }
-    const std::size_t shapeEnd = at;
-    at = skipAny(text, at, "hlLqjzt");
-    if (at >= text.size() || std::string_view("sSdiuxX").find(text[at]) == std::string_view::npos) {
-        return std::nullopt;
-    }
-    return Directive{text.substr(0, at + 1), text.substr(1, shapeEnd - 1), text[at]};
-}
-
-bool isTextConversion(char conversion) {
-    return conversion == 's' || conversion == 'S';
-}
 
 // Widths beyond this would only serve to exhaust memory; no message has one.
 constexpr std::size_t kLongestShape = 8;
@@ -64,8 +32,7 @@ std::string formatNumber(const Directive& directive, const FormatArgument& argum
 std::optional<std::string> formatOne(const Directive& directive, const FormatArgument& argument) {
     const bool isNumber =
         std::holds_alternative<long>(argument) || std::holds_alternative<unsigned long>(argument);
-    if (isTextConversion(directive.conversion) == isNumber ||
-        directive.shape.size() > kLongestShape) {
+    if (directive.isText() == isNumber || directive.shape.size() > kLongestShape) {
         return std::nullopt;
     }
     if (isNumber) {

@@ -114,7 +114,7 @@ bool enableLoggingIn(const std::wstring& folder, bool inTemporaryFolder) {
     UniqueFd file = isTracingAsked() ? openFreshLog(folder, inTemporaryFolder, path)
                                      : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
     if (!file) {
-        report(because(errno), "ZYPRA0019E: Could not open %ls for writing!", path);
+        report(because(errno), messages.logNotOpened, path);
         return false;
     }
     if (startLog(std::move(file), queue() + '\n')) {

@@ -49,10 +49,11 @@ constinit EmergencyReserve emergencyReserve;
 void runOutOfMemory() {
     static bool isReporting = false;
     if (std::exchange(isReporting, true)) {
-        writeLastWords("ZYPRA0004E: malloc failed!\n");
+        writeLastWords(messages.outOfMemory.format);
+        writeLastWords("\n");
     } else {
         emergencyReserve.release();
-        reportRecord(because(ENOMEM), "ZYPRA0004E: malloc failed!", {});
+        reportRecord(because(ENOMEM), messages.outOfMemory.format, {});
         endedWith(kFatalStatus);
     }
     _exit(kFatalStatus);
@@ -112,11 +113,11 @@ void SvcDebugOutW(std::wstring_view format, std::wstring_view argument) {
     }
 }
 
-void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments) {
-    if (!debug || message.size() >= kTraceFormatLimit) {
+void traceArguments(Message<> message, std::span<const Argument> arguments) {
+    if (!debug) {
         return;
     }
-    std::string line = toUtf8(message) + "=\"";
+    std::string line = std::string(message.format) + "=\"";
     for (const Argument& argument : arguments) {
         line += toUtf8(argument.text);
         line += ", ";

@@ -13,6 +13,7 @@
 
 #include "diagnostics/argument.h"
 #include "diagnostics/format.h"
+#include "diagnostics/messages.h"
 #include "diagnostics/reason.h"
 
 #include <array>
@@ -62,7 +63,14 @@ void SvcDebugOutA(std::string_view format, std::span<const FormatArgument> argum
 void SvcDebugOutW(std::wstring_view format, std::wstring_view argument);
 /// The argument dump: message="first, second, ", with the percent signs of the arguments read as
 /// directives ("%%" becomes "%") and an empty line after it.
-void SvcDebugOutW(std::wstring_view message, std::span<const Argument> arguments);
+void traceArguments(Message<> message, std::span<const Argument> arguments);
+/// A message of the table.
+template <typename... Kinds, typename... Values>
+requires(Message<Kinds...>::template fits<Values...>()) void trace(Message<Kinds...> message,
+                                                                   const Values&... values) {
+    const std::array<FormatArgument, sizeof...(Values)> arguments{FormatArgument(values)...};
+    SvcDebugOutA(message.format, arguments);
+}
 /// Every text a record of its own as it stands, all in one write to the log: a launch has dozens of
 /// parameters.
 void SvcDebugOutRecords(std::span<const std::string_view> texts);
@@ -77,17 +85,21 @@ std::string reportRecord(const Reason& reason, std::string_view format,
                                 std::span<const FormatArgument> arguments);
 
 /// Reports a failure that the launch survives.
-template <typename... Values>
-void report(const Reason& reason, std::string_view format, const Values&... values) {
+template <typename... Kinds, typename... Values>
+requires(Message<Kinds...>::template fits<Values...>()) void report(const Reason& reason,
+                                                                    Message<Kinds...> message,
+                                                                    const Values&... values) {
     const std::array<FormatArgument, sizeof...(Values)> arguments{FormatArgument(values)...};
-    reportRecord(reason, format, arguments);
+    reportRecord(reason, message.format, arguments);
 }
 
 /// Reports a failure that ends the launch (LaunchEnded).
-template <typename... Values>
-[[noreturn]] void fatal(const Reason& reason, std::string_view format, const Values&... values) {
+template <typename... Kinds, typename... Values>
+requires(Message<Kinds...>::template fits<Values...>())
+    [[noreturn]] void fatal(const Reason& reason, Message<Kinds...> message,
+                            const Values&... values) {
     const std::array<FormatArgument, sizeof...(Values)> arguments{FormatArgument(values)...};
-    endWithRecord(reason, format, arguments);
+    endWithRecord(reason, message.format, arguments);
 }
 
 /// The end of a launch before its hand-off. The launcher's only exception: whoever makes a launch catches

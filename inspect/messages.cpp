@@ -7,67 +7,9 @@
 namespace rcp::inspect {
 namespace {
 
-constexpr std::string_view kPage =
-#include "messages_page.inc"
-    ;
-
 constexpr std::string_view kNumbered = "ZYPRA";
 constexpr std::string_view kUnnumbered = "Error: ";
 constexpr std::size_t kNumberLength = 10;  // "ZYPRA0050E"
-
-// The page's rows, and the records, with one blank for every run of white space: a table cannot show
-// more.
-std::string squeezed(std::string_view text) {
-    std::string result;
-    for (const char character : text) {
-        const bool isBlank = std::isspace(static_cast<unsigned char>(character)) != 0;
-        if (!isBlank) {
-            result += character;
-        } else if (!result.empty() && result.back() != ' ') {
-            result += ' ';
-        }
-    }
-    if (result.ends_with(' ')) {
-        result.pop_back();
-    }
-    return result;
-}
-
-// "| a | b |" as its cells; empty for a line that is no row.
-std::vector<std::string> cellsOf(std::string_view line) {
-    std::vector<std::string> cells;
-    if (!line.starts_with("| ")) {
-        return cells;
-    }
-    line.remove_prefix(1);
-    for (std::size_t end = 0; (end = line.find('|')) != std::string_view::npos;) {
-        cells.push_back(squeezed(line.substr(0, end)));
-        line.remove_prefix(end + 1);
-    }
-    return cells;
-}
-
-std::optional<Message> messageOf(const std::vector<std::string>& cells) {
-    if (cells.size() == 4 && cells[0].starts_with(kNumbered)) {
-        return Message{cells[0], cells[1], cells[2], cells[3]};
-    }
-    if (cells.size() == 2 && cells[0].starts_with(kUnnumbered)) {
-        return Message{{}, cells[0], {}, cells[1]};
-    }
-    return std::nullopt;
-}
-
-std::vector<Message> readPage(std::string_view page) {
-    std::vector<Message> result;
-    while (!page.empty()) {
-        const std::size_t end = std::min(page.find('\n'), page.size());
-        if (std::optional<Message> message = messageOf(cellsOf(page.substr(0, end)))) {
-            result.push_back(std::move(*message));
-        }
-        page.remove_prefix(std::min(end + 1, page.size()));
-    }
-    return result;
-}
 
 // The parts of a text between its directives.
 std::vector<std::string_view> literalParts(std::string_view text) {
@@ -84,7 +26,7 @@ std::vector<std::string_view> literalParts(std::string_view text) {
 }
 
 // How many of the message's own characters the record shows; none when it is another message's.
-std::optional<std::size_t> likeness(const Message& message, std::string_view record) {
+std::optional<std::size_t> likeness(const MessageRecord& message, std::string_view record) {
     const std::string expected =
         message.id.empty() ? message.text : message.id + ": " + message.text;
     std::size_t count = 0;
@@ -100,23 +42,23 @@ std::optional<std::size_t> likeness(const Message& message, std::string_view rec
     return count;
 }
 
-bool hasNumberOf(const Message& message, std::string_view record) {
+bool hasNumberOf(const MessageRecord& message, std::string_view record) {
     return !message.id.empty() && record.starts_with(message.id) &&
            record.substr(message.id.size()).starts_with(':');
 }
 
 }  // namespace
 
-std::span<const Message> messages() {
-    static const std::vector<Message> all = readPage(kPage);
+std::span<const MessageRecord> messages() {
+    static const std::vector<MessageRecord> all = messageRecords();
     return all;
 }
 
-std::vector<const Message*> findMessages(std::string_view record) {
-    const std::string text = squeezed(record);
-    std::vector<std::pair<std::size_t, const Message*>> fitting;
-    std::vector<const Message*> ofNumber;
-    for (const Message& message : messages()) {
+std::vector<const MessageRecord*> findMessages(std::string_view record) {
+    const std::string text = withSingleBlanks(record);
+    std::vector<std::pair<std::size_t, const MessageRecord*>> fitting;
+    std::vector<const MessageRecord*> ofNumber;
+    for (const MessageRecord& message : messages()) {
         if (const std::optional<std::size_t> count = likeness(message, text)) {
             fitting.emplace_back(*count, &message);
         }
@@ -129,7 +71,7 @@ std::vector<const Message*> findMessages(std::string_view record) {
     }
     std::stable_sort(fitting.begin(), fitting.end(),
                      [](const auto& left, const auto& right) { return left.first > right.first; });
-    std::vector<const Message*> result;
+    std::vector<const MessageRecord*> result;
     result.reserve(fitting.size());
     for (const auto& [count, message] : fitting) {
         result.push_back(message);

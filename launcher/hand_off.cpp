@@ -22,8 +22,7 @@ using SetInitialArgs = void (*)(int argc, char** argv, char* library);
 using Run = int (*)(int argc, char** argv, char** vmArgs);
 
 [[noreturn]] void libraryFailed(const std::string& path, const char* reason) {
-    fatal(noReason(), "Error: invokeEclipseDylib: %s cannot be used: %s", path,
-          reason == nullptr ? "" : reason);
+    fatal(noReason(), messages.libraryNotUsable, path, reason == nullptr ? "" : reason);
 }
 
 void* entryPoint(void* library, const char* name, const std::string& path) {
@@ -73,8 +72,8 @@ void handOff(Launch& launch) {
 
 void launchEclipse(Launch& launch) {
     NarrowArguments launchArguments(launch.plan->line.arguments());
-    logLaunchArguments("ZYPRA0132I: ===== Begin Launch Parameters =====", launchArguments,
-                       "ZYPRA0133I: ===== End Launch Parameters =====");
+    logLaunchArguments(messages.launchParametersBegin, launchArguments,
+                       messages.launchParametersEnd);
     Gate gate;
     const pid_t self = getpid();
     const pid_t child = calls::fork();
@@ -83,7 +82,7 @@ void launchEclipse(Launch& launch) {
         return;
     }
     if (child < 0) {
-        report(because(errno), "Error: fork: the platform's process id is not recorded");
+        report(because(errno), messages.platformIdNotRecorded);
         launch.lock->release();  // nobody else will
     }
     becomePlatform(launch, launchArguments, gate);
@@ -91,8 +90,8 @@ void launchEclipse(Launch& launch) {
 
 void doProvisioning(const Launch& launch) {
     NarrowArguments command(launch.plan->line.arguments());
-    logLaunchArguments("ZYPRA0129I: ===== Begin Provisioning Parameters =====", command,
-                       "ZYPRA0130I: ===== End Provisioning Parameters =====");
+    logLaunchArguments(messages.provisioningParametersBegin, command,
+                       messages.provisioningParametersEnd);
     recordProvisioning(provisioningFileOf(launch.inputs.workspace));
     Gate gate;
     const pid_t child = calls::fork();

@@ -17,9 +17,7 @@ NarrowArguments::NarrowArguments(std::span<const Argument> arguments) {
     for (const Argument& argument : arguments) {
         texts_.push_back(toNarrow(argument.text));
         if (texts_.back().empty() && !argument.text.empty()) {
-            report(noReason(),
-                   "Error: the launch argument '%ls' is no text of this locale and becomes empty.",
-                   argument.text);
+            report(noReason(), messages.launchArgumentNoText, argument.text);
         }
     }
     for (std::string& text : texts_) {
@@ -28,12 +26,11 @@ NarrowArguments::NarrowArguments(std::span<const Argument> arguments) {
     pointers_.push_back(nullptr);
 }
 
-void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
-                        std::string_view end) {
+void logLaunchArguments(Message<> begin, const NarrowArguments& arguments, Message<> end) {
     const ForcedTracing forced;
-    std::vector<std::string_view> records{begin};
+    std::vector<std::string_view> records{begin.format};
     records.insert(records.end(), arguments.texts().begin(), arguments.texts().end());
-    records.push_back(end);
+    records.emplace_back(end.format);
     SvcDebugOutRecords(records);
 }
 
@@ -42,8 +39,7 @@ void becomeProgram(NarrowArguments& command) {
     calls::execv(command.data()[0], command.data());
     const int error = errno;
     ignoreFileSizeSignal();
-    report(because(error), "Error: execv: %ls could not be started",
-           toWide(command.texts().front()));
+    report(because(error), messages.programNotStarted, toWide(command.texts().front()));
     if (logIsOpen() && !logHasAll()) {
         dumpLogToTempLocation();
     }

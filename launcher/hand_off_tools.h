@@ -3,10 +3,10 @@
 
 #include "base/pipe.h"
 #include "diagnostics/argument.h"
+#include "diagnostics/message.h"
 
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace rcp {
@@ -32,8 +32,7 @@ class NarrowArguments {
 };
 
 /// Logs `begin`, one argument a line, and `end`, whether tracing is on or not.
-void logLaunchArguments(std::string_view begin, const NarrowArguments& arguments,
-                        std::string_view end);
+void logLaunchArguments(Message<> begin, const NarrowArguments& arguments, Message<> end);
 
 /// Replaces this process by the program that `command` begins with. Returns only when that failed,
 /// with an E record, which a log that is full leaves to the temporary one.

@@ -34,7 +34,7 @@ namespace rcp {
 namespace {
 
 // Makes a directory of the user's area unless it is there. `message` carries the step's number.
-void ensure(LaunchInputs& inputs, const std::wstring& directory, const char* message) {
+void ensure(LaunchInputs& inputs, const std::wstring& directory, Message<Text> message) {
     if (isDirectory(directory)) {
         return;
     }
@@ -47,8 +47,7 @@ void ensure(LaunchInputs& inputs, const std::wstring& directory, const char* mes
 std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& propertyFile) {
     const std::wstring* property = findProperty(L"rcp.base.location", inputs.properties);
     if (property == nullptr) {
-        fatal(noReason(), "ZYPRA0050E: rcp.base.location property is missing from %ls",
-              propertyFile);
+        fatal(noReason(), messages.baseLocationMissing, propertyFile);
     }
     std::wstring base = *property;
     replaceEvery(base, kRcpHomePlaceholder, inputs.installDir);
@@ -83,14 +82,13 @@ std::wstring applyInstallation(const Arguments& arguments, Installation installa
 void prepareWorkspace(LaunchInputs& inputs) {
     inputs.workspace = osPath(getWorkspaceLocation(inputs));
     inputs.configuration = osPath(getConfigurationLocation(inputs));
-    ensure(inputs, inputs.workspace, "ZYPRA0083E: Unable to create %ls directory.");
+    ensure(inputs, inputs.workspace, messages.workspaceNotMade);
 }
 
 void reportMissingValue(const Arguments& arguments) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         if (lacksValue(arguments, i)) {
-            report(noReason(), "Error: startup: option %ls stands last and has no value.",
-                   arguments[i].text);
+            report(noReason(), messages.optionWithoutValue, arguments[i].text);
         }
     }
 }
@@ -103,7 +101,7 @@ void checkArguments(const Arguments& arguments) {
 
 void openLog(LaunchInputs& inputs) {
     const std::wstring folder = getLogLocation(inputs.workspace);
-    ensure(inputs, folder, "ZYPRA0084E: Unable to create %ls directory.");
+    ensure(inputs, folder, messages.logFolderNotMade);
     if (!enableLogging(folder)) {
         endLaunch(255);
     }
@@ -117,10 +115,7 @@ bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
     const bool isAsked = isResetConfig(inputs.arguments);
     if (inputs.userFirstLaunch) {
         if (isAsked) {
-            report(noReason(),
-                   "Error: startup: -resetconfig is not carried out, because directories of the "
-                   "user's area had to be made (workspace %ls).",
-                   inputs.workspace);
+            report(noReason(), messages.resetNotCarriedOut, inputs.workspace);
         }
         return false;
     }
@@ -133,9 +128,7 @@ bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
         return isThere;
     }
     if (!inputs.isMainProcess()) {
-        report(noReason(),
-               "Error: startup: %ls is in use by the running platform and is not renewed.",
-               inputs.configuration);
+        report(noReason(), messages.areaInUse, inputs.configuration);
         return isThere;
     }
     isOld ? createReusableWorkspace(inputs.workspace, inputs.configuration)
@@ -147,10 +140,8 @@ bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
 // which always wins.
 void prepareExtensions(LaunchInputs& inputs) {
     const std::wstring applications = inputs.workspace + L"/applications/eclipse";
-    ensure(inputs, osPath(applications + L"/features"),
-           "ZYPRA0094E: Unable to create %ls directory.");
-    ensure(inputs, osPath(applications + L"/plugins"),
-           "ZYPRA0095E: Unable to create %ls directory.");
+    ensure(inputs, osPath(applications + L"/features"), messages.extensionFeaturesNotMade);
+    ensure(inputs, osPath(applications + L"/plugins"), messages.extensionPluginsNotMade);
     const std::wstring shared = osPath(inputs.installDir + L"/shared/eclipse/.eclipseextension");
     if (exists(shared)) {
         copyFile(shared, osPath(applications + L"/.eclipseextension"));
@@ -179,7 +170,7 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead) 
     }
     std::wstring workspace = inputs.workspace;
     convertBS2S(workspace);
-    SvcDebugOutW(L"ZYPRA0077I: Velmo workspaceLocation is -  \"%s\"", workspace);
+    trace(messages.workspaceLocation, workspace);
     pushBackProperty(inputs.properties, L"velmo.workspace.loc", workspace);
     pushBackProperty(inputs.userProperties, L"velmo.workspace.loc", workspace);
     insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
@@ -201,11 +192,7 @@ void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
 // A plain Java command line has no word for a daemon.
 void reportSecondPlatform(const LaunchInputs& inputs) {
     if (inputs.runningPlatform && inputs.traits.isDirectJavaShape()) {
-        report(
-            noReason(),
-            "Error: startup: process %ls is this workspace's platform; another one starts beside "
-            "it.",
-            std::to_wstring(*inputs.runningPlatform));
+        report(noReason(), messages.secondPlatform, std::to_wstring(*inputs.runningPlatform));
     }
 }
 
@@ -266,7 +253,7 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     waitForDeletionOfDebugFile(inputs.debugFile);
     validateInstallerState(inputs);
 
-    ensure(inputs, inputs.configuration, "ZYPRA0093E: Unable to create %ls directory.");
+    ensure(inputs, inputs.configuration, messages.configurationNotMade);
     if (inputs.isMainProcess()) {
         removeUnfinishedFiles(inputs.workspace, inputs.configuration);
     }

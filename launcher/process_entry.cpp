@@ -45,7 +45,7 @@ const char* setCharacterType(const char* name) {
     errno = 0;
     const char* set = setlocale(LC_CTYPE, name);
     if (set == nullptr) {
-        fatal(because(errno), "ZYPRA0182E: Set locale error!");
+        fatal(because(errno), messages.localeNotSet);
     }
     return set;
 }
@@ -57,7 +57,7 @@ Arguments wideArguments(int argc, char** argv) {
         arguments.emplace_back(chartowcs(argv[i]).get(),
                                Origin{nullptr, static_cast<std::size_t>(i)});
         if (arguments.back().text.empty() && *argv[i] != '\0') {
-            report(noReason(), "Error: main: argument %d is no text of this locale.", i);
+            report(noReason(), messages.argumentNoText, i);
         }
     }
     if (arguments.empty()) {
@@ -77,7 +77,7 @@ void applyProperties(Arguments& arguments, const PropertyList& properties, Start
 
 void dumpArguments(const Arguments& arguments) {
     const ForcedTracing forced;
-    SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
+    traceArguments(messages.mainArguments, arguments);
 }
 
 // All that comes before the hand-off. False for a launch that has to begin anew.
@@ -100,7 +100,7 @@ bool prepareLaunch(Launch& launch, int argc, char** argv) {
 
 // What the standard library throws is a fault of ours. What was recorded so far is not lost to it.
 int unexpectedEnd(std::string_view reason) {
-    report(noReason(), "Error: startup: unexpected failure: %s", reason);
+    report(noReason(), messages.unexpectedFailure, reason);
     return endedWith(255);
 }
 
@@ -169,7 +169,7 @@ void appendVm(Arguments& arguments, const PropertyList& properties) {
 
 void doVersionCheck(const Arguments& arguments) {
     if (arguments.size() == 2 && hasOption(L"-version", arguments)) {
-        fatal(noReason(), "ZYPRA0031I:   version = \"%ls\"", kVersion);
+        fatal(noReason(), messages.version, kVersion);
     }
 }
 

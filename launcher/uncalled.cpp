@@ -87,7 +87,7 @@ bool isDirtyShutdown() {
 
 bool isJavaw(const std::wstring& jvm, const std::wstring& name) {
     if (!exists(jvm)) {
-        fatal(because(errno), "ZYPRA0003E: Specified vm (%ls) does not exist!", jvm);
+        fatal(because(errno), messages.vmMissing, jvm);
     }
     return jvm.ends_with(name);
 }

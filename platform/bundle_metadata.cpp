@@ -100,9 +100,9 @@ void updateInfoPlist(const std::wstring& path, const std::wstring& identifier) {
     }
     const std::string xml = isXmlText(identifier) ? withIdentifier(*list, wanted) : std::string();
     if (xml.empty()) {
-        report(noReason(), "Error: updateInfoPlist: the identifier cannot be set in %ls.", path);
+        report(noReason(), messages.identifierNotSet, path);
     } else if (!writeInPlace(path, xml)) {
-        report(because(errno), "Error: updateInfoPlist: %ls cannot be written", path);
+        report(because(errno), messages.bundleNotWritten, path);
     }
 }
 

@@ -15,8 +15,7 @@ namespace {
 using Buffer = std::array<char, std::size_t{16} * 1024>;
 
 [[noreturn]] void cannotRead(const std::wstring& source) {
-    fatal(because(errno), "ZYPRA0193E: Did not encounter EOF while copying file contents (%ls)",
-          source);
+    fatal(because(errno), messages.copyWithoutEnd, source);
 }
 
 // Whether the destination is a copy of the source already. Only told of short files, and every
@@ -41,7 +40,7 @@ bool isCopied(std::FILE& source, const std::wstring& path, const std::wstring& d
 bool copyFile(const std::wstring& source, const std::wstring& destination) {
     const Stream from = open_file(source, L"r");
     if (!from) {
-        fatal(because(errno), "ZYPRA0190E: Unable to open source file %ls to be copied", source);
+        fatal(because(errno), messages.copySourceNotOpened, source);
     }
     (void)setvbuf(from.get(), nullptr, _IONBF, 0);  // every read fills the buffer below
     Buffer buffer;
@@ -50,20 +49,19 @@ bool copyFile(const std::wstring& source, const std::wstring& destination) {
     }
     WholeFile to(destination);
     if (!to.open()) {
-        fatal(because(errno), "ZYPRA0191E: Unable to open destination file %ls to be copied to",
-              destination);
+        fatal(because(errno), messages.copyTargetNotOpened, destination);
     }
     std::size_t length = 0;
     while ((length = fread(buffer.data(), 1, buffer.size(), from.get())) > 0) {
         if (!to.write({buffer.data(), length})) {
-            fatal(because(errno), "ZYPRA0192E: Encountered error copying file contents");
+            fatal(because(errno), messages.copyFailed);
         }
     }
     if (ferror(from.get()) != 0) {
         cannotRead(source);
     }
     if (!to.commit()) {
-        fatal(because(errno), "ZYPRA0192E: Encountered error copying file contents");
+        fatal(because(errno), messages.copyFailed);
     }
     return true;
 }

@@ -12,7 +12,7 @@ namespace rcp {
 std::optional<std::wstring> getEnv(const std::wstring& name) {
     const char* found = getenv(toNarrow(name).c_str());
     if (found == nullptr) {
-        SvcDebugOutW(L"ZYPRA0081I:  Environmental variable '%s' is not set\n", name);
+        trace(messages.variableNotSet, name);
         return std::nullopt;
     }
     return toWide(found);
@@ -21,9 +21,7 @@ std::optional<std::wstring> getEnv(const std::wstring& name) {
 bool setEnv(const std::wstring& name, const std::wstring& value, Overwrite overwrite) {
     const std::string narrow = toNarrow(value);
     if (narrow.empty() && !value.empty()) {
-        report(noReason(),
-               "Error: setEnv: the value of %ls is no text of this locale; the variable stays.",
-               name);
+        report(noReason(), messages.valueNoText, name);
         return true;
     }
     return setenv(toNarrow(name).c_str(), narrow.c_str(), overwrite == Overwrite::kYes ? 1 : 0) !=

@@ -178,7 +178,7 @@ PathMade mkdirs(const std::wstring& path) {
     return made;
 }
 
-void ensureDirectory(const std::wstring& path, const char* message) {
+void ensureDirectory(const std::wstring& path, Message<Text> message) {
     const PathMade made = mkdirs(path);
     if (!made && !isDirectory(path)) {
         fatal(whyNoDirectory(path, made), message, path);

@@ -3,6 +3,8 @@
 // only ensureDirectory and copyFile end the launch on failure.
 #pragma once
 
+#include "diagnostics/message.h"
+
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -95,7 +97,7 @@ struct PathMade {
 PathMade mkdirs(const std::wstring& path);
 /// mkdirs for callers that need the directory; another process may make it meanwhile. A failure
 /// ends the launch with `message`, whose "%ls" is `path`.
-void ensureDirectory(const std::wstring& path, const char* message);
+void ensureDirectory(const std::wstring& path, Message<Text> message);
 
 /// Copies a file byte for byte; the target is replaced as a whole. Every failure ends the launch.
 bool copyFile(const std::wstring& source, const std::wstring& destination);

@@ -15,7 +15,7 @@ namespace rcp {
 namespace {
 
 [[noreturn]] void cannotTellExecutable(int error) {
-    fatal(because(error), "ZYPRA0184E: Getting executable path failed! errno = %d", error);
+    fatal(because(error), messages.executablePathUnknown, error);
 }
 
 // Empty: this process's own.
@@ -87,7 +87,7 @@ std::optional<std::wstring> getRCPDirectory() {
 std::wstring getInstallDir() {
     const std::optional<std::wstring> folder = getRCPDirectory();
     if (!folder) {
-        fatal(because(errno), "ZYPRA0049E: Unable to locate the platform's installation directory");
+        fatal(because(errno), messages.installationNotFound);
     }
     std::wstring directory = *folder;
     const std::wstring parent = folderOf(*folder);
@@ -103,15 +103,15 @@ std::wstring convert_from_relative_location(const std::wstring& path) {
         return path;
     }
     if (path.starts_with(L"${")) {
-        fatal(noReason(), "ZYPRA0301E: Starts with placeholder. This should be translated");
+        fatal(noReason(), messages.pathWithPlaceholder);
     }
     const std::string base = platform::workingDirectory();
     if (base.empty()) {
-        fatal(because(errno), "ZYPRA0800E: Unable to get working directory.");
+        fatal(because(errno), messages.noWorkingDirectory);
     }
     if (toWide(base).empty()) {
         fatal(because("the working directory's path is no text of this locale"),
-              "ZYPRA0801E: Getting file system representation for rcplauncher URL failed!");
+              messages.pathNotRepresentable);
     }
     const std::string relative = toNarrow(path);
     std::optional<std::string> joined;
@@ -119,7 +119,7 @@ std::wstring convert_from_relative_location(const std::wstring& path) {
         joined = platform::absolutePath(base, relative);
     }
     if (!joined) {
-        fatal(noReason(), "ZYPRA0302E: Unable to convert relative workspace path to a full path");
+        fatal(noReason(), messages.relativePathNotConverted);
     }
     return toWide(*joined);
 }

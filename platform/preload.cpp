@@ -55,7 +55,7 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
 std::wstring userName() {
     const std::optional<std::wstring> user = getEnv(L"USER");
     if (!user || user->find(L'/') != std::wstring::npos) {
-        fatal(noReason(), "ZYPRA0006E: Couldn't find the user name!");
+        fatal(noReason(), messages.noUserForPreload);
     }
     return *user;
 }
@@ -63,7 +63,7 @@ std::wstring userName() {
 std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualifier) {
     const std::size_t slash = library.rfind(L'/');
     if (slash == std::wstring::npos) {
-        fatal(noReason(), "ZYPRA0189E: Couldn't find filename for library.preload property");
+        fatal(noReason(), messages.preloadWithoutFileName);
     }
     const std::wstring fileName = library.substr(slash + 1);
     SvcDebugOutW(L"setPreload():library name = %s", fileName);
@@ -85,7 +85,7 @@ std::string readsymln(const std::string& link) {
         const ssize_t length = calls::readlink(link.c_str(), buffer.data(), buffer.size());
         if (length < 0) {
             const int error = errno;
-            fatal(because(error), "ZYPRA0184E: Getting command path failed! errno = %d", error);
+            fatal(because(error), messages.preloadPathUnknown, error);
         }
         if (static_cast<std::size_t>(length) < buffer.size()) {
             buffer.resize(static_cast<std::size_t>(length));
@@ -105,16 +105,14 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
     if (!existsA(libraryPath)) {
         if (errno != ENOENT && errno != ENOTDIR) {
             // It may well be there, and whoever configured it counts on it.
-            report(because(errno), "Error: setPreload: %ls cannot be read and is not preloaded.",
-                   library);
+            report(because(errno), messages.preloadNotReadable, library);
         }
         return;
     }
     const std::wstring wideLinkPath = linkPathFor(library, qualifier);
     const std::string linkPath = toNarrow(wideLinkPath);
     if (!clearWay(linkPath, libraryPath)) {
-        report(noReason(), "Error: setPreload: %ls belongs to another user and is not preloaded.",
-               wideLinkPath);
+        report(noReason(), messages.preloadLinkForeign, wideLinkPath);
         return;
     }
     if (entryAt(linkPath) == Entry::kMissing) {
@@ -123,8 +121,7 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
         SvcDebugOutA("setPreload(): symlink() result = %d", result);
     }
     if (entryAt(linkPath) == Entry::kForeign) {
-        report(noReason(), "Error: setPreload: %ls belongs to another user and is not preloaded.",
-               wideLinkPath);
+        report(noReason(), messages.preloadLinkForeign, wideLinkPath);
         return;
     }
     setVariable(wideLinkPath);

@@ -113,9 +113,7 @@ bool readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
 void reportUnreadableLine(const std::wstring& path, std::size_t line) {
     static std::set<std::wstring> reported;
     if (reported.insert(path).second) {
-        report(noReason(),
-               "Error: readFile: %ls: line %lu (the first such line) is no text and is left out.",
-               path, line);
+        report(noReason(), messages.lineNoText, path, line);
     }
 }
 

@@ -18,7 +18,7 @@ void openMissingStandardStreams() {
         // close-on-exec: it is the platform's stream too.
         const int opened = calls::open("/dev/null", O_RDWR | O_NOCTTY);  // NOLINT(*-cloexec-*)
         if (opened < 0) {
-            fatal(because(errno), "Error: openMissingStandardStreams: /dev/null cannot be opened");
+            fatal(because(errno), messages.nullDeviceNotOpened);
         }
         if (opened > STDERR_FILENO) {
             close(opened);

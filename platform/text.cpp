@@ -43,7 +43,7 @@ void freeString(wchar_t* buffer) {
 WideBuffer newString(std::size_t n) {
     WideBuffer buffer(static_cast<wchar_t*>(calloc(n + 1, sizeof(wchar_t))));
     if (!buffer) {
-        fatal(because(ENOMEM), "ZYPRA0004E: newString malloc failed. %ls", GetLastErrorMsg());
+        fatal(because(ENOMEM), messages.newStringFailed, GetLastErrorMsg());
     }
     return buffer;
 }
@@ -54,7 +54,7 @@ WideBuffer mallocString(std::size_t n) {
         buffer.reset(static_cast<wchar_t*>(malloc((n + 1) * sizeof(wchar_t))));
     }
     if (!buffer) {
-        fatal(because(ENOMEM), "ZYPRA0004E: mallocString malloc failed!");
+        fatal(because(ENOMEM), messages.mallocStringFailed);
     }
     return buffer;
 }

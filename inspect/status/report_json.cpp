@@ -72,7 +72,7 @@ Json recordJson(const std::string& record) {
         return {};
     }
     Json known = Json::array();
-    for (const Message* message : findMessages(record)) {
+    for (const MessageRecord* message : findMessages(record)) {
         known.push_back({{"id", orNull(message->id)},
                          {"text", message->text},
                          {"step", orNull(message->step)},

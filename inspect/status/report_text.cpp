@@ -65,7 +65,7 @@ std::string listOf(const std::vector<Process>& processes) {
 // What is known about a record: its cause and what to do.
 void addRecord(Page& page, const std::string& record) {
     page.more(record, Tone::kBad);
-    for (const Message* message : findMessages(record)) {
+    for (const MessageRecord* message : findMessages(record)) {
         page.more((message->step.empty() ? "" : message->step + ": ") + message->remedy);
     }
 }

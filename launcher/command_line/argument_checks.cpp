@@ -11,17 +11,14 @@ namespace {
 
 struct ForbiddenText {
     std::wstring_view text;
-    const char* message;
+    Message<> message;
 };
 
 // The search paths of the JVM decide which code runs; only the installation may set them.
 constexpr ForbiddenText kForbiddenTexts[] = {
-    {L"jvm.library.path",
-     "ZYPRA0190E: rcplauncher invoked with arg containing \"jvm.library.path\" - not allowed."},
-    {L"java.library.path",
-     "ZYPRA0191E: rcplauncher invoked with arg containing \"java.library.path\" - not allowed."},
-    {L"java.home",
-     "ZYPRA0192E: rcplauncher invoked with arg containing \"java.home\" - not allowed."},
+    {L"jvm.library.path", messages.jvmLibraryPathForbidden},
+    {L"java.library.path", messages.javaLibraryPathForbidden},
+    {L"java.home", messages.javaHomeForbidden},
 };
 
 }  // namespace
@@ -33,17 +30,14 @@ void validateIfUrlHandlerLaunch(const Arguments& arguments) {
     const std::size_t count = arguments.size() - (isRestart(arguments) ? 1 : 0);
     const Argument* expected = optionValue(L"-maxargcnt", arguments);
     if ((expected == nullptr ? 0 : wcstoul(expected->text.c_str(), nullptr, 10)) != count) {
-        fatal(noReason(),
-              "ZYPRA0069E: rcplauncher invoked with an invalid URL handler action - bad argument "
-              "count.");
+        fatal(noReason(), messages.argumentCountWrong);
     }
 }
 
 void validateThatDoubleQuotesNotUsed(const Arguments& arguments) {
     for (const Argument& argument : arguments) {
         if (argument.text.find(L'"') != std::wstring::npos) {
-            fatal(noReason(),
-                  "ZYPRA0089E: rcplauncher invoked with double quote in arg - bad argument.");
+            fatal(noReason(), messages.doubleQuoteForbidden);
         }
     }
 }
@@ -74,7 +68,7 @@ void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmarg
 
 void validateInstallerState(const LaunchInputs& inputs) {
     if (hasOption(L"-provManifest", inputs.arguments) && inputs.runningPlatform) {
-        fatal(noReason(), "ZYPRA0122E: Attempting to install while process %ls is running.",
+        fatal(noReason(), messages.installingWhileRunning,
               std::to_wstring(*inputs.runningPlatform));
     }
 }

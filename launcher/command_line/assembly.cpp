@@ -22,9 +22,7 @@ constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
 Argument inBaseLocation(const std::wstring& file, const PropertyList& properties) {
     const Property* base = properties.find(L"rcp.base.location");
     if (base == nullptr) {
-        fatal(noReason(),
-              "ZYPRA0011E: Unable to determine RCP Base Plugin location. If the problem persists, "
-              "reinstall.");
+        fatal(noReason(), messages.noBaseLocation);
     }
     return {base->value + file, base->origin};
 }
@@ -93,15 +91,13 @@ Plan getUserCmdString(const LaunchInputs& inputs, LaunchKind kind) {
 void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
     const Argument program = platformProgram(properties);
     if (!isExecutable(program.text)) {
-        fatal(because(errno), "ZYPRA0007E: %ls is not executable or does not exist.", program.text);
+        fatal(because(errno), messages.platformNotExecutable, program.text);
     }
     line.setProgram(program, whys::kPlatformProgram);
     const std::wstring library =
         inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties).text;
     if (!exists(library)) {
-        fatal(because(errno),
-              "Error: addBaseEclipseToCommandLine: %ls is not executable or does not exist.",
-              library);
+        fatal(because(errno), messages.libraryMissing, library);
     }
     line.setLibrary(library);
 }

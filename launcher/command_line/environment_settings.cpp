@@ -77,7 +77,7 @@ void addLdPreloadToCommandLine(EnvironmentChanges& changes, const PropertyList& 
     }
     const std::wstring* installId = findProperty(L"rcp.install.id", properties);
     if (installId == nullptr) {
-        fatal(noReason(), "ZYPRA0034E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), messages.noInstallIdForPreload);
     }
     changes.push_back({.kind = EnvironmentChange::kPreload, .name = *installId, .value = *library});
 }

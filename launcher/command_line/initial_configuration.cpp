@@ -76,8 +76,7 @@ Entries orderEntries(const Entries& entries) {
         const std::wstring number = std::to_wstring(i);
         const std::size_t at = first.find(number);
         if (at == std::wstring::npos) {
-            fatal(noReason(), "ZYPRA0114E: Invalid config.initial arguments. %ls not found",
-                  std::wstring(kPrefix) + number);
+            fatal(noReason(), messages.initialArgumentMissing, std::wstring(kPrefix) + number);
         }
         ordered.push_back(entries[at]);
         ordered.push_back(entries[at + 1]);
@@ -92,8 +91,7 @@ const std::wstring& completionProperty(const Entries& ordered) {
         flag += 2;
     }
     if (flag + 2 >= ordered.size()) {
-        fatal(noReason(),
-              "ZYPRA0115E: Invalid config.initial arguments. -initialCompleteFlag not found");
+        fatal(noReason(), messages.initialFlagMissing);
     }
     return *ordered[flag + 2];
 }

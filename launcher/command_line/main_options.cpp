@@ -109,8 +109,7 @@ void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
     if (!exists(path.text)) {
         // That it is missing the text says itself.
         const Reason reason = errno == ENOENT ? noReason() : because(errno);
-        fatal(reason.at(placeOf(key, value.origin)),
-              "ZYPRA0050E:  plugin_customization.ini is missing from %ls", value.text);
+        fatal(reason.at(placeOf(key, value.origin)), messages.preferencesMissing, value.text);
     }
     line.add(L"-plugincustomization", whys::kPreferences);
     line.add(path);
@@ -133,7 +132,7 @@ void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) 
     }
     copyUserOptions(line, arguments);
     if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
-        fatal(noReason(), "ZYPRA0005E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), messages.noInstallIdForOptions);
     }
     line.add(L"-data", inputs.workspace, whys::kWorkspace);
     line.add(L"-configuration", inputs.configuration, whys::kConfiguration);
@@ -153,9 +152,7 @@ void addProvisioningApplication(CommandLine& line, const PropertyList& propertie
                                 LaunchKind kind) {
     const Property* application = properties.find(L"provisioning.application");
     if (application == nullptr) {
-        fatal(noReason(),
-              "Error: checkForProvisioning: provisioning is due, but the provisioning.application "
-              "property is missing.");
+        fatal(noReason(), messages.provisioningApplicationMissing);
     }
     line.add(L"-application", whys::kProvisioning);
     line.add(argumentFrom(*application));

@@ -58,7 +58,7 @@ void addSystemProperty(CommandLine& line, const std::wstring& key, const Argumen
 void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
     for (const Property* property : findProperties(L"-D", properties)) {
         const std::wstring item = definition(property->key, property->value);
-        SvcDebugOutW(L"ZYPRA0075I: commandArg  = \"%s\"", item);
+        trace(messages.definitionTaken, item);
         line.add({item, property->origin});
     }
 }
@@ -95,14 +95,13 @@ void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     }
     const Property* installId = inputs.properties.find(L"rcp.install.id");
     if (installId == nullptr) {
-        fatal(noReason(), "ZYPRA0036E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), messages.noInstallIdForDefinitions);
     }
     addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId),
                       whys::kTellsInstallId);
     const std::wstring configuration = installConfigurationName(inputs.traits.eConfig);
     if (configuration.empty()) {
-        fatal(noReason(),
-              "ZYPRA0025E: The platform rcp.install.id must be provided for this configuration!");
+        fatal(noReason(), messages.configurationUnknown);
     }
     addSystemProperty(line, L"-Drcp.install.config", configuration, whys::kTellsKind);
     addPropertyDefinitions(line, inputs.properties);

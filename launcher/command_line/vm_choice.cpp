@@ -17,11 +17,10 @@ namespace {
 constexpr wchar_t kFileName[] = L"jvm.properties";
 constexpr std::wstring_view kPluginFolder = L"/eclipse/plugins/";
 constexpr wchar_t kJavaHome[] = L"${prop.java.home}";
-constexpr char kNoVmMessage[] = "ZYPRA0002E: vm must be specified with -vm argument!";
 
-void traceAlways(std::wstring_view format, std::wstring_view argument) {
+void traceAlways(Message<Text> message, std::wstring_view argument) {
     const ForcedTracing forced;
-    SvcDebugOutW(format, argument);
+    trace(message, argument);
 }
 
 // The JVM's path; empty when the launcher library is to find one itself, or "-vm" has no value.
@@ -34,12 +33,11 @@ Argument givenVm(const PropertyList& properties, const Arguments& arguments) {
     return property == nullptr ? Argument() : argumentFrom(*property);
 }
 
-// The same. `missingMessage` tells where it was asked for.
-Argument chosenVm(const PropertyList& properties, const Arguments& arguments,
-                  const char* missingMessage) {
+// The same. `missing` tells where it was asked for.
+Argument chosenVm(const PropertyList& properties, const Arguments& arguments, Message<> missing) {
     Argument vm = givenVm(properties, arguments);
     if (vm.text.empty() && isVmOverride(arguments)) {
-        fatal(noReason(), missingMessage);
+        fatal(noReason(), missing);
     }
     return vm;
 }
@@ -73,11 +71,11 @@ Argument vmProgram(const LaunchInputs& inputs) {
 }
 
 JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
-    Argument vm = chosenVm(inputs.properties, inputs.arguments, kNoVmMessage);
+    Argument vm = chosenVm(inputs.properties, inputs.arguments, messages.noVm);
     replaceFirstRcpHome(vm.text, inputs.installDir);
     if (vm.text.empty()) {
         if (inputs.traits.isDirectJavaShape()) {
-            fatal(noReason(), kNoVmMessage);  // or an option would become the program
+            fatal(noReason(), messages.noVm);  // or an option would become the program
         }
         return JvmFile::kProgram;
     }
@@ -101,15 +99,13 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
                                            const std::wstring& installDir) {
     JvmPropertyLocation location;
     std::optional<std::wstring> root;
-    location.jvm = chosenVm(properties, arguments,
-                            "ZYPRA0079E: -vm on command line must be followed by a valid jvm path.")
-                       .text;
+    location.jvm = chosenVm(properties, arguments, messages.noVmPath).text;
     if (location.jvm.empty()) {
-        traceAlways(L"ZYPRA0119I: VM specified is \"%s\"", L"external JVM");
+        traceAlways(messages.externalJvm, L"external JVM");
     } else {
         replaceFirstRcpHome(location.jvm, installDir);
         convertBS2S(location.jvm);
-        traceAlways(L"ZYPRA0021I: VM specified is \"%s\"", location.jvm);
+        traceAlways(messages.chosenJvm, location.jvm);
         root = getStandardJvmPropertyRoot(location.jvm);
         root = root ? root : getInstallJvmPropertyRoot(location.jvm);
     }
@@ -147,13 +143,11 @@ bool jvmPropExists(const std::wstring& root) {
 }
 
 void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location) {
-    traceAlways(L"ZYPRA0077I: loading jvm.properties at \"%s\"", location.file);
+    traceAlways(messages.jvmPropertiesLoaded, location.file);
     if (getPropertiesIfThere(location.file, inputs.properties)) {
         insertPropToVmargMap(inputs.vmargMap, inputs.properties);
     } else {
-        traceAlways(
-            L"ZYPRA0125I: No jvm.properties file was loaded. A default file should be at \"%s\"",
-            L"${rcp.home}/rcp/deploy");
+        traceAlways(messages.jvmPropertiesMissing, L"${rcp.home}/rcp/deploy");
     }
     settleJavaHome(inputs.properties, location);
     settleLibraryPath(inputs.properties);

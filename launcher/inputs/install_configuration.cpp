@@ -36,8 +36,7 @@ InstallConfiguration codeOf(std::wstring_view name) {
 InstallConfiguration installConfigurationOf(const PropertyList& properties) {
     const std::wstring* name = findProperty(L"install.configuration", properties);
     if (name == nullptr) {
-        SvcDebugOutA(
-            "ZYPRA0041I: Missed install configuration in property file. Using default setting!");
+        trace(messages.installConfigurationMissing);
         return InstallConfiguration::kUser;
     }
     return codeOf(*name);

@@ -27,9 +27,9 @@ constexpr int kLongestWaitSeconds = 20;
 constexpr int kMostComparisons = 5;
 constexpr std::size_t kLongestContent = 256;  // of the lock file, as far as it counts
 
-void traceWithTime(std::wstring_view format) {
+void traceWithTime(Message<Text> message) {
     if (debug) {
-        SvcDebugOutW(format, getTimeString());
+        trace(message, getTimeString());
     }
 }
 
@@ -40,7 +40,7 @@ void populateMainPidFile(const std::wstring& path, unsigned long processId) {
         stream = open_file(path, L"w+");
     }
     if (!stream) {
-        SvcDebugOutA("ZYPRA00XXI: Unable to open rcp.main file");
+        trace(messages.mainFileNotOpened);
         return;
     }
     // What an earlier launch left is written over and then cut off: a file that was emptied first
@@ -48,7 +48,7 @@ void populateMainPidFile(const std::wstring& path, unsigned long processId) {
     const int written = fprintf(stream.get(), "%lu    ", processId);
     if (written < 0 || fflush(stream.get()) != 0 ||
         calls::ftruncate(fileno(stream.get()), written) != 0) {
-        SvcDebugOutA("ZYPRA00XXI: Unable to write pid to rcp.main file");
+        trace(messages.mainFileNotWritten);
     }
 }
 
@@ -81,7 +81,7 @@ std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,
         lock.waitForOldPlatform(*oldPlatform, marker);
     }
     lock.lock();
-    traceWithTime(L"ZYPRA0303I: lock file captured @ %s");
+    traceWithTime(messages.lockTaken);
     if (runningProvisioning(provisioning)) {
         lock.release();
         waitForProvisioning(provisioning);
@@ -90,10 +90,10 @@ std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,
     removeEndedProvisioning(provisioning);
     lock.platform_ = lock.runningPlatform(marker);
     if (lock.platform_) {
-        SvcDebugOutA("ZYPRA0305I: We are daemon process");
+        trace(messages.isDaemon);
         return lock;
     }
-    SvcDebugOutA("ZYPRA0304I: We are main process");
+    trace(messages.isMain);
     const std::wstring sid = workspace + L"/.sid";
     if (exists(sid)) {
         deleteFile(sid);
@@ -107,7 +107,7 @@ void PlatformLock::record(pid_t processId) const {
     }
     populateMainPidFile(mainPidPath_, static_cast<unsigned long>(processId));
     if (!writeFullyAt(file_.get(), lockContentFor(processId), 0)) {
-        report(because(errno), "ZYPRA0051E: Unable to write to platform lock file");
+        report(because(errno), messages.lockNotWritten);
     }
 }
 
@@ -116,9 +116,9 @@ void PlatformLock::release() const {
         return;
     }
     if (calls::flock(file_.get(), LOCK_UN) != 0) {
-        fatal(because(errno), "ZYPRA0070E: Error unlocking platform lock file. ");
+        fatal(because(errno), messages.lockNotReleased);
     }
-    traceWithTime(L"ZYPRA0306I: lock file released @ %s");
+    traceWithTime(messages.lockReleased);
 }
 
 PlatformLock::PlatformLock(const std::wstring& workspace)
@@ -131,14 +131,13 @@ void PlatformLock::open() {
         calls::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600));
     if (!file_) {
         const int error = errno;
-        report(noReason(), "ZYPRA0199E: CreateLockFile failed. errno=%d", error);
-        fatal(because(error), "ZYPRA0054E: Error locating platform lock file");
+        report(noReason(), messages.lockNotCreated, error);
+        fatal(because(error), messages.lockNotFound);
     }
     struct stat status {};
     const int error = calls::fstat(file_.get(), &status) == 0 ? 0 : errno;
     if (error != 0 || !S_ISREG(status.st_mode)) {
-        fatal(error != 0 ? because(error) : because("not a regular file"),
-              "ZYPRA0054E: Error locating platform lock file");
+        fatal(error != 0 ? because(error) : because("not a regular file"), messages.lockNotFound);
     }
 }
 
@@ -148,15 +147,13 @@ void PlatformLock::open() {
 void PlatformLock::lock() {
     for (int comparison = 1;; ++comparison) {
         if (!lockExclusively(file_.get())) {
-            fatal(because(errno), "ZYPRA0053E: Error locking platform lock file. ");
+            fatal(because(errno), messages.lockFailed);
         }
         if (isLedTo(file_.get(), toNarrow(path_))) {
             return;
         }
         if (comparison == kMostComparisons) {
-            fatal(noReason(),
-                  "ZYPRA0053E: Error locking platform lock file. (%ls is another one each time.)",
-                  path_);
+            fatal(noReason(), messages.lockReplacedEachTime, path_);
         }
         open();
     }
@@ -167,21 +164,21 @@ void PlatformLock::lock() {
 std::string PlatformLock::content() const {
     std::optional<std::string> content = readBeginning(file_.get(), kLongestContent);
     if (!content) {
-        fatal(because(errno), "ZYPRA0092E: Error reading platform lock file. (%ls)", path_);
+        fatal(because(errno), messages.lockNotRead, path_);
     }
     return *std::move(content);
 }
 
 // The recorded process, if it is alive and the platform.
 std::optional<long> PlatformLock::runningPlatform(const ProcessMarker& marker) const {
-    report(noReason(), "ZYPRA0090E: Existing platform lock file found - checking validity.");
+    report(noReason(), messages.lockFileFound);
     const LockContent recorded = parseLockContent(content());
     switch (recorded.kind) {
         case LockContent::kNothing:
-            report(noReason(), "ZYPRA0091E: No data in the platform lock file.");
+            report(noReason(), messages.lockFileEmpty);
             return std::nullopt;
         case LockContent::kOther:
-            fatal(noReason(), "ZYPRA0092E: Error reading platform lock file. (%ls)", path_);
+            fatal(noReason(), messages.lockNotRead, path_);
         case LockContent::kNumber:
             break;
     }
@@ -205,14 +202,12 @@ void PlatformLock::waitForOldPlatform(long oldPlatform, const ProcessMarker& mar
 // one. Under the lock and only while the id is still the old one's: another launcher may have
 // recorded its own platform meanwhile.
 void PlatformLock::giveOldPlatformUp(long oldPlatform) {
-    report(noReason(),
-           "ZYPRA0013E: Existing platform has not shutdown within allotted time. Invalidating the "
-           "lockfile for new launch.");
+    report(noReason(), messages.oldPlatformStillRuns);
     lock();
     const LockContent recorded = parseLockContent(content());
     if (recorded.kind == LockContent::kNumber && recorded.number == oldPlatform &&
         !writeFullyAt(file_.get(), kClearedLockContent, 0)) {
-        report(because(errno), "ZYPRA0052E: Unable to invalidate platform lock file");
+        report(because(errno), messages.lockNotInvalidated);
     }
 }
 

@@ -55,8 +55,7 @@ std::string listProcess(long processId) {
     const std::optional<ProgramResult> listing =
         runProgram({"ps", "-ww", "-o", "command=", "-p", std::to_string(processId)});
     if (!listing) {
-        report(noReason(),
-               "Error: process check: ps cannot be started; only executables tell a platform.");
+        report(noReason(), messages.psNotStarted);
     }
     return listing && listing->succeeded ? listing->output : std::string();
 }

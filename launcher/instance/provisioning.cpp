@@ -34,17 +34,13 @@ bool isISMPProvisioning(const Arguments& arguments) {
 
 void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
     if (vmargMap.erase(kSharedClassesKey) == 0) {
-        SvcDebugOutA(
-            "ZYPRA0121I: \"vmarg.Dshare\" shared classes property was not detected. No special "
-            "action needed while provisioning");
+        trace(messages.sharedClassesNotDetected);
         return;
     }
     Argument none = L"-Xshareclasses=none";
     none.why = &whys::kNoSharedClasses;
     vmargMap[kSharedClassesKey] = std::move(none);
-    SvcDebugOutA(
-        "ZYPRA0120I: \"vmarg.Dshare\" shared classes property found. Setting -Xsharedclasses=none "
-        "while provisioning");
+    trace(messages.sharedClassesSwitchedOff);
 }
 
 bool isProvisioningEnabled(const LaunchInputs& inputs) {
@@ -72,9 +68,7 @@ std::optional<LaunchKind> checkForProvisioning(LaunchInputs& inputs) {
         return std::nullopt;
     }
     defeateSharedClassesInProvisioning(inputs.vmargMap);
-    SvcDebugOutA(
-        "ZYPRA0076I: Detected platform initial launch or user initial launch. Executing platform "
-        "provisioning.");
+    trace(messages.provisioningDetected);
     return startedByInstaller ? LaunchKind::kInstallerProvisioning : LaunchKind::kUserProvisioning;
 }
 
@@ -90,16 +84,12 @@ void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
     }
     const SharedClassesFacts facts = sharedClassesFacts(directory, inputs);
     if (const std::optional<std::wstring> reason = reasonNotToEmpty(facts)) {
-        report(noReason(), "Error: jvm.shareclasses.fullpath is not emptied: %ls.",
-               toWide(directory) + L" " + *reason);
+        report(noReason(), messages.sharedClassesKept, toWide(directory) + L" " + *reason);
         return;
     }
     const Removed removed = removeDirectoryContents(toWide(facts.resolved));
     if (!removed.isComplete) {
-        fatal(noReason(),
-              "\nZYPRA0086I begin: Information collected while removing shared classes directory\n"
-              "%ls\nZYPRA0087I end: Unable to remove all files in the shared classes directory.",
-              removed.failures);
+        fatal(noReason(), messages.sharedClassesNotEmptied, removed.failures);
     }
 }
 

@@ -43,9 +43,7 @@ void recordProvisioning(const std::wstring& path) {
     WholeFile file(path);
     if (!file.open() || !file.write(recordOf(getpid(), start.value_or("unknown"))) ||
         !file.commit()) {
-        report(because(errno),
-               "Error: provisioning: %ls cannot be written; another launch may provision too",
-               path);
+        report(because(errno), messages.provisioningNotRecorded, path);
     }
 }
 
@@ -63,13 +61,10 @@ std::optional<long> runningProvisioning(const std::wstring& path) {
 
 void waitForProvisioning(const std::wstring& path) {
     std::optional<long> process = runningProvisioning(path);
-    SvcDebugOutW(L"ZYPRA0307I: process %s provisions this workspace; waiting for its end",
-                 std::to_wstring(process.value_or(0)));
+    trace(messages.provisioningAwaited, std::to_wstring(process.value_or(0)));
     for (int waited = 0; process; ++waited) {
         if (waited == kPatience) {
-            report(noReason(),
-                   "Error: provisioning: process %ls still provisions this workspace; waiting on.",
-                   std::to_wstring(*process));
+            report(noReason(), messages.provisioningStillRuns, std::to_wstring(*process));
         }
         sysSleep(1);
         process = runningProvisioning(path);
@@ -78,7 +73,7 @@ void waitForProvisioning(const std::wstring& path) {
 
 void removeEndedProvisioning(const std::wstring& path) {
     if (calls::unlink(toNarrow(path).c_str()) != 0 && errno != ENOENT) {
-        report(because(errno), "Error: provisioning: %ls cannot be removed", path);
+        report(because(errno), messages.provisioningRecordStays, path);
     }
 }
 

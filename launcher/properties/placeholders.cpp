@@ -28,7 +28,7 @@ std::wstring traced(const std::wstring& text) {
 
 void traceModification(const std::wstring& before, const std::wstring& after) {
     if (debug) {
-        SvcDebugOutW(L"ZYPRA0071I: Modified prop_contents %s", before + L" => " + traced(after));
+        trace(messages.placeholderReplaced, before + L" => " + traced(after));
     }
 }
 
@@ -162,8 +162,7 @@ bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& te
 }
 
 void refusePlaceholders(const std::wstring& text, const std::wstring& key, const Origin& origin) {
-    fatal(noReason().at(placeOf(key, origin)), "ZYPRA0088E: property substitution is invalid (%ls)",
-          text);
+    fatal(noReason().at(placeOf(key, origin)), messages.substitutionInvalid, text);
 }
 
 void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties) {

@@ -114,17 +114,17 @@ class Entry {
 };
 
 [[noreturn]] void cannotLoad(const std::wstring& path, const Reason& reason) {
-    fatal(reason, "ZYPRA0096E: Unable to load %ls file!", path);
+    fatal(reason, messages.fileNotLoaded, path);
 }
 
 Property finish(Entry& entry, const Origin& origin) {
     FilterProp(entry.key);
-    SvcDebugOutW(L"ZYPRA0023I:   attrib = \"%s\"", entry.key);
+    trace(messages.keyRead, entry.key);
     FilterValue(entry.value);
     if (entry.key.starts_with(L"rcp.data")) {
         entry.value = getDataPath(entry.key, entry.value);
     }
-    SvcDebugOutW(L"ZYPRA0024I:   value  = \"%s\"", entry.value);
+    trace(messages.valueRead, entry.value);
     Property property{entry.key, entry.value, origin};
     entry.clear();
     return property;
@@ -154,7 +154,7 @@ void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
                 continue;
             }
         }
-        SvcDebugOutW(L"ZYPRA0032I: Prop Line = \"%s\"", line);
+        trace(messages.lineRead, line);
         if (line.starts_with(L'#')) {
             continue;
         }

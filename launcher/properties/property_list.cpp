@@ -166,9 +166,9 @@ std::vector<const Property*> findProperties(std::wstring_view prefix, const Prop
 
 void pushBackProperty(PropertyList& list, std::wstring key, std::wstring value) {
     FilterProp(key);
-    SvcDebugOutW(L"ZYPRA0126I:   key = \"%s\"", key);
+    trace(messages.keyComputed, key);
     FilterValue(value);
-    SvcDebugOutW(L"ZYPRA0127I:   value  = \"%s\"", value);
+    trace(messages.valueComputed, value);
     list.append({std::move(key), std::move(value), {}});
 }
 

@@ -11,15 +11,15 @@ namespace {
 
 constexpr std::wstring_view kPrefix = L"vmarg.";
 
-// `invalidMessage` differs by source, so that the record tells where the argument came from.
-void insertArguments(VmArgumentMap& map, const Arguments& arguments, const char* invalidMessage) {
+// `invalid` differs by source, so that the record tells where the argument came from.
+void insertArguments(VmArgumentMap& map, const Arguments& arguments, Message<> invalid) {
     for (const auto& [text, origin, why] : arguments) {
         if (!text.starts_with(kPrefix)) {
             continue;
         }
         const std::size_t equals = text.find(L'=');
         if (equals == std::wstring::npos) {
-            fatal(noReason(), invalidMessage);
+            fatal(noReason(), invalid);
         }
         map.try_emplace(text.substr(0, equals), text.substr(equals + 1), origin);
     }
@@ -39,11 +39,11 @@ void insertPropToVmargMap(VmArgumentMap& map, PropertyList& properties) {
 
 void insertArgsToVmargMap(VmArgumentMap& map, const Arguments& arguments,
                           const PropertyList& /*properties*/) {
-    insertArguments(map, arguments, "ZYPRA0033E: rcplauncher invoked with an invalid vmarg.");
+    insertArguments(map, arguments, messages.vmargInvalid);
 }
 
 void insertCargsToVmargMap(VmArgumentMap& map, const Arguments& arguments) {
-    insertArguments(map, arguments, "ZYPRA0128E: rcplauncher invoked with an invalid vmarg.");
+    insertArguments(map, arguments, messages.extensionVmargInvalid);
 }
 
 }  // namespace rcp

@@ -38,8 +38,7 @@ bool appendLine(int descriptor, const std::wstring& id) {
     }
     const int error = errno;
     if (calls::ftruncate(descriptor, status.st_size) != 0) {
-        report(because(errno),
-               "Error: getInstallID: an incomplete line stays in the property file.");
+        report(because(errno), messages.installIdLineIncomplete);
     }
     errno = error;
     return false;
@@ -56,8 +55,7 @@ std::wstring storedId(const std::wstring& propertyFile) {
 std::wstring makeInstallId(const std::wstring& propertyFile) {
     const Stream stream = open_file(propertyFile, L"a+");
     if (!stream || !lockExclusively(fileno(stream.get()))) {
-        fatal(because(errno), "ZYPRA0017E: Could not open %ls to append rcp.install.id!",
-              propertyFile);
+        fatal(because(errno), messages.installIdFileNotOpened, propertyFile);
     }
     std::wstring id = storedId(propertyFile);
     if (!id.empty()) {
@@ -68,7 +66,7 @@ std::wstring makeInstallId(const std::wstring& propertyFile) {
     // A file that ends inside a continued entry takes the first line into that entry.
     if (!appendLine(descriptor, id) ||
         (storedId(propertyFile) != id && !appendLine(descriptor, id))) {
-        fatal(because(errno), "ZYPRA0018E: Error while writing to %ls file.", propertyFile);
+        fatal(because(errno), messages.installIdNotWritten, propertyFile);
     }
     return id;
 }
@@ -81,7 +79,7 @@ std::wstring getInstallID(InstallConfiguration configuration, const std::wstring
         return *id;
     }
     if (configuration != InstallConfiguration::kUserpb) {
-        fatal(noReason(), "ZYPRA0016E: rcp.install.id is required for this configuration!");
+        fatal(noReason(), messages.installIdRequired);
     }
     std::wstring id = makeInstallId(propertyFile);
     pushBackProperty(properties, kKey, id);

@@ -20,25 +20,21 @@ struct Feature {
     const wchar_t* versionPlaceholder;
     const wchar_t* idProperty;
     const wchar_t* versionProperty;
-    const char* missingMessage;
+    Message<> missing;
 };
 
 constexpr Feature kFeatures[] = {
     {L"${jvm.feature.id}", L"${jvm.feature.version}", L"jvm.feature.id", L"jvm.feature.version",
-     "ZYPRA0101E: Error while copying platform.xml to user specific platform.xml file."},
+     messages.jvmFeatureMissing},
     {L"${jvm.parent.feature.id}", L"${jvm.parent.feature.version}", L"jvm.parent.feature.id",
-     L"jvm.parent.feature.version",
-     "ZYPRA0102E: Error while copying platform.xml to user specific platform.xml file."},
+     L"jvm.parent.feature.version", messages.jvmParentFeatureMissing},
 };
-
-constexpr char kCopyFailed[] =
-    "ZYPRA0103E: Error while copying platform.xml to user specific platform.xml file.";
 
 void fillIn(const Feature& feature, std::wstring& line, const PropertyList& properties) {
     const std::wstring* id = findProperty(feature.idProperty, properties);
     const std::wstring* version = findProperty(feature.versionProperty, properties);
     if (id == nullptr || version == nullptr) {
-        report(noReason(), feature.missingMessage);
+        report(noReason(), feature.missing);
         return;
     }
     replaceEvery(line, feature.idPlaceholder, *id);
@@ -49,13 +45,12 @@ bool writePlatformXml(const std::wstring& master, const std::wstring& target,
                       const PropertyList& properties, Features features) {
     const Stream from = open_file(master, L"r");
     if (!from) {
-        report(because(errno), "ZYPRA0104E: Unable to open platform.xml.\"%s\"", master);
+        report(because(errno), messages.platformXmlNotOpened, master);
         return false;
     }
     WholeFile file(target);
     if (!file.open()) {
-        report(because(errno), "ZYPRA0139E: Unable to open platform.xml for writing.\"%s\"",
-               target);
+        report(because(errno), messages.platformXmlNotCreated, target);
         return false;
     }
     std::wstring line;
@@ -70,13 +65,13 @@ bool writePlatformXml(const std::wstring& master, const std::wstring& target,
         if (bytes.empty() && !filled.empty()) {
             report(because("a value filled in is no text of this locale")
                        .at(master + L", line " + std::to_wstring(position.line)),
-                   kCopyFailed);
+                   messages.platformXmlNotCopied);
         } else if (!file.write(bytes + "\n")) {
-            report(because(errno), kCopyFailed);
+            report(because(errno), messages.platformXmlNotCopied);
         }
     }
     if (ferror(from.get()) != 0 || !file.commit()) {
-        report(because(errno), kCopyFailed);
+        report(because(errno), messages.platformXmlNotCopied);
     }
     return true;
 }
@@ -106,7 +101,7 @@ bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, Fea
     const std::wstring update = osPath(inputs.configuration + L"/org.eclipse.update");
     const bool isMissing = !isDirectory(update);
     if (isMissing) {
-        ensureDirectory(update, "ZYPRA0039E: Unable to create %ls directory.");
+        ensureDirectory(update, messages.updateFolderNotMade);
     }
     const std::wstring target = update + L"/platform.xml";
     const std::wstring* managed = findProperty(L"update.policy.managed", properties);

@@ -48,7 +48,7 @@ void saveKeptFiles(const std::wstring& workspace, const std::wstring& configurat
 
 // Steps 2 to 4; `message` tells which of the two callers failed.
 void rebuildConfiguration(const std::wstring& workspace, const std::wstring& configuration,
-                          const char* message) {
+                          Message<Text> message) {
     const std::wstring path = osPath(configuration);
     handleDirMove(path + L"bak", path, Need::kRequired);
     const std::wstring update = updateDirectory(configuration);
@@ -94,7 +94,7 @@ std::wstring deleteMeName(const std::wstring& path) {
 void clearDirectory(const std::wstring& path) {
     const std::wstring name = deleteMeName(path);
     if (!moveFile(path, name)) {
-        fatal(because(errno), "ZYPRA0112E: Can't move file/dir  '%ls'", path);
+        fatal(because(errno), messages.targetNotMoved, path);
     }
     removeOrTrace(name);
 }
@@ -106,7 +106,7 @@ void clearTarget(const std::wstring& path) {
     if (isDirectory(path)) {
         clearDirectory(path);
     } else if (!deleteFile(path)) {
-        fatal(because(errno), "ZYPRA0111E: Can't delete old copy of file '%ls'", path);
+        fatal(because(errno), messages.oldCopyNotDeleted, path);
     }
 }
 
@@ -120,7 +120,7 @@ std::wstring resetPropertiesFile(const LaunchInputs& inputs, const std::wstring&
     std::wstring coreFile =
         getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties");
     if (!exists(coreFile)) {
-        fatal(because(errno), "ZYPRA0106E: Unable to locate %ls file.", coreFile);
+        fatal(because(errno), messages.masterFileMissing, coreFile);
     }
     return coreFile;
 }
@@ -160,8 +160,7 @@ bool leadsThroughLink(const std::wstring& folder, const std::wstring& entry) {
 void removePluginDirectory(const std::wstring& plugins, const std::wstring& value) {
     const std::wstring entry = entryBelow(value);
     if (entry.empty() || leadsThroughLink(plugins, entry)) {
-        report(noReason(),
-               "Error: resetMetaDataDirs: '%ls' does not name a directory of a plug-in.", value);
+        report(noReason(), messages.resetDirInvalid, value);
         return;
     }
     if (!exists(plugins + L"/" + entry)) {
@@ -169,11 +168,7 @@ void removePluginDirectory(const std::wstring& plugins, const std::wstring& valu
     }
     const Removed removed = removeDirectoryBelow(plugins, entry);
     if (!removed.isComplete) {
-        fatal(noReason(),
-              "\nZYPRA0107E begin: Error removing metadata plugin directory\n%ls\n"
-              "ZYPRA0108E end: Unable to remove all files in the metadata plugin directory. Please "
-              "correct the problems listed above",
-              removed.failures);
+        fatal(noReason(), messages.pluginDirectoryNotRemoved, removed.failures);
     }
 }
 
@@ -182,14 +177,13 @@ void removePluginDirectory(const std::wstring& plugins, const std::wstring& valu
 void createReusableWorkspace(const std::wstring& workspace, const std::wstring& configuration) {
     saveFile(L"platform.xml", workspace, configuration);
     saveKeptFiles(workspace, configuration);
-    rebuildConfiguration(workspace, configuration, "ZYPRA0044E: Unable to create %ls directory.");
+    rebuildConfiguration(workspace, configuration, messages.reuseFolderNotMade);
 }
 
 void resetWorkspace(const LaunchInputs& inputs, const std::wstring& base) {
     saveKeptFiles(inputs.workspace, inputs.configuration);
     resetMetaDataDirs(inputs, base);
-    rebuildConfiguration(inputs.workspace, inputs.configuration,
-                         "ZYPRA0045E: Unable to create %ls directory.");
+    rebuildConfiguration(inputs.workspace, inputs.configuration, messages.resetFolderNotMade);
 }
 
 void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base) {
@@ -206,18 +200,18 @@ void handleCopy(const CopyPlace& target, const CopyPlace& source, Need need, Tra
     const std::wstring from = pathOf(source);
     if (!exists(from)) {
         if (need == Need::kRequired) {
-            fatal(because(errno), "ZYPRA0109E: Unable to locate '%ls' for copying", from);
+            fatal(because(errno), messages.savedFileMissing, from);
         }
-        SvcDebugOutW(L"ZYPRA0110I: '%s' not found", from);
+        trace(messages.nothingToSave, from);
         return;
     }
     clearTarget(to);
     if (transfer == Transfer::kMove) {
         if (!moveFile(from, to)) {
-            fatal(because(errno), "ZYPRA0141E: Can't move file/dir  '%ls'", from);
+            fatal(because(errno), messages.savedFileNotMoved, from);
         }
     } else if (!copyFile(from, to)) {
-        fatal(noReason(), "ZYPRA0113E: Can't copy file  '%ls'", from);
+        fatal(noReason(), messages.savedFileNotCopied, from);
     }
 }
 

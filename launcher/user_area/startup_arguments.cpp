@@ -18,16 +18,12 @@ namespace {
 
 // The three write failures carry one text under three ids, so that the id tells which line failed. The
 // lines of an ordinary launch fit one write, whose failure shows with the last of them.
-constexpr char kArgumentFailed[] = "ZYPRA0020E: Error writing to %ls file.";
-constexpr char kCountFailed[] = "ZYPRA0116E: Error writing to %ls file.";
-constexpr char kLibraryPathFailed[] = "ZYPRA0117E: Error writing to %ls file.";
-
 struct Line {
     std::string text;
-    const char* failed;  // the message when it cannot be written
+    Message<Text> failed;  // the message when it cannot be written
 };
 
-Line makeLine(const std::wstring& key, const std::wstring& value, const char* failed) {
+Line makeLine(const std::wstring& key, const std::wstring& value, Message<Text> failed) {
     return {propertyLines(toNarrow(key), toNarrow(convWcharTo8859_1_Value(value))), failed};
 }
 
@@ -81,12 +77,13 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
 std::vector<Line> makeLines(const std::vector<std::wstring>& recorded) {
     std::vector<Line> lines;
     for (std::size_t i = 0; i < recorded.size(); ++i) {
-        lines.push_back(makeLine(L"arg" + std::to_wstring(i), recorded[i], kArgumentFailed));
+        lines.push_back(
+            makeLine(L"arg" + std::to_wstring(i), recorded[i], messages.argumentNotRecorded));
     }
-    lines.push_back(makeLine(L"argc", std::to_wstring(recorded.size()), kCountFailed));
+    lines.push_back(makeLine(L"argc", std::to_wstring(recorded.size()), messages.countNotRecorded));
     const std::wstring libraryPath = getEnv(L"DYLD_LIBRARY_PATH").value_or(L"");
-    lines.push_back(
-        makeLine(L"com.ovr.rcp.core.internal.librarypath", libraryPath, kLibraryPathFailed));
+    lines.push_back(makeLine(L"com.ovr.rcp.core.internal.librarypath", libraryPath,
+                             messages.libraryPathNotRecorded));
     return lines;
 }
 
@@ -111,7 +108,7 @@ void writeStartupArgs(const Arguments& arguments, const std::wstring& configurat
     }
     WholeFile file(path);
     if (!file.open()) {
-        fatal(because(errno), "ZYPRA0097E: Could not open %ls for writing!", path);
+        fatal(because(errno), messages.argsFileNotOpened, path);
     }
     for (const Line& line : lines) {
         if (!file.write(line.text)) {
@@ -119,7 +116,7 @@ void writeStartupArgs(const Arguments& arguments, const std::wstring& configurat
         }
     }
     if (!file.commit()) {
-        fatal(because(errno), kLibraryPathFailed, path);
+        fatal(because(errno), messages.libraryPathNotRecorded, path);
     }
 }
 

@@ -50,9 +50,6 @@ constexpr BlockLine kBlockLines[] = {
     {L"com.ovr.rcp.core.bidi", L"com.ovr.rcp.core.bidi", false, false, nullptr},
 };
 
-constexpr char kAppendFailed[] =
-    "ZYPRA0015E: Unable to append values to user specific rcpinstall.properties file.";
-
 std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList& properties) {
     const std::wstring* property = findProperty(line.property, properties);
     if (property == nullptr) {
@@ -76,9 +73,7 @@ int copyLines(std::FILE& copy, WholeFile& file) {
     std::wstring line;
     while (readFile(copy, kCopiedLineFormat, line)) {
         if (filter.keeps(line) && !file.write(toNarrow(line) + "\n")) {
-            report(because(errno),
-                   "ZYPRA0001E: Error while copying base rcpinstall.properties to user specific "
-                   "rcpinstall.properties file.");
+            report(because(errno), messages.userFileNotCopied);
         }
     }
     return ferror(&copy) != 0 ? errno : 0;
@@ -101,7 +96,7 @@ bool createConfigIni(const LaunchInputs& inputs, const std::wstring& base) {
         return false;
     }
     if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"config.ini"), target)) {
-        fatal(noReason(), "ZYPRA0009E: Unable to copy config.ini to the user directory.");
+        fatal(noReason(), messages.configIniNotCopied);
     }
     return true;
 }
@@ -120,8 +115,7 @@ bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base)
     temporary.claim();
     if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties"),
                   copy)) {
-        fatal(noReason(),
-              "ZYPRA0022E: Unable to copy rcpinstall.properties to the user directory.");
+        fatal(noReason(), messages.masterNotCopied);
     }
     fixUserRCPInstallProperties(copy, target, inputs.properties);
     return true;
@@ -169,23 +163,20 @@ bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& t
     const Stream from = open_file(osPath(copy), L"r");
     WholeFile file(osPath(target), L".new");
     if (!from || !file.open()) {
-        report(because(errno),
-               "ZYPRA0074E: Unable to open user specific rcpinstall.properties and temporary "
-               "rcpinstall.properties files.");
+        report(because(errno), messages.userFileNotOpened);
         return false;
     }
     const int readError = copyLines(*from, file);
     const std::optional<UserFileBlock> block = userFileBlock(properties);
     if (!block) {
-        fatal(noReason(),
-              "ZYPRA0008E: Unable to calculate necessary values for user specific "
-              "rcpinstall.properties file.");
+        fatal(noReason(), messages.userValuesUnknown);
     }
     for (const std::wstring& key : block->missingKeys) {
-        report(because("its value is no text of this locale").at(key), kAppendFailed);
+        report(because("its value is no text of this locale").at(key),
+               messages.userFileNotCompleted);
     }
     if (readError != 0 || !file.write(block->lines) || !file.commit()) {
-        report(because(readError != 0 ? readError : errno), kAppendFailed);
+        report(because(readError != 0 ? readError : errno), messages.userFileNotCompleted);
         return false;
     }
     return true;

@@ -25,7 +25,7 @@ void dropTrailingSeparator(std::wstring& path) {
 }
 
 [[noreturn]] void refuse(const std::wstring& value) {
-    fatal(noReason(), "ZYPRA0099E: rcp.data property is invalid (%ls)", value);
+    fatal(noReason(), messages.dataInvalid, value);
 }
 
 // The user's area must not lie among the system's folders, whichever way leads there. What is not
@@ -72,16 +72,15 @@ std::wstring workspaceFromProperty(const std::wstring& property, const PropertyL
 std::wstring defaultWorkspace(const PropertyList& properties) {
     const std::wstring* installId = findProperty(L"rcp.install.id", properties);
     if (installId == nullptr) {
-        fatal(noReason(), "ZYPRA0035E: Couldn't find the rcp.install.id property!");
+        fatal(noReason(), messages.noInstallIdForWorkspace);
     }
     const std::optional<std::wstring> user = getEnv(L"USER");
     if (!user) {
-        fatal(noReason(), "ZYPRA0037E: Couldn't find the user name!");
+        fatal(noReason(), messages.noUserForWorkspace);
     }
     const std::wstring home = getUserHome();
     if (!home.starts_with(L'/')) {
-        fatal(noReason(), "Error: getWorkspaceLocation: HOME does not name a directory (%ls).",
-              home);
+        fatal(noReason(), messages.homeInvalid, home);
     }
     return home + kDefaultFolder + *installId + L"/" + *user;
 }

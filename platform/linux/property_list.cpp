@@ -57,8 +57,7 @@ Library load() {
                        resolve(handle, "plist_new_string", library.newText) &&
                        resolve(handle, "plist_free", library.free);
     if (!library.complete) {
-        report(noReason(), "Error: property lists cannot be read: %ls cannot be loaded.",
-               toWide(kLibraryName));
+        report(noReason(), messages.propertyListLibraryMissing, toWide(kLibraryName));
     }
     return library;
 }

@@ -13,12 +13,12 @@ namespace rcp::inspect {
 namespace {
 
 std::string firstId(const std::string& record) {
-    const std::vector<const Message*> found = findMessages(record);
+    const std::vector<const MessageRecord*> found = findMessages(record);
     return found.empty() ? "none" : found.front()->id;
 }
 
 std::string firstStep(const std::string& record) {
-    const std::vector<const Message*> found = findMessages(record);
+    const std::vector<const MessageRecord*> found = findMessages(record);
     return found.empty() ? "none" : found.front()->step;
 }
 
@@ -33,7 +33,7 @@ TEST(Messages, EveryRowOfThePageIsInTheTable) {
 }
 
 TEST(Messages, EveryOneHasATextAndARemedy) {
-    for (const Message& message : messages()) {
+    for (const MessageRecord& message : messages()) {
         EXPECT_FALSE(message.text.empty()) << message.id;
         EXPECT_FALSE(message.remedy.empty()) << message.text;
         EXPECT_EQ(message.step.empty(), message.id.empty()) << message.text;
@@ -41,7 +41,7 @@ TEST(Messages, EveryOneHasATextAndARemedy) {
 }
 
 // "%ls" becomes a path, and the system's reason follows.
-std::string recordOf(const Message& message) {
+std::string recordOf(const MessageRecord& message) {
     std::string text = message.id.empty() ? message.text : message.id + ": " + message.text;
     for (const std::string directive : {"%ls", "%lu", "%s", "%d"}) {
         for (std::size_t at = 0; (at = text.find(directive)) != std::string::npos;) {
@@ -52,8 +52,8 @@ std::string recordOf(const Message& message) {
 }
 
 TEST(Messages, EveryRecordIsFoundByItsText) {
-    for (const Message& message : messages()) {
-        const std::vector<const Message*> found = findMessages(recordOf(message));
+    for (const MessageRecord& message : messages()) {
+        const std::vector<const MessageRecord*> found = findMessages(recordOf(message));
         ASSERT_FALSE(found.empty()) << recordOf(message);
         EXPECT_EQ(found.front(), &message) << recordOf(message);
     }
@@ -67,7 +67,7 @@ TEST(Messages, ATextDecidesBetweenThoseOfOneNumber) {
 }
 
 TEST(Messages, AnUnknownTextOfANumberGivesAllOfTheNumber) {
-    const std::vector<const Message*> found = findMessages("ZYPRA0050E: of another version");
+    const std::vector<const MessageRecord*> found = findMessages("ZYPRA0050E: of another version");
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found.front()->id, "ZYPRA0050E");
 }
@@ -80,7 +80,7 @@ TEST(Messages, WhatIsNoMessageIsNotFound) {
 }
 
 TEST(Messages, OneWithoutANumberIsFoundByItsText) {
-    const std::vector<const Message*> found =
+    const std::vector<const MessageRecord*> found =
         findMessages("Error: execv: /x/eclipse could not be started : Permission denied");
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found.front()->id, "");

@@ -209,7 +209,7 @@ TEST_F(JavaReadBack, RecordedArgumentsComeBack) {
                         {L"com.ovr.rcp.core.internal.librarypath", L"/ä: /b=c "}};
     for (int i = 1; i <= 3000; ++i) {
         arguments.push_back(makeText(random));
-        expected[L"arg" + std::to_wstring(i)] = asValue(arguments.back());
+        expected[L"arg" + std::to_wstring(i)] = asValue(arguments.back().text);
     }
     setenv("DYLD_LIBRARY_PATH", "/ä: /b=c ", 1);
     writeStartupArgs(arguments, toWide(folder), restartExe, {}, L"/opt/i");
@@ -288,7 +288,7 @@ TEST_F(JavaReadBack, LongRecordedArgumentsComeBack) {
                         {L"argc", std::to_wstring(arguments.size())},
                         {L"com.ovr.rcp.core.internal.librarypath", L""}};
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        expected[L"arg" + std::to_wstring(i)] = arguments[i];
+        expected[L"arg" + std::to_wstring(i)] = arguments[i].text;
     }
     expectEqual(expected, read(folder + "/args.properties"));
 }

@@ -49,11 +49,11 @@ const Probe kQueueThenLog("queue then log", [](const std::vector<std::string>& a
     SvcDebugOutA("ZYPRA0000I: traced");
     setDebug(false);
     SvcDebugOutA("ZYPRA0000I: not traced");
-    report(noReason(), "ZYPRA0000E: error");
+    reportRecord(noReason(), "ZYPRA0000E: error", {});
     const std::string queued = logQueue();
     const bool wasOpen = logIsOpen();
     const bool opened = enableLogging(toWide(arguments.at(0)));
-    report(noReason(), "ZYPRA0000E: behind");
+    reportRecord(noReason(), "ZYPRA0000E: behind", {});
     printf("%s|%d|%d|%d|%s", queued.c_str(), wasOpen, opened, logIsOpen(), logQueue().c_str());
     return 0;
 });
@@ -95,7 +95,7 @@ TEST_F(LogFile, ExistingFileIsEmptied) {
 
 TEST_F(LogFile, RecordReachesTheFileAtOnce) {
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report(noReason(), "ZYPRA0000E: error");
+    reportRecord(noReason(), "ZYPRA0000E: error", {});
     EXPECT_TRUE(log().ends_with("\nZYPRA0000E: error\n")) << log();
 }
 
@@ -107,9 +107,9 @@ TEST_F(LogFile, BackslashesInTheFolderAreSlashes) {
 
 TEST_F(LogFile, SecondLauncherThatEmptiesTheFileLeavesNoHole) {
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report(noReason(), std::string(500, 'x'));
+    reportRecord(noReason(), std::string(500, 'x'), {});
     ASSERT_EQ(truncate(folder_.narrow("rcplauncher.log").c_str(), 0), 0);
-    report(noReason(), "ZYPRA0000E: behind");
+    reportRecord(noReason(), "ZYPRA0000E: behind", {});
     EXPECT_EQ(log(), "ZYPRA0000E: behind\n");
 }
 
@@ -146,9 +146,9 @@ TEST_F(LogFile, TracedRunHasALogOfItsOwnNamedByItsTime) {
 TEST_F(LogFile, TracedRunsNeverShareALog) {
     setDebug(true);
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report(noReason(), "first");
+    reportRecord(noReason(), "first", {});
     ASSERT_TRUE(enableLogging(folder_.wide()));
-    report(noReason(), "second");
+    reportRecord(noReason(), "second", {});
     ASSERT_EQ(names().size(), 2U);
     for (const std::string& name : names()) {
         const std::string text = folder_.read(name);
@@ -165,8 +165,8 @@ const Probe kFatal("fatal", [](const std::vector<std::string>& arguments) {
     if (arguments.at(0) == "forced") {
         forced.emplace();
     }
-    report(noReason(), "ZYPRA0000E: queued");
-    fatal(because(ENOENT), "ZYPRA0096E: Unable to load %ls file!", L"/x");
+    reportRecord(noReason(), "ZYPRA0000E: queued", {});
+    fatal(because(ENOENT), messages.fileNotLoaded, L"/x");
     return 0;
 });
 
@@ -221,13 +221,13 @@ const Probe kFullLog("full log", [](const std::vector<std::string>& arguments) {
     rlimit room{};
     getrlimit(RLIMIT_FSIZE, &room);
     const rlimit none{0, room.rlim_max};
-    report(noReason(), "ZYPRA0000E: queued");
+    reportRecord(noReason(), "ZYPRA0000E: queued", {});
     setrlimit(RLIMIT_FSIZE, arguments.at(1) == "from the start" ? &none : &room);
     enableLogging(toWide(arguments.at(0)));
     setrlimit(RLIMIT_FSIZE, &none);
-    report(noReason(), "ZYPRA0000E: refused");
+    reportRecord(noReason(), "ZYPRA0000E: refused", {});
     setrlimit(RLIMIT_FSIZE, &room);
-    fatal(noReason(), "ZYPRA0000E: last");
+    endWithRecord(noReason(), "ZYPRA0000E: last", {});
     return 0;
 });
 

@@ -44,7 +44,9 @@ TEST(ProcessEnd, WhatHasNoLogIsInTheTemporaryOneWhenTheStatusSaysSo) {
     if (!test::hasPrivateTmp()) {
         GTEST_SKIP() << "no /tmp of its own";
     }
-    const auto fail = [] { _exit(test::statusOf([] { fatal(because(ENOENT), "why"); })); };
+    const auto fail = [] {
+        _exit(test::statusOf([] { endWithRecord(because(ENOENT), "why", {}); }));
+    };
     EXPECT_THAT(temporaryLogOf(fail, 255),
                 testing::EndsWith("why : No such file or directory\n\n"));
     const auto end = [] { _exit(test::statusOf([] { endLaunch(0); })); };

@@ -40,7 +40,7 @@ TEST_F(Errors, NothingIsTracedWhileTracingIsOff) {
     SvcDebugOutA("%s", "text");
     SvcDebugOutA("%d", 1);
     SvcDebugOutW(L"%s", L"text");
-    SvcDebugOutW(L"dump", arguments);
+    traceArguments(messages.mainArguments, arguments);
     SvcDebugOutA("%d", values);
     EXPECT_EQ(records_.text(), "");
 }
@@ -90,7 +90,6 @@ TEST_F(Tracing, FormatOf1000CharactersIsDroppedWhole) {
     SvcDebugOutA(tooLong, "x");
     SvcDebugOutA(tooLong, 1);
     SvcDebugOutW(wideTooLong, L"x");
-    SvcDebugOutW(wideTooLong, arguments);
     SvcDebugOutA(tooLong, std::span<const FormatArgument>());
     EXPECT_EQ(records_.text(), "");
 }
@@ -113,24 +112,24 @@ TEST_F(Tracing, FormatTakesAnyNumberOfArguments) {
 
 TEST_F(Tracing, DumpListsEveryArgumentAndEndsWithAnEmptyLine) {
     const std::vector<Argument> arguments = {L"a", L"b"};
-    SvcDebugOutW(L"ZYPRA0030I: rcplauncher main arguments", arguments);
+    traceArguments(messages.mainArguments, arguments);
     EXPECT_EQ(records_.text(), "ZYPRA0030I: rcplauncher main arguments=\"a, b, \"\n\n");
 }
 
 TEST_F(Tracing, DumpOfNoArgumentsIsAPairOfQuotes) {
-    SvcDebugOutW(L"message", std::span<const Argument>());
+    traceArguments({"message", "", ""}, {});
     EXPECT_EQ(records_.text(), "message=\"\"\n\n");
 }
 
 TEST_F(Tracing, PercentSignsOfDumpedArgumentsAreDirectives) {
     const std::vector<Argument> arguments = {L"100%%", L"%s%n%d", L"50%"};
-    SvcDebugOutW(L"message", arguments);
+    traceArguments({"message", "", ""}, arguments);
     EXPECT_EQ(records_.text(), "message=\"100%, %s%n%d, 50%, \"\n\n");
 }
 
 TEST_F(Tracing, DumpThatIsTooLongIsCutToOneRecord) {
     const std::vector<Argument> arguments = {std::wstring(5000, L'x')};
-    SvcDebugOutW(L"message", arguments);
+    traceArguments({"message", "", ""}, arguments);
     EXPECT_EQ(records_.text().size(), 4096U);
 }
 
@@ -192,13 +191,13 @@ TEST_F(Errors, ErrorIsWrittenWhileTracingIsOffAndItsTextIsReturned) {
 
 TEST_F(Errors, ReasonIsWhatTheReportStatesWhateverErrnoHolds) {
     errno = EACCES;
-    report(noReason(), "none");
-    report(because(ENOENT), "system");
-    report(because(0), "a call without errno");
-    report(because("not a regular file"), "words");
-    report(noReason().at(L"/\u00E9"), "place");
-    report(because(ENOENT).at(L"line 3"), "%s", "both");
-    report(because(ENOENT).at(L""), "nowhere");
+    reportRecord(noReason(), "none", {});
+    reportRecord(because(ENOENT), "system", {});
+    reportRecord(because(0), "a call without errno", {});
+    reportRecord(because("not a regular file"), "words", {});
+    reportRecord(noReason().at(L"/\u00E9"), "place", {});
+    reportRecord(because(ENOENT).at(L"line 3"), "both", {});
+    reportRecord(because(ENOENT).at(L""), "nowhere", {});
     EXPECT_EQ(records_.text(),
               "none\nsystem : No such file or directory\na call without errno\n"
               "words : not a regular file\nplace (/\u00E9)\n"
@@ -206,8 +205,9 @@ TEST_F(Errors, ReasonIsWhatTheReportStatesWhateverErrnoHolds) {
 }
 
 TEST_F(Errors, ReportTakesNarrowAndWideTextsAndNumbers) {
-    report(noReason(), "a %% b %s");
-    report(noReason(), "%s %ls %d", "narrow", std::wstring(L"wide \u00E9"), 3);
+    reportRecord(noReason(), "a %% b %s", {});
+    constexpr Message<Text, Text, Number> kThree{"%s %ls %d", "", ""};
+    report(noReason(), kThree, "narrow", std::wstring(L"wide \u00E9"), 3);
     EXPECT_EQ(records_.text(), "a % b %s\nnarrow wide \u00E9 3\n");
 }
 
@@ -219,21 +219,23 @@ TEST_F(Errors, ReasonGoesIntoTheRoomThatIsLeft) {
 }
 
 TEST_F(Errors, LongFormatOfAnErrorIsNotDropped) {
-    report(noReason(), std::string(2000, 'x'));
+    reportRecord(noReason(), std::string(2000, 'x'), {});
     EXPECT_EQ(records_.text(), std::string(2000, 'x') + "\n");
 }
 
 TEST_F(Errors, FatalReportEndsWithStatus255) {
-    EXPECT_FATAL(fatal(because(ENOENT), "ZYPRA0096E: Unable to load %ls file!", L"/x"),
+    EXPECT_FATAL(fatal(because(ENOENT), messages.fileNotLoaded, L"/x"),
                  "ZYPRA0096E: Unable to load /x file! : No such file or directory\n");
-    EXPECT_FATAL(fatal(because(ENOENT), "errno = %d", 2), "errno = 2 : No such file");
-    EXPECT_FATAL((errno = ENOENT, fatal(noReason(), "plain")), "plain\n");
+    EXPECT_FATAL(fatal(because(ENOENT), messages.lockNotCreated, 2), "errno=2 : No such file");
+    EXPECT_FATAL((errno = ENOENT, fatal(noReason(), messages.localeNotSet)), "error!\n");
 }
 
 TEST_F(Errors, EndOfALaunchCarriesItsStatusAndItsRecord) {
-    const LaunchEnded fatalEnd = test::endOfLaunch([] { fatal(because(ENOENT), "first %d", 1); });
+    const LaunchEnded fatalEnd =
+        test::endOfLaunch([] { fatal(because(ENOENT), messages.lockNotCreated, 1); });
     EXPECT_EQ(fatalEnd.status, 255);
-    EXPECT_EQ(fatalEnd.record, "first 1 : No such file or directory");
+    EXPECT_EQ(fatalEnd.record,
+              "ZYPRA0199E: CreateLockFile failed. errno=1 : No such file or directory");
     EXPECT_EQ(records_.text(), fatalEnd.record + "\n");
     const LaunchEnded plainEnd = test::endOfLaunch([] { endLaunch(3); });
     EXPECT_EQ(plainEnd.status, 3);

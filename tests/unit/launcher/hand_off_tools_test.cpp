@@ -40,7 +40,7 @@ TEST_F(HandOffTools, NoArgumentsAreANullPointer) {
 TEST_F(HandOffTools, ArgumentsAreLoggedOneALineWithoutTracing) {
     const test::Records records(folder_);
     const std::vector<Argument> wide = {L"/opt/Velmo", L"100%s", L"%n"};
-    logLaunchArguments("begin", NarrowArguments(wide), "end");
+    logLaunchArguments({"begin", "", ""}, NarrowArguments(wide), {"end", "", ""});
     EXPECT_EQ(records.text().substr(records.text().find("begin")),
               "begin\n/opt/Velmo\n100%s\n%n\nend\n");
     EXPECT_FALSE(debug) << "tracing is as before";
@@ -61,7 +61,7 @@ TEST_F(HandOffTools, RecordOfAFailedExecIsInTheTemporaryLogWhenTheLogIsFull) {
     ChildProcess child([this] {
         ignoreFileSizeSignal();
         enableLogging(folder_.wide());
-        report(noReason(), "%s", std::string(1000, 'x'));
+        reportRecord(noReason(), std::string(1000, 'x'), {});
         const rlimit size = {1000, 1000};
         setrlimit(RLIMIT_FSIZE, &size);
         NarrowArguments command(kNothing);

@@ -16,6 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr Message<Text> kNotMade{"no %ls.", "", ""};
+
 class Files : public test::LauncherTest {
   protected:
     void link(const std::string& target, const std::string& name) const {
@@ -251,22 +253,22 @@ TEST_F(Files, RelativePathIsMadeFromTheRootOfTheFileSystem) {
 TEST_F(Files, FileInThePathIsAFailure) {
     folder_.write("file", "x");
     EXPECT_FALSE(mkdirs(folder_.wide("file/a")));
-    EXPECT_FATAL(ensureDirectory(folder_.wide("file/a"), "no %ls."),
+    EXPECT_FATAL(ensureDirectory(folder_.wide("file/a"), kNotMade),
                  "no .*/file/a\\. : Not a directory\n");
-    EXPECT_FATAL(ensureDirectory(folder_.wide("file"), "no %ls."), "/file\\. : File exists\n");
+    EXPECT_FATAL(ensureDirectory(folder_.wide("file"), kNotMade), "/file\\. : File exists\n");
     EXPECT_EQ(folder_.read("file"), "x");
 }
 
 TEST_F(Files, DirectoryThatAnotherLauncherMadeMeanwhileIsEnough) {
-    ensureDirectory(folder_.wide("a/b"), "no %ls.");
-    ensureDirectory(folder_.wide("a/b"), "no %ls.");
+    ensureDirectory(folder_.wide("a/b"), kNotMade);
+    ensureDirectory(folder_.wide("a/b"), kNotMade);
     EXPECT_TRUE(isDirectory(folder_.wide("a/b")));
 }
 
 TEST_F(Files, LinkToADirectoryIsNotEnough) {
     makeDirectory("directory");
     link("directory", "link");
-    EXPECT_FATAL(ensureDirectory(folder_.wide("link"), "no %ls."),
+    EXPECT_FATAL(ensureDirectory(folder_.wide("link"), kNotMade),
                  "no .*/link\\. : it is a symbolic link\n");
 }
 
@@ -275,7 +277,7 @@ TEST_F(Files, FirstDirectoryThatCannotBeMadeIsTheReason) {
     const PathMade made = mkdirs(folder_.wide("file/a") + L"/" + std::wstring(300, L'n'));
     EXPECT_EQ(made.error, ENOTDIR);
     EXPECT_EQ(made.failed, folder_.wide("file/a"));
-    EXPECT_FATAL(ensureDirectory(folder_.wide("file/a/b/c"), "no %ls."),
+    EXPECT_FATAL(ensureDirectory(folder_.wide("file/a/b/c"), kNotMade),
                  "no .*/file/a/b/c\\. \\(.*/file/a\\) : Not a directory\n");
     EXPECT_EQ(mkdirs(folder_.wide("a/b")).error, 0) << "what is there is no failure";
     EXPECT_EQ(mkdirs(folder_.wide("a/b")).error, 0);

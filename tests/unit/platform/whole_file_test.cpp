@@ -53,10 +53,10 @@ TEST_F(WholeFiles, LaunchThatEndsInBetweenLeavesNoTemporaryFile) {
         {
             WholeFile file(folder_.wide("file"));
             if (file.open() && file.write("half")) {
-                fatal(noReason(), "ended");
+                fatal(noReason(), messages.lockNotWritten);
             }
         },
-        "ended");
+        "ZYPRA0051E");
     EXPECT_FALSE(folder_.has("file"));
     EXPECT_FALSE(folder_.has("file.tmp"));
 }

@@ -230,10 +230,10 @@ TEST_F(Reset, UpdateDirectoryThatCannotBeMadeIsFatalUnderTwoNumbers) {
         deep += L"/" + std::wstring(std::min<std::size_t>(200, 4089 - deep.size()), L'd');
     }
     folder_.write("base/rcpinstall.properties", "");
-    ensureDirectory(deep, "no %ls");
+    ensureDirectory(deep, messages.resetFolderNotMade);
     EXPECT_FATAL(createReusableWorkspace(workspace(), deep), "ZYPRA0044E: Unable to create /.*d/");
     std::filesystem::remove_all(deep + L"bak");
-    ensureDirectory(deep, "no %ls");
+    ensureDirectory(deep, messages.resetFolderNotMade);
     inputs_.configuration = deep;
     EXPECT_FATAL(resetWorkspace(inputs_, base()), "ZYPRA0045E: Unable to create /.*d/");
 }
