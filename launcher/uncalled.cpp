@@ -1,5 +1,8 @@
 #include "launcher/uncalled.h"
 
+#include "base/system_calls.h"
+#include "base/transfer.h"
+#include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/java_properties.h"
 #include "platform/process.h"
@@ -34,13 +37,10 @@ struct ShutdownRequest {
 // Everybody can write in /tmp, so a link planted under the name is never followed.
 bool writeShutdownRequest() {
     const ShutdownRequest request{"shutdown", "1"};
-    const int descriptor = open(
-        kRequestFile, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool written = write(descriptor, &request, sizeof request) == ssize_t{sizeof request};
-    return close(descriptor) == 0 && written;
+    const UniqueFd file(calls::open(
+        kRequestFile, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
+    return file &&
+           writeFully(file.get(), {reinterpret_cast<const char*>(&request), sizeof request});
 }
 
 }  // namespace
