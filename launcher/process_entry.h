@@ -7,7 +7,8 @@
 
 namespace rcp {
 
-/// The version of the launcher.
+/// What "-version" records: the version of what installations rely on. It is no release's, stays while they can,
+/// and is the bundle's CFBundleVersion.
 inline constexpr wchar_t kVersion[] = L"20211117.0921";
 
 /// The whole launch, from the process's arguments to the hand-off. Returns the exit status of main.
