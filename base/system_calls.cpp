@@ -12,16 +12,11 @@ namespace {
 
 // macOS has no pipe2(2). There is one thread, so no other can start a program between the calls.
 int closedOnExec(int* ends) {
-#ifdef __linux__
-    return ::pipe2(ends, O_CLOEXEC);
-#else
-    if (::pipe(ends) != 0) {
-        return -1;
+    const int result = ::pipe(ends);
+    for (int* end = ends; result == 0 && end != ends + 2; ++end) {
+        (void)fcntl(*end, F_SETFD, FD_CLOEXEC);
     }
-    (void)fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    (void)fcntl(ends[1], F_SETFD, FD_CLOEXEC);
-    return 0;
-#endif
+    return result;
 }
 
 }  // namespace

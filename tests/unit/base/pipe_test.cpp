@@ -6,6 +6,9 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <array>
 
 namespace rcp {
 namespace {
@@ -20,6 +23,19 @@ TEST(Pipe, CarriesBytesAndIsInheritedByNoProgram) {
     EXPECT_TRUE(writeFully(pipe.writeEnd.get(), "text"));
     pipe.writeEnd.reset();
     EXPECT_EQ(readToEnd(pipe.readEnd.get()), "text");
+}
+
+TEST(Pipe, SystemsReasonForNoneIsKept) {
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit none = {0, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    std::array<int, 2> ends{};
+    const int result = calls::pipe(ends.data());
+    const int error = errno;
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(error, EMFILE);
 }
 
 TEST(Pipe, IsEmptyWhereTheSystemHasNone) {
