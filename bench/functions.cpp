@@ -159,9 +159,8 @@ void removeTree(benchmark::State& state) {
             std::ofstream(below / std::to_string(i)).flush();
         }
         state.ResumeTiming();
-        std::wstring problems;
-        rcp::removeDirectoryAndContents(rcp::toWide(tree), problems);
-        benchmark::DoNotOptimize(problems);
+        const rcp::Removed removed = rcp::removeDirectoryAndContents(rcp::toWide(tree));
+        benchmark::DoNotOptimize(removed);
     }
     countEntries(state);
 }
