@@ -151,10 +151,11 @@ std::optional<PropertyListDocument> parsePropertyList(const std::string& data,
     }
     // The library takes a byte order mark for the beginning of something else.
     const std::string_view mark = "\xEF\xBB\xBF";
-    const std::size_t start = data.starts_with(mark) ? mark.size() : 0;
+    std::string_view list = data;
+    list.remove_prefix(list.starts_with(mark) ? mark.size() : 0);
     const auto parse = form == PropertyListForm::kBinary ? library.fromBinary : library.fromXml;
     plist_t root = nullptr;
-    parse(data.data() + start, static_cast<std::uint32_t>(data.size() - start), &root);
+    parse(list.data(), static_cast<std::uint32_t>(list.size()), &root);
     if (root == nullptr) {
         return std::nullopt;
     }
