@@ -32,6 +32,7 @@ struct Object {
     const Object* owner = nullptr;  // of a value that a dictionary has handed out
     bool isOwned = true;
     bool isDirectory = false;  // of a URL
+    std::string relative{};    // what of it was given to its base
 };
 
 [[noreturn]] void refuse(const char* what) {
@@ -304,11 +305,14 @@ CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef, c
                                ? named
                                : folder + (endsInSlash ? "" : "/") + named};
     url.isDirectory = isDirectory != 0;
+    url.relative = named;
     return made<CFURLRef>(std::move(url));
 }
 
-Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean, UInt8* buffer, CFIndex size) {
-    const std::string path = withoutDots(objects().at(url, Kind::kUrl).bytes);
+Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolves, UInt8* buffer,
+                                         CFIndex size) {
+    const Object& named = objects().at(url, Kind::kUrl);
+    const std::string path = resolves != 0 ? withoutDots(named.bytes) : named.relative;
     return fails() ? Boolean{0} : copyTo(reinterpret_cast<char*>(buffer), size, path);
 }
 
