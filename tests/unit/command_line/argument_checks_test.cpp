@@ -88,6 +88,21 @@ TEST_F(SearchPaths, AreRefusedAnywhereInAnArgument) {
     }
 }
 
+TEST_F(SearchPaths, JvmArgumentsAreThoseBehindTheSeparatorAlone) {
+    const auto withSeparatorAt = [](std::size_t place) {
+        Arguments arguments = {L"p", L"-a", L"-Djava.home=/x", L"-b"};
+        arguments.insert(arguments.begin() + static_cast<std::ptrdiff_t>(place), L"-vmargs");
+        for (Argument& argument : arguments) {
+            argument.origin.line = 1;
+        }
+        return arguments;
+    };
+    validateJvmArguments(withSeparatorAt(4), {});
+    validateJvmArguments(withSeparatorAt(3), {});
+    EXPECT_FATAL(validateJvmArguments(withSeparatorAt(2), {}), HasSubstr("ZYPRA0192E"));
+    EXPECT_FATAL(validateJvmArguments(withSeparatorAt(1), {}), HasSubstr("ZYPRA0192E"));
+}
+
 TEST_F(SearchPaths, AreTestedArgumentByArgumentInOrder) {
     EXPECT_FATAL(validateNoJavaLibraryPath({L"p", L"java.home java.library.path"}),
                  HasSubstr("ZYPRA0191E"));

@@ -90,6 +90,17 @@ TEST_F(MainOptions, LaunchersOwnOptionsAreDroppedWithTheirValues) {
     }
 }
 
+TEST_F(MainOptions, WhatIsDroppedIsKeptInItsOrderWithTheReason) {
+    all({L"-a", L"-data", L"/d", L"-b", L"-data", L"/e", L"-restart", L"-rcp_old_pid"});
+    ASSERT_EQ(line_.dropped(),
+              (Arguments{L"-data", L"/d", L"-data", L"/e", L"-restart", L"-rcp_old_pid"}));
+    const Why* const whys[] = {&whys::kOwnWorkspace, &whys::kOwnWorkspace, &whys::kRepeats,
+                               &whys::kRepeats,      &whys::kRestart,      &whys::kLacksValue};
+    for (std::size_t i = 0; i < std::size(whys); ++i) {
+        EXPECT_EQ(line_.dropped()[i].why, whys[i]) << i;
+    }
+}
+
 TEST_F(MainOptions, RestartAndResetAreDroppedAlone) {
     EXPECT_EQ(copied({L"-restart", L"-a", L"-resetconfig", L"-restart", L"-b"}),
               (Arguments{L"-a", L"-b"}));

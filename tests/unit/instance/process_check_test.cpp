@@ -5,7 +5,10 @@
 #include "platform/text.h"
 #include "tests/unit/child_process.h"
 #include "tests/unit/fixture.h"
+#include "tests/unit/launch_pieces.h"
 #include "tests/unit/records.h"
+
+#include <errno.h>
 
 #include <limits>
 
@@ -150,6 +153,20 @@ TEST_F(PlatformProcess, ExecutableOfTheLauncherOrThePlatformIsEnough) {
 TEST_F(PlatformProcess, DeadProcessIsNot) {
     invokeDylib = true;
     EXPECT_FALSE(isPlatform(test::deadProcessId(), L"."));
+}
+
+TEST_F(PlatformProcess, DeadProcessIsNotLookedUp) {
+    const test::ScopedVariable noPs("PATH", folder_.narrow());
+    const test::Records records(folder_);
+    EXPECT_FALSE(isPlatform(test::deadProcessId(), L"."));
+    EXPECT_EQ(records.text(), "");
+}
+
+TEST_F(PlatformProcess, EarlierErrorMakesNoLiveProcessDead) {
+    setLauncherExecutable({});
+    const ChildProcess child([] { return pause(); });
+    errno = ESRCH;
+    EXPECT_TRUE(isPlatform(child.pid(), L"nobody's name"));
 }
 
 TEST_F(PlatformProcess, IdsThatAreNoProcessIdsAreNot) {

@@ -157,6 +157,19 @@ TEST_F(Provisioning, IsTheUsersOrTheInstallers) {
     EXPECT_EQ(check(), LaunchKind::kInstallerProvisioning);
 }
 
+TEST_F(Provisioning, IsTracedOnlyWhenItIsDue) {
+    const Records records(folder_);
+    debug = true;
+    EXPECT_FALSE(checkForProvisioning(inputs_));
+    EXPECT_EQ(records.text(), "");
+    inputs_.userFirstLaunch = true;
+    EXPECT_TRUE(checkForProvisioning(inputs_));
+    EXPECT_TRUE(
+        records.has("ZYPRA0076I: Detected platform initial launch or user initial launch. "
+                    "Executing platform provisioning.\n"))
+        << records.text();
+}
+
 TEST_F(Provisioning, TurnsTheSharedClassesOffInTheMap) {
     inputs_.vmargMap[L"vmarg.Dshare"] = L"-Xshareclasses:name=velmo";
     EXPECT_FALSE(checkForProvisioning(inputs_));

@@ -103,6 +103,17 @@ TEST_F(Files, ExecutableIsTheOwnersBitAlone) {
     EXPECT_FALSE(isExecutable(L""));
 }
 
+TEST_F(Files, AnswerThatIsNoErrorLeavesNoReason) {
+    folder_.write("file", "");
+    setMode("file", 0600);
+    errno = EACCES;
+    EXPECT_FALSE(isDirectory(folder_.wide("file")));
+    EXPECT_EQ(errno, 0);
+    errno = EACCES;
+    EXPECT_FALSE(isExecutable(folder_.wide("file")));
+    EXPECT_EQ(errno, 0);
+}
+
 TEST_F(Files, LinkToAnExecutableIsExecutable) {
     folder_.write("file", "");
     setMode("file", 0700);

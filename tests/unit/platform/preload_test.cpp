@@ -204,6 +204,25 @@ TEST_F(Preload, LinkOfAnotherUserThatCannotBeRemovedIsNeverPreloaded) {
                 "preloaded.\n$");
 }
 
+TEST_F(Preload, EntryThatAnotherUserMakesMeanwhileIsNeverPreloaded) {
+    SystemCalls calls = systemCalls;
+    calls.symlink = [](const char* target, const char* path) {
+        errno = symlink(target, path) == 0 ? EEXIST : errno;
+        return -1;
+    };
+    calls.lstat = [](const char* path, struct stat* status) {
+        const int result = lstat(path, status);
+        status->st_uid = geteuid() + 1;
+        return result;
+    };
+    const InstalledCalls installed(calls);
+    set();
+    EXPECT_EQ(preloaded(), std::nullopt);
+    EXPECT_TRUE(records_.has("Error: setPreload: " + linkPath() +
+                             " belongs to another user and is not preloaded.\n"))
+        << records_.text();
+}
+
 TEST_F(Preload, LinkOfAnotherUserThatCanBeRemovedIsReplaced) {
     if (geteuid() != 0 || !test::hasPrivateTmp()) {
         GTEST_SKIP() << "only root can play another user, in a /tmp of its own";

@@ -97,6 +97,19 @@ TEST_F(InstallId, FileWithoutFinalLineFeedGetsOneFirst) {
     EXPECT_EQ(fileText(), "a=b\nrcp.install.id=" + id + "\n");
 }
 
+TEST_F(InstallId, FileThatGrowsMeanwhileGetsItsLineFeedAsWell) {
+    writeFile("a=bc");
+    SystemCalls calls = systemCalls;
+    calls.fstat = [](int descriptor, struct stat* status) {
+        const int result = fstat(descriptor, status);
+        status->st_size -= status->st_size == 4 ? 1 : 0;
+        return result;
+    };
+    const InstalledCalls installed(calls);
+    const std::string id = make();
+    EXPECT_EQ(fileText(), "a=bc\nrcp.install.id=" + id + "\n");
+}
+
 TEST_F(InstallId, EmptyFileGetsTheLineAlone) {
     writeFile("");
     const std::string id = make();

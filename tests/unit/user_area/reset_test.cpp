@@ -159,6 +159,24 @@ TEST_F(Reset, FirstNumberIsChosenWhenAllWereTaken) {
     EXPECT_THAT(namesGiven, testing::Contains(folder_.narrow("ws/.configbakdeleteme0001")));
 }
 
+TEST_F(Reset, NumbersGoOnWhenNoneOfTheFirstBecomesFree) {
+    writeArea();
+    folder_.write("ws/.configbak/f", "older");
+    for (const char* number : {"1", "2", "3", "4", "5"}) {
+        folder_.write(std::string("ws/.configbakdeleteme000") + number + "/f", "left");
+    }
+    SystemCalls calls = systemCalls;
+    calls.rename = &noteName;
+    calls.unlinkat = [](int, const char*, int) {
+        errno = EBUSY;
+        return -1;
+    };
+    const InstalledCalls installed(calls);
+    namesGiven.clear();
+    reset();
+    EXPECT_THAT(namesGiven, testing::Contains(folder_.narrow("ws/.configbakdeleteme0006")));
+}
+
 TEST_F(Reset, SmallestFreeNumberIsChosenForTheRemoval) {
     NEED_HELD_DIRECTORY();
     writeArea();
