@@ -35,7 +35,7 @@ PropertyListTextRule propertyListTextRule(std::string_view element);
 bool isSafeBinaryPropertyList(std::string_view data);
 
 /// Levels of nesting that are let through, the values at the bottom included: a bundle's own list has
-/// four or five. The same in both forms, so that what was read can be written and read again.
+/// four or five. The same in both forms: a list that was read is not nested too deeply once it is written.
 inline constexpr int kMaxPropertyListDepth = 128;
 
 }  // namespace rcp::platform

@@ -2,9 +2,9 @@
 // "bplist00", the objects, a table of their offsets, and a trailer of 32 bytes that describes the
 // table. Every number is big-endian. What the parsers of the two systems read differently is refused:
 // a key that stands in its dictionary twice (one takes the first, the other the last of them) or is
-// no text, text with the character 0, with a byte that is no ASCII or with half a surrogate pair, numbers
-// of sizes that one does not know, and what one of them cannot write as XML: nothing, sets, and dates whose
-// year has not four digits.
+// no text or the one that makes a reference of a dictionary for one of them, text with the character 0, with a
+// byte that is no ASCII or with half a surrogate pair, numbers of sizes that one does not know, and what one of
+// them cannot write as XML: nothing, sets, references of archives, and dates whose year has not four digits.
 #include "platform/property_list_guard.h"
 
 #include <algorithm>
@@ -32,6 +32,8 @@ constexpr unsigned kCountFollows = 0xF;
 // The upper half of an object's first byte.
 constexpr unsigned kAsciiText = 0x5;
 constexpr unsigned kUtf16Text = 0x6;
+
+constexpr std::u16string_view kReferenceKey(u"CF$UID");
 
 /// Whether no parser ends the text early or drops a part of it.
 bool isWholeText(const std::u16string& text) {
@@ -110,8 +112,6 @@ class Walker {
             case 0x3:
                 return info <= 4 && spend(std::uint64_t{1} << info, at) &&
                        isSafeNumber(kind, info, at);
-            case 0x8:
-                return (info == 0 || info == 1 || info == 3) && spend(std::uint64_t{info} + 1, at);
             default:
                 break;
         }
@@ -128,7 +128,7 @@ class Walker {
             case 0xA:
                 return visitAll(*count, at, depth);
             case 0xD:
-                return visitAll(*count * 2, at, depth) && haveDifferentTexts(*count, at);
+                return visitAll(*count * 2, at, depth) && areDifferentKeys(*count, at);
             default:
                 return false;
         }
@@ -179,8 +179,8 @@ class Walker {
         return isWholeText(text) ? std::optional(text) : std::nullopt;
     }
 
-    /// Whether the references at `at`, which were visited, lead to texts, each to another one.
-    [[nodiscard]] bool haveDifferentTexts(std::uint64_t references, std::uint64_t at) const {
+    /// Whether the references at `at`, which were visited, lead to texts that are keys, each to another one.
+    [[nodiscard]] bool areDifferentKeys(std::uint64_t references, std::uint64_t at) const {
         std::vector<std::u16string> texts;
         for (std::uint64_t i = 0; i < references; ++i) {
             std::uint64_t offset = *offsetOf(*integer(at + i * referenceSize_, referenceSize_));
@@ -193,7 +193,8 @@ class Walker {
             texts.push_back(*textAt(kind, units, offset));
         }
         std::sort(texts.begin(), texts.end());
-        return std::adjacent_find(texts.begin(), texts.end()) == texts.end();
+        return std::adjacent_find(texts.begin(), texts.end()) == texts.end() &&
+               !std::binary_search(texts.begin(), texts.end(), kReferenceKey);
     }
 
     /// The element count of an object, moving `at` behind an integer that holds it.

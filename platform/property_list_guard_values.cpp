@@ -29,10 +29,10 @@ std::optional<Number> wholeNumber(std::string_view text, int base) {
     return error == std::errc() && behind == end ? std::optional(value) : std::nullopt;
 }
 
-/// Whether XML has the character.
-bool isXmlCharacter(std::uint32_t c) {
+/// Whether XML has the character and every parser, also one that keeps 16 bits of the number, takes it for that.
+bool mayBeReferredTo(std::uint32_t c) {
     return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c < 0xD800) ||
-           (c >= 0xE000 && c < 0xFFFE) || (c >= 0x10000 && c <= 0x10FFFF);
+           (c >= 0xE000 && c < 0xFFFE);
 }
 
 /// Whether that stands between "&" and ";" of a reference.
@@ -45,10 +45,10 @@ bool isReference(std::string_view name) {
     }
     const bool isHex = name.starts_with("#x");
     const auto c = wholeNumber<std::uint32_t>(name.substr(isHex ? 2 : 1), isHex ? 16 : 10);
-    return c && isXmlCharacter(*c);
+    return c && mayBeReferredTo(*c);
 }
 
-/// The text of a string or key: the only markup in it are CDATA sections.
+/// The text of a string: the only markup in it are CDATA sections.
 bool isText(std::string_view text) {
     for (std::size_t at = text.find_first_of("&<"); at != std::string_view::npos;
          at = text.find_first_of("&<", at)) {
@@ -61,6 +61,12 @@ bool isText(std::string_view text) {
         at = end;
     }
     return decodeUtf8(text).has_value();
+}
+
+/// Not the key that makes a reference of a dictionary for one parser, in whichever way it is written.
+bool isKey(std::string_view text) {
+    return text != "CF$UID" && text.find('<') == std::string_view::npos &&
+           text.find("&#") == std::string_view::npos && isText(text);
 }
 
 /// Takes the digits at the front away; how many there were.
@@ -151,7 +157,7 @@ struct Rule {
 };
 
 constexpr Rule kRules[] = {
-    {"key", isText},  {"string", isText}, {"integer", isInteger}, {"real", isReal},
+    {"key", isKey},   {"string", isText}, {"integer", isInteger}, {"real", isReal},
     {"date", isDate}, {"data", isData},   {"true", isNothing},    {"false", isNothing},
 };
 

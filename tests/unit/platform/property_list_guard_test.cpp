@@ -1,6 +1,8 @@
 // What a parser of property lists may see, without a parser that could refuse it as well.
 #include "platform/property_list_guard.h"
 
+#include "tests/unit/platform/hidden_nesting.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -77,21 +79,18 @@ TEST(PropertyListGuard, SizeAndDepthHaveTheirLimits) {
     EXPECT_TRUE(isRefused(around("<b/>"))) << "written, an empty text has two tags";
 }
 
-// "]]> <!-- ]]>" behind half a letter is text to one reader and markup to another.
 TEST(PropertyListGuard, NoEncodingIsDeclaredButThoseThatItReads) {
     const auto declaring = [](const std::string& encoding) {
         return "<?xml version='1.0' encoding" + encoding + "?><a/>";
     };
-    const auto isHidden = [&](const char* name) {
-        const std::string hidden = "\x83\"]]> <!-- ]]>" + nested(60000) + "-->";
-        const std::string body = "<plist><string><![CDATA[" + hidden + "]]></string></plist>";
-        return isRefused(declaring("=\"" + std::string(name) + "\"")) &&
-               isRefused("<?xml version=\"1.0\" encoding=\"" + std::string(name) + "\"?>" + body);
-    };
-    for (const char* name : {"shift_jis", "Shift_JIS", "cp932", "GBK", "GB18030", "Big5", "HZ",
-                             "HZ-GB-2312", "ISO-2022-JP", "UTF-7", "UTF-16", "UTF-32", "ISO-8859-1",
+    for (const auto& [name, begin, end] : test::kHidingEncodings) {
+        const std::string hidden = test::nestingHiddenBy(begin, end);
+        EXPECT_TRUE(isXml(test::declaring("UTF-8", hidden))) << name;
+        EXPECT_TRUE(isRefused(test::declaring(name, hidden))) << name;
+    }
+    for (const char* name : {"shift_jis", "GBK", "HZ", "UTF-7", "UTF-16", "UTF-32", "ISO-8859-1",
                              "US-ASCII", "UTF-8x", "nonsense"}) {
-        EXPECT_TRUE(isHidden(name)) << name;
+        EXPECT_TRUE(isRefused(declaring("=\"" + std::string(name) + "\""))) << name;
     }
     for (const char* other : {"", "=", "=\"", "='UTF-8\"", "=UTF-8", "=''", " 'UTF-8'",
                               "='UTF-8' encoding='GBK'", "='\\0\\0\\x0d-8'", "='@TF-8'"}) {
@@ -203,15 +202,20 @@ TEST(PropertyListGuard, NumbersAndDatesAreThoseThatEveryParserReadsAlike) {
 }
 
 TEST(PropertyListGuard, TextsAreThoseThatEveryParserReadsAlike) {
-    const auto passes = [](const std::string& text) {
-        const bool isKey = isXml("<dict><key>" + text + "</key><true/></dict>");
-        EXPECT_EQ(isXml("<string>" + text + "</string>"), isKey) << text;
-        return isKey;
+    const auto isKey = [](const std::string& text) {
+        return isXml("<dict><key>" + text + "</key><true/></dict>");
     };
-    for (const char* text : {"", " a ", "\xC3\xBC", "\xF0\x9F\x98\x80", "\x01", "\xEF\xBF\xBE",
-                             "]]>", "a>b", "&amp;&lt;&gt;&quot;&apos;", "&#9;&#10;&#13;&#32;",
-                             "&#xD7FF;&#xE000;&#xFFFD;&#x10000;", "&#x10ffff;&#1114111;",
-                             "&#0000065;&#x000041;", "<![CDATA[&<>&#1;]]>", "a<![CDATA[]]>&lt;"}) {
+    const auto passes = [&](const std::string& text) {
+        const bool isText = isXml("<string>" + text + "</string>");
+        const bool isForKeys =
+            text.find("&#") == std::string::npos && text.find('<') == std::string::npos;
+        EXPECT_EQ(isKey(text), isText && isForKeys) << text;
+        return isText;
+    };
+    for (const char* text :
+         {"", " a ", "\xC3\xBC", "\xF0\x9F\x98\x80", "\x01", "\xEF\xBF\xBE", "]]>", "a>b",
+          "&amp;&lt;&gt;&quot;&apos;", "&#9;&#10;&#13;&#32;", "&#xD7FF;&#xE000;&#xFFFD;&#65533;",
+          "&#0000065;&#x000041;", "<![CDATA[&<>&#1;]]>", "a<![CDATA[]]>&lt;"}) {
         EXPECT_TRUE(passes(text)) << text;
     }
     for (const char* text : {"\xFF",
@@ -239,6 +243,9 @@ TEST(PropertyListGuard, TextsAreThoseThatEveryParserReadsAlike) {
                              "&#xDFFF;",
                              "&#xFFFE;",
                              "&#xFFFF;",
+                             "&#x10000;",
+                             "&#x1F600;",
+                             "&#65536;",
                              "&#x110000;",
                              "&#1114112;",
                              "&#00000065;",
@@ -248,6 +255,12 @@ TEST(PropertyListGuard, TextsAreThoseThatEveryParserReadsAlike) {
         EXPECT_FALSE(passes(text)) << text;
     }
     EXPECT_TRUE(isXml("<!-- \xFF & --><a b='\xFF'/>")) << "no text";
+    // A dictionary with that key is a reference of an archive to one of them.
+    EXPECT_TRUE(passes("CF$UIE"));
+    EXPECT_TRUE(isXml("<string>CF$UID</string>"));
+    EXPECT_FALSE(isKey("CF$UID"));
+    EXPECT_FALSE(isKey("CF&#36;UID"));
+    EXPECT_FALSE(isKey("<![CDATA[CF$UID]]>"));
 }
 
 TEST(PropertyListGuard, WhatIsNoElementIsPassedOver) {

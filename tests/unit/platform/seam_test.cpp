@@ -2,6 +2,7 @@
 #include "platform/platform.h"
 #include "platform/property_list_guard.h"
 #include "tests/unit/child_process.h"
+#include "tests/unit/platform/hidden_nesting.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -286,13 +287,13 @@ std::string binaryList(const std::vector<std::string>& objects, std::size_t top 
            bigEndian(top, 8) + bigEndian(tableAt, 8);
 }
 
-/// Arrays of `width` references each, every one to the next array; the last one holds a "true".
-std::string binaryChain(std::size_t length, std::size_t width) {
+/// Arrays of `width` references each, every one to the next array; the last one holds `last`, a "true".
+std::string binaryChain(std::size_t length, std::size_t width, const std::string& last = "\x09") {
     std::vector<std::string> objects;
     for (std::size_t i = 0; i < length; ++i) {
         objects.push_back(static_cast<char>(0xA0 | width) + repeated(bigEndian(i + 1, 4), width));
     }
-    objects.emplace_back("\x09");
+    objects.push_back(last);
     return binaryList(objects);
 }
 
@@ -428,23 +429,43 @@ TEST_F(PropertyList, DeeplyNestedBinaryIsRefused) {
 }
 
 TEST_F(PropertyList, BinaryAtTheLimitIsReadAgainWhenItIsWritten) {
-    const auto list = parsePropertyList(binaryChain(rcp::platform::kMaxPropertyListDepth - 1, 1));
-    ASSERT_TRUE(list.has_value());
-    EXPECT_TRUE(parsePropertyList(list->toXml()).has_value());
-    EXPECT_FALSE(
-        parsePropertyList(binaryChain(rcp::platform::kMaxPropertyListDepth, 1)).has_value());
+    constexpr std::size_t kMost = rcp::platform::kMaxPropertyListDepth - 1;
+    for (const std::string& last :
+         {std::string("\x08"), std::string("\x09"), "\x10" + bigEndian(7, 1),
+          "\x11" + bigEndian(7, 2), "\x12" + bigEndian(7, 4), "\x13" + bigEndian(7, 8),
+          "\x14" + bigEndian(0, 8) + bigEndian(7, 8), "\x22" + bigEndian(0x3FC00000, 4),
+          "\x23" + bigEndian(0x3FF8000000000000, 8), "\x33" + bigEndian(0x41CDCD6500000000, 8),
+          std::string("\x40"), std::string("\x42zz"), std::string("\x50"), std::string("\x51z"),
+          "\x61" + bigEndian(0xFC, 2), std::string("\xA0"), std::string("\xD0")}) {
+        const auto list = parsePropertyList(binaryChain(kMost, 1, last));
+        ASSERT_TRUE(list.has_value()) << std::hex << +static_cast<unsigned char>(last[0]);
+        EXPECT_TRUE(parsePropertyList(list->toXml()).has_value()) << list->toXml();
+        EXPECT_FALSE(parsePropertyList(binaryChain(kMost + 1, 1, last)).has_value());
+    }
 }
 
-// Half of the letter hides the end of the text from who reads bytes, but not from the parser.
+// They are written as a dictionary, one level deeper.
+TEST_F(PropertyList, ReferencesOfArchivesAreRefused) {
+    EXPECT_TRUE(isSafeBinaryPropertyList(binaryChain(1, 1, "\x10\x05")));
+    for (const int size : {1, 2, 4, 8}) {
+        const std::string reference = static_cast<char>(0x7F + size) + bigEndian(5, size);
+        EXPECT_FALSE(isSafeBinaryPropertyList(binaryChain(1, 1, reference))) << size;
+    }
+    const auto dictionary = [](const std::string& key) {
+        return binaryList({"\xD1" + bigEndian(1, 4) + bigEndian(2, 4),
+                           static_cast<char>(0x50 + key.size()) + key, "\x10\x05"});
+    };
+    EXPECT_TRUE(isSafeBinaryPropertyList(dictionary("CF$UIE")));
+    EXPECT_FALSE(isSafeBinaryPropertyList(dictionary("CF$UID")));
+}
+
 TEST_F(PropertyList, NestingBehindHalfALetterIsRefused) {
-    const std::string hidden = "\x83\"]]> <!-- ]]>" + repeated("<array>", 60000) + "-->";
-    for (const std::string name :
-         {"shift_jis", "cp932", "GBK", "GB18030", "Big5", "HZ", "ISO-2022-JP"}) {
-        EXPECT_FALSE(parsePropertyList("<?xml version=\"1.0\" encoding=\"" + name +
-                                       "\"?><plist><array><string><![CDATA[" + hidden +
-                                       "]]></string></array></plist>")
-                         .has_value())
-            << name;
+    for (const auto& [encoding, begin, end] : rcp::test::kHidingEncodings) {
+        const std::string hidden = rcp::test::nestingHiddenBy(begin, end);
+        EXPECT_TRUE(parsePropertyList(rcp::test::declaring("UTF-8", hidden)).has_value())
+            << encoding;
+        EXPECT_FALSE(parsePropertyList(rcp::test::declaring(encoding, hidden)).has_value())
+            << encoding;
     }
 }
 
