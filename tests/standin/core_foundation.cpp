@@ -23,21 +23,30 @@
 
 namespace {
 
-enum class Kind : CFTypeID { kData = 1, kString, kDictionary, kUrl, kOther };
+enum class Kind : CFTypeID { kData = 1, kString, kBoolean, kDictionary, kUrl, kOther };
 
 struct Object {
     Kind kind;
     std::string bytes;              // of data; of a string in UTF-8; a URL's path
     plist_t node = nullptr;         // of what was parsed; a dictionary's or an array's own
+    bool isTrue = false;            // of a boolean
     const Object* owner = nullptr;  // of a value that a dictionary has handed out
     bool isOwned = true;
     bool isDirectory = false;  // of a URL
-    std::string relative{};    // what of it was given to its base
+    bool isChangeable = false;  // of a dictionary
 };
 
 [[noreturn]] void refuse(const char* what) {
     std::fprintf(stderr, "Core Foundation stand-in: %s\n", what);
     std::abort();
+}
+
+// What any other argument means is for Apple's library to know.
+void mustBe(bool isRight, const char* wanted) {
+    if (!isRight) {
+        std::fprintf(stderr, "Core Foundation stand-in: %s is needed\n", wanted);
+        std::abort();
+    }
 }
 
 // An object that is gone stays here, so that its address is never that of another.
@@ -139,6 +148,8 @@ Kind kindOf(plist_t node) {
             return Kind::kDictionary;
         case PLIST_STRING:
             return Kind::kString;
+        case PLIST_BOOLEAN:
+            return Kind::kBoolean;
         default:
             return Kind::kOther;
     }
@@ -212,6 +223,14 @@ CFTypeID CFStringGetTypeID() {
     return static_cast<CFTypeID>(Kind::kString);
 }
 
+CFTypeID CFBooleanGetTypeID() {
+    return static_cast<CFTypeID>(Kind::kBoolean);
+}
+
+Boolean CFBooleanGetValue(CFBooleanRef boolean) {
+    return objects().at(boolean, Kind::kBoolean).isTrue ? 1 : 0;
+}
+
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
     return fails() ? nullptr : made<CFDataRef>({Kind::kData, bytesOf(bytes, length)});
 }
@@ -235,28 +254,38 @@ const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
     value.owner = &holder;
     if (value.kind == Kind::kString) {
         value.bytes = plist_get_string_ptr(node, nullptr);
+    } else if (value.kind == Kind::kBoolean) {
+        std::uint8_t isTrue = 0;
+        plist_get_bool_val(node, &isTrue);
+        value.isTrue = isTrue != 0;
     }
     return objects().make(std::move(value));
 }
 
-CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex,
+CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex capacity,
                                                      CFDictionaryRef dictionary) {
+    mustBe(capacity == 0, "a dictionary without bounds");
     const Object& original = objects().at(dictionary, Kind::kDictionary);
     if (fails()) {
         return nullptr;
     }
-    const auto copy = made<CFDictionaryRef>({Kind::kDictionary, {}, plist_copy(original.node)});
+    Object changeable{Kind::kDictionary, {}, plist_copy(original.node)};
+    changeable.isChangeable = true;
+    const auto copy = made<CFDictionaryRef>(std::move(changeable));
     return const_cast<CFMutableDictionaryRef>(copy);
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-    plist_dict_set_item(objects().at(dictionary, Kind::kDictionary).node,
-                        objects().at(key, Kind::kString).bytes.c_str(),
+    const Object& object = objects().at(dictionary, Kind::kDictionary);
+    mustBe(object.isChangeable, "a dictionary that can be changed");
+    plist_dict_set_item(object.node, objects().at(key, Kind::kString).bytes.c_str(),
                         plist_new_string(objects().at(value, Kind::kString).bytes.c_str()));
 }
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex length,
-                                    CFStringEncoding, Boolean) {
+                                    CFStringEncoding encoding, Boolean isExternal) {
+    mustBe(encoding == kCFStringEncodingUTF8, "UTF-8");
+    mustBe(isExternal == 0, "no external representation");
     const std::string text = bytesOf(bytes, length);
     const bool isText = rcp::platform::decodeUtf8(text).has_value();
     return fails() || !isText ? nullptr : made<CFStringRef>({Kind::kString, text});
@@ -271,16 +300,21 @@ CFIndex CFStringGetLength(CFStringRef text) {
     return units;
 }
 
-CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding) {
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
+    mustBe(encoding == kCFStringEncodingUTF8, "UTF-8");
     return fails() ? -1 : 3 * length;
 }
 
-Boolean CFStringGetCString(CFStringRef text, char* buffer, CFIndex size, CFStringEncoding) {
+Boolean CFStringGetCString(CFStringRef text, char* buffer, CFIndex size,
+                           CFStringEncoding encoding) {
+    mustBe(encoding == kCFStringEncodingUTF8, "UTF-8");
     const std::string& bytes = objects().at(text, Kind::kString).bytes;
     return fails() ? Boolean{0} : copyTo(buffer, size, bytes);
 }
 
-CFComparisonResult CFStringCompare(CFStringRef left, CFStringRef right, CFStringCompareFlags) {
+CFComparisonResult CFStringCompare(CFStringRef left, CFStringRef right,
+                                   CFStringCompareFlags flags) {
+    mustBe(flags == kCFCompareCaseInsensitive, "a comparison without case");
     const int order = lowered(objects().at(left, Kind::kString).bytes)
                           .compare(lowered(objects().at(right, Kind::kString).bytes));
     return order < 0 ? kCFCompareLessThan : order == 0 ? kCFCompareEqualTo : kCFCompareGreaterThan;
@@ -290,11 +324,10 @@ CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef, c
                                                                CFIndex length, Boolean isDirectory,
                                                                CFURLRef base) {
     const std::string path = bytesOf(bytes, length);
-    std::string folder = base == nullptr ? std::string() : objects().at(base, Kind::kUrl).bytes;
-    // Beside a file, below a directory.
-    if (base != nullptr && !objects().at(base, Kind::kUrl).isDirectory) {
-        folder.resize(folder.rfind('/') + 1);
-    }
+    mustBe(path.starts_with('/') == (base == nullptr), "a relative path's base, and no other,");
+    mustBe((isDirectory != 0) == (base == nullptr), "a folder as the base, and no other,");
+    const std::string folder =
+        base == nullptr ? std::string() : objects().at(base, Kind::kUrl).bytes;
     if (fails() || path.empty()) {
         return nullptr;
     }
@@ -305,19 +338,20 @@ CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef, c
                                ? named
                                : folder + (endsInSlash ? "" : "/") + named};
     url.isDirectory = isDirectory != 0;
-    url.relative = named;
     return made<CFURLRef>(std::move(url));
 }
 
-Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolves, UInt8* buffer,
+Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean isAgainstBase, UInt8* buffer,
                                          CFIndex size) {
-    const Object& named = objects().at(url, Kind::kUrl);
-    const std::string path = resolves != 0 ? withoutDots(named.bytes) : named.relative;
+    mustBe(isAgainstBase != 0, "a path against the base");
+    const std::string path = withoutDots(objects().at(url, Kind::kUrl).bytes);
     return fails() ? Boolean{0} : copyTo(reinterpret_cast<char*>(buffer), size, path);
 }
 
-CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef data, CFOptionFlags,
-                                                  CFStringRef*) {
+CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef data,
+                                                  CFOptionFlags options, CFStringRef* error) {
+    mustBe(options == kCFPropertyListImmutable, "a list that cannot be changed");
+    mustBe(error == nullptr, "a call without error object");
     std::string bytes = objects().at(data, Kind::kData).bytes;
     if (fails()) {
         return nullptr;
@@ -329,8 +363,12 @@ CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef data
     return node == nullptr ? nullptr : made<CFPropertyListRef>({kindOf(node), {}, node});
 }
 
-CFDataRef CFPropertyListCreateData(CFAllocatorRef, CFPropertyListRef list, CFPropertyListFormat,
-                                   CFOptionFlags, CFErrorRef*) {
+CFDataRef CFPropertyListCreateData(CFAllocatorRef, CFPropertyListRef list,
+                                   CFPropertyListFormat format, CFOptionFlags options,
+                                   CFErrorRef* error) {
+    mustBe(format == kCFPropertyListXMLFormat_v1_0, "a list as XML");
+    mustBe(options == 0, "a list without options");
+    mustBe(error == nullptr, "a call without error object");
     const Object& root = objects().at(list);
     char* text = nullptr;
     std::uint32_t length = 0;

@@ -136,6 +136,42 @@ TEST(CoreFoundationStandIn, WrongOwnershipEndsTheProcess) {
     EXPECT_DEATH(CFRelease(&other), "no such object");
 }
 
+TEST(CoreFoundationStandIn, ArgumentThatTheAdapterNeverPassesEndsTheProcess) {
+    const auto* const bytes = reinterpret_cast<const UInt8*>(kList);
+    const CFIndex size = sizeof kList - 1;
+    const auto text = [=](CFStringEncoding encoding, Boolean isExternal) {
+        return CFStringCreateWithBytes(nullptr, bytes, size, encoding, isExternal);
+    };
+    const auto path = [](const char* name, Boolean isDirectory, CFURLRef base) {
+        return CFURLCreateFromFileSystemRepresentationRelativeToBase(
+            nullptr, reinterpret_cast<const UInt8*>(name), 2, isDirectory, base);
+    };
+    constexpr CFStringEncoding kLatin = 0x201;
+    EXPECT_DEATH(text(kLatin, 0), "UTF-8 is needed");
+    EXPECT_DEATH(text(kCFStringEncodingUTF8, 1), "external representation is needed");
+    EXPECT_DEATH(CFStringGetMaximumSizeForEncoding(1, kLatin), "UTF-8 is needed");
+    EXPECT_DEATH(CFStringGetCString(nullptr, nullptr, 0, kLatin), "UTF-8 is needed");
+    EXPECT_DEATH(CFStringCompare(nullptr, nullptr, 0), "without case is needed");
+    EXPECT_DEATH(path("a/", 1, nullptr), "base, and no other");
+    EXPECT_DEATH(path("/a", 0, nullptr), "a folder as the base");
+    EXPECT_DEATH(path("/a", 0, path("/b", 1, nullptr)), "base, and no other");
+    EXPECT_DEATH(path("aa", 1, path("/b", 1, nullptr)), "a folder as the base");
+    EXPECT_DEATH(CFURLGetFileSystemRepresentation(nullptr, 0, nullptr, 0), "against the base");
+    const auto list = [=](CFOptionFlags options) {
+        return CFPropertyListCreateFromXMLData(nullptr, CFDataCreate(nullptr, bytes, size), options,
+                                               nullptr);
+    };
+    EXPECT_DEATH(list(2), "cannot be changed is needed");
+    EXPECT_DEATH(CFPropertyListCreateData(nullptr, list(0), 200, 0, nullptr), "a list as XML");
+    EXPECT_DEATH(CFPropertyListCreateData(nullptr, list(0), 100, 1, nullptr), "without options");
+    EXPECT_DEATH(CFDictionaryCreateMutableCopy(nullptr, 1, static_cast<CFDictionaryRef>(list(0))),
+                 "without bounds");
+    EXPECT_DEATH(CFDictionarySetValue(
+                     const_cast<CFMutableDictionaryRef>(static_cast<CFDictionaryRef>(list(0))),
+                     text(kCFStringEncodingUTF8, 0), text(kCFStringEncodingUTF8, 0)),
+                 "can be changed is needed");
+}
+
 TEST(CoreFoundationStandIn, ValueBelongsToItsDictionary) {
     EXPECT_DEATH(
         {
