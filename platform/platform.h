@@ -59,10 +59,12 @@ class PropertyListDocument {
     PropertyListDocument& operator=(const PropertyListDocument&) = delete;
     ~PropertyListDocument();
 
-    /// Whether the top of the list is a dictionary; the two calls below need one.
+    /// Whether the top of the list is a dictionary; the three calls below need one.
     [[nodiscard]] bool isDictionary() const;
     /// The UTF-8 text stored under `key`; empty optional when it is missing or no string.
     [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const;
+    /// Whether "true" is stored under `key`, no text or number.
+    [[nodiscard]] bool isTrue(const std::string& key) const;
     /// Stores `value` under `key` in memory, replacing what stood there.
     void setString(const std::string& key, const std::string& value);
     /// The whole list in XML form; empty when the system cannot write it.

@@ -55,7 +55,7 @@ void findInKeysOf(const Bundle& bundle, Findings& findings) {
 
 bool leadsIntoBundle(const Bundle& bundle, const std::string& path) {
     const std::optional<std::string> name = bundle.nameOf(path);
-    return name && isExecutable(bundle.pathOf(*name));
+    return name && bundle.owns(*name) && isExecutable(bundle.pathOf(*name));
 }
 
 void findInRestartPath(const Bundle& bundle, Findings& findings) {
@@ -69,7 +69,7 @@ void findInRestartPath(const Bundle& bundle, Findings& findings) {
     });
     if (!path) {
         findings.add("RI707", bundle.pathOf(kRestart), 0, "there is no mlauncher.path");
-    } else if (!isExecutable(*path) && !leadsIntoBundle(bundle, *path)) {
+    } else if (!leadsIntoBundle(bundle, *path)) {
         findings.add("RI707", bundle.pathOf(kRestart), 0,
                      inQuotes(*path) + " is no executable of this bundle");
     }

@@ -39,19 +39,25 @@ void findInSignatures(const Bundle& bundle, Findings& findings) {
     }
 }
 
+// Whether the system would hold that back from a process with the code.
+bool lacks(const CodeImage& image, const char* entitlement) {
+    if (!image.signature || !image.signature->isHardened) {
+        return false;
+    }
+    const auto list = platform::parsePropertyList(image.signature->entitlements);
+    return !list || !list->isTrue(entitlement);
+}
+
 void findInEntitlements(const Bundle& bundle, Findings& findings) {
     const CodeFile* const launcher = bundle.codeFile(bundle.launcher);
     if (launcher == nullptr) {
         return;
     }
-    for (const CodeImage& image : launcher->images) {
-        for (const char* name : kEntitlements) {
-            const std::string key = "<key>" + std::string(name) + "</key>";
-            if (image.signature && image.signature->isHardened &&
-                image.signature->entitlements.find(key) == std::string::npos) {
-                findings.add("RI711", bundle.pathOf(bundle.launcher), 0,
-                             std::string(name) + " is missing");
-            }
+    for (const char* name : kEntitlements) {
+        if (std::any_of(launcher->images.begin(), launcher->images.end(),
+                        [&](const CodeImage& image) { return lacks(image, name); })) {
+            findings.add("RI711", bundle.pathOf(bundle.launcher), 0,
+                         std::string(name) + " is missing");
         }
     }
 }

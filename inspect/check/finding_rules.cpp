@@ -174,7 +174,8 @@ constexpr FindingRule kRules[] = {
      "A library or search path leads neither into the bundle nor to a library of the system.",
      "Put the library into the bundle, or correct the name with install_name_tool."},
     {"RI707", "restart-path", kWarning,
-     "rcplauncher.plist names no executable of the bundle, so it is not counted.",
+     "rcplauncher.plist names no executable of the bundle. A restart starts what it names, or the "
+     "launcher when that cannot be started.",
      "Name the launcher's path in the bundle's final place."},
     {"RI708", "not-signed", kWarning,
      "Code without signature is not started after a download, and on arm64 never.",

@@ -32,6 +32,7 @@ struct Library {
     decltype(&::plist_dict_get_item) item = nullptr;
     decltype(&::plist_dict_set_item) setItem = nullptr;
     decltype(&::plist_get_string_ptr) text = nullptr;
+    decltype(&::plist_get_bool_val) boolean = nullptr;
     decltype(&::plist_new_string) newText = nullptr;
     decltype(&::plist_free) free = nullptr;
     bool complete = false;
@@ -54,6 +55,7 @@ Library load() {
                        resolve(handle, "plist_dict_get_item", library.item) &&
                        resolve(handle, "plist_dict_set_item", library.setItem) &&
                        resolve(handle, "plist_get_string_ptr", library.text) &&
+                       resolve(handle, "plist_get_bool_val", library.boolean) &&
                        resolve(handle, "plist_new_string", library.newText) &&
                        resolve(handle, "plist_free", library.free);
     if (!library.complete) {
@@ -83,10 +85,11 @@ struct PropertyListDocument::Native {
     const Library* library;
     Node root;
 
-    /// The text node under `key`; null when it is missing or no text. The root keeps owning it.
-    [[nodiscard]] plist_t textNode(const std::string& key) const {
-        const plist_t node = library->item(root.get(), key.c_str());
-        return node != nullptr && library->nodeType(node) == PLIST_STRING ? node : nullptr;
+    /// The node under `key`, null when it is missing or of another type. The root keeps owning it.
+    [[nodiscard]] plist_t node(const std::string& key, plist_type type) const {
+        const bool isDictionary = library->nodeType(root.get()) == PLIST_DICT;
+        const plist_t node = isDictionary ? library->item(root.get(), key.c_str()) : nullptr;
+        return node != nullptr && library->nodeType(node) == type ? node : nullptr;
     }
 };
 
@@ -101,7 +104,7 @@ bool PropertyListDocument::isDictionary() const {
 }
 
 std::optional<std::string> PropertyListDocument::stringForKey(const std::string& key) const {
-    const plist_t node = isDictionary() ? native_->textNode(key) : nullptr;
+    const plist_t node = native_->node(key, PLIST_STRING);
     if (node == nullptr) {
         return std::nullopt;
     }
@@ -112,6 +115,15 @@ std::optional<std::string> PropertyListDocument::stringForKey(const std::string&
         return std::nullopt;
     }
     return std::string(text, static_cast<std::size_t>(length));
+}
+
+bool PropertyListDocument::isTrue(const std::string& key) const {
+    const plist_t node = native_->node(key, PLIST_BOOLEAN);
+    std::uint8_t value = 0;
+    if (node != nullptr) {
+        native_->library->boolean(node, &value);
+    }
+    return value != 0;
 }
 
 void PropertyListDocument::setString(const std::string& key, const std::string& value) {

@@ -17,6 +17,15 @@ struct PropertyListDocument::Native {
                    ? static_cast<CFDictionaryRef>(root.get())
                    : nullptr;
     }
+
+    /// The value under `key`, null when it is missing or of another type. The root keeps owning it.
+    [[nodiscard]] CFTypeRef value(const std::string& key, CFTypeID type) const {
+        const CfRef<CFStringRef> name = makeCfString(key);
+        const CFTypeRef value = dictionary() == nullptr || !name
+                                    ? nullptr
+                                    : CFDictionaryGetValue(dictionary(), name.get());
+        return value != nullptr && CFGetTypeID(value) == type ? value : nullptr;
+    }
 };
 
 namespace {
@@ -63,16 +72,13 @@ bool PropertyListDocument::isDictionary() const {
 }
 
 std::optional<std::string> PropertyListDocument::stringForKey(const std::string& key) const {
-    const CFDictionaryRef dictionary = native_->dictionary();
-    const CfRef<CFStringRef> name = makeCfString(key);
-    if (dictionary == nullptr || !name) {
-        return std::nullopt;
-    }
-    const CFTypeRef value = CFDictionaryGetValue(dictionary, name.get());
-    if (value == nullptr || CFGetTypeID(value) != CFStringGetTypeID()) {
-        return std::nullopt;
-    }
-    return toUtf8(static_cast<CFStringRef>(value));
+    const CFTypeRef text = native_->value(key, CFStringGetTypeID());
+    return text == nullptr ? std::nullopt : toUtf8(static_cast<CFStringRef>(text));
+}
+
+bool PropertyListDocument::isTrue(const std::string& key) const {
+    const CFTypeRef value = native_->value(key, CFBooleanGetTypeID());
+    return value != nullptr && CFBooleanGetValue(static_cast<CFBooleanRef>(value)) != 0;
 }
 
 void PropertyListDocument::setString(const std::string& key, const std::string& value) {

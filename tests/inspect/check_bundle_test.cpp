@@ -106,6 +106,16 @@ std::vector<BadBundle> structureCases() {
          infoHas("10.13", "High Sierra")},
         {"RestartPathOfAnotherBundle", "RI707", kRestart, "no executable of this bundle",
          [](const AppBundle& bundle) { bundle.replace(kRestartFile, "Velmo.app", "Old.app"); }},
+        {"RestartPathOfThisMachine", "RI707", kRestart, "no executable of this bundle",
+         [](const AppBundle& bundle) {
+             bundle.replace(kRestartFile, "/Applications/Velmo.app/Contents/MacOS/rcplauncher",
+                            "/bin/sh");
+         }},
+        {"RestartPathThatIsALinkToThisMachine", "RI707", kRestart, "no executable of this bundle",
+         [](const AppBundle& bundle) {
+             bundle.link("/bin/sh", kContents + "/Resources/start");
+             bundle.replace(kRestartFile, "MacOS/rcplauncher", "Resources/start");
+         }},
         {"RestartPathWithoutKey", "RI707", kRestart, "no mlauncher.path",
          [](const AppBundle& bundle) { bundle.replace(kRestartFile, "mlauncher.path", "path"); }},
         {"RestartPathAmongTheCode", "RI712", kRestart, "no code",
@@ -224,6 +234,56 @@ std::vector<BadBundle> sealCases() {
         {"HardenedWithoutEntitlements", "RI711", kProgram, "allow-jit",
          holds(kProgram, forBoth(hardened))},
     };
+}
+
+constexpr const char* kEntitlements[] = {
+    "com.apple.security.cs.allow-jit",
+    "com.apple.security.cs.allow-unsigned-executable-memory",
+    "com.apple.security.cs.disable-library-validation",
+    "com.apple.security.cs.allow-dyld-environment-variables",
+};
+
+std::string granted(const std::string& name, const std::string& value) {
+    return "<key>" + name + "</key>" + value;
+}
+
+// What is missing to a launcher with the hardened runtime and these entitlements, the keys of a list.
+std::vector<std::string> missingWith(const std::string& entitlements) {
+    MachO hardened = code(2);
+    hardened.signatureFlags = 0x10000;
+    hardened.entitlements = "<plist version=\"1.0\"><dict>" + entitlements + "</dict></plist>";
+    const AppBundle bundle;
+    bundle.writeProgram(kProgram, forBoth(hardened));
+    std::vector<std::string> missing;
+    for (const Finding& finding : findingsIn(bundle)) {
+        EXPECT_EQ(finding.rule->code, std::string_view("RI711")) << finding.message;
+        missing.push_back(finding.message.substr(0, finding.message.find(" is missing")));
+    }
+    return missing;
+}
+
+TEST(CheckBundle, EntitlementCountsOnlyWhenItIsTrue) {
+    for (const char* value : {"<false/>", "<string>true</string>", "<integer>1</integer>"}) {
+        std::string all;
+        for (const char* name : kEntitlements) {
+            all += granted(name, value);
+        }
+        EXPECT_THAT(missingWith(all), ::testing::ElementsAreArray(kEntitlements)) << value;
+        EXPECT_THAT(missingWith("<!--" + all + "-->"), ::testing::ElementsAreArray(kEntitlements));
+    }
+}
+
+TEST(CheckBundle, EveryEntitlementIsWanted) {
+    std::string all;
+    for (const std::string missing : kEntitlements) {
+        std::string others;
+        for (const std::string name : kEntitlements) {
+            others += name == missing ? "" : granted(name, "<true/>");
+        }
+        EXPECT_THAT(missingWith(others), ::testing::ElementsAre(missing));
+        all += granted(missing, "<true/>");
+    }
+    EXPECT_THAT(missingWith(all), ::testing::IsEmpty());
 }
 
 const auto nameOfCase = [](const auto& info) { return std::string(info.param.name); };

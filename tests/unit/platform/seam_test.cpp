@@ -331,6 +331,20 @@ TEST_F(PropertyList, MissingKeyAndOtherKindsGiveNoString) {
     EXPECT_FALSE(list->stringForKey("").has_value());
 }
 
+TEST_F(PropertyList, OnlyTrueIsTrue) {
+    const auto list = parsePropertyList(
+        xmlList("<dict><key>yes</key><true/><key>no</key><false/><key>text</key>"
+                "<string>true</string><key>number</key><integer>1</integer></dict>"));
+    ASSERT_TRUE(list.has_value());
+    EXPECT_TRUE(list->isTrue("yes"));
+    for (const char* other : {"no", "text", "number", "missing"}) {
+        EXPECT_FALSE(list->isTrue(other)) << other;
+    }
+    const auto array = parsePropertyList(xmlList("<array><true/></array>"));
+    ASSERT_TRUE(array.has_value());
+    EXPECT_FALSE(array->isTrue("yes"));
+}
+
 TEST_F(PropertyList, EmptyStringIsAString) {
     const auto list = parsePropertyList(xmlList("<dict><key>a</key><string></string></dict>"));
     ASSERT_TRUE(list.has_value());
