@@ -90,6 +90,9 @@ std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
 
 void updateInfoPlist(const std::wstring& path, const std::wstring& identifier) {
     std::optional<platform::PropertyListDocument> list = createPropertiesListFromFile(path);
+    if (!list && exists(path)) {
+        report(noReason(), messages.bundleNotRead, path);
+    }
     if (!list || !list->isDictionary()) {
         return;
     }

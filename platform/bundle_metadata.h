@@ -14,9 +14,9 @@ std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
     const std::wstring& path);
 
 /// Sets "CFBundleIdentifier" in the dictionary of the file at `path`. The file is not touched when
-/// it cannot be read, is no dictionary, or already holds the identifier in any letter case. An
-/// identifier that cannot be set or a file that cannot be written is reported, no more: the launch
-/// does not depend on it.
+/// it cannot be read, is no dictionary, or already holds the identifier in any letter case. A
+/// file that is there and is no list to be read, an identifier that cannot be set or a file that cannot
+/// be written is reported, no more: the launch does not depend on it.
 void updateInfoPlist(const std::wstring& path, const std::wstring& identifier);
 
 }  // namespace rcp

@@ -65,15 +65,34 @@ TEST_F(BundleMetadata, SameIdentifierInAnyLetterCaseLeavesTheFileUntouched) {
 }
 
 TEST_F(BundleMetadata, WhatIsNoDictionaryIsLeftAlone) {
+    const test::Records records(folder_);
     isUntouched(list("<array><string>CFBundleIdentifier</string></array>"), L"org.example");
-    isUntouched("no property list", L"org.example");
-    isUntouched("", L"org.example");
-    isUntouched(std::string(5 << 20, 'x'), L"org.example");
+    EXPECT_EQ(records.text(), "");
+}
+
+TEST_F(BundleMetadata, WhatIsNoListThatCanBeReadIsLeftAloneAndReported) {
+    for (const std::string& content :
+         {std::string("no property list"), std::string(), std::string(5 << 20, 'x'),
+          list("<dict><key>n</key><integer> 1</integer></dict>")}) {
+        const test::Records records(folder_);
+        isUntouched(content, L"org.example");
+        EXPECT_EQ(records.text(), "Error: updateInfoPlist: " + folder_.narrow("Info.plist") +
+                                      " is no property list that can be read.\n");
+    }
+}
+
+TEST_F(BundleMetadata, FolderInThePlaceOfTheListIsReported) {
+    const test::Records records(folder_);
+    folder_.write("Info.plist/file", "");
+    updateInfoPlist(folder_.wide("Info.plist"), L"org.example");
+    EXPECT_TRUE(records.has("Info.plist is no property list that can be read.\n"));
 }
 
 TEST_F(BundleMetadata, MissingFileIsNotMade) {
+    const test::Records records(folder_);
     updateInfoPlist(folder_.wide("Info.plist"), L"org.example");
     EXPECT_FALSE(folder_.has("Info.plist"));
+    EXPECT_EQ(records.text(), "");
     EXPECT_FALSE(createPropertiesListFromFile(folder_.wide("Info.plist")).has_value());
     EXPECT_FALSE(createPropertiesListFromFile(folder_.wide()).has_value());
 }
@@ -93,6 +112,18 @@ TEST_F(BundleMetadata, IdentifierThatCannotBeSetIsReported) {
             << character;
         EXPECT_EQ(folder_.read("Info.plist"), withIdentifier("a"));
     }
+}
+
+// Every element gets a line of its own.
+TEST_F(BundleMetadata, ListThatIsTooLargeOnceItIsWrittenIsReported) {
+    std::string elements;
+    while (elements.size() < platform::kMaxPropertyListBytes - 1000) {
+        elements += "<true/>";
+    }
+    const test::Records records(folder_);
+    isUntouched(list("<dict><key>n</key><array>" + elements + "</array></dict>"), L"org.example");
+    EXPECT_EQ(records.text(), "Error: updateInfoPlist: the identifier cannot be set in " +
+                                  folder_.narrow("Info.plist") + ".\n");
 }
 
 TEST_F(BundleMetadata, EmptyIdentifierIsSet) {
