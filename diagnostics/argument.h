@@ -15,14 +15,22 @@ namespace rcp {
 /// A place: line `line` of `file`, or all of it (line 0); without a file the argument number `line`
 /// of the command line; without either the launcher's own making.
 struct Origin {
+    /// Instead of a line: the variable HOME.
+    static constexpr std::size_t kHome = static_cast<std::size_t>(-1);
+
     std::shared_ptr<const std::wstring> file;
     std::size_t line = 0;
 
-    [[nodiscard]] bool isCommandLine() const { return !file && line > 0; }
+    [[nodiscard]] bool isCommandLine() const { return !file && line > 0 && line != kHome; }
+    [[nodiscard]] bool isComputed() const { return !file && line == 0; }
+    bool operator==(const Origin& other) const {
+        return line == other.line &&
+               (file == other.file || (file && other.file && *file == *other.file));
+    }
 };
 
 /// A reason in words, for whoever explains a launch. There is one table of them
-/// (launcher/command_line/whys.h), and arguments point into it.
+/// (diagnostics/whys.h), and arguments point into it.
 struct Why {
     const char* text;
 };

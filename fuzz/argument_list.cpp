@@ -2,12 +2,12 @@
 //
 // Input: the number of the launcher's own arguments, those arguments, then the extension's values
 // as config.x.1, config.x.2, ... An empty value is a property with an empty value.
+#include "diagnostics/whys.h"
 #include "fuzz/fuzz.h"
 #include "launcher/command_line/config_extensions.h"
 #include "launcher/command_line/main_options.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
-#include "launcher/command_line/whys.h"
 #include "launcher/inputs/install_configuration.h"
 
 #include <algorithm>

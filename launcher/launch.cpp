@@ -80,7 +80,9 @@ std::wstring applyInstallation(const Arguments& arguments, Installation installa
 }
 
 void prepareWorkspace(LaunchInputs& inputs) {
-    inputs.workspace = osPath(getWorkspaceLocation(inputs));
+    const Argument workspace = getWorkspaceLocation(inputs);
+    inputs.workspace = osPath(workspace.text);
+    inputs.workspaceOrigin = workspace.origin;
     inputs.configuration = osPath(getConfigurationLocation(inputs));
     ensure(inputs, inputs.workspace, messages.workspaceNotMade);
 }

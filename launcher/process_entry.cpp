@@ -1,8 +1,8 @@
 #include "launcher/process_entry.h"
 
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
 #include "launcher/hand_off.h"
 #include "launcher/launch.h"
 #include "platform/install_location.h"

@@ -15,7 +15,6 @@ namespace rcp {
 namespace {
 
 constexpr wchar_t kLinkPrefix[] = L"/tmp/ovr.rcp.";
-constexpr wchar_t kPreloadVariable[] = L"LD_PRELOAD";
 
 enum class Entry { kMissing, kOwnLink, kForeign, kOther };
 

@@ -1,9 +1,7 @@
 #include "inspect/check/examination.h"
 
-#include "base/transfer.h"
 #include "diagnostics/svc_debug.h"
 #include "inspect/check/launcher_end.h"
-#include "inspect/check/memory_file.h"
 #include "inspect/quiet_read.h"
 #include "launcher/command_line/config_extensions.h"
 #include "launcher/command_line/vm_choice.h"
@@ -18,7 +16,7 @@
 #include "platform/install_location.h"
 #include "platform/text.h"
 
-#include <unistd.h>
+#include <stdio.h>
 
 #include <algorithm>
 #include <fstream>
@@ -98,7 +96,7 @@ void settleBase(Examination& examination) {
 }
 
 void settleWorkspace(LaunchInputs& inputs) {
-    if (endOf([&] { inputs.workspace = getWorkspaceLocation(inputs); })) {
+    if (endOf([&] { inputs.workspace = getWorkspaceLocation(inputs).text; })) {
         inputs.workspace = L"/workspace";  // some path, for the placeholders that name it
     }
     inputs.configuration = getConfigurationLocation(inputs);
@@ -176,10 +174,10 @@ Origin Examination::originOf(std::wstring_view key) const {
 
 PropertyList parseProperties(const std::string& text) {
     PropertyList list;
-    const UniqueFd file = openMemoryFile();
-    if (file && writeFully(file.get(), text)) {
-        lseek(file.get(), 0, SEEK_SET);  // where opening by number gives the same position
-        endOf([&] { getProperties(L"/dev/fd/" + std::to_wstring(file.get()), list); });
+    std::string copy = text;
+    // None of an empty text.
+    if (Stream stream{fmemopen(copy.data(), copy.size(), "r")}) {
+        endOf([&] { readProperties(std::move(stream), L"", list); });
     }
     return list;
 }

@@ -1,15 +1,16 @@
 // The account of a rehearsed launch, given at its end from the launch itself and what was witnessed.
 #pragma once
 
+#include "inspect/explain/losers.h"
 #include "inspect/explain/sources.h"
 #include "inspect/explain/witness.h"
-#include "inspect/options.h"
 #include "inspect/rehearsal/rehearsal.h"
 #include "launcher/launch.h"
 
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 namespace rcp::inspect {
 
@@ -19,10 +20,10 @@ using Variables = std::map<std::string, std::string>;
 Variables environmentNow();
 
 struct Account {
-    const Options& options;
     const Witness& witness;
     const Sources& sources;
     const Launch& launch;
+    const Losers& losers;
     const CommandLine& line;  // the plan's; empty where the launch ended before it had one
     const Variables& before;  // the environment at the beginning
     int status;               // of the launch's end
@@ -44,7 +45,7 @@ nlohmann::json describeOutcome(const Launch& launch);
 /// the launch found it.
 nlohmann::json describeFacts(const Account& account, const nlohmann::json& told);
 
-/// The launcher's own arguments as it was given them.
-Arguments launcherArguments(const Options& options);
+/// The elements that come from there, as the reader counts them.
+std::vector<std::size_t> elementsFrom(const Origin& origin, const Account& account);
 
 }  // namespace rcp::inspect

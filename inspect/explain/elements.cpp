@@ -1,7 +1,8 @@
 // The final argument list with the reason of every element, and what is not in it.
+#include "diagnostics/format.h"
+#include "diagnostics/whys.h"
 #include "inspect/explain/account.h"
-#include "inspect/explain/contest.h"
-#include "inspect/explain/rules.h"
+#include "inspect/property_keys.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -13,25 +14,36 @@ using nlohmann::json;
 
 constexpr std::wstring_view kVmarg = L"vmarg.";
 
-// The text from which an element was made, before any placeholder was replaced.
-std::wstring writtenText(const Argument& element, const Origin& origin, const Property* entry,
-                         const Arguments& arguments) {
-    if (entry != nullptr) {
-        return entry->value;
-    }
-    const bool isGiven = !origin.file && origin.line > 0 && origin.line < arguments.size();
-    return isGiven ? arguments[origin.line].text : element.text;
+// The text from which something was made, before any placeholder was replaced.
+std::wstring writtenText(const std::wstring& made, const Origin& origin, const Account& account) {
+    const Arguments& given = account.launch.arguments;
+    const Property* entry = account.sources.entryAt(origin);
+    return entry != nullptr         ? entry->value
+           : origin.isCommandLine() ? given[origin.line].text
+                                    : made;
 }
 
-// "vmarg.NAME" of an element that is a JVM argument of that name, wherever it was given: an argument
-// "vmarg.NAME=VALUE" is passed on as it stands too.
-std::wstring vmargName(const Argument& element, const Property* entry,
-                       const std::wstring& written) {
-    if (entry != nullptr && entry->key.starts_with(kVmarg)) {
-        return entry->key;
+// An argument "vmarg.NAME=VALUE" is a JVM argument VALUE, but is passed on as it stands too.
+std::wstring withoutName(const std::wstring& written, const std::wstring& made) {
+    const bool hasName = written.starts_with(kVmarg) && !made.starts_with(kVmarg);
+    return hasName ? written.substr(written.find(L'=') + 1) : written;
+}
+
+// By which rule the launcher has put it in; of what just comes from a property, what that is for.
+std::string ruleFor(const Argument& element, const Account& account) {
+    const Property* entry = account.sources.entryAt(element.origin);
+    std::wstring name =
+        entry != nullptr ? entry->key : writtenText(element.text, element.origin, account);
+    if (element.why == &whys::kJvmArgument) {
+        name = name.substr(kVmarg.size(), name.find(L'=') - kVmarg.size());
     }
-    const bool isMade = written.starts_with(kVmarg) && !element.text.starts_with(kVmarg);
-    return isMade ? written.substr(0, written.find(L'=')) : std::wstring();
+    const std::string narrow = toUtf8(name);
+    if (element.why != nullptr) {
+        const FormatArgument arguments[] = {std::string_view(narrow)};
+        return expandFormat(element.why->text, arguments);
+    }
+    const PropertyKey* known = entry == nullptr ? nullptr : findPropertyKey(entry->key);
+    return known == nullptr ? "property " + narrow : known->usage;
 }
 
 json describePlaceholders(const std::wstring& written, const Witness& witness) {
@@ -44,120 +56,64 @@ json describePlaceholders(const std::wstring& written, const Witness& witness) {
     return placeholders;
 }
 
-bool isWorkspacePath(std::size_t index, const Account& account) {
-    const Arguments& elements = account.line.arguments();
-    const Argument& element = elements[index];
-    if (index == 0 || element.origin.line != 0 || element.origin.file) {
-        return false;
-    }
-    const Argument& before = elements[index - 1];
-    return before == L"-data" || before == L"-configuration" ||
-           element.text.starts_with(L"-Drcp.data=");
-}
-
-// The workspace, what is made of it and the kind of installation are computed; the user wants to
-// know from what.
-Origin originAt(std::size_t index, const Account& account) {
-    const Argument& element = account.line.arguments()[index];
-    const bool isComputed = !element.origin.file && element.origin.line == 0;
-    if (isComputed && element.text.starts_with(L"-Drcp.install.config=")) {
-        const auto entries = account.sources.entriesOf(L"install.configuration");
-        return entries.empty() ? Origin() : entries.front()->origin;
-    }
-    if (!isWorkspacePath(index, account)) {
-        return element.origin;
-    }
-    const auto rivals = rivalsForOption(L"-data", account);
-    return rivals.empty() ? Origin() : rivals.front().origin;
-}
-
-json sourceAt(std::size_t index, const Origin& origin, const Account& account) {
-    const bool isDefault = isWorkspacePath(index, account) && !origin.file && origin.line == 0;
-    return isDefault ? json{{"kind", "environment"}, {"name", "HOME"}}
-                     : account.sources.describe(origin);
-}
-
-// Those that could have stood here.
-std::vector<Rival> rivalsAt(std::size_t index, const Property* entry, const std::wstring& vmarg,
-                            const Account& account) {
-    if (!vmarg.empty()) {
-        return rivalsForVmarg(vmarg, account);
-    }
-    if (index > 0 && !propertiesFor(account.line.arguments()[index - 1].text).empty()) {
-        return rivalsForOption(account.line.arguments()[index - 1].text, account);
-    }
-    return entry == nullptr ? std::vector<Rival>() : rivalsOf(*entry, account);
-}
-
-json describeLosers(std::size_t index, const std::vector<Rival>& rivals, const Account& account) {
+json describeLosers(const Argument& element, const Account& account) {
     json losers = json::array();
-    const bool isWon = !rivals.empty() && (isSamePlace(rivals.front().origin,
-                                                       account.line.arguments()[index].origin) ||
-                                           isWorkspacePath(index, account));
-    for (std::size_t i = 1; isWon && i < rivals.size(); ++i) {
-        losers.push_back({{"text", jsonText(rivals[i].text)},
-                          {"source", account.sources.describe(rivals[i].origin)},
-                          {"why", whyWon(rivals.front(), account)}});
+    for (const Loser* loser : account.losers.beatenBy(element.origin)) {
+        const std::wstring written = writtenText(loser->text, loser->origin, account);
+        if (element == written) {
+            continue;  // an option's name, which says nothing
+        }
+        losers.push_back({{"text", jsonText(withoutName(written, L""))},
+                          {"source", account.sources.describe(loser->origin)},
+                          {"why", loser->why->text}});
     }
     return losers;
 }
 
-json describeElement(std::size_t index, const Arguments& given, const Account& account) {
-    const Argument& element = account.line.arguments()[index];
-    const Origin origin = originAt(index, account);
-    const Property* source = account.sources.entryAt(origin);
-    const Property* entry = account.sources.entryAt(element.origin);
-    std::wstring written = writtenText(element, origin, source, given);
-    const std::wstring vmarg = vmargName(element, entry, written);
-    if (!vmarg.empty() && written.starts_with(vmarg + L"=")) {
-        written.erase(0, vmarg.size() + 1);
-    }
-    return {{"text", jsonText(element.text)},
-            {"rule", ruleFor(account.line.arguments(), index, entry, vmarg)},
-            {"source", sourceAt(index, origin, account)},
-            {"placeholders", describePlaceholders(written, account.witness)},
-            {"instead", describeLosers(index, rivalsAt(index, entry, vmarg, account), account)}};
-}
-
-// The argument of that place as the assembly has dropped it; null without.
-const Argument* droppedFrom(const Origin& origin, const Account& account) {
-    const Arguments& dropped = account.line.dropped();
-    const auto found = std::find_if(dropped.begin(), dropped.end(), [&](const Argument& argument) {
-        return isSamePlace(argument.origin, origin);
-    });
-    return found == dropped.end() ? nullptr : &*found;
+json describeElement(const Argument& element, const Account& account) {
+    const std::wstring written = writtenText(element.text, element.origin, account);
+    return {
+        {"text", jsonText(element.text)},
+        {"rule", ruleFor(element, account)},
+        {"source", account.sources.describe(element.origin)},
+        {"placeholders", describePlaceholders(withoutName(written, element.text), account.witness)},
+        {"instead", describeLosers(element, account)}};
 }
 
 }  // namespace
 
-Arguments launcherArguments(const Options& options) {
-    Arguments arguments{Argument(toWide(options.launcher))};
-    for (const std::string& argument : options.arguments) {
-        arguments.emplace_back(toWide(argument), Origin{nullptr, arguments.size()});
+std::vector<std::size_t> elementsFrom(const Origin& origin, const Account& account) {
+    const Arguments& elements = account.line.arguments();
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        if (elements[i].origin == origin) {
+            found.push_back(i);
+        }
     }
-    return arguments;
+    return found;
 }
 
 json describeElements(const Account& account) {
-    const Arguments given = launcherArguments(account.options);
     json elements = json::array();
-    for (std::size_t i = 0; i < account.line.arguments().size(); ++i) {
-        elements.push_back(describeElement(i, given, account));
+    for (const Argument& element : account.line.arguments()) {
+        elements.push_back(describeElement(element, account));
     }
     return elements;
 }
 
+// Of the argument that names the workspace only elements of the launcher's own are made.
 json describeDropped(const Account& account) {
-    const Arguments given = launcherArguments(account.options);
     json dropped = json::array();
-    for (std::size_t position = 1; position < given.size() && !account.line.arguments().empty();
-         ++position) {
-        if (elementsFrom(given[position].origin, account).empty()) {
-            dropped.push_back(
-                {{"position", position},
-                 {"text", jsonText(given[position].text)},
-                 {"why", whyDropped(given, position, droppedFrom(given[position].origin, account),
-                                    account.launch.inputs.isInitial)}});
+    for (const Argument& argument : account.launch.arguments) {
+        const Origin& origin = argument.origin;
+        const bool isPassedOn = !elementsFrom(origin, account).empty() &&
+                                origin != account.launch.inputs.workspaceOrigin;
+        const Loser* loser = account.losers.from(origin);
+        if (origin.isCommandLine() && loser != nullptr && !isPassedOn &&
+            !account.line.arguments().empty()) {
+            dropped.push_back({{"position", origin.line},
+                               {"text", jsonText(argument.text)},
+                               {"why", loser->why->text}});
         }
     }
     return dropped;

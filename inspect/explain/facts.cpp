@@ -86,7 +86,7 @@ json describeInstallId(const Account& account) {
 // there, before placeholders are replaced.
 json describeProvisioning(const Account& account) {
     const LaunchInputs& inputs = account.launch.inputs;
-    const Sources::File* read = account.sources.file(userFileOf(inputs.configuration));
+    const ReadFile* read = account.sources.file(userFileOf(inputs.configuration));
     if (read == nullptr) {
         return {};
     }
@@ -155,7 +155,7 @@ json describeWaits(const Account& account, const json& facts) {
     if (!account.awaitedMarker.empty()) {
         waits.push_back("until " + toNarrow(account.awaitedMarker) + " is removed");
     }
-    if (isRestart(launcherArguments(account.options))) {
+    if (isRestart(account.launch.arguments)) {
         waits.push_back("up to 21 seconds for the old platform to end");
     }
     if (!facts.value("lockHolder", json()).is_null()) {

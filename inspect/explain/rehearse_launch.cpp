@@ -77,11 +77,12 @@ json tellAll(int status) {
     observer = nullptr;
     const Sources sources(stage->witness);
     const Launch& launch = stage->launch;
+    const Losers losers(stage->witness, sources, launch);
     const CommandLine line = launch.plan ? launch.plan->line : CommandLine();
-    const Account account{.options = stage->options,
-                          .witness = stage->witness,
+    const Account account{.witness = stage->witness,
                           .sources = sources,
                           .launch = launch,
+                          .losers = losers,
                           .line = line,
                           .before = stage->before,
                           .status = status,

@@ -16,21 +16,13 @@ nlohmann::json jsonText(std::wstring_view text);
 
 class Sources {
   public:
-    /// Reads the files that `witness` has seen once more, as they are now.
     explicit Sources(const Witness& witness);
 
-    struct File {
-        std::wstring path;
-        PropertyList entries;  // as written, placeholders and all
-    };
-    [[nodiscard]] const std::vector<File>& files() const { return files_; }
+    [[nodiscard]] const std::vector<ReadFile>& files() const { return files_; }
     /// The file of that path; null when it was not read.
-    [[nodiscard]] const File* file(const std::wstring& path) const;
+    [[nodiscard]] const ReadFile* file(const std::wstring& path) const;
     /// The entry at a place; null when there is none.
     [[nodiscard]] const Property* entryAt(const Origin& origin) const;
-    /// The entries of a key in the order in which the files were read, less those of files in which
-    /// the launcher does not look for it.
-    [[nodiscard]] std::vector<const Property*> entriesOf(const std::wstring& key) const;
     /// Whether the launcher looks for the entry's key in its file.
     [[nodiscard]] bool counts(const Property& entry) const;
 
@@ -38,9 +30,8 @@ class Sources {
     [[nodiscard]] nlohmann::json describe(const Origin& origin) const;
 
   private:
-    std::vector<File> files_;
-    std::map<std::pair<std::wstring, std::size_t>, const Property*> byPlace_;
-    std::map<std::wstring, std::vector<const Property*>> byKey_;
+    const std::vector<ReadFile>& files_;
+    std::map<Place, const Property*> byPlace_;
 };
 
 }  // namespace rcp::inspect

@@ -1,8 +1,8 @@
 // What else a launch reads and leaves: property files, variables, changed files, its log.
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
-#include "inspect/explain/contest.h"
 #include "inspect/property_keys.h"
+#include "platform/preload.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -16,44 +16,17 @@ namespace {
 
 using nlohmann::json;
 
-struct VariableProperty {
-    const char* variable;
-    const wchar_t* property;
-    bool isLast;  // set when env.set has done its work
-};
-
-// Variables that have properties of their own, in the order in which they make the value.
-constexpr VariableProperty kVariableProperties[] = {
-    {"JAVA_HIGH_ZIPFDS", L"env.JAVA_HIGH_ZIPFDS", true},
-    {"LD_PRELOAD", L"library.preload", true},
-    {"DYLD_LIBRARY_PATH", L"library.path.prepend", false},
-    {"DYLD_LIBRARY_PATH", L"com.ovr.rcp.core.internal.librarypath", false},
-    {"DYLD_LIBRARY_PATH", L"library.path.append", false},
-};
-
-const Property* propertyOf(const std::string& name, bool isLast, const Sources& sources) {
-    for (const VariableProperty& pair : kVariableProperties) {
-        const auto entries = sources.entriesOf(pair.property);
-        if (pair.variable == name && pair.isLast == isLast && !entries.empty()) {
-            return entries.front();
-        }
-    }
-    return nullptr;
-}
-
-json variableSource(const std::string& name, const Sources& sources) {
-    const Property* entry = propertyOf(name, true, sources);
-    if (entry == nullptr && name == "JAVA_HIGH_ZIPFDS") {
-        return sources.describe({});  // which is set in any case
-    }
-    for (const wchar_t* prefix : {L"env.set.", L"env.unset."}) {
-        const auto entries = sources.entriesOf(prefix + toWide(name));
-        if (entry == nullptr && !entries.empty()) {
-            entry = entries.back();
-        }
-    }
-    entry = entry == nullptr ? propertyOf(name, false, sources) : entry;
-    return sources.describe(entry == nullptr ? Origin() : entry->origin);
+// What has changed a variable last.
+json variableSource(const std::string& name, const Account& account) {
+    const EnvironmentChanges none;
+    const EnvironmentChanges& changes =
+        account.launch.plan ? account.launch.plan->environment : none;
+    const auto last =
+        std::find_if(changes.rbegin(), changes.rend(), [&](const EnvironmentChange& change) {
+            const bool isPreload = change.kind == EnvironmentChange::kPreload;
+            return toNarrow(isPreload ? kPreloadVariable : change.name) == name;
+        });
+    return account.sources.describe(last == changes.rend() ? Origin() : last->origin);
 }
 
 json textOrNull(const Variables& variables, const std::string& name) {
@@ -71,8 +44,9 @@ std::string elementText(const std::vector<std::size_t>& elements) {
 }
 
 std::string placeText(const Origin& origin) {
-    return origin.file ? toNarrow(*origin.file) + ":" + std::to_string(origin.line)
-                       : "the command line";
+    return origin.file              ? toNarrow(*origin.file) + ":" + std::to_string(origin.line)
+           : origin.isCommandLine() ? "the command line"
+                                    : "the launcher";
 }
 
 struct Use {
@@ -96,16 +70,17 @@ Use useOf(const Property& entry, const Account& account) {
     if (!elements.empty()) {
         return {"used", elementText(elements)};
     }
-    const auto rivals = rivalsOf(entry, account);
-    if (!rivals.empty() && !isSamePlace(rivals.front().origin, entry.origin)) {
-        return {"overridden", placeText(rivals.front().origin)};
+    if (const Origin* winner = account.losers.winnerOver(entry.origin)) {
+        return {"overridden", placeText(*winner)};
     }
-    if (account.witness.wasFound(*entry.origin.file, entry.origin.line)) {
+    if (account.witness.wasFound(entry.origin)) {
         const PropertyKey* known =
             account.sources.counts(entry) ? findPropertyKey(entry.key) : nullptr;
         return {"used", known == nullptr ? "a step of the launch" : known->usage};
     }
-    if (entry.key.starts_with(L"vmarg.") && entry.value.empty() && !rivals.empty()) {
+    const auto argument = account.launch.inputs.vmargMap.find(entry.key);
+    if (argument != account.launch.inputs.vmargMap.end() &&
+        argument->second.origin == entry.origin && entry.value.empty()) {
         return {"used", "keeps later arguments of its name out"};
     }
     return useOfIdle(entry, account);
@@ -166,7 +141,7 @@ json describeEnvironment(const Account& account) {
             environment.push_back({{"name", name},
                                    {"before", was},
                                    {"after", is},
-                                   {"source", variableSource(name, account.sources)}});
+                                   {"source", variableSource(name, account)}});
         }
     }
     return environment;
@@ -174,7 +149,7 @@ json describeEnvironment(const Account& account) {
 
 json describeFiles(const Account& account) {
     json files = json::array();
-    for (const Sources::File& file : account.sources.files()) {
+    for (const ReadFile& file : account.sources.files()) {
         json entries = json::array();
         for (const Property& entry : file.entries.entries()) {
             const Use use = useOf(entry, account);

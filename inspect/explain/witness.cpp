@@ -10,15 +10,28 @@ constexpr std::size_t kMostReplacements = 64;
 
 }  // namespace
 
-void Witness::propertyFileRead(const std::wstring& path) {
-    if (std::find(files_.begin(), files_.end(), path) == files_.end()) {
-        files_.push_back(path);
+void Witness::propertyFileRead(const std::wstring& path, const PropertyList& list,
+                               std::size_t first) {
+    auto file = std::find_if(files_.begin(), files_.end(),
+                             [&](const ReadFile& known) { return known.path == path; });
+    if (file == files_.end()) {
+        file = files_.insert(file, ReadFile{path, {}});
+    }
+    file->entries = PropertyList();
+    for (std::size_t i = first; i < list.entries().size(); ++i) {
+        file->entries.append(list.entries()[i]);
     }
 }
 
 void Witness::propertyFound(const Property& entry) {
-    if (entry.origin.file) {
-        found_.emplace(*entry.origin.file, entry.origin.line);
+    found_.insert(placeOf(entry.origin));
+}
+
+void Witness::lost(const std::wstring& text, const Origin& origin, const Why& why,
+                   const Origin* winner) {
+    if (!origin.isComputed()) {
+        losers_.push_back(
+            {text, origin, &why, winner == nullptr ? std::nullopt : std::optional(*winner)});
     }
 }
 
@@ -27,8 +40,8 @@ void Witness::placeholderReplaced(const std::wstring& before, std::wstring_view 
     replacements_.push_back({before, std::wstring(placeholder), value, after});
 }
 
-bool Witness::wasFound(const std::wstring& file, std::size_t line) const {
-    return found_.contains({file, line});
+bool Witness::wasFound(const Origin& place) const {
+    return found_.contains(placeOf(place));
 }
 
 std::vector<Replacement> Witness::replacementsFrom(const std::wstring& text) const {

@@ -4,12 +4,24 @@
 #include "diagnostics/observer.h"
 #include "launcher/properties/property_list.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace rcp::inspect {
+
+/// A place to look up by.
+using Place = std::pair<std::wstring, std::size_t>;
+inline Place placeOf(const Origin& origin) {
+    return {origin.file ? *origin.file : std::wstring(), origin.line};
+}
+
+struct ReadFile {
+    std::wstring path;
+    PropertyList entries;  // as written, placeholders and all
+};
 
 struct Replacement {
     std::wstring before;
@@ -18,23 +30,37 @@ struct Replacement {
     std::wstring after;
 };
 
+/// What does not count, by which rule, and where that comes from which counts instead.
+struct Loser {
+    std::wstring text;
+    Origin origin;
+    const Why* why;
+    std::optional<Origin> winner;
+};
+
 class Witness : public Observer {
   public:
-    void propertyFileRead(const std::wstring& path) override;
+    void propertyFileRead(const std::wstring& path, const PropertyList& list,
+                          std::size_t first) override;
     void propertyFound(const Property& entry) override;
+    void lost(const std::wstring& text, const Origin& origin, const Why& why,
+              const Origin* winner) override;
     void placeholderReplaced(const std::wstring& before, std::wstring_view placeholder,
                              const std::wstring& value, const std::wstring& after) override;
 
-    /// The property files in the order in which they were first read.
-    [[nodiscard]] const std::vector<std::wstring>& files() const { return files_; }
+    /// The property files in the order in which they were first read, as they were read last.
+    [[nodiscard]] const std::vector<ReadFile>& files() const { return files_; }
     /// Whether a look-up found the entry of this place.
-    [[nodiscard]] bool wasFound(const std::wstring& file, std::size_t line) const;
+    [[nodiscard]] bool wasFound(const Origin& place) const;
+    /// What was told to have lost, but for the launcher's own making.
+    [[nodiscard]] const std::vector<Loser>& losers() const { return losers_; }
     /// What was replaced on the way from `text` to what became of it.
     [[nodiscard]] std::vector<Replacement> replacementsFrom(const std::wstring& text) const;
 
   private:
-    std::vector<std::wstring> files_;
-    std::set<std::pair<std::wstring, std::size_t>> found_;
+    std::vector<ReadFile> files_;
+    std::set<Place> found_;
+    std::vector<Loser> losers_;
     std::vector<Replacement> replacements_;
 };
 

@@ -1,13 +1,13 @@
 #include "launcher/command_line/assembly.h"
 
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/argument_checks.h"
 #include "launcher/command_line/environment_settings.h"
 #include "launcher/command_line/main_options.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
 #include "launcher/command_line/vm_choice.h"
-#include "launcher/command_line/whys.h"
 #include "launcher/properties/placeholders.h"
 #include "platform/files.h"
 

@@ -1,8 +1,9 @@
 #include "launcher/command_line/config_extensions.h"
 
+#include "diagnostics/observer.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
-#include "launcher/command_line/whys.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -55,6 +56,7 @@ Arguments extensionValues(const std::wstring& name, const PropertyList& properti
         }
         if (!property->value.empty()) {
             values.push_back(argumentFrom(*property));
+            values.back().why = &whys::kExtension;
         }
     }
 }
@@ -107,6 +109,8 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
         return extended;
     }
     const auto config = std::find(extended.begin() + 1, extended.end(), L"-config");
+    tellLoser(config[0], whys::kExtensionOption);
+    tellLoser(config[1], whys::kExtensionName);
     extended.erase(config, config + 2);
     placeExtension(extended, extensionValues(name->text, properties));
     if (debugFile) {

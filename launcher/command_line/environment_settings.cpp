@@ -19,14 +19,7 @@ std::wstring variableName(const Property& property, std::wstring_view prefix) {
     return key.substr(prefix.size() + 1);
 }
 
-// Appends one part of a search path. A part that is there gets its ":" even behind an empty path.
-void appendPart(std::wstring& path, bool& isPresent, const std::wstring* part) {
-    if (part != nullptr) {
-        path += isPresent ? L":" : L"";
-        path += *part;
-        isPresent = true;
-    }
-}
+constexpr std::wstring_view kInternalLibraryPath = L"com.ovr.rcp.core.internal.librarypath";
 
 }  // namespace
 
@@ -43,35 +36,43 @@ void addEnvSetToCommandLine(EnvironmentChanges& changes, const PropertyList& pro
     for (const Property* property : findProperties(L"env.unset", properties)) {
         const std::wstring name = variableName(*property, L"env.unset");
         if (!name.empty()) {
-            changes.push_back({.kind = EnvironmentChange::kUnset, .name = name, .value = {}});
+            changes.push_back({.kind = EnvironmentChange::kUnset,
+                               .name = name,
+                               .value = {},
+                               .origin = property->origin});
         }
     }
     for (const Property* property : findProperties(L"env.set", properties)) {
         const std::wstring name = variableName(*property, L"env.set");
         if (!name.empty()) {
-            changes.push_back({.name = name, .value = property->value});
+            changes.push_back({.name = name, .value = property->value, .origin = property->origin});
         }
     }
 }
 
 void addLibpathToCommandLine(EnvironmentChanges& changes, const PropertyList& properties) {
-    const std::wstring* internal =
-        findProperty(L"com.ovr.rcp.core.internal.librarypath", properties);
-    if (internal != nullptr && internal->empty()) {
-        internal = nullptr;  // an empty element would be the current directory
-    }
+    const Property* first = nullptr;
     std::wstring path;
-    bool isPresent = false;
-    appendPart(path, isPresent, findProperty(L"library.path.prepend", properties));
-    appendPart(path, isPresent, internal);
-    appendPart(path, isPresent, findProperty(L"library.path.append", properties));
-    if (isPresent) {
-        changes.push_back({.name = L"DYLD_LIBRARY_PATH", .value = path});
+    for (const std::wstring_view key :
+         {std::wstring_view(L"library.path.prepend"), kInternalLibraryPath,
+          std::wstring_view(L"library.path.append")}) {
+        const Property* part = properties.find(key);
+        // An empty element of the launcher's own would be the current directory.
+        if (part == nullptr || (key == kInternalLibraryPath && part->value.empty())) {
+            continue;
+        }
+        // Behind a part that is there, even an empty one.
+        path += first == nullptr ? L"" : L":";
+        path += part->value;
+        first = first == nullptr ? part : first;
+    }
+    if (first != nullptr) {
+        changes.push_back({.name = L"DYLD_LIBRARY_PATH", .value = path, .origin = first->origin});
     }
 }
 
 void addLdPreloadToCommandLine(EnvironmentChanges& changes, const PropertyList& properties) {
-    const std::wstring* library = findProperty(L"library.preload", properties);
+    const Property* library = properties.find(L"library.preload");
     if (library == nullptr) {
         return;
     }
@@ -79,12 +80,17 @@ void addLdPreloadToCommandLine(EnvironmentChanges& changes, const PropertyList& 
     if (installId == nullptr) {
         fatal(noReason(), messages.noInstallIdForPreload);
     }
-    changes.push_back({.kind = EnvironmentChange::kPreload, .name = *installId, .value = *library});
+    changes.push_back({.kind = EnvironmentChange::kPreload,
+                       .name = *installId,
+                       .value = library->value,
+                       .origin = library->origin});
 }
 
 void addEnvJavaHighZipfds(EnvironmentChanges& changes, const PropertyList& properties) {
-    const std::wstring* value = findProperty(L"env.JAVA_HIGH_ZIPFDS", properties);
-    changes.push_back({.name = L"JAVA_HIGH_ZIPFDS", .value = value == nullptr ? L"500" : *value});
+    const Property* given = properties.find(L"env.JAVA_HIGH_ZIPFDS");
+    changes.push_back({.name = L"JAVA_HIGH_ZIPFDS",
+                       .value = given == nullptr ? L"500" : given->value,
+                       .origin = given == nullptr ? Origin() : given->origin});
 }
 
 void applyEnvironment(const EnvironmentChanges& changes) {

@@ -1,6 +1,8 @@
 #include "launcher/command_line/initial_configuration.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/inputs/option_values.h"
 
 #include <algorithm>
@@ -96,6 +98,11 @@ const std::wstring& completionProperty(const Entries& ordered) {
     return *ordered[flag + 2];
 }
 
+// The JVM is kept, as the launcher's own.
+void tellReplaced(const Argument& argument) {
+    tellLoser(argument, argument == L"-vm" ? whys::kOwnJvm : whys::kInitial);
+}
+
 }  // namespace
 
 bool isInitialRequired(const LaunchInputs& inputs) {
@@ -132,6 +139,7 @@ Arguments initialArguments(const Arguments& arguments) {
             });
         if (option == std::end(kept) ||
             (option->hasValue && (i + 1 == end || !canBeValue(arguments[i + 1])))) {
+            tellReplaced(arguments[i]);
             continue;
         }
         option->isTaken = true;
@@ -140,6 +148,8 @@ Arguments initialArguments(const Arguments& arguments) {
             initial.push_back(arguments[++i]);
         }
     }
+    std::for_each(arguments.begin() + static_cast<std::ptrdiff_t>(end), arguments.end(),
+                  tellReplaced);
     // Without its JVM the first launch would run another one than every later launch.
     if (const Argument* vm = optionValue(L"-vm", arguments)) {
         initial.insert(initial.end(), {L"-vm", *vm});

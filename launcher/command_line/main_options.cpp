@@ -1,8 +1,10 @@
 #include "launcher/command_line/main_options.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
+#include "launcher/command_line/vm_arguments.h"
 #include "launcher/inputs/option_values.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -51,15 +53,18 @@ bool isRepeated(const Arguments& arguments, std::size_t index) {
     return isNamedOnce && findOption(arguments[index].text, arguments) != index;
 }
 
-void dropOption(CommandLine& line, const Arguments& arguments, std::size_t index, bool hasValue) {
+void tellOption(const Arguments& arguments, std::size_t index, bool hasValue) {
     const OptionRule& rule = *ruleFor(arguments[index].text);
     const bool takesValue = rule.rule == CopyRule::kDropWithValue;
-    const Why* const instead = isRepeated(arguments, index) ? &whys::kRepeats
-                               : takesValue && !hasValue    ? &whys::kLacksValue
-                                                            : nullptr;
-    line.drop(arguments[index], instead == nullptr ? *rule.why : *instead);
-    if (takesValue && hasValue) {
-        line.drop(arguments[index + 1], instead == nullptr ? *rule.whyValue : *instead);
+    if (isRepeated(arguments, index)) {
+        tellRepeated(arguments, index, hasValue ? 2 : 1, whys::kRepeats);
+    } else if (takesValue && !hasValue) {
+        tellDropped(arguments, index, 1, whys::kLacksValue);
+    } else {
+        tellDropped(arguments, index, 1, *rule.why);
+        if (takesValue) {
+            tellDropped(arguments, index + 1, 1, *rule.whyValue);
+        }
     }
 }
 
@@ -70,40 +75,50 @@ void copyUserOptions(CommandLine& line, const Arguments& arguments) {
         const bool hasValue = i + 1 < end && canBeValue(arguments[i + 1]);
         switch (copyRuleFor(arguments[i].text)) {
             case CopyRule::kCopy:
-                line.add(arguments[i]);
+                line.add(arguments[i], whys::kUsersArgument);
                 break;
             case CopyRule::kCopyWithValue:
-                line.add(arguments[i]);
+                line.add(arguments[i], whys::kUsersArgument);
                 if (hasValue) {
-                    line.add(arguments[++i]);
+                    line.add(arguments[++i], whys::kUsersArgument);
                 }
                 break;
             case CopyRule::kDrop:
-                dropOption(line, arguments, i, false);
+                tellOption(arguments, i, false);
                 break;
             case CopyRule::kDropWithValue:
-                dropOption(line, arguments, i, hasValue);
+                tellOption(arguments, i, hasValue);
                 i += hasValue ? 1 : 0;
                 break;
         }
     }
 }
 
-// An option that the user gave anywhere, behind "-vmargs" too, is not added again.
+// An option that the user gave anywhere, behind "-vmargs" too, keeps its property out.
+bool isGiven(const std::wstring& option, const Property* property, const Arguments& arguments) {
+    const auto index = findOption(option, arguments);
+    if (index && property != nullptr) {
+        const Argument* value = optionValue(option, arguments);
+        const Argument& winner = value == nullptr ? arguments[*index] : *value;
+        tellLoser(property->value, property->origin, whys::whyItWins(winner), &winner.origin);
+    }
+    return index.has_value();
+}
+
 void addFromProperty(CommandLine& line, const std::wstring& option, const Property* property,
                      const Arguments& arguments, const Why& why) {
-    if (property != nullptr && !hasOption(option, arguments)) {
+    if (!isGiven(option, property, arguments) && property != nullptr) {
         line.add(option, why);
         line.add(argumentFrom(*property));
     }
 }
 
 void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
-    if (hasOption(L"-plugincustomization", inputs.arguments)) {
-        return;
-    }
     const std::wstring key = L"plugincustomization";
     const Property* property = inputs.properties.find(key);
+    if (isGiven(L"-plugincustomization", property, inputs.arguments)) {
+        return;
+    }
     const Argument value = property == nullptr ? Argument() : argumentFrom(*property);
     const Argument path(osPath(value.text), value.origin);
     if (!exists(path.text)) {
@@ -113,6 +128,17 @@ void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
     }
     line.add(L"-plugincustomization", whys::kPreferences);
     line.add(path);
+}
+
+const Property* productOf(const LaunchInputs& inputs) {
+    const Property* users = inputs.userProperties.find(L"product");
+    const Property* installations =
+        users == nullptr || observer != nullptr ? inputs.properties.find(L"product") : nullptr;
+    if (users != nullptr && installations != nullptr) {
+        tellLoser(installations->value, installations->origin, whys::kUsersFileWins,
+                  &users->origin);
+    }
+    return users == nullptr ? installations : users;
 }
 
 }  // namespace
@@ -134,16 +160,13 @@ void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) 
     if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
         fatal(noReason(), messages.noInstallIdForOptions);
     }
-    line.add(L"-data", inputs.workspace, whys::kWorkspace);
-    line.add(L"-configuration", inputs.configuration, whys::kConfiguration);
+    line.add(L"-data", {inputs.workspace, inputs.workspaceOrigin}, whys::kWorkspace);
+    line.add(L"-configuration", {inputs.configuration, inputs.workspaceOrigin},
+             whys::kConfiguration);
     addFromProperty(line, L"-application", inputs.properties.find(L"application"), arguments,
                     whys::kApplication);
     addPluginCustomization(line, inputs);
-    const Property* product = inputs.userProperties.find(L"product");
-    if (product == nullptr) {
-        product = inputs.properties.find(L"product");
-    }
-    addFromProperty(line, L"-product", product, arguments, whys::kProduct);
+    addFromProperty(line, L"-product", productOf(inputs), arguments, whys::kProduct);
     addFromProperty(line, L"-personality", inputs.properties.find(L"personality"), arguments,
                     whys::kPersonality);
 }

@@ -1,6 +1,7 @@
 #include "launcher/command_line/plan.h"
 
-#include "launcher/command_line/whys.h"
+#include "diagnostics/observer.h"
+#include "diagnostics/whys.h"
 
 #include <utility>
 
@@ -12,27 +13,22 @@ void CommandLine::setProgram(Argument path, const Why& why) {
     arguments_.push_back(std::move(path));
 }
 
-void CommandLine::add(const Argument& argument) {
+void CommandLine::add(Argument argument) {
     if (start_ == Start::kRestart && (argument == DEBUGARG || argument == CONSOLEARG)) {
-        drop(argument, whys::kNoConsole);
+        tellLoser(argument, whys::kNoConsole);
         return;
     }
-    arguments_.push_back(argument);
+    arguments_.push_back(std::move(argument));
 }
 
 void CommandLine::add(Argument argument, const Why& why) {
     argument.why = argument.why == nullptr ? &why : argument.why;
-    add(argument);
+    add(std::move(argument));
 }
 
-void CommandLine::add(const Argument& option, const Argument& value, const Why& why) {
-    add(option, why);
-    add(value, why);
-}
-
-void CommandLine::drop(Argument argument, const Why& why) {
-    argument.why = &why;
-    dropped_.push_back(std::move(argument));
+void CommandLine::add(Argument option, Argument value, const Why& why) {
+    add(std::move(option), why);
+    add(std::move(value), why);
 }
 
 }  // namespace rcp

@@ -23,25 +23,21 @@ class CommandLine {
     void setProgram(Argument path, const Why& why);
     /// Appends an argument as it is. On a restart "-debug" and "-console" are dropped: a restarted platform
     /// never gets a debug console.
-    void add(const Argument& argument);
+    void add(Argument argument);
     /// Appends an argument that is there by this rule, unless it brings its own.
     void add(Argument argument, const Why& why);
     /// Appends an option and its value, both by this rule.
-    void add(const Argument& option, const Argument& value, const Why& why);
-    /// Notes that an argument is not passed on.
-    void drop(Argument argument, const Why& why);
+    void add(Argument option, Argument value, const Why& why);
     void setLibrary(const std::wstring& path) { library_ = path; }
 
     /// Element 0 is the program path.
     [[nodiscard]] const Arguments& arguments() const { return arguments_; }
-    [[nodiscard]] const Arguments& dropped() const { return dropped_; }
     /// Full path of the launcher library; empty when the hand-off needs none.
     [[nodiscard]] const std::wstring& library() const { return library_; }
 
   private:
     Start start_;
     Arguments arguments_;
-    Arguments dropped_;
     std::wstring library_;
 };
 
@@ -51,6 +47,7 @@ struct EnvironmentChange {
     Kind kind = kSet;
     std::wstring name;  // of a preloaded library: the install id, which tells its link from others
     std::wstring value;
+    Origin origin;
 
     bool operator==(const EnvironmentChange&) const = default;
 };

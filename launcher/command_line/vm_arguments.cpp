@@ -1,8 +1,9 @@
 #include "launcher/command_line/vm_arguments.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
 #include "launcher/inputs/option_values.h"
 #include "launcher/properties/placeholders.h"
 #include "platform/text.h"
@@ -17,16 +18,22 @@ constexpr wchar_t VMFIXARG_PROPERTY[] = L"vmfix.noconsole";
 // What the user put behind "-vmargs". A "-vm" there is a choice of the launcher's, not a JVM
 // option.
 void addUserVmargs(CommandLine& line, const Arguments& arguments) {
-    for (std::size_t i = endOfOptions(arguments) + 1; i < arguments.size(); ++i) {
-        if (arguments[i] == L"-vm") {
-            const Why& why = findOption(L"-vm", arguments) == i ? whys::kOwnJvm : whys::kRepeats;
-            line.drop(arguments[i], why);
-            if (i + 1 < arguments.size() && canBeValue(arguments[i + 1])) {
-                line.drop(arguments[++i], why);
-            }
-        } else {
-            line.add(arguments[i]);
+    const std::size_t separator = endOfOptions(arguments);
+    if (separator < arguments.size()) {
+        tellLoser(arguments[separator], whys::kOwnJvmPart);
+    }
+    for (std::size_t i = separator + 1; i < arguments.size(); ++i) {
+        if (arguments[i] != L"-vm") {
+            line.add(arguments[i], whys::kUsersJvmArgument);
+            continue;
         }
+        const std::size_t count = i + 1 < arguments.size() && canBeValue(arguments[i + 1]) ? 2 : 1;
+        if (findOption(L"-vm", arguments) != i) {
+            tellRepeated(arguments, i, count, whys::kRepeats);
+        } else {
+            tellDropped(arguments, i, count, whys::kOwnJvm);
+        }
+        i += count - 1;
     }
 }
 
@@ -82,14 +89,15 @@ void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, JvmFi
     }
     for (const auto& [key, argument] : inputs.vmargMap) {
         if (!argument.text.empty()) {
-            line.add(argument);
+            line.add(argument, whys::kJvmArgument);
         }
     }
 }
 
 void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     addSystemProperty(line, L"-Drcp.home", inputs.installDir, whys::kTellsHome);
-    addSystemProperty(line, L"-Drcp.data", inputs.workspace, whys::kTellsWorkspace);
+    addSystemProperty(line, L"-Drcp.data", {inputs.workspace, inputs.workspaceOrigin},
+                      whys::kTellsWorkspace);
     if (const Property* splash = inputs.userProperties.find(L"osgi.splashPath")) {
         addSystemProperty(line, L"-Dosgi.splashPath", argumentFrom(*splash), whys::kTellsSplash);
     }
@@ -103,7 +111,9 @@ void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (configuration.empty()) {
         fatal(noReason(), messages.configurationUnknown);
     }
-    addSystemProperty(line, L"-Drcp.install.config", configuration, whys::kTellsKind);
+    const Property* kind = inputs.properties.find(L"install.configuration");
+    addSystemProperty(line, L"-Drcp.install.config",
+                      {configuration, kind == nullptr ? Origin() : kind->origin}, whys::kTellsKind);
     addPropertyDefinitions(line, inputs.properties);
     addSystemProperty(line, L"-Drcp.osgi.install.area", osPath(inputs.installDir + L"/rcp/eclipse"),
                       whys::kTellsInstallArea);
@@ -130,6 +140,8 @@ std::wstring setArgProperty(const std::wstring& key, const std::wstring& value) 
 void removeDuplicateSingles(Arguments& arguments, std::wstring_view option) {
     const auto second = secondOccurrence(arguments, option);
     if (second != arguments.end()) {
+        tellRepeated(arguments, static_cast<std::size_t>(second - arguments.begin()), 1,
+                     whys::kRepeatsOption);
         arguments.erase(second);
     }
 }
@@ -138,8 +150,28 @@ void removeDuplicatePairs(Arguments& arguments, std::wstring_view option) {
     const auto second = secondOccurrence(arguments, option);
     if (second != arguments.end()) {
         const auto value = second + 1;
-        const bool hasValue = value != arguments.end() && canBeValue(*value);
-        arguments.erase(second, hasValue ? value + 1 : value);
+        const int count = value != arguments.end() && canBeValue(*value) ? 2 : 1;
+        tellRepeated(arguments, static_cast<std::size_t>(second - arguments.begin()),
+                     static_cast<std::size_t>(count), whys::kRepeatsOption);
+        arguments.erase(second, second + count);
+    }
+}
+
+void tellDropped(const Arguments& arguments, std::size_t index, std::size_t count, const Why& why) {
+    for (std::size_t i = index; i < index + count; ++i) {
+        tellLoser(arguments[i], why);
+    }
+}
+
+void tellRepeated(const Arguments& arguments, std::size_t repeated, std::size_t count,
+                  const Why& why) {
+    const auto first = findOption(arguments[repeated].text, arguments);
+    for (std::size_t i = 0; observer != nullptr && first && i < count; ++i) {
+        const Argument& loser = arguments[repeated + i];
+        const Argument& winner = arguments[*first + (canBeValue(arguments[*first + 1]) ? i : 0)];
+        const Why& whyItWins = whys::whyItWins(winner);
+        const bool isUsers = loser.origin.isCommandLine() || &whyItWins == &whys::kReadFirstWins;
+        tellLoser(loser, isUsers ? why : whyItWins, &winner.origin);
     }
 }
 

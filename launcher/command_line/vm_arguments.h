@@ -30,5 +30,11 @@ std::wstring setArgProperty(const std::wstring& key, const std::wstring& value);
 void removeDuplicateSingles(Arguments& arguments, std::wstring_view option);
 /// The same with the value behind the removed option, if it has one.
 void removeDuplicatePairs(Arguments& arguments, std::wstring_view option);
+/// Tells, for whoever explains a launch, that `count` arguments from `index` on are not passed on.
+void tellDropped(const Arguments& arguments, std::size_t index, std::size_t count, const Why& why);
+/// Tells, for whoever explains a launch, that the option at `repeated` does not count beside the first of
+/// its name: `count` arguments, with its value two.
+void tellRepeated(const Arguments& arguments, std::size_t repeated, std::size_t count,
+                  const Why& why);
 
 }  // namespace rcp

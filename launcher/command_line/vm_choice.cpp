@@ -1,8 +1,9 @@
 #include "launcher/command_line/vm_choice.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_file.h"
 #include "platform/files.h"
@@ -42,6 +43,16 @@ Argument chosenVm(const PropertyList& properties, const Arguments& arguments, Me
     return vm;
 }
 
+// "-vm" keeps the property out; the last one of an ordinary start is the launcher's own.
+void tellOtherVm(const LaunchInputs& inputs, const Argument& vm) {
+    const Property* property = observer == nullptr ? nullptr : inputs.properties.find(L"vm");
+    if (property != nullptr && isVmOverride(inputs.arguments)) {
+        const Why& why = whys::whyItWins(vm);
+        tellLoser(property->value, property->origin,
+                  &why == &whys::kReadFirstWins ? whys::kInstallationsJvmWins : why, &vm.origin);
+    }
+}
+
 void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
     const std::optional<std::wstring> home = getJvmHome(location.jvm);
     if (const std::wstring* given = findProperty(L"java.home", properties)) {
@@ -73,6 +84,7 @@ Argument vmProgram(const LaunchInputs& inputs) {
 JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     Argument vm = chosenVm(inputs.properties, inputs.arguments, messages.noVm);
     replaceFirstRcpHome(vm.text, inputs.installDir);
+    tellOtherVm(inputs, vm);
     if (vm.text.empty()) {
         if (inputs.traits.isDirectJavaShape()) {
             fatal(noReason(), messages.noVm);  // or an option would become the program

@@ -16,6 +16,7 @@ struct LaunchInputs {
     Arguments arguments;     // the launcher's own, as the start-up sequence extended them
     std::wstring workspace;  // as prepared: these directories exist
     std::wstring configuration;
+    Origin workspaceOrigin;  // what has named it
     std::wstring installDir;
     PropertyList properties;      // the launcher property list
     PropertyList userProperties;  // the per-user install property list

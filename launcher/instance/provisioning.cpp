@@ -1,7 +1,7 @@
 #include "launcher/instance/provisioning.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/command_line/whys.h"
+#include "diagnostics/whys.h"
 #include "launcher/instance/shared_classes.h"
 #include "platform/files.h"
 #include "platform/removal.h"

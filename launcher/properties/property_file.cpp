@@ -130,13 +130,13 @@ Property finish(Entry& entry, const Origin& origin) {
     return property;
 }
 
-void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
+}  // namespace
+
+void readProperties(Stream opened, const std::wstring& path, PropertyList& list) {
     std::array<char, 4096> buffer;  // one of the stream's own would cost every launch more
     const Stream stream = std::move(opened);  // closed before its buffer goes
     (void)setvbuf(stream.get(), buffer.data(), _IOFBF, buffer.size());
-    if (observer != nullptr) {
-        observer->propertyFileRead(path);
-    }
+    const std::size_t first = list.entries().size();
     const auto file = std::make_shared<const std::wstring>(path);
     Origin origin{file, 0};
     LinePosition position;
@@ -168,16 +168,17 @@ void readEntries(Stream opened, const std::wstring& path, PropertyList& list) {
     if (ferror(stream.get()) != 0) {
         cannotLoad(path, because(errno));
     }
+    if (observer != nullptr) {
+        observer->propertyFileRead(path, list, first);
+    }
 }
-
-}  // namespace
 
 void getProperties(const std::wstring& path, PropertyList& list) {
     Stream stream = open_file(path, L"r");
     if (!stream) {
         cannotLoad(path, because(errno));
     }
-    readEntries(std::move(stream), path, list);
+    readProperties(std::move(stream), path, list);
 }
 
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
@@ -189,7 +190,7 @@ bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
         }
         return false;
     }
-    readEntries(std::move(stream), path, list);
+    readProperties(std::move(stream), path, list);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "launcher/properties/property_list.h"
+#include "platform/files.h"
 
 #include <string>
 
@@ -15,5 +16,7 @@ void getProperties(const std::wstring& path, PropertyList& list);
 /// The same for a file that need not be there; false, and nothing appended, without one. What is
 /// there (`exists`) and is no file still ends the launch.
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list);
+/// The same for what is read from an open stream; `path` is where it comes from.
+void readProperties(Stream opened, const std::wstring& path, PropertyList& list);
 
 }  // namespace rcp

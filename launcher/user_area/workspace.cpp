@@ -1,6 +1,8 @@
 #include "launcher/user_area/workspace.h"
 
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/properties/placeholders.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -87,7 +89,7 @@ std::wstring defaultWorkspace(const PropertyList& properties) {
 
 }  // namespace
 
-std::wstring getWorkspaceLocation(const LaunchInputs& inputs) {
+Argument getWorkspaceLocation(const LaunchInputs& inputs) {
     switch (inputs.traits.eConfig) {
         case InstallConfiguration::kService:
             return inputs.installDir + kServiceWorkspace;
@@ -96,13 +98,20 @@ std::wstring getWorkspaceLocation(const LaunchInputs& inputs) {
         default:
             break;
     }
+    const Property* property = inputs.properties.find(L"rcp.data");
     if (const Argument* argument = optionValue(L"-data", inputs.arguments)) {
-        return workspaceFromArgument(argument->text, inputs.properties, inputs.installDir);
+        if (property != nullptr) {
+            tellLoser(property->value, property->origin, whys::whyItWins(*argument),
+                      &argument->origin);
+        }
+        return {workspaceFromArgument(argument->text, inputs.properties, inputs.installDir),
+                argument->origin};
     }
-    if (const std::wstring* property = findProperty(L"rcp.data", inputs.properties)) {
-        return workspaceFromProperty(*property, inputs.properties, inputs.installDir);
+    if (property != nullptr) {
+        return {workspaceFromProperty(property->value, inputs.properties, inputs.installDir),
+                property->origin};
     }
-    return defaultWorkspace(inputs.properties);
+    return {defaultWorkspace(inputs.properties), Origin{nullptr, Origin::kHome}};
 }
 
 std::wstring getConfigurationLocation(const LaunchInputs& inputs) {

@@ -8,7 +8,7 @@
 
 namespace rcp {
 
-/// The workspace, by the first rule that applies:
+/// The workspace and what has named it, by the first rule that applies:
 ///
 ///   service configurations     a folder of the installation
 ///   "-data" with a value       the value, one trailing separator dropped, the first "${rcp.home}"
@@ -17,7 +17,7 @@ namespace rcp {
 ///   otherwise                  HOME/OVR/RCP/<install id>/<user name>
 ///
 /// Ends the launch when the rule that applies cannot give a path.
-std::wstring getWorkspaceLocation(const LaunchInputs& inputs);
+Argument getWorkspaceLocation(const LaunchInputs& inputs);
 
 /// The configuration area: inside the workspace of `inputs`, or beside it in the service configurations.
 std::wstring getConfigurationLocation(const LaunchInputs& inputs);

@@ -86,6 +86,22 @@ void expectEnd(const Json& explanation, const Launch& launch, const std::string&
     }
 }
 
+// Each is an element or has a reason not to be one.
+void expectEveryArgument(const Json& explanation) {
+    std::set<long> told;
+    for (const Json& element : explanation["elements"].list) {
+        told.insert(element["source"]["position"].number);
+    }
+    for (const Json& argument : explanation["dropped"].list) {
+        EXPECT_NE(argument["why"].text, "") << argument["text"].text;
+        told.insert(argument["position"].number);
+    }
+    const Texts arguments = explanation["arguments"].texts();
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        EXPECT_TRUE(told.contains(static_cast<long>(i) + 1)) << arguments[i];
+    }
+}
+
 std::set<std::string> pathsOf(const Snapshot& snapshot) {
     std::set<std::string> paths;
     for (const auto& [path, entry] : snapshot) {
@@ -184,6 +200,7 @@ void expectExplained(const Json& explanation, const Launch& launch, const std::s
     for (const Json& element : explanation["elements"].list) {
         EXPECT_NE(element["rule"].text, "") << element["text"].text;
     }
+    expectEveryArgument(explanation);
 }
 
 void expectChangesExplained(const Json& explanation, const Installation& velmo,

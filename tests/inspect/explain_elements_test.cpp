@@ -37,6 +37,13 @@ TEST_F(ExplainElements, OfAWorkspaceThatNobodyNamesComeFromTheHomeDirectory) {
     EXPECT_EQ(sourceOf(valueOf(told, "-configuration")), "variable HOME");
 }
 
+TEST_F(ExplainElements, OfAServicesWorkspaceAreComputedWhateverNamesAnother) {
+    makeInstallation({"--mode", "service"});
+    const Json told = explain({"-data", folder_.narrow("mine")});
+    EXPECT_EQ(sourceOf(valueOf(told, "-data")), "computed");
+    EXPECT_EQ(losersOf(valueOf(told, "-data")), "");
+}
+
 TEST_F(ExplainElements, OfTheDebugMarkerComeFromTheFileAsAWhole) {
     folder_.write("client/rcp/rcplauncher.debug", "");
     const Json console = element(explain(), "-console");
@@ -155,6 +162,23 @@ TEST_F(ExplainElements, ShowThePropertyThatAnExtensionReplaces) {
     EXPECT_EQ(
         useOf(told, "rcplauncher.properties", "application"),
         "overridden: rcplauncher.properties:" + std::to_string(lineOf("config.other.2=")) + "\n");
+}
+
+TEST_F(ExplainElements, ShowTheOptionOfAnExtensionThatTheCommandLineReplaces) {
+    append(kProperties, "config.other.1=-application\nconfig.other.2=other\n");
+    const Json told = explain({"-config", "other", "-application", "mine"});
+    EXPECT_EQ(losersOf(element(told, "-application")), "") << "the option's name is the same";
+    EXPECT_EQ(losersOf(element(told, "mine")),
+              "other from rcplauncher.properties config.other.2: the command line wins\n"
+              "sample.report from rcplauncher.properties application: the command line wins\n");
+    EXPECT_EQ(useOf(told, "rcplauncher.properties", "config.other.2"),
+              "overridden: the command line\n");
+}
+
+TEST_F(ExplainElements, ShowThePropertyThatTheInstallationsJvmReplaces) {
+    EXPECT_EQ(
+        losersOf(valueOf(explain(), "-vm")),
+        valueIn("vm") + " from rcplauncher.properties vm: the JVM of the installation wins\n");
 }
 
 TEST_F(ExplainElements, ShowTheLaunchersProductBehindTheUsers) {

@@ -87,8 +87,10 @@ TEST_F(ExplainFiles, TellWhatUsesAnEntry) {
     const Json told = explain({"-config", "sample"});
     EXPECT_EQ(useOf(told, "rcplauncher.properties", "vmarg.sample.heap").substr(0, 13),
               "used: element");
-    EXPECT_EQ(useOf(told, "rcplauncher.properties", "install.configuration"),
-              "used: the kind of installation\n");
+    EXPECT_EQ(useOf(told, "rcplauncher.properties", "install.configuration").substr(0, 13),
+              "used: element");
+    EXPECT_EQ(useOf(told, "rcplauncher.properties", "invoke.eclipse.dylib"),
+              "used: the choice of the hand-off\n");
     EXPECT_EQ(useOf(told, "rcplauncher.properties", "rcp.base.location"), "used: element 0, 19\n");
     EXPECT_EQ(useOf(told, "jvm.properties", "jvm.feature.id"),
               "used: ${jvm.feature.id} in platform.xml\n");
@@ -142,6 +144,12 @@ TEST_F(ExplainFiles, AreThoseOfTheLaunchInTheOrderOfReading) {
     }
     EXPECT_EQ(names,
               "rcplauncher.properties\nrcpinstall.properties\nargs.properties\njvm.properties\n");
+}
+
+TEST_F(ExplainFiles, TellThatTheLaunchersOwnVariableCountsInsteadOfOneThatIsSet) {
+    append(kProperties, "env.set.JAVA_HIGH_ZIPFDS=9\n");
+    EXPECT_EQ(useOf(explain(), "rcplauncher.properties", "env.set.JAVA_HIGH_ZIPFDS"),
+              "overridden: the launcher\n");
 }
 
 // --- Variables ----------------------------------------------------------------------------------------

@@ -32,7 +32,7 @@ struct Object {
     bool isTrue = false;            // of a boolean
     const Object* owner = nullptr;  // of a value that a dictionary has handed out
     bool isOwned = true;
-    bool isDirectory = false;  // of a URL
+    bool isDirectory = false;   // of a URL
     bool isChangeable = false;  // of a dictionary
 };
 

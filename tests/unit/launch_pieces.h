@@ -1,6 +1,7 @@
 // What the tests of the command line's pieces share.
 #pragma once
 
+#include "diagnostics/observer.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/inputs/launch_inputs.h"
 #include "launcher/properties/property_list.h"
@@ -24,6 +25,31 @@ class CommandLineTest : public LauncherTest {
     Start start_ = Start::kOrdinary;
     CommandLine line_;
     LaunchInputs inputs_;
+};
+
+/// What the launcher tells whoever explains a launch: "text: why", and the place of what counts instead.
+class LoserNotes : public Observer {
+  public:
+    LoserNotes() { observer = this; }
+    LoserNotes(const LoserNotes&) = delete;
+    LoserNotes& operator=(const LoserNotes&) = delete;
+    LoserNotes(LoserNotes&&) = delete;
+    LoserNotes& operator=(LoserNotes&&) = delete;
+    ~LoserNotes() override { observer = nullptr; }
+
+    void propertyFileRead(const std::wstring& /*path*/, const PropertyList& /*list*/,
+                          std::size_t /*first*/) override {}
+    void propertyFound(const Property& /*entry*/) override {}
+    void placeholderReplaced(const std::wstring& /*before*/, std::wstring_view /*placeholder*/,
+                             const std::wstring& /*value*/,
+                             const std::wstring& /*after*/) override {}
+    void lost(const std::wstring& text, const Origin& /*origin*/, const Why& why,
+              const Origin* winner) override {
+        const std::wstring place = winner == nullptr ? L"" : L" (" + placeOf(L"it", *winner) + L")";
+        notes.push_back(text + L": " + toWide(why.text) + place);
+    }
+
+    std::vector<std::wstring> notes;
 };
 
 using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;

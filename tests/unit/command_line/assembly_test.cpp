@@ -1,8 +1,8 @@
 #include "launcher/command_line/assembly.h"
 
+#include "diagnostics/whys.h"
 #include "launcher/command_line/environment_settings.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 
 #include <algorithm>

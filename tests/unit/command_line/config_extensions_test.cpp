@@ -40,6 +40,23 @@ class Extensions : public test::LauncherTest {
     VmArgumentMap map_;
 };
 
+TEST_F(Extensions, TellWhatTheyStandForAndWhatLosesBesideThem) {
+    const test::LoserNotes losers;
+    extended({L"-config",
+              {L"N", Origin{nullptr, 2}},
+              L"-nl",
+              {L"de", Origin{nullptr, 4}},
+              L"-console",
+              {L"-console", Origin{nullptr, 6}}},
+             values({L"-nl", L"fr"}));
+    EXPECT_EQ(
+        losers.notes,
+        (std::vector<std::wstring>{
+            L"-config: stands for the arguments of a configuration extension",
+            L"N: names the configuration extension", L"-nl: repeats an option (it)",
+            L"fr: the command line wins (it, argument 4)", L"-console: repeats an option (it)"}));
+}
+
 TEST_F(Extensions, WithoutTheOptionNothingChanges) {
     const Arguments options = {L"-data", L"/a", L"-data", L"/b", L"-console", L"-console"};
     EXPECT_EQ(extended(options, values({L"-x"})), options);

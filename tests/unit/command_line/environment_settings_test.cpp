@@ -156,17 +156,22 @@ TEST_F(Environment, PreloadLinkOfABlankPathIsNamedByTheInstallId) {
 }
 
 TEST_F(Environment, SettingsComeBehindTheLibraryPathAndInFrontOfThePreloadedLibrary) {
-    const auto kSet = EnvironmentChange::kSet;
-    EXPECT_EQ(environmentOf(propertyList({{L"rcp.install.id", L"id1"},
-                                          {L"library.preload", L"/l.so"},
-                                          {L"env.set.DYLD_LIBRARY_PATH", L"/set"},
-                                          {L"env.unset.RCP_TEST_A", L""},
-                                          {L"library.path.append", L"/appended"}})),
-              (EnvironmentChanges{{kSet, L"DYLD_LIBRARY_PATH", L"/appended"},
-                                  {EnvironmentChange::kUnset, L"RCP_TEST_A", L""},
-                                  {kSet, L"DYLD_LIBRARY_PATH", L"/set"},
-                                  {EnvironmentChange::kPreload, L"id1", L"/l.so"},
-                                  {kSet, L"JAVA_HIGH_ZIPFDS", L"500"}}));
+    const EnvironmentChanges changes =
+        environmentOf(propertyList({{L"rcp.install.id", L"id1"},
+                                    {L"library.preload", L"/l.so"},
+                                    {L"env.set.DYLD_LIBRARY_PATH", L"/set"},
+                                    {L"env.unset.RCP_TEST_A", L""},
+                                    {L"library.path.append", L"/appended"}}));
+    std::vector<std::wstring> steps;
+    for (const EnvironmentChange& change : changes) {
+        steps.push_back((change.kind == EnvironmentChange::kUnset     ? L"-"
+                         : change.kind == EnvironmentChange::kPreload ? L"preload "
+                                                                      : L"") +
+                        change.name + L"=" + change.value);
+    }
+    EXPECT_EQ(steps, (std::vector<std::wstring>{L"DYLD_LIBRARY_PATH=/appended", L"-RCP_TEST_A=",
+                                                L"DYLD_LIBRARY_PATH=/set", L"preload id1=/l.so",
+                                                L"JAVA_HIGH_ZIPFDS=500"}));
 }
 
 TEST_F(Environment, ZipDescriptorsAreFiveHundredUnlessThePropertySaysOtherwise) {

@@ -1,7 +1,7 @@
 #include "launcher/command_line/main_options.h"
 
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 
 #include <algorithm>
@@ -54,6 +54,28 @@ class MainOptions : public test::CommandLineTest {
     std::wstring custom_;
 };
 
+TEST_F(MainOptions, TellWhatTheyKeepOutAndWhatIsTheLaunchersOwn) {
+    setProperties({{L"application", L"mine"}, {L"product", L"theirs"}});
+    inputs_.userProperties = propertyList({{L"product", L"users"}});
+    const test::LoserNotes losers;
+    all({L"-data",
+         {L"/a", Origin{nullptr, 2}},
+         L"-data",
+         {L"/b", Origin{nullptr, 4}},
+         L"-application",
+         {L"given", Origin{nullptr, 6}},
+         L"-vm",
+         L"-vmargs"});
+    EXPECT_EQ(
+        losers.notes,
+        (std::vector<std::wstring>{
+            L"-data: becomes the launcher's own -data", L"/a: becomes the launcher's own -data",
+            L"-data: repeats an option; the first one counts (it)",
+            L"/b: repeats an option; the first one counts (it, argument 2)", L"-vm: has no value",
+            L"mine: the command line wins (it, argument 6)",
+            L"theirs: the user's file wins (it)"}));
+}
+
 TEST_F(MainOptions, WithoutAnythingAreTheAreasAndTheCustomization) {
     EXPECT_EQ(all({}), (Arguments{kSuppress, L"-data", L"/ws", L"-configuration", L"/ws/.config",
                                   L"-plugincustomization", custom_}));
@@ -90,15 +112,12 @@ TEST_F(MainOptions, LaunchersOwnOptionsAreDroppedWithTheirValues) {
     }
 }
 
-TEST_F(MainOptions, WhatIsDroppedIsKeptInItsOrderWithTheReason) {
-    all({L"-a", L"-data", L"/d", L"-b", L"-data", L"/e", L"-restart", L"-rcp_old_pid"});
-    ASSERT_EQ(line_.dropped(),
-              (Arguments{L"-data", L"/d", L"-data", L"/e", L"-restart", L"-rcp_old_pid"}));
-    const Why* const whys[] = {&whys::kOwnWorkspace, &whys::kOwnWorkspace, &whys::kRepeats,
-                               &whys::kRepeats,      &whys::kRestart,      &whys::kLacksValue};
-    for (std::size_t i = 0; i < std::size(whys); ++i) {
-        EXPECT_EQ(line_.dropped()[i].why, whys[i]) << i;
-    }
+TEST_F(MainOptions, WhatIsDroppedIsToldInItsOrderWithTheReason) {
+    const test::LoserNotes losers;
+    all({L"-a", L"-restart", L"-b", L"-rcp_old_pid"});
+    EXPECT_EQ(losers.notes, (std::vector<std::wstring>{
+                                L"-restart: tells the launcher that its platform is started anew",
+                                L"-rcp_old_pid: has no value"}));
 }
 
 TEST_F(MainOptions, RestartAndResetAreDroppedAlone) {

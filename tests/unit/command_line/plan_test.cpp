@@ -1,6 +1,6 @@
 #include "launcher/command_line/plan.h"
 
-#include "launcher/command_line/whys.h"
+#include "diagnostics/whys.h"
 #include "tests/unit/launch_pieces.h"
 
 namespace rcp {
@@ -29,15 +29,13 @@ TEST(CommandLine, ElementsTellByWhichRuleTheyAreThere) {
     EXPECT_EQ(line.arguments()[4].why, nullptr) << "the user's";
 }
 
-TEST(CommandLine, WhatIsDroppedIsKeptWithItsReason) {
+TEST(CommandLine, WhatARestartDropsIsToldWithItsReason) {
+    const test::LoserNotes losers;
     CommandLine line(Start::kRestart);
-    line.drop({L"-vm", Origin{nullptr, 3}}, whys::kOwnJvm);
     line.add({L"-debug", Origin{nullptr, 4}});
-    ASSERT_EQ(line.dropped(), (Arguments{L"-vm", L"-debug"}));
-    EXPECT_EQ(line.dropped()[0].why, &whys::kOwnJvm);
-    EXPECT_EQ(line.dropped()[0].origin.line, 3U);
-    EXPECT_EQ(line.dropped()[1].why, &whys::kNoConsole);
     EXPECT_TRUE(line.arguments().empty());
+    EXPECT_EQ(losers.notes,
+              std::vector<std::wstring>{L"-debug: a restarted platform gets no debug console"});
 }
 
 TEST(CommandLine, ProgramEmptiesTheList) {

@@ -1,8 +1,8 @@
 #include "launcher/command_line/vm_choice.h"
 
 #include "diagnostics/svc_debug.h"
+#include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
-#include "launcher/command_line/whys.h"
 #include "tests/unit/launch_pieces.h"
 #include "tests/unit/records.h"
 
@@ -44,6 +44,17 @@ class VmPiece : public test::CommandLineTest {
         return addVmToCommandLine(line_, inputs_);
     }
 };
+
+TEST_F(VmPiece, TellsThatTheOptionKeepsThePropertyOut) {
+    const auto file = std::make_shared<const std::wstring>(L"p");
+    const test::LoserNotes losers;
+    add({L"-vm", {L"/a", Origin{nullptr, 2}}}, {{L"vm", L"/b"}});
+    add({L"-vm", {L"/c", Origin{file, 3}}}, {{L"vm", L"/b"}});
+    add({}, {{L"vm", L"/b"}});
+    EXPECT_EQ(losers.notes,
+              (std::vector<std::wstring>{L"/b: the command line wins (it, argument 2)",
+                                         L"/b: the JVM of the installation wins (it, p, line 3)"}));
+}
 
 TEST_F(VmPiece, NamesTheJvmOfTheCommandLine) {
     EXPECT_EQ(add({L"-vm", L"/j/java", L"-vm", L"/k/java"}, {{L"vm", L"/p/java"}}),

@@ -2,7 +2,7 @@
 #include "launcher/hand_off.h"
 
 #include "diagnostics/svc_debug.h"
-#include "launcher/command_line/whys.h"
+#include "diagnostics/whys.h"
 #include "launcher/hand_off_tools.h"
 #include "platform/text.h"
 #include "tests/support/sandbox.h"

@@ -1,5 +1,6 @@
 #include "launcher/properties/vm_argument_map.h"
 
+#include "diagnostics/whys.h"
 #include "launcher/properties/property_file.h"
 #include "tests/unit/launch_pieces.h"
 
@@ -41,6 +42,25 @@ TEST_F(VmargMap, FirstSourceWinsAndLaterEntriesLeaveTheirListAllTheSame) {
     EXPECT_EQ(pairsOf(map), (Pairs{{L"vmarg.a", L"1"}, {L"vmarg.b", L"4"}}));
     EXPECT_TRUE(first.entries().empty());
     EXPECT_TRUE(second.entries().empty());
+}
+
+TEST_F(VmargMap, WhoeverComesLaterIsToldToHaveLost) {
+    const test::LoserNotes losers;
+    VmArgumentMap map;
+    insertArgsToVmargMap(
+        map, {{L"vmarg.a=1", Origin{nullptr, 1}}, {L"vmarg.a=2", Origin{nullptr, 2}}}, {});
+    Argument extensions(L"vmarg.b=3");
+    extensions.why = &whys::kExtension;
+    extensions.origin = {nullptr, 0};
+    insertCargsToVmargMap(map, {{L"vmarg.a=1", Origin{nullptr, 1}}, extensions});
+    PropertyList list = propertyList({{L"vmarg.a", L"4"}, {L"vmarg.b", L"5"}, {L"vmarg.c", L"6"}});
+    list.append({L"vmarg.c", L"7", {}});
+    insertPropToVmargMap(map, list);
+    EXPECT_EQ(losers.notes,
+              (std::vector<std::wstring>{L"vmarg.a=2: the command line wins (it, argument 1)",
+                                         L"4: the command line wins (it, argument 1)",
+                                         L"5: the configuration extension wins (it)",
+                                         L"7: the entry read first wins (it)"}));
 }
 
 TEST_F(VmargMap, SecondCallSeesOnlyWhatWasAddedSince) {

@@ -21,7 +21,7 @@ class Workspace : public test::LauncherTest {
         inputs_.arguments.insert(inputs_.arguments.end(), options.begin(), options.end());
         inputs_.properties = propertyList(properties);
         inputs_.installDir = home;
-        inputs_.workspace = getWorkspaceLocation(inputs_);
+        inputs_.workspace = getWorkspaceLocation(inputs_).text;
         return inputs_.workspace;
     }
     std::wstring configuration(const Arguments& options, const Pairs& properties = {},
@@ -41,6 +41,17 @@ class Workspace : public test::LauncherTest {
     ScopedVariable user_{"USER", "ann"};
     LaunchInputs inputs_;
 };
+
+TEST_F(Workspace, KnowsWhatHasNamedIt) {
+    const test::LoserNotes losers;
+    of({L"-data", {L"/a", Origin{nullptr, 2}}}, {{L"rcp.data", L"/b"}});
+    EXPECT_TRUE(getWorkspaceLocation(inputs_).origin == (Origin{nullptr, 2}));
+    EXPECT_EQ(losers.notes.front(), L"/b: the command line wins (it, argument 2)");
+    of({}, {{L"rcp.install.id", L"id"}});
+    EXPECT_EQ(getWorkspaceLocation(inputs_).origin.line, Origin::kHome);
+    inputs_.traits.eConfig = InstallConfiguration::kService;
+    EXPECT_TRUE(getWorkspaceLocation(inputs_).origin.isComputed());
+}
 
 TEST_F(Workspace, OneTrailingSeparatorOfTheArgumentIsDropped) {
     EXPECT_EQ(fromArgument(L"/tmp/ws"), L"/tmp/ws");

@@ -1,10 +1,16 @@
-// Why an element of the command line is there, and why an argument of the launcher's own is not: said where
-// it is put in or dropped, and told by whoever explains a launch.
+// Why an element of the command line is there, and why something else is not: said where it is put in, dropped
+// or beaten, and told by whoever explains a launch.
 #pragma once
 
 #include "diagnostics/argument.h"
 
 namespace rcp::whys {
+
+// --- From outside. "%s" is the name of the argument or property ---
+inline constexpr Why kUsersArgument{"the user's argument, passed on as it is"};
+inline constexpr Why kUsersJvmArgument{"the user's JVM argument"};
+inline constexpr Why kJvmArgument{"JVM argument %s; in the order of the names"};
+inline constexpr Why kExtension{"the configuration extension puts it in: %s"};
 
 // --- The program ---
 inline constexpr Why kPlatformProgram{
@@ -48,6 +54,7 @@ inline constexpr Why kDebugMarker{"while this file exists every launch is a debu
 // --- Not passed on ---
 inline constexpr Why kOwnWorkspace{"becomes the launcher's own -data"};
 inline constexpr Why kOwnConfiguration{"the configuration area is always the launcher's own"};
+inline constexpr Why kOwnJvmPart{"becomes the launcher's own -vmargs"};
 inline constexpr Why kOwnJvm{"becomes the launcher's own -vm"};
 inline constexpr Why kOldPlatform{"names the process whose end the launcher waits for"};
 inline constexpr Why kOldPlatformsId{"the process whose end the launcher waits for"};
@@ -55,6 +62,25 @@ inline constexpr Why kRestart{"tells the launcher that its platform is started a
 inline constexpr Why kReset{"asks the launcher for a new configuration area"};
 inline constexpr Why kNoConsole{"a restarted platform gets no debug console"};
 inline constexpr Why kLacksValue{"has no value"};
+inline constexpr Why kExtensionOption{"stands for the arguments of a configuration extension"};
+inline constexpr Why kExtensionName{"names the configuration extension"};
+inline constexpr Why kInitial{"the initial configuration is started instead"};
 inline constexpr Why kRepeats{"repeats an option; the first one counts"};
+inline constexpr Why kRepeatsOption{"repeats an option"};
+
+// --- Beaten ---
+inline constexpr Why kCommandLineWins{"the command line wins"};
+inline constexpr Why kExtensionWins{"the configuration extension wins"};
+inline constexpr Why kUsersFileWins{"the user's file wins"};
+inline constexpr Why kInstallationsJvmWins{"the JVM of the installation wins"};
+inline constexpr Why kReadFirstWins{"the entry read first wins"};
+inline constexpr Why kReadLastWins{"the entry read last wins"};
+
+/// Why an argument or property keeps others out.
+inline const Why& whyItWins(const Argument& winner) {
+    return winner.origin.isCommandLine() ? kCommandLineWins
+           : winner.why == &kExtension   ? kExtensionWins
+                                         : kReadFirstWins;
+}
 
 }  // namespace rcp::whys
