@@ -30,6 +30,7 @@ class Errors : public test::LauncherTest {
 };
 
 const std::string kLongest(999, 'f');
+constexpr Message<> kMessage{"message", "", ""};
 
 // --- Tracing ------------------------------------------------------------------------------------
 
@@ -117,19 +118,19 @@ TEST_F(Tracing, DumpListsEveryArgumentAndEndsWithAnEmptyLine) {
 }
 
 TEST_F(Tracing, DumpOfNoArgumentsIsAPairOfQuotes) {
-    traceArguments({"message", "", ""}, {});
+    traceArguments(kMessage, {});
     EXPECT_EQ(records_.text(), "message=\"\"\n\n");
 }
 
 TEST_F(Tracing, PercentSignsOfDumpedArgumentsAreDirectives) {
     const std::vector<Argument> arguments = {L"100%%", L"%s%n%d", L"50%"};
-    traceArguments({"message", "", ""}, arguments);
+    traceArguments(kMessage, arguments);
     EXPECT_EQ(records_.text(), "message=\"100%, %s%n%d, 50%, \"\n\n");
 }
 
 TEST_F(Tracing, DumpThatIsTooLongIsCutToOneRecord) {
     const std::vector<Argument> arguments = {std::wstring(5000, L'x')};
-    traceArguments({"message", "", ""}, arguments);
+    traceArguments(kMessage, arguments);
     EXPECT_EQ(records_.text().size(), 4096U);
 }
 

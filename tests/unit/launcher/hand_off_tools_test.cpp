@@ -40,7 +40,9 @@ TEST_F(HandOffTools, NoArgumentsAreANullPointer) {
 TEST_F(HandOffTools, ArgumentsAreLoggedOneALineWithoutTracing) {
     const test::Records records(folder_);
     const std::vector<Argument> wide = {L"/opt/Velmo", L"100%s", L"%n"};
-    logLaunchArguments({"begin", "", ""}, NarrowArguments(wide), {"end", "", ""});
+    constexpr Message<> kBegin{"begin", "", ""};
+    constexpr Message<> kEnd{"end", "", ""};
+    logLaunchArguments(kBegin, NarrowArguments(wide), kEnd);
     EXPECT_EQ(records.text().substr(records.text().find("begin")),
               "begin\n/opt/Velmo\n100%s\n%n\nend\n");
     EXPECT_FALSE(debug) << "tracing is as before";
