@@ -1,12 +1,16 @@
 // The macOS adapter over the stand-in of Core Foundation: who owns what, and what a failed call leaves.
+#include "platform/install_location.h"
 #include "platform/platform.h"
 #include "tests/standin/macos/calls.h"
+#include "tests/unit/fixture.h"
 #include "tests/unit/probe.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <iostream>
 
 namespace rcp::platform {
@@ -75,6 +79,26 @@ TEST_F(MacAdapter, PathThatIsNoUtf8IsNone) {
     EXPECT_EQ(absolutePath("/a", "b\xC3("), std::nullopt);
     EXPECT_EQ(absolutePath("/a\xFF", "b"), std::nullopt);
     EXPECT_EQ(absolutePath("/a", "/b\xFF"), "/b\xFF") << "untouched";
+}
+
+// The bytes of another locale are not those that file URLs are made from.
+TEST_F(MacAdapter, WorkspaceInALocaleThatIsNotUtf8EndsTheLaunch) {
+    const test::TestFolder folder;
+    const std::string locale = folder.narrow("latin");
+    (void)std::system(
+        ("localedef -i en_US -f ISO-8859-1 '" + locale + "' >/dev/null 2>&1").c_str());
+    setenv("LOCPATH", folder.narrow().c_str(), 1);
+    const std::string before = setlocale(LC_CTYPE, nullptr);
+    const bool isThere = setlocale(LC_CTYPE, "latin") != nullptr;
+    if (isThere) {
+        EXPECT_FATAL(convert_from_relative_location(L"Zo\u00EB"),
+                     "ZYPRA0302E: Unable to convert relative workspace path to a full path");
+    }
+    (void)setlocale(LC_CTYPE, before.c_str());
+    unsetenv("LOCPATH");
+    if (!isThere) {
+        GTEST_SKIP() << "no such locale can be made (package locales)";
+    }
 }
 
 const test::Probe startedAtTheRoot("started-at-the-root", [](const auto& arguments) {
