@@ -142,6 +142,7 @@ int run(int argc, char** argv) {
             ->expected(1, 2);
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
+    app.get_subcommand("check")->add_flag("--all", options.isAll, "list what is alike in full");
     app.get_subcommand("status")->add_flag("--watch", options.isWatching,
                                            "goes on until interrupted");
     app.get_subcommand("diff")->add_flag("--since-last", options.isSinceLast,

@@ -14,6 +14,7 @@ struct Options {
     Format format = Format::kText;
     std::string page;                    // the file that Format::kHtml writes
     bool isColored = false;              // a terminal that may be coloured reads the text
+    bool isAll = false;                  // check: every finding, however many are alike
     bool isStrict = false;               // check: warnings count as errors
     bool isWatching = false;             // status: goes on until interrupted
     bool isSinceLast = false;            // diff: against the recorded last launch

@@ -51,7 +51,7 @@ int check(const Options& options) {
     const Findings findings = findEverything(examination);
     switch (options.format) {
         case Format::kText:
-            std::cout << textReport(examination, findings, options.isColored);
+            std::cout << textReport(examination, findings, {options.isColored, options.isAll});
             break;
         case Format::kJson:
             std::cout << dump(jsonReport(examination, findings));

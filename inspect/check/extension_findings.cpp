@@ -6,8 +6,8 @@
 #include "launcher/command_line/config_extensions.h"
 #include "launcher/command_line/initial_configuration.h"
 
-#include <algorithm>
 #include <cwchar>
+#include <map>
 
 namespace rcp::inspect {
 namespace {
@@ -25,23 +25,6 @@ unsigned long firstMissing(const std::wstring& name, const PropertyList& propert
         ++number;
     }
     return number;
-}
-
-void findGap(const Examination& examination, const std::wstring& name, Findings& findings) {
-    const PropertyList& properties = examination.inputs.properties;
-    const unsigned long missing = firstMissing(name, properties);
-    const std::wstring prefix = std::wstring(kPrefix) + name + L".";
-    for (const Property& entry : properties.entries()) {
-        if (!entry.key.starts_with(prefix)) {
-            continue;
-        }
-        const unsigned long number = std::wcstoul(&entry.key[prefix.size()], nullptr, 10);
-        if (number > missing && entry.key == numberedKey(name, number)) {
-            findings.add(
-                "RI501", examination.nameOf(entry.origin), entry.origin.line,
-                "\"" + toUtf8(numberedKey(name, missing)) + "\" is missing in front of it");
-        }
-    }
 }
 
 void findInInitial(const Examination& examination, Findings& findings) {
@@ -76,14 +59,41 @@ void findRefused(const Examination& examination, const Arguments& arguments, Fin
     }
 }
 
-void findInExtension(const Examination& examination, const std::wstring& name, Findings& findings) {
-    findGap(examination, name, findings);
-    PropertyList properties = examination.inputs.properties;
+// The name in the key of an extension's entry; empty in others.
+std::wstring extensionName(std::wstring_view key) {
+    const PropertyKey* known = findPropertyKey(key);
+    if (known == nullptr || !known->key.starts_with(kPrefix)) {
+        return {};
+    }
+    const std::wstring_view name = key.substr(kPrefix.size());
+    const std::size_t restart = name.rfind(L".restartExe.");
+    return std::wstring(
+        name.substr(0, restart == std::wstring_view::npos ? name.rfind(L'.') : restart));
+}
+
+void findGap(const Examination& examination, const std::wstring& name, const PropertyList& entries,
+             Findings& findings) {
+    const unsigned long missing = firstMissing(name, entries);
+    const std::size_t numberAt = kPrefix.size() + name.size() + 1;
+    for (const Property& entry : entries.entries()) {
+        const unsigned long number = std::wcstoul(&entry.key[numberAt], nullptr, 10);
+        if (number > missing && entry.key == numberedKey(name, number)) {
+            findings.add(
+                "RI501", examination.nameOf(entry.origin), entry.origin.line,
+                "\"" + toUtf8(numberedKey(name, missing)) + "\" is missing in front of it");
+        }
+    }
+}
+
+// Of the properties an extension looks at its own alone.
+void findInExtension(const Examination& examination, const std::wstring& name,
+                     PropertyList& entries, Findings& findings) {
+    findGap(examination, name, entries, findings);
     VmArgumentMap map;
     Arguments extended;
     const Arguments own{examination.arguments.front(), Argument(L"-config"), Argument(name)};
     const auto record = endOf([&] {
-        extended = addConfigExtentionsToArg(own, properties, map, examination.inputs.debugFile);
+        extended = addConfigExtentionsToArg(own, entries, map, examination.inputs.debugFile);
     });
     if (record) {
         const Origin origin = examination.originOf(numberedKey(name, 1));
@@ -96,16 +106,10 @@ void findInExtension(const Examination& examination, const std::wstring& name, F
 
 std::vector<std::wstring> extensionNames(const Examination& examination) {
     std::vector<std::wstring> names;
+    std::set<std::wstring> known;
     for (const Property& entry : examination.inputs.properties.entries()) {
-        const PropertyKey* known = findPropertyKey(entry.key);
-        if (known == nullptr || !known->key.starts_with(kPrefix)) {
-            continue;
-        }
-        std::wstring name = entry.key.substr(kPrefix.size());
-        const std::size_t restart = name.rfind(L".restartExe.");
-        name.resize(restart == std::wstring::npos ? std::min(name.rfind(L'.'), name.size())
-                                                  : restart);
-        if (std::find(names.begin(), names.end(), name) == names.end()) {
+        const std::wstring name = extensionName(entry.key);
+        if (!name.empty() && known.insert(name).second) {
             names.push_back(name);
         }
     }
@@ -114,8 +118,14 @@ std::vector<std::wstring> extensionNames(const Examination& examination) {
 
 void findInExtensions(const Examination& examination, Findings& findings) {
     findRefused(examination, examination.inputs.arguments, findings);
-    for (const std::wstring& name : extensionNames(examination)) {
-        findInExtension(examination, name, findings);
+    std::map<std::wstring, PropertyList> extensions;
+    for (const Property& entry : examination.inputs.properties.entries()) {
+        if (const std::wstring name = extensionName(entry.key); !name.empty()) {
+            extensions[name].append(entry);
+        }
+    }
+    for (auto& [name, entries] : extensions) {
+        findInExtension(examination, name, entries, findings);
     }
     findInInitial(examination, findings);
 }

@@ -20,6 +20,7 @@ struct FindingRule {
     Level level;
     const char* meaning;
     const char* remedy;
+    const char* several = nullptr;  // "keys that nothing reads": what more of the kind are called
 };
 
 /// In the order of their codes. docs/findings.md lists the same.

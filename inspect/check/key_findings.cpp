@@ -46,11 +46,13 @@ void findMissing(const Examination& examination, Findings& findings) {
 
 // --- Never looked at ---
 
-bool isCompletionProperty(const Examination& examination, std::wstring_view key) {
-    const auto& entries = examination.inputs.properties.entries();
-    return std::any_of(entries.begin(), entries.end(), [key](const Property& entry) {
-        return entry.key.starts_with(L"config.initial.") && entry.value == key;
-    });
+// The properties by which initial configurations may tell that they are complete.
+void addCompletionProperties(const Examination& examination, std::set<std::wstring>& keys) {
+    for (const Property& entry : examination.inputs.properties.entries()) {
+        if (entry.key.starts_with(L"config.initial.")) {
+            keys.insert(entry.value);
+        }
+    }
 }
 
 std::string filesOf(unsigned files) {
@@ -133,10 +135,12 @@ void findEmptyKeys(const PropertyFile& file, Findings& findings) {
 void findHidden(const Examination& examination, const PropertyList& list,
                 std::initializer_list<std::wstring_view> prefixes, Findings& findings) {
     for (const std::wstring_view prefix : prefixes) {
-        const auto found = findProperties(prefix, list);
+        const auto found = findProperties(prefix, list);  // in the order of the list
+        auto next = found.begin();
         for (const Property& entry : list.entries()) {
-            if (entry.origin.file && entry.key.starts_with(prefix) &&
-                std::find(found.begin(), found.end(), &entry) == found.end()) {
+            if (next != found.end() && *next == &entry) {
+                ++next;
+            } else if (entry.origin.file && entry.key.starts_with(prefix)) {
                 findings.add("RI206", examination.nameOf(entry.origin), entry.origin.line,
                              quoted(entry.key) + " is never found");
             }
@@ -211,15 +215,15 @@ std::set<std::wstring> referredKeys(const Examination& examination) {
 
 void findInKeys(const Examination& examination, Findings& findings) {
     const LaunchInputs& inputs = examination.inputs;
-    const std::set<std::wstring> referred = referredKeys(examination);
+    std::set<std::wstring> looked = referredKeys(examination);
+    addCompletionProperties(examination, looked);
     findMissing(examination, findings);
     for (const PropertyFile& file : examination.files) {
         const auto& entries =
             file.kind == kUserFile ? examination.userEntries.entries() : file.entries.entries();
         for (const Property& entry : entries) {
             if (entry.origin.file && !entry.key.empty() &&
-                findPropertyKey(entry.key, file.kind) == nullptr && !referred.contains(entry.key) &&
-                !isCompletionProperty(examination, entry.key)) {
+                findPropertyKey(entry.key, file.kind) == nullptr && !looked.contains(entry.key)) {
                 findUnread(file, entry, findings);
             }
         }

@@ -9,8 +9,9 @@
 namespace rcp::inspect {
 
 /// Insertions, deletions, exchanges and swaps of neighbours that make one text the other, case
-/// ignored.
-std::size_t editDistance(std::wstring_view left, std::wstring_view right);
+/// ignored; of texts further apart than `limit` only that they are, as any number above it.
+std::size_t editDistance(std::wstring_view left, std::wstring_view right,
+                         std::size_t limit = std::wstring_view::npos);
 
 /// The key that counts in `file` and is nearest to `key`, if one is near; else empty. Of a prefix,
 /// what stands behind it is kept.

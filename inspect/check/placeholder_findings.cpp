@@ -115,29 +115,26 @@ void expand(Expansion expansion, const StandardLocations& locations, std::wstrin
     }
 }
 
-// The workspace that an extension names goes through the rule of "-data".
-bool isExtensionWorkspace(const PropertyFile& file, const Property& entry) {
-    const auto& entries = file.entries.entries();
-    for (const Property& other : entries) {
-        if (other.value == L"-data" && other.key.starts_with(L"config.") &&
-            entry.key.starts_with(L"config.")) {
-            const std::size_t dot = other.key.rfind(L'.') + 1;
-            const std::wstring next =
-                std::to_wstring(std::wcstoul(&other.key[dot], nullptr, 10) + 1);
-            if (entry.key == other.key.substr(0, dot) + next) {
-                return true;
-            }
+// The keys of the workspaces that extensions name, which go through the rule of "-data".
+std::set<std::wstring> extensionWorkspaces(const PropertyFile& file) {
+    std::set<std::wstring> keys;
+    for (const Property& entry : file.entries.entries()) {
+        if (entry.value == L"-data" && entry.key.starts_with(L"config.")) {
+            const std::size_t dot = entry.key.rfind(L'.') + 1;
+            const unsigned long number = std::wcstoul(&entry.key[dot], nullptr, 10);
+            keys.insert(entry.key.substr(0, dot) + std::to_wstring(number + 1));
         }
     }
-    return false;
+    return keys;
 }
 
 void findUnexpanded(const PropertyFile& file, const StandardLocations& locations,
                     const std::set<std::wstring>& referred, Findings& findings) {
+    const std::set<std::wstring> workspaces = extensionWorkspaces(file);
     for (const Property& entry : file.entries.entries()) {
         const PropertyKey* known = findPropertyKey(entry.key, file.kind);
         if (file.kind == kUserFile || known == nullptr || known->expansion == Expansion::kAll ||
-            referred.contains(entry.key) || isExtensionWorkspace(file, entry)) {
+            referred.contains(entry.key) || workspaces.contains(entry.key)) {
             continue;
         }
         std::wstring text = entry.value;

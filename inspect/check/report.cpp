@@ -11,14 +11,6 @@ constexpr char kSchema[] =
     "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json";
 constexpr char kBase[] = "INSTALLATION";
 
-std::string colored(const std::string& text, const char* code, bool isColored) {
-    return isColored ? std::string("\033[") + code + "m" + text + "\033[0m" : text;
-}
-
-std::string counted(std::size_t count, const std::string& what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 bool isUnreserved(unsigned char byte) {
     return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
            (byte >= 'a' && byte <= 'z') ||
@@ -75,31 +67,6 @@ Json sarifResult(const Finding& finding) {
 }
 
 }  // namespace
-
-std::string textReport(const Examination& examination, const Findings& findings, bool isColored) {
-    std::string text;
-    std::string file;
-    for (const Finding& finding : findings.sorted()) {
-        if (finding.file != file) {
-            file = finding.file;
-            text += (text.empty() ? "" : "\n") + colored(file, "1", isColored) + "\n";
-        }
-        const bool isError = finding.rule->level == Level::kError;
-        const std::string line = finding.line == 0 ? "" : std::to_string(finding.line) + ": ";
-        text += "  " + line +
-                colored(levelName(finding.rule->level), isError ? "31" : "33", isColored) + " " +
-                finding.rule->code + " " + finding.rule->name + ": " + finding.message + "\n";
-        text += std::string("      ") + finding.rule->meaning + "\n";
-        text += std::string("      -> ") + finding.rule->remedy + "\n";
-    }
-    const std::size_t errors = findings.count(Level::kError);
-    const std::size_t warnings = findings.count(Level::kWarning);
-    text += text.empty() ? "" : "\n";
-    text += examination.installation + ": ";
-    text += errors + warnings == 0 ? "nothing found"
-                                   : counted(errors, "error") + ", " + counted(warnings, "warning");
-    return text + "\n";
-}
 
 Json jsonReport(const Examination& examination, const Findings& findings) {
     Json list = Json::array();

@@ -9,8 +9,14 @@
 
 namespace rcp::inspect {
 
-/// For people, grouped by file.
-std::string textReport(const Examination& examination, const Findings& findings, bool isColored);
+struct TextForm {
+    bool isColored = false;
+    bool isWhole = false;  // every finding, however many there are of its kind
+};
+
+/// For people, grouped by file and kind.
+std::string textReport(const Examination& examination, const Findings& findings,
+                       const TextForm& form);
 /// Layout 1; docs/findings.md describes it.
 nlohmann::ordered_json jsonReport(const Examination& examination, const Findings& findings);
 /// SARIF 2.1.0: every rule of the table with its help, every finding with its place.

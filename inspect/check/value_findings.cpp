@@ -1,5 +1,6 @@
 // Values that mean something else than they seem to.
 #include "diagnostics/format.h"
+#include "diagnostics/observer.h"
 #include "inspect/check/groups.h"
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/properties/placeholders.h"
@@ -7,24 +8,46 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 namespace rcp::inspect {
 namespace {
 
-// Whether the value of `key` is part of what is appended to the user's file, where it serves as a
-// format.
-bool isAppended(const std::wstring& key, const PropertyList& properties) {
-    PropertyList without = properties;
-    replaceValue(key, L"", without);
-    return userFileBlock(without) != userFileBlock(properties);
-}
+// The entries that a look-up finds while it is there.
+class FoundEntries : public Observer {
+  public:
+    FoundEntries() { observer = this; }
+    ~FoundEntries() override { observer = former_; }
+    FoundEntries(const FoundEntries&) = delete;
+    FoundEntries& operator=(const FoundEntries&) = delete;
+    FoundEntries(FoundEntries&&) = delete;
+    FoundEntries& operator=(FoundEntries&&) = delete;
 
+    void propertyFileRead(const std::wstring& /*path*/, const PropertyList& /*list*/,
+                          std::size_t /*first*/) override {}
+    void propertyFound(const Property& entry) override { all_.push_back(&entry); }
+    void lost(const std::wstring& /*text*/, const Origin& /*origin*/, const Why& /*why*/,
+              const Origin* /*winner*/) override {}
+    void placeholderReplaced(const std::wstring& /*before*/, std::wstring_view /*placeholder*/,
+                             const std::wstring& /*value*/,
+                             const std::wstring& /*after*/) override {}
+    [[nodiscard]] const std::vector<const Property*>& all() const { return all_; }
+
+  private:
+    Observer* former_ = observer;
+    std::vector<const Property*> all_;
+};
+
+// What is appended to the user's file serves as a format.
 void findPercents(const Examination& examination, Findings& findings) {
-    const PropertyList& properties = examination.inputs.properties;
-    for (const Property& entry : properties.entries()) {
-        const std::string text = toUtf8(entry.value);
-        if (entry.origin.file && expandFormat(text) != text && isAppended(entry.key, properties)) {
-            findings.add("RI306", examination.nameOf(entry.origin), entry.origin.line,
+    const FoundEntries appended;
+    if (!userFileBlock(examination.inputs.properties)) {
+        return;
+    }
+    for (const Property* entry : appended.all()) {
+        const std::string text = toUtf8(entry->value);
+        if (entry->origin.file && expandFormat(text) != text) {
+            findings.add("RI306", examination.nameOf(entry->origin), entry->origin.line,
                          "the user's file gets \"" + expandFormat(text) + "\"");
         }
     }

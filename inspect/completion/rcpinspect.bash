@@ -17,7 +17,7 @@ _rcpinspect() {
     local formats="text json" options="--install --launcher --format --help"
     case $command in
         explain) formats+=" html" ;;
-        check) formats+=" sarif html" options+=" --strict" ;;
+        check) formats+=" sarif html" options+=" --strict --all" ;;
         status) options+=" --watch" ;;
         diff) options+=" --with --since-last" ;;
     esac

@@ -114,6 +114,16 @@ TEST(NearKeys, CountSlipsAndIgnoreCase) {
     EXPECT_EQ(editDistance(L"product", L"prodct"), 1U);
     EXPECT_EQ(editDistance(L"product", L"prodcut"), 1U);
     EXPECT_EQ(editDistance(L"", L"abc"), 3U);
+    EXPECT_EQ(editDistance(L"rcp.instlal.idd", L"rcp.install.id"), 2U);
+    EXPECT_EQ(editDistance(L"ca", L"abc"), 3U);  // no slip inside of a swap
+}
+
+TEST(NearKeys, OfFarTextsOnlyThatTheyAreFarIsFound) {
+    EXPECT_EQ(editDistance(L"kitten", L"sitting", 3), 3U);
+    EXPECT_GT(editDistance(L"kitten", L"sitting", 2), 2U);
+    EXPECT_GT(editDistance(L"a", L"abcdef", 2), 2U);
+    EXPECT_EQ(editDistance(L"ab", L"ba", 1), 1U);
+    EXPECT_GT(editDistance(L"abcd", L"wxyz", 0), 0U);
 }
 
 TEST(NearKeys, SuggestAKeyOfTheSameFile) {

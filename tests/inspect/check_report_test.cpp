@@ -108,6 +108,61 @@ TEST(CheckText, SuggestsTheKeyThatWasMeant) {
     EXPECT_NE(text.find("did you mean \"jvm.location\"?"), std::string::npos) << text;
 }
 
+// COUNT keys that nothing reads, from line 8 of the launcher's file on.
+std::string strangeKeys(int count) {
+    std::string lines;
+    for (int i = 0; i < count; ++i) {
+        lines += "strange." + std::to_string(i) + "=x\n";
+    }
+    return lines;
+}
+
+std::size_t occurrences(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(CheckText, TellsTheFirstOfManyAlikeAndHowManyThereAre) {
+    const Maker maker;
+    launcherHas(strangeKeys(1200))(maker);
+    const std::string text = checkOf(maker.options()).output;
+    EXPECT_EQ(occurrences(text, "warning RI202"), 4U) << text;
+    EXPECT_NE(text.find("  11: warning RI202 unread-key: nothing looks at \"strange.3\"\n"
+                        "  … and 1,196 more keys that nothing reads; --all lists them\n"
+                        "      Nothing looks at the key.\n"),
+              std::string::npos)
+        << text;
+    EXPECT_TRUE(text.ends_with(": 0 errors, 1,200 warnings\n")) << text;
+}
+
+TEST(CheckText, ListsThemAllWhenAskedAndWhereOneMoreLineSaysAsMuch) {
+    const Maker maker;
+    launcherHas(strangeKeys(5))(maker);
+    EXPECT_EQ(occurrences(checkOf(maker.options()).output, "warning RI202"), 5U);
+    launcherHas(strangeKeys(1200))(maker);
+    Options options = maker.options();
+    options.isAll = true;
+    const std::string text = checkOf(options).output;
+    EXPECT_EQ(occurrences(text, "warning RI202"), 1205U);
+    EXPECT_EQ(occurrences(text, "Nothing looks at the key."), 1U);
+    EXPECT_EQ(text.find("more"), std::string::npos);
+}
+
+TEST(CheckText, FindingsOfOtherKindsAndFilesAreGroupsOfTheirOwn) {
+    const Maker maker;
+    launcherHas(strangeKeys(6))(maker);
+    launcherHas("vmarg.a=word\n")(maker);
+    jvmHas(strangeKeys(6))(maker);
+    const std::string text = checkOf(maker.options()).output;
+    EXPECT_EQ(occurrences(text, "… and 2 more keys that nothing reads; --all lists them"), 2U)
+        << text;
+    EXPECT_EQ(occurrences(text, "RI404"), 1U) << text;
+    EXPECT_EQ(occurrences(text, "rcp/rcplauncher.properties\n"), 1U) << text;
+}
+
 TEST(CheckJson, HasTheDocumentedLayout) {
     const Maker maker;
     makeMistakes(maker);
