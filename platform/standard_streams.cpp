@@ -14,14 +14,10 @@ void openMissingStandardStreams() {
         if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) {
             continue;
         }
-        // The lowest free number is given out first, and all below are in use by now. Not
+        // It gets this number, which is the lowest free one: all below are in use by now. Not
         // close-on-exec: it is the platform's stream too.
-        const int opened = calls::open("/dev/null", O_RDWR | O_NOCTTY);  // NOLINT(*-cloexec-*)
-        if (opened < 0) {
+        if (calls::open("/dev/null", O_RDWR | O_NOCTTY) < 0) {  // NOLINT(*-cloexec-*)
             fatal(because(errno), messages.nullDeviceNotOpened);
-        }
-        if (opened > STDERR_FILENO) {
-            close(opened);
         }
     }
 }
