@@ -42,7 +42,7 @@ const std::vector<Command> kCommands{
     {"diff",
      "what two installations, or one since its last launch, do differently",
      diff,
-     {"text", "json"}},
+     {"text", "json", "html"}},
 };
 
 // An application bundle is an installation too.
@@ -142,12 +142,15 @@ int run(int argc, char** argv) {
             ->expected(1, 2);
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
-    app.get_subcommand("check")->add_flag("--all", options.isAll, "list what is alike in full");
+    for (const char* name : {"check", "diff"}) {
+        app.get_subcommand(name)->add_flag("--all", options.isAll, "lists in full");
+    }
     app.get_subcommand("status")->add_flag("--watch", options.isWatching,
                                            "goes on until interrupted");
     app.get_subcommand("diff")->add_flag("--since-last", options.isSinceLast,
                                          "against the recorded last launch");
-    app.get_subcommand("diff")->add_option("--with", other, "the other installation's directory");
+    app.get_subcommand("diff")->add_option("--with", other,
+                                           "the installation to compare with: the older one");
     try {
         std::reverse(own.begin(), own.end());  // as CLI11 takes a vector
         app.parse(own);

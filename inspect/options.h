@@ -14,7 +14,7 @@ struct Options {
     Format format = Format::kText;
     std::string page;                    // the file that Format::kHtml writes
     bool isColored = false;              // a terminal that may be coloured reads the text
-    bool isAll = false;                  // check: every finding, however many are alike
+    bool isAll = false;                  // lists in full, however long they are
     bool isStrict = false;               // check: warnings count as errors
     bool isWatching = false;             // status: goes on until interrupted
     bool isSinceLast = false;            // diff: against the recorded last launch
@@ -27,6 +27,7 @@ std::string installationOf(const std::string& launcher);
 
 /// Exit statuses that every command shares; `check` says more with its own.
 inline constexpr int kSuccess = 0;
+inline constexpr int kDifferent = 1;      // diff, as diff(1)
 inline constexpr int kFailure = 70;       // sysexits(3) EX_SOFTWARE, and a record says what
 inline constexpr int kWrongUse = 64;      // sysexits(3) EX_USAGE
 inline constexpr int kCannotCreate = 73;  // sysexits(3) EX_CANTCREAT: the page or the output

@@ -60,8 +60,8 @@ int check(const Options& options) {
             std::cout << dump(sarifReport(examination, findings));
             break;
         case Format::kHtml:
-            if (!writeCheckPage(nlohmann::json::parse(dump(jsonReport(examination, findings))),
-                                options.page)) {
+            if (!writePage(nlohmann::json::parse(dump(jsonReport(examination, findings))),
+                           options.page)) {
                 std::cerr << "rcpinspect: " << options.page << ": " << std::strerror(errno) << '\n';
                 return kCannotCreate;
             }

@@ -2,6 +2,7 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
+#include "inspect/copies/user_copies.h"
 #include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
 #include "launcher/command_line/config_extensions.h"
@@ -122,6 +123,13 @@ void findMasters(const Examination& examination, Findings& findings) {
     }
 }
 
+void findStaleCopies(const Examination& examination, Findings& findings) {
+    for (const StaleEntry& entry : staleEntries(examination)) {
+        findings.add("RI607", examination.nameOf(entry.master), entry.line,
+                     entry.message() + " (" + toNarrow(entry.copy) + ")");
+    }
+}
+
 void findNamedFiles(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
     for (const wchar_t* key : {L"plugincustomization", L"library.preload"}) {
@@ -166,6 +174,7 @@ void findInFiles(const Examination& examination, Findings& findings) {
         return;
     }
     findMasters(examination, findings);
+    findStaleCopies(examination, findings);
     if (examination.inputs.traits.isDirectJavaShape()) {
         findInClassPath(examination, findings);
     } else {

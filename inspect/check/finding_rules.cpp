@@ -152,6 +152,11 @@ constexpr FindingRule kRules[] = {
     {"RI606", "no-platform-xml", kWarning,
      "There is no master copy of platform.xml. Every launch records an error until there is one.",
      "Add the file, or set update.policy.managed=false."},
+    {"RI607", "stale-copy", kWarning,
+     "The user's copy of a master file was made from another version of it. A launch makes the "
+     "copy "
+     "once, so the user keeps the former entry.",
+     "Start once with -resetconfig, or change the user's copy."},
     // Application bundles
     {"RI701", "bundle-incomplete", kError,
      "The application bundle lacks something without which it does not start.",

@@ -19,7 +19,7 @@ _rcpinspect() {
         explain) formats+=" html" ;;
         check) formats+=" sarif html" options+=" --strict --all" ;;
         status) options+=" --watch" ;;
-        diff) options+=" --with --since-last" ;;
+        diff) formats+=" html" options+=" --with --since-last --all" ;;
     esac
 
     COMPREPLY=()

@@ -1,4 +1,5 @@
 #include "inspect/commands.h"
+#include "inspect/copies/describe_copies.h"
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/page/page.h"
@@ -13,12 +14,13 @@ namespace rcp::inspect {
 
 int explain(const Options& options) {
     try {
-        const nlohmann::json explanation = explainLaunch(options);
+        nlohmann::json explanation = explainLaunch(options);
+        explanation["copies"] = describeStaleCopies(examine(options));
         if (options.format == Format::kJson) {
             std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';
         } else if (options.format == Format::kHtml) {
-            if (!writeExplainPage(explanation, options.page)) {
+            if (!writePage(explanation, options.page)) {
                 std::cerr << "rcpinspect: " << options.page << ": " << strerror(errno) << '\n';
                 return kCannotCreate;
             }

@@ -144,6 +144,17 @@ void addChanges(Page& page, const json& changes) {
     }
 }
 
+void addCopies(Page& page, const json& copies) {
+    if (copies.empty()) {
+        return;
+    }
+    page.heading("The user's copies that differ from their masters");
+    for (const json& copy : copies) {
+        page.line("  " + baseName(copy["copy"]) + ": " + copy["message"].get<std::string>());
+        page.aside("        " + copy["master"].get<std::string>() + ":" + copy["line"].dump());
+    }
+}
+
 void addFiles(Page& page, const json& files) {
     for (const json& file : files) {
         page.heading("Properties of " + file["path"].get<std::string>());
@@ -178,6 +189,7 @@ std::string explanationText(const json& explanation, bool isColored) {
     addDropped(page, explanation["dropped"]);
     addEnvironment(page, explanation["environment"]);
     addChanges(page, explanation["changes"]);
+    addCopies(page, explanation.value("copies", json::array()));
     addFiles(page, explanation["files"]);
     return page.text();
 }

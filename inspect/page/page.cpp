@@ -48,7 +48,9 @@ std::string fileToReplace(const std::string& file) {
     return resolved ? std::string(resolved.get()) : std::string();
 }
 
-bool writePage(const nlohmann::json& data, const std::string& file) {
+}  // namespace
+
+bool writePage(const nlohmann::json& told, const std::string& file) {
     const std::string target = fileToReplace(file);
     if (target.empty()) {
         return false;
@@ -59,18 +61,8 @@ bool writePage(const nlohmann::json& data, const std::string& file) {
         return false;
     }
     WholeFile page(wide);
-    return page.open() && page.write(kPageHead) && page.write(asScriptData(data)) &&
+    return page.open() && page.write(kPageHead) && page.write(asScriptData(told)) &&
            page.write(kPageTail) && page.commit();
-}
-
-}  // namespace
-
-bool writeExplainPage(const nlohmann::json& explanation, const std::string& file) {
-    return writePage(explanation, file);
-}
-
-bool writeCheckPage(const nlohmann::json& report, const std::string& file) {
-    return writePage(report, file);
 }
 
 }  // namespace rcp::inspect

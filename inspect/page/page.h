@@ -7,10 +7,8 @@
 
 namespace rcp::inspect {
 
-/// Writes the page of an explanation. The file appears whole or not at all: false, with errno set,
-/// when it cannot be written; what was there is untouched then.
-bool writeExplainPage(const nlohmann::json& explanation, const std::string& file);
-/// The same of the report of a check.
-bool writeCheckPage(const nlohmann::json& report, const std::string& file);
+/// Writes the page of what a command tells as JSON. The file appears whole or not at all: false, with errno
+/// set, when it cannot be written; what was there is untouched then.
+bool writePage(const nlohmann::json& told, const std::string& file);
 
 }  // namespace rcp::inspect

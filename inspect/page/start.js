@@ -2,6 +2,7 @@
 {
     const data = JSON.parse(document.getElementById('data').textContent);
     const search = new Search();
-    const page = data.command === 'check' ? new Report(data, search) : new Explanation(data, search);
+    const pages = {check: Report, diff: Differences};
+    const page = new (pages[data.command] || Explanation)(data, search);
     page.render(document.getElementById('main'));
 }

@@ -71,6 +71,7 @@ std::vector<Case> extensionCases() {
 }
 
 std::vector<Case> fileCases() {
+    static const std::string settings = kBase + "/config/user/config.ini";
     const std::string program = kBase + "/macosx/x86/eclipse";
     const Change inProcess = differs(kLauncherProperties, "dylib=0", "dylib=1");
     const Change otherBase = [](const Maker& maker) {
@@ -129,6 +130,15 @@ std::vector<Case> fileCases() {
          both(lacks(kBase + "/config/user/platform.xml"),
               launcherHas("update.policy.managed=false\n")),
          kLauncherProperties, inAll(2)},
+        {"RI607", "ConfigIniThatChangedBehindTheUsersCopy",
+         both(has(settings, "a=1\n"), has("workspace/.config/config.ini", "a=2\nown=x\n")),
+         both(has(settings, "a=1\n"), has("workspace/.config/config.ini", "a=1\nown=x\n")),
+         settings.c_str(), inAll(1)},
+        {"RI607", "MasterPropertiesThatChangedBehindTheUsersCopy",
+         both(masterHas("provisioning.manifest.version=2\n"),
+              has("workspace/.config/rcpinstall.properties",
+                  "product=former\nprovisioning.manifest.version=1\n")),
+         has("workspace/.config/rcpinstall.properties", "product=mine\n"), kMaster, inAll(1)},
     };
 }
 

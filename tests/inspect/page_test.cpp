@@ -45,7 +45,7 @@ std::vector<std::string> allMatches(const std::string& text, const std::string& 
 class Page : public test::LauncherTest {
   protected:
     std::string written(const json& data) {
-        EXPECT_TRUE(writeExplainPage(data, folder_.narrow("page.html")));
+        EXPECT_TRUE(writePage(data, folder_.narrow("page.html")));
         return folder_.read("page.html");
     }
 
@@ -64,7 +64,7 @@ TEST_F(Page, HoldsTheExplanation) {
 
 TEST_F(Page, HoldsTheReportOfACheck) {
     const json report = readData("report.json");
-    ASSERT_TRUE(writeCheckPage(report, folder_.narrow("page.html")));
+    ASSERT_TRUE(writePage(report, folder_.narrow("page.html")));
     EXPECT_EQ(json::parse(dataOf(folder_.read("page.html"))), report);
 }
 
@@ -154,7 +154,7 @@ TEST_F(Page, WhatCannotBeWrittenIsSaid) {
           Unwritable{folder_.narrow("loop"), ELOOP},
           Unwritable{folder_.narrow("\xFF.html"), EILSEQ}}) {
         errno = 0;
-        EXPECT_FALSE(writeExplainPage(explanationOf("x"), file)) << file;
+        EXPECT_FALSE(writePage(explanationOf("x"), file)) << file;
         EXPECT_EQ(errno, error) << file;
     }
     EXPECT_EQ(folder_.read("file"), "untouched");

@@ -55,8 +55,25 @@ def clean_report():
             "summary": {"errors": 0, "warnings": 0}}
 
 
+def difference():
+    """A new installation with one more option, one file less, and a finding that went."""
+    settings = {"kind": "file", "file": "/opt/new/rcp/rcplauncher.properties", "line": 9, "key": "vmarg.a", "value": "-Da=1"}
+    return {
+        "layout": 1, "command": "diff", "isDifferent": True,
+        "first": {"installation": "/opt/old", "level": "1", "date": "2026-01-01", "outcome": {"kind": "execv", "role": "main"}},
+        "second": {"installation": "/opt/new", "level": "2", "date": "2026-02-01", "outcome": {"kind": "provisioning", "role": "main"}},
+        "elements": [{"change": "added", "element": 3, "text": "-Da=1", "source": settings}],
+        "environment": [], "copies": [],
+        "properties": [{"change": "added", "name": "vmarg.a", "value": "-Da=1", "source": settings}],
+        "files": [{"change": "removed", "path": "plugins/<b>old.jar"}],
+        "findings": [{"change": "removed", "code": "RI202", "name": "unread-key", "level": "warning",
+                      "file": "rcp/rcplauncher.properties", "line": 4, "message": "nothing looks at \"x\""}],
+    }
+
+
 # What has no file of its own among the data.
-PAGES = {"large": large_explanation(1000), "fatal": fatal_explanation(), "clean": clean_report()}
+PAGES = {"large": large_explanation(1000), "fatal": fatal_explanation(), "clean": clean_report(),
+         "difference": difference()}
 
 
 def element(page, number):
@@ -375,3 +392,20 @@ def hostile_findings_stay_texts(page):
     assert "note</script><img src=http://127.0.0.1:9/y" in page.text("#finding-3")
     expect(page.all("main img, main script"), [])
     assert all(url == "about:blank" or url.startswith("file:") for url in page.requests())
+
+
+@test("difference")
+def a_difference_tells_both_ends_and_each_side_of_every_part(page):
+    assert "The first starts the platform; the second provisions first" in page.text("h1"), page.text("h1")
+    expect([node.text for node in page.all("h2")],
+           ["Command line", "Properties", "Files", "Findings of the check"])
+    assert "+ only in the second" in page.text("#elements")
+    assert "rcp/rcplauncher.properties:9" in page.text("#elements")
+    assert "− only in the first" in page.text("#files") and "plugins/<b>old.jar" in page.text("#files")
+    page.shoot("difference")
+
+
+@test("difference")
+def differences_are_searched(page):
+    page.search("old.jar")
+    expect([node.is_displayed() for node in page.all(".rows li .verb[title]")], [False, False, True, False])

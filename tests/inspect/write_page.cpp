@@ -1,4 +1,4 @@
-// Writes the page of an explanation or of a check's report, for the test that looks at it in a browser.
+// Writes the page of what a command tells, for the test that looks at it in a browser.
 //
 // usage: write_page JSON-FILE PAGE
 #include "inspect/json/json.h"
@@ -17,10 +17,7 @@ int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "C.UTF-8");
     std::ifstream input(argv[1]);
     const nlohmann::json data = nlohmann::json::parse(input);
-    const bool isCheck = data.at("command") == "check";
-    const bool isWritten = isCheck ? rcp::inspect::writeCheckPage(data, argv[2])
-                                   : rcp::inspect::writeExplainPage(data, argv[2]);
-    if (!isWritten) {
+    if (!rcp::inspect::writePage(data, argv[2])) {
         perror(argv[2]);
         return 1;
     }

@@ -1,0 +1,60 @@
+// The page of "diff": how two launches and installations differ.
+const kSigns = {removed: ['−', 'only in the first'], added: ['+', 'only in the second'], changed: ['≠', 'changed']};
+
+// The parts in their order: member, heading, and the texts of one difference.
+const kParts = [
+    ['elements', 'Command line', (one) => [one.text]],
+    ['environment', 'Environment', (one) => [one.name, one.value ?? 'not set']],
+    ['properties', 'Properties', (one) => [one.name, one.value]],
+    ['copies', 'The user’s copies of master files', (one) => [one.copy, one.message]],
+    ['files', 'Files', (one) => [one.path]],
+    ['findings', 'Findings of the check', (one) => [one.code + ' ' + one.file + (one.line ? ':' + one.line : ''), one.message]],
+];
+
+class Differences {
+    constructor(data, search) {
+        this.data = data;
+        this.search = search;
+    }
+
+    render(main) {
+        document.title = 'rcpinspect: what ' + shown((this.data.second || {}).installation || '') + ' does differently';
+        const parts = kParts.filter(([name]) => (this.data[name] || []).length > 0);
+        contents([['summary', 'Summary'],
+            ...parts.map(([name, title]) => [name, title, this.data[name].length])]);
+        main.append(this.summary(), ...parts.map(([name, title, texts]) => section(name, title, null,
+            make('ul.rows', null, this.data[name].map((one) => this.row(one, title, texts(one)))))));
+    }
+
+    summary() {
+        const sides = [['removed', this.data.first || {}], ['added', this.data.second || {}]];
+        const ends = sides.map(([, side]) => this.end(side));
+        return make('section.outcome', {id: 'summary', 'aria-labelledby': 'summary-title'},
+            make('h1', {id: 'summary-title'}, !this.data.isDifferent ? 'No difference'
+                : ends[0] === ends[1] ? 'Both: ' + ends[0]
+                    : 'The first ' + ends[0] + '; the second ' + ends[1]),
+            make('ul.rows', null, sides.map(([change, side]) => make('li', null,
+                make('span.verb', null, kSigns[change][0]), make('div', null,
+                    code(side.log || side.installation || ''),
+                    make('div.why', null, shown([side.level ? 'level ' + side.level : null, side.date]
+                        .filter((text) => text).join(', '))))))));
+    }
+
+    end(side) {
+        const outcome = side.outcome || {kind: 'execv'};
+        return outcome.record ? 'ends with ' + shown(outcome.record)
+            : {ends: 'ends', fatal: 'ends', provisioning: 'provisions first'}[outcome.kind]
+                || (outcome.role === 'daemon' ? 'passes its arguments on' : 'starts the platform');
+    }
+
+    row(one, group, texts) {
+        const [sign, label] = kSigns[one.change] || ['?', one.change];
+        const source = one.source && one.source.file
+            ? shortPath(one.source.file, this.data.second.installation) + ':' + one.source.line : null;
+        const node = make('li', null, make('span.verb', {title: label}, sign + ' ' + label),
+            make('div', null, texts.map((text, index) => make(index === 0 ? 'strong' : 'div', null, code(String(text)))),
+                source ? make('div.why', null, shown(source)) : null));
+        this.search.add(group.toLowerCase(), node, [...texts.map(String), label, source]);
+        return node;
+    }
+}
