@@ -41,6 +41,7 @@ struct Argument {
     Argument(std::wstring words, Origin from = {})
         : text(std::move(words)), origin(std::move(from)) {}
     Argument(const wchar_t* words) : text(words) {}
+    Argument(std::wstring_view words) : text(words) {}
 
     /// Of the texts alone.
     bool operator==(const Argument& other) const { return text == other.text; }

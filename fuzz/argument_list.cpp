@@ -9,6 +9,8 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
 #include "launcher/inputs/install_configuration.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 
 #include <algorithm>
 #include <map>
@@ -42,12 +44,8 @@ bool isSubsequence(const Arguments& part, const Arguments& whole) {
 
 // Options of which a repetition may go, with or without the argument behind it.
 bool mayHaveRepetitions(const Arguments& arguments) {
-    constexpr std::wstring_view kOptions[] = {L"-vm",          L"-data",    L"-plugincustomization",
-                                              L"-application", L"-product", L"-personality",
-                                              L"-nl",          L"-dir",     L"-console",
-                                              L"-debug",       L"-pb4l"};
-    return std::any_of(std::begin(kOptions), std::end(kOptions), [&](std::wstring_view option) {
-        return std::count(arguments.begin(), arguments.end(), option) > 1;
+    return std::any_of(arguments.begin(), arguments.end(), [&](const Argument& one) {
+        return isUnique(one.text) && std::count(arguments.begin(), arguments.end(), one) > 1;
     });
 }
 
@@ -63,8 +61,8 @@ void checkExtension(const Arguments& arguments, const Arguments& values,
                     const Arguments& extended) {
     require(!extended.empty() && extended[0] == arguments[0], "the program stays in front");
     const auto config =
-        std::find(arguments.begin() + 1, arguments.end(), L"-config") - arguments.begin();
-    const Argument* name = optionValue(L"-config", arguments);
+        std::find(arguments.begin() + 1, arguments.end(), options::kConfig) - arguments.begin();
+    const Argument* name = optionValue(options::kConfig, arguments);
     if (name == nullptr) {
         require(extended == arguments, "without an extension the arguments stay");
         return;
@@ -82,8 +80,9 @@ void checkExtension(const Arguments& arguments, const Arguments& values,
     if (mayHaveRepetitions(both)) {
         return;
     }
-    const bool hasSeparator = hasOption(L"-vmargs", own);
-    const auto dropped = hasSeparator ? std::count(added.begin(), added.end(), L"-vmargs") : 0;
+    const bool hasSeparator = hasOption(options::kVmargs, own);
+    const auto dropped =
+        hasSeparator ? std::count(added.begin(), added.end(), options::kVmargs) : 0;
     require(extended.size() == both.size() - static_cast<std::size_t>(dropped),
             "no argument is lost");
     require(isSubsequence(own, extended), "the launcher's own arguments keep their order");
@@ -92,7 +91,8 @@ void checkExtension(const Arguments& arguments, const Arguments& values,
 // Arguments that are nobody's option nor value and stand in front of "-vmargs" are all handed on.
 void checkMainOptions(const Arguments& launchArgs, const LaunchInputs& inputs) {
     Arguments plain;
-    for (std::size_t i = 1; i < inputs.arguments.size() && inputs.arguments[i] != L"-vmargs"; ++i) {
+    for (std::size_t i = 1; i < inputs.arguments.size() && inputs.arguments[i] != options::kVmargs;
+         ++i) {
         const bool isBehindOption = inputs.arguments[i - 1].text.starts_with(L"-");
         if (!inputs.arguments[i].text.starts_with(L"-") && (i == 1 || !isBehindOption)) {
             plain.push_back(inputs.arguments[i]);
@@ -119,10 +119,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     inputs.workspace = L"/home/ann/workspace";
     inputs.configuration = L"/home/ann/workspace/.config";
     inputs.installDir = L"/nowhere";
-    inputs.properties.append({L"rcp.install.id", L"abc123", {}});
-    inputs.properties.append({L"plugincustomization", L"/dev/null", {}});
+    inputs.properties.append({std::wstring(keys::kInstallId), L"abc123", {}});
+    inputs.properties.append({std::wstring(keys::kPluginCustomization), L"/dev/null", {}});
     for (std::size_t i = 0; i < values.size(); ++i) {
-        inputs.properties.append({L"config.x." + std::to_wstring(i + 1), values[i].text, {}});
+        inputs.properties.append({keys::extensionArgument(L"x", i + 1), values[i].text, {}});
     }
     inputs.traits.eConfig = installConfigurationOf(inputs.properties);
     const bool ended = fuzz::endsLaunch([&] {
@@ -130,7 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                     inputs.debugFile);
     });
     if (ended) {
-        const auto isVmarg = [](const Argument& one) { return one.text.starts_with(L"vmarg."); };
+        const auto isVmarg = [](const Argument& one) { return one.text.starts_with(keys::kVmarg); };
         require(std::any_of(all.begin(), all.end(), isVmarg), "only a bad vmarg ends the launch");
         return 0;
     }
@@ -148,8 +148,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(launchArgs.size() <= inputs.arguments.size() + inputs.vmargMap.size() + 20,
             "the list has a bound");
     for (const auto& [key, argument] : inputs.vmargMap) {
-        require(argument.text.empty() || argument == L"-debug" || argument == L"-console" ||
-                    hasOption(argument.text, launchArgs),
+        require(argument.text.empty() || argument == options::kDebug ||
+                    argument == options::kConsole || hasOption(argument.text, launchArgs),
                 "no JVM argument is lost");
     }
     return 0;

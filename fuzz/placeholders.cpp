@@ -6,6 +6,7 @@
 
 #include "diagnostics/svc_debug.h"
 #include "fuzz/fuzz.h"
+#include "launcher/vocabulary/variables.h"
 
 #include <stdlib.h>
 
@@ -37,7 +38,7 @@ std::size_t count(const std::wstring& text, std::wstring_view part) {
 }
 
 void checkReplaceEvery(const std::wstring& text, const std::wstring& value) {
-    const std::wstring_view placeholder = kRcpHomePlaceholder;
+    const std::wstring_view placeholder = placeholders::kRcpHome;
     std::wstring out = text;
     replaceEvery(out, placeholder, value);
     const std::size_t found = count(text, placeholder);
@@ -49,7 +50,7 @@ void checkStandard(const StandardLocations& locations, const std::wstring& text)
     checkReplaceEvery(text, locations.installDir);
     std::wstring out = text;
     replaceStdPlaceholders(locations, out);
-    if (text.find(L"${") == std::wstring::npos) {
+    if (text.find(placeholders::kOpening) == std::wstring::npos) {
         require(out == text, "a text without placeholders stays");
     }
     Arguments arguments = {text, L"", text};
@@ -61,7 +62,7 @@ void checkStandard(const StandardLocations& locations, const std::wstring& text)
 // The outcome for `text`; whether everything resolved.
 bool checkUser(std::wstring text, const PropertyList& list, std::size_t longestValue) {
     const std::size_t longest = text.size() + kMostGrowth + longestValue;
-    const bool hasPlaceholder = text.find(L"${") != std::wstring::npos;
+    const bool hasPlaceholder = text.find(placeholders::kOpening) != std::wstring::npos;
     const std::wstring before = text;
     const bool resolved = replaceUserPlaceholders(text, list);
     require(text.size() <= longest, "the result has a bound");

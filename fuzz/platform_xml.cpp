@@ -4,15 +4,17 @@
 #include "launcher/user_area/platform_xml.h"
 
 #include "fuzz/fuzz.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 
 namespace {
 
 using namespace rcp;
 using rcp::fuzz::require;
 
-constexpr std::wstring_view kIds[] = {L"${jvm.feature.id}", L"${jvm.parent.feature.id}"};
-constexpr std::wstring_view kVersions[] = {L"${jvm.feature.version}",
-                                           L"${jvm.parent.feature.version}"};
+constexpr std::wstring_view kIds[] = {placeholders::kFeatureId, placeholders::kParentFeatureId};
+constexpr std::wstring_view kVersions[] = {placeholders::kFeatureVersion,
+                                           placeholders::kParentFeatureVersion};
 constexpr std::size_t kShortestPlaceholder = kIds[0].size();
 
 }  // namespace
@@ -24,14 +26,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t longestValue = 0;
     bool isComplete = true;
     bool bringsPlaceholders = false;
-    for (const wchar_t* key : {L"jvm.feature.id", L"jvm.feature.version", L"jvm.parent.feature.id",
-                               L"jvm.parent.feature.version"}) {
+    for (const Key key : {keys::kFeatureId, keys::kFeatureVersion, keys::kParentFeatureId,
+                          keys::kParentFeatureVersion}) {
         const std::wstring value = fields.text();
         isComplete &= !value.empty();
         bringsPlaceholders |= value.find_first_of(L"${}") != std::wstring::npos;
         longestValue = std::max(longestValue, value.size());
         if (!value.empty()) {
-            properties.append({key, value, {}});
+            properties.append({std::wstring(key), value, {}});
         }
     }
 

@@ -5,6 +5,7 @@
 #include "fuzz/fuzz.h"
 #include "launcher/properties/property_text.h"
 #include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -84,11 +85,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Fields fields(data, size);
     const std::string file = fields.bytes();
     PropertyList properties;
-    for (const wchar_t* key : {L"rcp.install.id", L"jvm.location", L"rcp.base.location",
-                               L"install.configuration", L"com.ovr.rcp.core.locale"}) {
+    for (const Key key : {keys::kInstallId, keys::kJvmLocation, keys::kBaseLocation,
+                          keys::kInstallConfiguration, keys::kLocale}) {
         const std::wstring value = fields.text();
         if (!value.empty()) {
-            properties.append({key, value, {}});
+            properties.append({std::wstring(key), value, {}});
         }
     }
 
@@ -98,8 +99,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
 
     const std::optional<UserFileBlock> block = userFileBlock(properties);
-    require(block.has_value() == (findProperty(L"rcp.install.id", properties) != nullptr &&
-                                  findProperty(L"rcp.base.location", properties) != nullptr),
+    require(block.has_value() == (findProperty(keys::kInstallId, properties) != nullptr &&
+                                  findProperty(keys::kBaseLocation, properties) != nullptr),
             "a block is made from the two required values");
     const std::string target = fuzz::folder() + "/rcpinstall.properties";
     const bool ended = fuzz::endsLaunch([&] {

@@ -20,6 +20,8 @@
 #include "launcher/user_area/unfinished_files.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -45,13 +47,13 @@ void ensure(LaunchInputs& inputs, const std::wstring& directory, Message<Text> m
 // The base location with its "${rcp.home}" replaced; stored back, so that every later step sees the
 // real path.
 std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& propertyFile) {
-    const std::wstring* property = findProperty(L"rcp.base.location", inputs.properties);
+    const std::wstring* property = findProperty(keys::kBaseLocation, inputs.properties);
     if (property == nullptr) {
         fatal(noReason(), messages.baseLocationMissing, propertyFile);
     }
     std::wstring base = *property;
-    replaceEvery(base, kRcpHomePlaceholder, inputs.installDir);
-    replaceValue(L"rcp.base.location", base, inputs.properties);
+    replaceEvery(base, placeholders::kRcpHome, inputs.installDir);
+    replaceValue(keys::kBaseLocation, base, inputs.properties);
     return base;
 }
 
@@ -124,7 +126,7 @@ bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
     const bool isThere =
         getPropertiesIfThere(userFileOf(inputs.configuration), inputs.userProperties);
     // There is one: getInstallID has made sure.
-    const std::wstring* installId = findProperty(L"rcp.install.id", inputs.properties);
+    const std::wstring* installId = findProperty(keys::kInstallId, inputs.properties);
     const bool isOld = isOldRcpInstallId(*installId, inputs.userProperties);
     if (!isOld && !isAsked) {
         return isThere;
@@ -173,8 +175,8 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead) 
     std::wstring workspace = inputs.workspace;
     convertBS2S(workspace);
     trace(messages.workspaceLocation, workspace);
-    pushBackProperty(inputs.properties, L"velmo.workspace.loc", workspace);
-    pushBackProperty(inputs.userProperties, L"velmo.workspace.loc", workspace);
+    pushBackProperty(inputs.properties, keys::kWorkspaceLocation, workspace);
+    pushBackProperty(inputs.userProperties, keys::kWorkspaceLocation, workspace);
     insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
     if (getPropertiesIfThere(osPath(inputs.configuration + L"/args.properties"),
                              inputs.properties)) {

@@ -5,6 +5,8 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/hand_off.h"
 #include "launcher/launch.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/install_location.h"
 #include "platform/platform.h"
 #include "platform/process.h"
@@ -25,19 +27,16 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kDefaultJvmLocation[] = L"/Applications/ZUN Velmo.app/jre";
-constexpr wchar_t kDefaultExtensionPath[] = L"/Contents/Home/lib/ext";
-constexpr wchar_t kDefaultLibraryPath[] = L"/Contents/Home/lib/jli/libjli.dylib";
 constexpr char kDefaultJavaHome[] = "/Applications/ZUN Velmo.app/jre/Contents/Home";
 
 // The property's value, or `otherwise` when it is missing or empty.
-std::wstring valueOr(const wchar_t* key, const wchar_t* otherwise, const PropertyList& properties) {
+std::wstring valueOr(Key key, const wchar_t* otherwise, const PropertyList& properties) {
     const std::wstring* value = findProperty(key, properties);
     return value == nullptr || value->empty() ? otherwise : *value;
 }
 
 std::wstring jvmLocation(const PropertyList& properties) {
-    return valueOr(L"jvm.location", kDefaultJvmLocation, properties);
+    return valueOr(keys::kJvmLocation, defaults::kJvmLocation, properties);
 }
 
 // setlocale(3) with the reason for a failure: none where the C library leaves no errno.
@@ -92,8 +91,8 @@ bool prepareLaunch(Launch& launch, int argc, char** argv) {
     doVersionCheck(launch.arguments);
     launch.plan = startup(launch, std::move(installation), start);
     if (launch.plan && launch.plan->kind == LaunchKind::kPlatform) {
-        launch.plan->line.add(L"-Dfile.encoding=UTF-8", whys::kTextsAreUtf8);
-        launch.plan->line.add(L"-XstartOnFirstThread", whys::kFirstThread);
+        launch.plan->line.add(options::kFileEncoding, whys::kTextsAreUtf8);
+        launch.plan->line.add(options::kStartOnFirstThread, whys::kFirstThread);
     }
     return launch.plan.has_value();
 }
@@ -141,10 +140,10 @@ void setCharacterLocale() {
 }
 
 void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& properties) {
-    const std::wstring suffix =
-        L":" + jvmLocation(properties) + valueOr(L"jvm.extpath", kDefaultExtensionPath, properties);
+    const std::wstring suffix = L":" + jvmLocation(properties) +
+                                valueOr(keys::kJvmExtPath, defaults::kJvmExtPath, properties);
     const auto isMatch = [](const Argument& argument) {
-        return argument.text.starts_with(L"-Djava.ext.dirs");
+        return argument.text.starts_with(options::kExtensionDirectories);
     };
     std::wstring last;
     for (const Argument& argument : arguments) {
@@ -160,15 +159,15 @@ void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& prope
 }
 
 void appendVm(Arguments& arguments, const PropertyList& properties) {
-    arguments.emplace_back(L"-vm");
-    const Property* location = properties.find(L"jvm.location");
+    arguments.emplace_back(std::wstring(options::kVm));
+    const Property* location = properties.find(keys::kJvmLocation);
     arguments.emplace_back(
-        jvmLocation(properties) + valueOr(L"jvm.libpath", kDefaultLibraryPath, properties),
+        jvmLocation(properties) + valueOr(keys::kJvmLibPath, defaults::kJvmLibPath, properties),
         location == nullptr ? Origin() : location->origin);
 }
 
 void doVersionCheck(const Arguments& arguments) {
-    if (arguments.size() == 2 && hasOption(L"-version", arguments)) {
+    if (arguments.size() == 2 && hasOption(options::kVersion, arguments)) {
         fatal(noReason(), messages.version, kVersion);
     }
 }

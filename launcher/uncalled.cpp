@@ -5,6 +5,7 @@
 #include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/java_properties.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/process.h"
 #include "platform/whole_file.h"
 
@@ -46,11 +47,11 @@ bool writeShutdownRequest() {
 }  // namespace
 
 bool isInitMUService(const Arguments& arguments) {
-    return hasOption(L"-initMUService", arguments);
+    return hasOption(options::kInitMuService, arguments);
 }
 
 bool isDCommandOnly(const Arguments& arguments) {
-    return hasOption(L"-dcommand_only", arguments);
+    return hasOption(options::kCommandOnly, arguments);
 }
 
 bool isPipeDaemonCommand() {

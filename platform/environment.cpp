@@ -2,6 +2,7 @@
 
 #include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/text.h"
 
 #include <stdlib.h>
@@ -9,8 +10,8 @@
 
 namespace rcp {
 
-std::optional<std::wstring> getEnv(const std::wstring& name) {
-    const char* found = getenv(toNarrow(name).c_str());
+std::optional<std::wstring> getEnv(VariableName name) {
+    const char* found = getenv(toNarrow(std::wstring(name)).c_str());
     if (found == nullptr) {
         trace(messages.variableNotSet, name);
         return std::nullopt;
@@ -18,23 +19,23 @@ std::optional<std::wstring> getEnv(const std::wstring& name) {
     return toWide(found);
 }
 
-bool setEnv(const std::wstring& name, const std::wstring& value, Overwrite overwrite) {
+bool setEnv(VariableName name, const std::wstring& value, Overwrite overwrite) {
     const std::string narrow = toNarrow(value);
     if (narrow.empty() && !value.empty()) {
         report(noReason(), messages.valueNoText, name);
         return true;
     }
-    return setenv(toNarrow(name).c_str(), narrow.c_str(), overwrite == Overwrite::kYes ? 1 : 0) !=
-           0;
+    return setenv(toNarrow(std::wstring(name)).c_str(), narrow.c_str(),
+                  overwrite == Overwrite::kYes ? 1 : 0) != 0;
 }
 
-bool unsetEnv(const std::wstring& name) {
-    unsetenv(toNarrow(name).c_str());
+bool unsetEnv(VariableName name) {
+    unsetenv(toNarrow(std::wstring(name)).c_str());
     return true;
 }
 
 std::wstring getUserHome() {
-    return getEnv(L"HOME").value_or(L"");
+    return getEnv(variables::kHome).value_or(L"");
 }
 
 const wchar_t* getOS() {

@@ -1,6 +1,8 @@
 // Environment variables and one-line system queries.
 #pragma once
 
+#include "launcher/vocabulary/name.h"
+
 #include <sys/time.h>
 
 #include <optional>
@@ -9,15 +11,15 @@
 namespace rcp {
 
 /// The value of environment variable `name`. Not set: one trace record, and none.
-std::optional<std::wstring> getEnv(const std::wstring& name);
+std::optional<std::wstring> getEnv(VariableName name);
 
 /// What becomes of a variable that is set already.
 enum class Overwrite { kNo, kYes };
 /// setenv(3). The sense is the reverse of the usual one and callers rely on it: true when it
 /// failed. A value that is no text of the locale leaves a record and the variable as it was.
-bool setEnv(const std::wstring& name, const std::wstring& value, Overwrite overwrite);
+bool setEnv(VariableName name, const std::wstring& value, Overwrite overwrite);
 /// unsetenv(3); always true.
-bool unsetEnv(const std::wstring& name);
+bool unsetEnv(VariableName name);
 /// The user's home directory from "HOME"; empty when it is not set.
 std::wstring getUserHome();
 /// The operating system's name in property keys and folder names: "macosx" on every build, because

@@ -1,6 +1,7 @@
 #include "platform/install_location.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/platform.h"
@@ -102,7 +103,7 @@ std::wstring convert_from_relative_location(const std::wstring& path) {
     if (path.starts_with(L"/") || path.starts_with(L"\\\\")) {
         return path;
     }
-    if (path.starts_with(L"${")) {
+    if (path.starts_with(placeholders::kOpening)) {
         fatal(noReason(), messages.pathWithPlaceholder);
     }
     const std::string base = platform::workingDirectory();

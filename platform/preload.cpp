@@ -2,6 +2,7 @@
 
 #include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -52,7 +53,7 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
 
 // "USER", which becomes part of a file name.
 std::wstring userName() {
-    const std::optional<std::wstring> user = getEnv(L"USER");
+    const std::optional<std::wstring> user = getEnv(variables::kUser);
     if (!user || user->find(L'/') != std::wstring::npos) {
         fatal(noReason(), messages.noUserForPreload);
     }
@@ -72,7 +73,7 @@ std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualif
 }
 
 void setVariable(const std::wstring& value) {
-    setEnv(kPreloadVariable, value, Overwrite::kYes);
+    setEnv(variables::kPreload, value, Overwrite::kYes);
     SvcDebugOutW(L"setPreload():setting LD_PRELOAD=%s", value);
 }
 
@@ -124,7 +125,7 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
         return;
     }
     setVariable(wideLinkPath);
-    SvcDebugOutW(L"setPreload():getenv LD_PRELOAD=%s", getEnv(kPreloadVariable).value_or(L""));
+    SvcDebugOutW(L"setPreload():getenv LD_PRELOAD=%s", getEnv(variables::kPreload).value_or(L""));
 }
 
 }  // namespace rcp

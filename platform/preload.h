@@ -5,8 +5,6 @@
 
 namespace rcp {
 
-inline constexpr wchar_t kPreloadVariable[] = L"LD_PRELOAD";
-
 /// Sets "LD_PRELOAD" to `library`. The variable holds a list separated by blanks, so a path with a
 /// blank is given a name without one: a symbolic link in /tmp,
 ///

@@ -2,6 +2,7 @@
 #include "inspect/check/bundle_subjects.h"
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/inputs/option_values.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/platform.h"
 #include "platform/text.h"
 
@@ -100,7 +101,7 @@ void findInInstallId(const Bundle& bundle, const Examination& examination, Findi
     const PropertyFile* const file = examination.file(kLauncherFile);
     // Any other installation without one ends its launches.
     const bool isAppended = examination.inputs.traits.eConfig == InstallConfiguration::kUserpb;
-    if (isAppended && file != nullptr && file->entries.find(L"rcp.install.id") == nullptr &&
+    if (isAppended && file != nullptr && file->entries.find(keys::kInstallId) == nullptr &&
         bundle.seals(nameIn(bundle, path))) {
         findings.add("RI709", examination.nameOf(path), 0,
                      "the first launch appends rcp.install.id");

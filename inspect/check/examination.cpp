@@ -12,6 +12,8 @@
 #include "launcher/properties/vm_argument_map.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
@@ -88,10 +90,10 @@ void readUserFile(Examination& examination, const std::wstring& master) {
 
 void settleBase(Examination& examination) {
     LaunchInputs& inputs = examination.inputs;
-    if (const std::wstring* base = findProperty(L"rcp.base.location", inputs.properties)) {
+    if (const std::wstring* base = findProperty(keys::kBaseLocation, inputs.properties)) {
         examination.base = *base;
-        replaceEvery(examination.base, kRcpHomePlaceholder, inputs.installDir);
-        replaceValue(L"rcp.base.location", examination.base, inputs.properties);
+        replaceEvery(examination.base, placeholders::kRcpHome, inputs.installDir);
+        replaceValue(keys::kBaseLocation, examination.base, inputs.properties);
     }
 }
 
@@ -167,7 +169,7 @@ std::string Examination::launcherFile() const {
     return nameOf(inputs.installDir + L"/rcp/rcplauncher.properties");
 }
 
-Origin Examination::originOf(std::wstring_view key) const {
+Origin Examination::originOf(Key key) const {
     const Property* entry = inputs.properties.find(key);
     return entry == nullptr ? Origin() : entry->origin;
 }
@@ -221,7 +223,7 @@ Examination examine(const Options& options) {
         }
     }
     for (PropertyList* list : {&inputs.properties, &inputs.userProperties}) {
-        list->append({L"velmo.workspace.loc", inputs.workspace, {}});
+        list->append({std::wstring(keys::kWorkspaceLocation), inputs.workspace, {}});
     }
     examination.userEntries = inputs.userProperties;
     insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "inspect/options.h"
-#include "inspect/property_keys.h"
 #include "launcher/inputs/launch_inputs.h"
+#include "launcher/vocabulary/property_keys.h"
 
 #include <string>
 #include <vector>
@@ -47,7 +47,7 @@ struct Examination {
     /// The name of the launcher's own property file.
     [[nodiscard]] std::string launcherFile() const;
     /// The line of a key in the launcher's list, with its file; the launcher's file without one.
-    [[nodiscard]] Origin originOf(std::wstring_view key) const;
+    [[nodiscard]] Origin originOf(Key key) const;
 };
 
 Examination examine(const Options& options);

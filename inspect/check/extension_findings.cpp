@@ -5,6 +5,8 @@
 #include "launcher/command_line/argument_checks.h"
 #include "launcher/command_line/config_extensions.h"
 #include "launcher/command_line/initial_configuration.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 
 #include <cwchar>
 #include <map>
@@ -12,10 +14,10 @@
 namespace rcp::inspect {
 namespace {
 
-constexpr std::wstring_view kPrefix = L"config.";
+constexpr Key kPrefix = keys::kExtension;
 
 std::wstring numberedKey(const std::wstring& name, unsigned long number) {
-    return std::wstring(kPrefix) + name + L"." + std::to_wstring(number);
+    return keys::extensionArgument(name, number);
 }
 
 // The first number from 1 on that the extension has no entry for.
@@ -33,7 +35,7 @@ void findInInitial(const Examination& examination, Findings& findings) {
     if (!record) {
         return;
     }
-    const auto entries = findProperties(L"config.initial.", inputs.properties);
+    const auto entries = findProperties(keys::kInitial, inputs.properties);
     const Origin origin = entries.empty() ? Origin() : entries.front()->origin;
     if (record->starts_with("ZYPRA0115E")) {
         findings.add("RI502", examination.nameOf(origin), origin.line, *record);
@@ -66,7 +68,7 @@ std::wstring extensionName(std::wstring_view key) {
         return {};
     }
     const std::wstring_view name = key.substr(kPrefix.size());
-    const std::size_t restart = name.rfind(L".restartExe.");
+    const std::size_t restart = name.rfind(keys::kRestartExecutable);
     return std::wstring(
         name.substr(0, restart == std::wstring_view::npos ? name.rfind(L'.') : restart));
 }
@@ -91,7 +93,7 @@ void findInExtension(const Examination& examination, const std::wstring& name,
     findGap(examination, name, entries, findings);
     VmArgumentMap map;
     Arguments extended;
-    const Arguments own{examination.arguments.front(), Argument(L"-config"), Argument(name)};
+    const Arguments own{examination.arguments.front(), Argument(options::kConfig), Argument(name)};
     const auto record = endOf([&] {
         extended = addConfigExtentionsToArg(own, entries, map, examination.inputs.debugFile);
     });

@@ -12,6 +12,9 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/reset.h"
 #include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -45,7 +48,7 @@ Arguments elementsOf(const std::function<void(CommandLine&)>& piece) {
 
 void findInBase(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
-    const Origin origin = examination.originOf(L"rcp.base.location");
+    const Origin origin = examination.originOf(keys::kBaseLocation);
     // The record names the file; only the program's tells about its permission.
     CommandLine line;
     const auto record = endOf([&] { addBaseEclipseToCommandLine(line, properties); });
@@ -58,7 +61,7 @@ void findInBase(const Examination& examination, Findings& findings) {
     for (const Argument& jar : elementsOf([&](CommandLine& startup) {
              addStartupToCommandLine(startup, properties, examination.inputs.arguments);
          })) {
-        if (jar != L"-startup") {
+        if (jar != options::kStartup) {
             needFile(examination, jar.text, origin, findings);
         }
     }
@@ -97,7 +100,7 @@ void findJvm(const Examination& examination, Findings& findings) {
     Arguments arguments = examination.arguments;
     const StandardLocations locations{examination.inputs.workspace, examination.inputs.installDir};
     replacePlaceholdersInArgv(locations, arguments);
-    const Origin origin = examination.originOf(L"jvm.location");
+    const Origin origin = examination.originOf(keys::kJvmLocation);
     if (examination.inputs.traits.isDirectJavaShape()) {
         needProgram(examination, arguments.back().text, origin, findings);
     } else {
@@ -107,13 +110,13 @@ void findJvm(const Examination& examination, Findings& findings) {
 
 void findMasters(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
-    const Origin origin = examination.originOf(L"rcp.base.location");
+    const Origin origin = examination.originOf(keys::kBaseLocation);
     const InstallConfiguration configuration = examination.inputs.traits.eConfig;
     for (const wchar_t* name : {L"config.ini", L"rcpinstall.properties"}) {
         needFile(examination, getCoreFileLocation(configuration, examination.base, name), origin,
                  findings);
     }
-    const std::wstring* managed = findProperty(L"update.policy.managed", properties);
+    const std::wstring* managed = findProperty(keys::kUpdatePolicyManaged, properties);
     const bool isManaged = managed == nullptr || *managed != L"false";
     const std::wstring platform =
         getCoreFileLocation(configuration, examination.base, L"platform.xml");
@@ -132,18 +135,18 @@ void findStaleCopies(const Examination& examination, Findings& findings) {
 
 void findNamedFiles(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
-    for (const wchar_t* key : {L"plugincustomization", L"library.preload"}) {
+    for (const Key key : {keys::kPluginCustomization, keys::kLibraryPreload}) {
         if (const std::wstring* value = findProperty(key, properties)) {
             needFile(examination, osPath(*value), examination.originOf(key), findings);
         }
     }
     for (const std::wstring& name : extensionNames(examination)) {
         const std::optional<std::wstring> program =
-            getRestartExe({Argument(L"rcplauncher"), Argument(L"-config"), Argument(name)},
+            getRestartExe({Argument(L"rcplauncher"), Argument(options::kConfig), Argument(name)},
                           properties, examination.inputs.installDir);
         if (program && !program->empty()) {
             needProgram(examination, *program,
-                        examination.originOf(L"config." + name + L".restartExe.macosx"), findings);
+                        examination.originOf(keys::restartExecutable(name, getOS())), findings);
         }
     }
 }

@@ -6,6 +6,7 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
 #include "launcher/properties/placeholders.h"
+#include "launcher/vocabulary/options.h"
 
 #include <map>
 
@@ -28,7 +29,7 @@ Arguments jvmArguments(const Examination& examination) {
     });
     addXargsToCommandLine(line, inputs.properties);
     Arguments arguments = line.arguments();
-    std::erase_if(arguments, [](const Argument& one) { return one == L"-vmargs"; });
+    std::erase_if(arguments, [](const Argument& one) { return one == options::kVmargs; });
     return arguments;
 }
 

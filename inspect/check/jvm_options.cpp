@@ -1,5 +1,7 @@
 #include "inspect/check/jvm_options.h"
 
+#include "launcher/vocabulary/keys.h"
+
 #include <algorithm>
 #include <iterator>
 #include <map>
@@ -95,7 +97,7 @@ std::wstring jvmOptionName(std::wstring_view option) {
         }
         return L"-XX:" + std::wstring(name.substr(0, name.find(L'=')));
     }
-    if (option.starts_with(L"-D")) {
+    if (option.starts_with(keys::kSystemProperty)) {
         return std::wstring(option.substr(0, option.find(L'=')));
     }
     return std::wstring(prefixOf(option, kSizeOptions));

@@ -8,6 +8,8 @@
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_text.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 
 #include <algorithm>
 #include <map>
@@ -17,7 +19,7 @@ namespace {
 
 // --- Missing ---
 
-void requireKey(const Examination& examination, std::wstring_view key, Findings& findings) {
+void requireKey(const Examination& examination, Key key, Findings& findings) {
     if (findProperty(key, examination.inputs.properties) == nullptr) {
         findings.add("RI201", examination.launcherFile(), 0, quoted(key) + " is missing");
     }
@@ -27,14 +29,14 @@ void findMissing(const Examination& examination, Findings& findings) {
     const LaunchInputs& inputs = examination.inputs;
     for (const PropertyKey& key : propertyKeys()) {
         // The configuration that makes an id by itself, and an option that stands for a key.
-        const bool isExcused = (key.key == L"rcp.install.id" &&
+        const bool isExcused = (key.key == keys::kInstallId &&
                                 inputs.traits.eConfig == InstallConfiguration::kUserpb) ||
                                hasOption(L"-" + std::wstring(key.key), inputs.arguments);
         if (key.isRequired && !isExcused) {
             requireKey(examination, key.key, findings);
         }
     }
-    const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
+    const std::wstring* enabled = findProperty(keys::kProvisioning, inputs.properties);
     if (enabled != nullptr && *enabled == L"true" && endOf([&] {
             CommandLine unused;
             addProvisioningApplication(unused, inputs.properties, LaunchKind::kUserProvisioning);
@@ -47,10 +49,10 @@ void findMissing(const Examination& examination, Findings& findings) {
 // --- Never looked at ---
 
 // The properties by which initial configurations may tell that they are complete.
-void addCompletionProperties(const Examination& examination, std::set<std::wstring>& keys) {
+void addCompletionProperties(const Examination& examination, std::set<std::wstring>& looked) {
     for (const Property& entry : examination.inputs.properties.entries()) {
-        if (entry.key.starts_with(L"config.initial.")) {
-            keys.insert(entry.value);
+        if (entry.key.starts_with(keys::kInitial)) {
+            looked.insert(entry.value);
         }
     }
 }
@@ -99,10 +101,10 @@ void findUnread(const PropertyFile& file, const Property& entry, Findings& findi
 
 // Kinds of keys of which every entry counts: what is applied last wins.
 bool countsEveryTime(std::wstring_view key) {
-    constexpr std::wstring_view kPrefixes[] = {L"-D", L"-X", L"env.set.", L"env.unset.",
-                                               L"resetDir."};
+    constexpr Key kPrefixes[] = {keys::kSystemProperty, keys::kJvmOption, keys::kEnvSetVariable,
+                                 keys::kEnvUnsetVariable, keys::kResetDir};
     return std::any_of(std::begin(kPrefixes), std::end(kPrefixes),
-                       [key](std::wstring_view prefix) { return key.starts_with(prefix); });
+                       [key](Key prefix) { return key.starts_with(prefix); });
 }
 
 void findDuplicates(const PropertyFile& file, const std::deque<Property>& entries,
@@ -133,8 +135,8 @@ void findEmptyKeys(const PropertyFile& file, Findings& findings) {
 
 // The prefixes by which the launcher searches a list.
 void findHidden(const Examination& examination, const PropertyList& list,
-                std::initializer_list<std::wstring_view> prefixes, Findings& findings) {
-    for (const std::wstring_view prefix : prefixes) {
+                std::initializer_list<Key> prefixes, Findings& findings) {
+    for (const Key prefix : prefixes) {
         const auto found = findProperties(prefix, list);  // in the order of the list
         auto next = found.begin();
         for (const Property& entry : list.entries()) {
@@ -196,7 +198,7 @@ void findOtherSystems(const Examination& examination, Findings& findings) {
 }  // namespace
 
 std::set<std::wstring> referredKeys(const Examination& examination) {
-    constexpr std::wstring_view kProperty = L"prop.";
+    constexpr std::wstring_view kProperty = placeholders::kProperty;
     std::set<std::wstring> keys;
     for (const PropertyFile& file : examination.files) {
         for (const Property& entry : file.entries.entries()) {
@@ -232,9 +234,10 @@ void findInKeys(const Examination& examination, Findings& findings) {
         findOverridden(examination, file, findings);
     }
     findHidden(examination, inputs.properties,
-               {L"-D", L"-X", L"env.set", L"env.unset", L"vmfix.noconsole", L"config.initial."},
+               {keys::kSystemProperty, keys::kJvmOption, keys::kEnvSet, keys::kEnvUnset,
+                keys::kConsoleFix, keys::kInitial},
                findings);
-    findHidden(examination, inputs.userProperties, {L"resetDir."}, findings);
+    findHidden(examination, inputs.userProperties, {keys::kResetDir}, findings);
     findMasterOverrides(examination, findings);
     findOtherSystems(examination, findings);
 }

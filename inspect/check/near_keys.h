@@ -1,7 +1,7 @@
 // "Did you mean": the known key that a misspelt one is near to.
 #pragma once
 
-#include "inspect/property_keys.h"
+#include "launcher/vocabulary/property_keys.h"
 
 #include <string>
 #include <string_view>

@@ -4,6 +4,9 @@
 #include "inspect/check/launcher_end.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/workspace.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
 
 #include <vector>
 
@@ -16,7 +19,8 @@ struct Place {
 };
 
 bool isUnclosed(const std::wstring& text) {
-    return text.find(L"${") != std::wstring::npos && !findLastPlaceholder(text, std::wstring::npos);
+    return text.find(placeholders::kOpening) != std::wstring::npos &&
+           !findLastPlaceholder(text, std::wstring::npos);
 }
 
 // What is left in a text that could not be expanded. When something in it can still be replaced,
@@ -39,7 +43,7 @@ void findLeft(const std::wstring& text, const PropertyList& properties, const Pl
         limit = last->begin - 1;
     }
     for (const std::wstring& left : names) {
-        const bool isVariable = left.starts_with(L"env.");
+        const bool isVariable = left.starts_with(placeholders::kVariable);
         findings.add(
             isVariable ? "RI302" : "RI301", place.file, place.line,
             quoted(L"${" + left + L"}") +
@@ -83,13 +87,13 @@ void findInVmArguments(const Examination& examination, const StandardLocations& 
 // Of the standard placeholders only "${rcp.home}" has a meaning while the workspace is looked for.
 void findInWorkspace(const Examination& examination, Findings& findings) {
     const LaunchInputs& inputs = examination.inputs;
-    const Property* entry = inputs.properties.find(L"rcp.data");
+    const Property* entry = inputs.properties.find(keys::kData);
     if (entry == nullptr) {
         return;
     }
     const Place place = placeOf(examination, entry->origin);
     std::wstring text = entry->value;
-    replaceEvery(text, kRcpHomePlaceholder, inputs.installDir);
+    replaceEvery(text, placeholders::kRcpHome, inputs.installDir);
     findIn(text, inputs.properties, place, findings);
     LaunchInputs withoutOptions = inputs;
     withoutOptions.arguments.resize(1);
@@ -102,10 +106,10 @@ void findInWorkspace(const Examination& examination, Findings& findings) {
 void expand(Expansion expansion, const StandardLocations& locations, std::wstring& text) {
     switch (expansion) {
         case Expansion::kRcpHome:
-            replaceEvery(text, kRcpHomePlaceholder, locations.installDir);
+            replaceEvery(text, placeholders::kRcpHome, locations.installDir);
             break;
         case Expansion::kWorkspace:
-            replaceEvery(text, L"${workspace.location}", locations.workspace);
+            replaceEvery(text, placeholders::kWorkspaceLocation, locations.workspace);
             break;
         case Expansion::kStandard:
             replaceStdPlaceholders(locations, text);
@@ -117,15 +121,15 @@ void expand(Expansion expansion, const StandardLocations& locations, std::wstrin
 
 // The keys of the workspaces that extensions name, which go through the rule of "-data".
 std::set<std::wstring> extensionWorkspaces(const PropertyFile& file) {
-    std::set<std::wstring> keys;
+    std::set<std::wstring> workspaces;
     for (const Property& entry : file.entries.entries()) {
-        if (entry.value == L"-data" && entry.key.starts_with(L"config.")) {
+        if (entry.value == options::kData && entry.key.starts_with(keys::kExtension)) {
             const std::size_t dot = entry.key.rfind(L'.') + 1;
             const unsigned long number = std::wcstoul(&entry.key[dot], nullptr, 10);
-            keys.insert(entry.key.substr(0, dot) + std::to_wstring(number + 1));
+            workspaces.insert(entry.key.substr(0, dot) + std::to_wstring(number + 1));
         }
     }
-    return keys;
+    return workspaces;
 }
 
 void findUnexpanded(const PropertyFile& file, const StandardLocations& locations,

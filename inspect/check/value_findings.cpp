@@ -5,6 +5,8 @@
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 
 #include <algorithm>
 #include <iterator>
@@ -74,8 +76,8 @@ std::wstring percentVariable(const std::wstring& text) {
 
 // Kinds of values that become one argument.
 bool isArgument(std::wstring_view key) {
-    return key.starts_with(L"vmarg.") || key.starts_with(L"config.") ||
-           key.starts_with(L"vmfix.") || key.starts_with(L"-X");
+    return key.starts_with(keys::kVmarg) || key.starts_with(keys::kExtension) ||
+           key.starts_with(keys::kFix) || key.starts_with(keys::kJvmOption);
 }
 
 // "-a b", or one JVM option behind another. The text of a system property may hold blanks.
@@ -96,7 +98,8 @@ void findInText(const PropertyFile& file, const Property& entry, Findings& findi
     if (!variable.empty()) {
         findings.add("RI307", file.name, line, quoted(variable) + " stays as it is");
     }
-    const std::wstring text = entry.key.starts_with(L"-X") ? entry.key + entry.value : entry.value;
+    const std::wstring text =
+        entry.key.starts_with(keys::kJvmOption) ? entry.key + entry.value : entry.value;
     if (isArgument(entry.key) && holdsSeveralArguments(text)) {
         findings.add("RI308", file.name, line, quoted(text) + " is passed on as one argument");
     }
@@ -108,7 +111,7 @@ void findInText(const PropertyFile& file, const Property& entry, Findings& findi
 // "my key=value" is key "my". A JVM option's ":" is meant.
 void findEarlySeparator(const PropertyFile& file, const Property& entry, Findings& findings) {
     if (entry.origin.line == 0 || entry.origin.line > file.lines.size() ||
-        entry.key.starts_with(L"-X") || entry.key.empty()) {
+        entry.key.starts_with(keys::kJvmOption) || entry.key.empty()) {
         return;
     }
     const std::string_view line = file.lines[entry.origin.line - 1].trimmed();
@@ -125,15 +128,15 @@ void findEarlySeparator(const PropertyFile& file, const Property& entry, Finding
 
 // Keys whose values are asked for by name.
 struct KnownValues {
-    std::wstring_view key;
+    Key key;
     std::wstring_view values[2];
     const char* text;
 };
 
 constexpr KnownValues kKnownValues[] = {
-    {L"provisioning", {L"true", L"false"}, "\"true\" or \"false\""},
-    {L"update.policy.managed", {L"true", L"false"}, "\"true\" or \"false\""},
-    {L"invoke.eclipse.dylib", {L"0", L"1"}, "\"0\" or \"1\""},
+    {keys::kProvisioning, {L"true", L"false"}, "\"true\" or \"false\""},
+    {keys::kUpdatePolicyManaged, {L"true", L"false"}, "\"true\" or \"false\""},
+    {keys::kInvokeEclipseDylib, {L"0", L"1"}, "\"0\" or \"1\""},
 };
 
 void findIgnoredValues(const PropertyFile& file, const Property& entry, Findings& findings) {
@@ -147,7 +150,7 @@ void findIgnoredValues(const PropertyFile& file, const Property& entry, Findings
 }
 
 void findConfiguration(const Examination& examination, Findings& findings) {
-    const Property* entry = examination.inputs.properties.find(L"install.configuration");
+    const Property* entry = examination.inputs.properties.find(keys::kInstallConfiguration);
     if (entry != nullptr && installConfigurationName(examination.inputs.traits.eConfig).empty()) {
         findings.add("RI311", examination.nameOf(entry->origin), entry->origin.line,
                      quoted(entry->value) + " is no configuration");
@@ -155,10 +158,10 @@ void findConfiguration(const Examination& examination, Findings& findings) {
 }
 
 void findRelativePaths(const Examination& examination, Findings& findings) {
-    for (const wchar_t* key : {L"rcp.base.location", L"rcp.data"}) {
+    for (const Key key : {keys::kBaseLocation, keys::kData}) {
         const Property* entry = examination.inputs.properties.find(key);
         if (entry != nullptr && !entry->value.empty() && !entry->value.starts_with(L"/") &&
-            !entry->value.starts_with(L"${")) {
+            !entry->value.starts_with(placeholders::kOpening)) {
             findings.add("RI313", examination.nameOf(entry->origin), entry->origin.line,
                          quoted(entry->value) + " is relative");
         }

@@ -2,7 +2,7 @@
 #include "diagnostics/format.h"
 #include "diagnostics/whys.h"
 #include "inspect/explain/account.h"
-#include "inspect/property_keys.h"
+#include "launcher/vocabulary/property_keys.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::wstring_view kVmarg = L"vmarg.";
+constexpr Key kVmarg = keys::kVmarg;
 
 // The text from which something was made, before any placeholder was replaced.
 std::wstring writtenText(const std::wstring& made, const Origin& origin, const Account& account) {

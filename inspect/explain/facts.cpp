@@ -10,6 +10,7 @@
 #include "launcher/user_area/install_id.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -21,8 +22,8 @@ namespace {
 
 using nlohmann::json;
 
-constexpr wchar_t kIdKey[] = L"rcp.install.id";
-constexpr wchar_t kLevelKey[] = L"provisioning.manifest.version";
+constexpr Key kIdKey = keys::kInstallId;
+constexpr Key kLevelKey = keys::kProvisioningLevel;
 
 bool hasRecord(const json& records, const std::string& beginning) {
     return std::any_of(records.begin(), records.end(), [&](const json& record) {
@@ -51,7 +52,7 @@ const char* role(const Launch& launch) {
 
 // --- As the launch found it --------------------------------------------------------------------------
 
-json valueOrNull(const wchar_t* key, const PropertyList& list) {
+json valueOrNull(Key key, const PropertyList& list) {
     const std::wstring* value = findProperty(key, list);
     return value == nullptr ? json() : jsonText(*value);
 }

@@ -1,7 +1,7 @@
 #include "inspect/explain/losers.h"
 
 #include "diagnostics/whys.h"
-#include "inspect/property_keys.h"
+#include "launcher/vocabulary/property_keys.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "inspect/explain/sources.h"
 
 #include "diagnostics/format.h"
-#include "inspect/property_keys.h"
+#include "launcher/vocabulary/property_keys.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // What else a launch reads and leaves: property files, variables, changed files, its log.
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
-#include "inspect/property_keys.h"
-#include "platform/preload.h"
+#include "launcher/vocabulary/property_keys.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ json variableSource(const std::string& name, const Account& account) {
     const auto last =
         std::find_if(changes.rbegin(), changes.rend(), [&](const EnvironmentChange& change) {
             const bool isPreload = change.kind == EnvironmentChange::kPreload;
-            return toNarrow(isPreload ? kPreloadVariable : change.name) == name;
+            return toNarrow(isPreload ? std::wstring(variables::kPreload) : change.name) == name;
         });
     return account.sources.describe(last == changes.rend() ? Origin() : last->origin);
 }

@@ -1,6 +1,8 @@
 #include "launcher/command_line/argument_checks.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 
 #include <wchar.h>
 
@@ -16,19 +18,19 @@ struct ForbiddenText {
 
 // The search paths of the JVM decide which code runs; only the installation may set them.
 constexpr ForbiddenText kForbiddenTexts[] = {
-    {L"jvm.library.path", messages.jvmLibraryPathForbidden},
+    {keys::kJvmLibraryPath, messages.jvmLibraryPathForbidden},
     {L"java.library.path", messages.javaLibraryPathForbidden},
-    {L"java.home", messages.javaHomeForbidden},
+    {keys::kJavaHome, messages.javaHomeForbidden},
 };
 
 }  // namespace
 
 void validateIfUrlHandlerLaunch(const Arguments& arguments) {
-    if (!hasOption(L"-maxargcnt", arguments)) {
+    if (!hasOption(options::kMaxArgCount, arguments)) {
         return;
     }
     const std::size_t count = arguments.size() - (isRestart(arguments) ? 1 : 0);
-    const Argument* expected = optionValue(L"-maxargcnt", arguments);
+    const Argument* expected = optionValue(options::kMaxArgCount, arguments);
     if ((expected == nullptr ? 0 : wcstoul(expected->text.c_str(), nullptr, 10)) != count) {
         fatal(noReason(), messages.argumentCountWrong);
     }
@@ -54,7 +56,7 @@ void validateNoJavaLibraryPath(const Arguments& arguments) {
 
 void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmargMap) {
     Arguments chosen;
-    if (const std::optional<std::size_t> separator = findOption(L"-vmargs", arguments)) {
+    if (const std::optional<std::size_t> separator = findOption(options::kVmargs, arguments)) {
         chosen.assign(arguments.begin() + static_cast<std::ptrdiff_t>(*separator) + 1,
                       arguments.end());
     }
@@ -67,7 +69,7 @@ void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmarg
 }
 
 void validateInstallerState(const LaunchInputs& inputs) {
-    if (hasOption(L"-provManifest", inputs.arguments) && inputs.runningPlatform) {
+    if (hasOption(options::kProvManifest, inputs.arguments) && inputs.runningPlatform) {
         fatal(noReason(), messages.installingWhileRunning,
               std::to_wstring(*inputs.runningPlatform));
     }

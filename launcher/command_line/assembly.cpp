@@ -9,6 +9,8 @@
 #include "launcher/command_line/vm_arguments.h"
 #include "launcher/command_line/vm_choice.h"
 #include "launcher/properties/placeholders.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/files.h"
 
 #include <errno.h>
@@ -20,7 +22,7 @@ constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
 
 // A file below the base location.
 Argument inBaseLocation(const std::wstring& file, const PropertyList& properties) {
-    const Property* base = properties.find(L"rcp.base.location");
+    const Property* base = properties.find(keys::kBaseLocation);
     if (base == nullptr) {
         fatal(noReason(), messages.noBaseLocation);
     }
@@ -113,8 +115,8 @@ Argument executedProgram(const LaunchInputs& inputs) {
 
 void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
                              const Arguments& arguments) {
-    line.add(L"-startup", whys::kStartupJar);
-    if (const Argument* jar = optionValue(L"-perfJar", arguments)) {
+    line.add(options::kStartup, whys::kStartupJar);
+    if (const Argument* jar = optionValue(options::kStartupJar, arguments)) {
         jar->origin.isCommandLine() ? line.add(*jar, whys::kUsersStartupJar) : line.add(*jar);
     } else {
         line.add(inBaseLocation(L"/launcher.jar", properties), whys::kStartupJarBelowBase);
@@ -127,10 +129,10 @@ void addMainClassToCommandLine(CommandLine& line) {
 
 void addClasspathToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (inputs.traits.eConfig == InstallConfiguration::kMultiuserServiceInit) {
-        line.add(L"-cp", whys::kClassPath);
+        line.add(options::kClassPath, whys::kClassPath);
         line.add(inBaseLocation(L"/startup.jar", inputs.properties), whys::kClassPathBelowBase);
-    } else if (const Property* classPath = inputs.properties.find(L"cp")) {
-        line.add(L"-cp", whys::kClassPath);
+    } else if (const Property* classPath = inputs.properties.find(keys::kClassPath)) {
+        line.add(options::kClassPath, whys::kClassPath);
         line.add(argumentFrom(*classPath));
     }
 }

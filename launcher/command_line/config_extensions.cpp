@@ -4,31 +4,24 @@
 #include "diagnostics/whys.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 namespace rcp {
 namespace {
 
-constexpr wchar_t kVmargs[] = L"-vmargs";
-
-// "-product" stands twice: two passes take out two repetitions.
-constexpr const wchar_t* kUniquePairs[] = {
-    L"-vm",          L"-data",    L"-plugincustomization",
-    L"-application", L"-product", L"-personality",
-    L"-product",     L"-nl",      L"-dir",
-};
-constexpr const wchar_t* kUniqueSingles[] = {CONSOLEARG, DEBUGARG, PB4LARG};
-
 Arguments::iterator findSeparator(Arguments& arguments) {
     const auto first = arguments.empty() ? arguments.begin() : arguments.begin() + 1;
-    return std::find(first, arguments.end(), kVmargs);
+    return std::find(first, arguments.end(), options::kVmargs);
 }
 
 void removeRepeatedSingles(Arguments& arguments) {
-    for (const wchar_t* option : kUniqueSingles) {
+    for (const OptionName option : kUniqueSingles) {
         removeDuplicateSingles(arguments, option);
     }
 }
@@ -36,21 +29,21 @@ void removeRepeatedSingles(Arguments& arguments) {
 // In front of "-vmargs".
 void addDebugOptions(Arguments& arguments, const std::wstring& marker) {
     const Origin origin{std::make_shared<const std::wstring>(marker)};
-    Arguments options;
-    for (const std::wstring& option :
-         {std::wstring(CONSOLEARG), std::wstring(DEBUGARG), std::wstring(PB4LARG),
-          std::wstring(L"-debugFile"), marker}) {
-        options.emplace_back(option, origin);
-        options.back().why = &whys::kDebugMarker;
+    Arguments added;
+    for (const std::wstring_view option :
+         {std::wstring_view(CONSOLEARG), std::wstring_view(DEBUGARG), std::wstring_view(PB4LARG),
+          std::wstring_view(options::kDebugFile), std::wstring_view(marker)}) {
+        added.emplace_back(std::wstring(option), origin);
+        added.back().why = &whys::kDebugMarker;
     }
-    arguments.insert(findSeparator(arguments), options.begin(), options.end());
+    arguments.insert(findSeparator(arguments), added.begin(), added.end());
 }
 
 // The values of the numbered properties up to the first one that is missing, less the empty ones.
 Arguments extensionValues(const std::wstring& name, const PropertyList& properties) {
     Arguments values;
-    for (int n = 1;; ++n) {
-        const Property* property = properties.find(L"config." + name + L"." + std::to_wstring(n));
+    for (std::size_t n = 1;; ++n) {
+        const Property* property = properties.find(keys::extensionArgument(name, n));
         if (property == nullptr) {
             return values;
         }
@@ -72,8 +65,8 @@ void placeExtension(Arguments& arguments, Arguments values) {
                          std::make_move_iterator(values.end()));
         return;
     }
-    const auto ownSeparator = std::find(values.begin(), values.end(), kVmargs);
-    const auto last = std::remove(ownSeparator, values.end(), kVmargs);
+    const auto ownSeparator = std::find(values.begin(), values.end(), options::kVmargs);
+    const auto last = std::remove(ownSeparator, values.end(), options::kVmargs);
     arguments.insert(separator, std::make_move_iterator(values.begin()),
                      std::make_move_iterator(ownSeparator));
     arguments.insert(arguments.end(), std::make_move_iterator(ownSeparator),
@@ -83,15 +76,15 @@ void placeExtension(Arguments& arguments, Arguments values) {
 }  // namespace
 
 void patchWorkspace(const Arguments& extension, PropertyList& properties) {
-    const Argument* workspace = optionValue(L"-data", extension);
+    const Argument* workspace = optionValue(options::kData, extension);
     if (workspace == nullptr) {
         return;
     }
-    if (findProperty(L"rcp.data", properties) != nullptr) {
-        replaceValue(L"rcp.data", workspace->text, properties);
+    if (findProperty(keys::kData, properties) != nullptr) {
+        replaceValue(keys::kData, workspace->text, properties);
     } else {
         // Its filter would take a backslash for an escape.
-        pushBackProperty(properties, L"rcp.data", osPath(workspace->text));
+        pushBackProperty(properties, keys::kData, osPath(workspace->text));
     }
 }
 
@@ -100,7 +93,7 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
                                    const std::optional<std::wstring>& debugFile) {
     insertArgsToVmargMap(vmargMap, arguments, properties);
     Arguments extended = arguments;
-    const Argument* name = optionValue(L"-config", arguments);
+    const Argument* name = optionValue(options::kConfig, arguments);
     if (name == nullptr) {
         if (debugFile) {
             addDebugOptions(extended, *debugFile);
@@ -108,7 +101,7 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
         }
         return extended;
     }
-    const auto config = std::find(extended.begin() + 1, extended.end(), L"-config");
+    const auto config = std::find(extended.begin() + 1, extended.end(), options::kConfig);
     tellLoser(config[0], whys::kExtensionOption);
     tellLoser(config[1], whys::kExtensionName);
     extended.erase(config, config + 2);
@@ -116,7 +109,7 @@ Arguments addConfigExtentionsToArg(const Arguments& arguments, PropertyList& pro
     if (debugFile) {
         addDebugOptions(extended, *debugFile);
     }
-    for (const wchar_t* option : kUniquePairs) {
+    for (const OptionName option : kUniquePairs) {
         removeDuplicatePairs(extended, option);
     }
     removeRepeatedSingles(extended);

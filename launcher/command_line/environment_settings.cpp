@@ -1,25 +1,24 @@
 #include "launcher/command_line/environment_settings.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/preload.h"
 
 #include <string>
-#include <string_view>
 
 namespace rcp {
 namespace {
 
 // The NAME of a key prefix.NAME; empty for a key that has none.
-std::wstring variableName(const Property& property, std::wstring_view prefix) {
+std::wstring variableName(const Property& property, Key prefix) {
     const std::wstring& key = property.key;
     if (key.size() <= prefix.size() || key[prefix.size()] != L'.') {
         return {};
     }
     return key.substr(prefix.size() + 1);
 }
-
-constexpr std::wstring_view kInternalLibraryPath = L"com.ovr.rcp.core.internal.librarypath";
 
 }  // namespace
 
@@ -33,8 +32,8 @@ EnvironmentChanges environmentOf(const PropertyList& properties) {
 }
 
 void addEnvSetToCommandLine(EnvironmentChanges& changes, const PropertyList& properties) {
-    for (const Property* property : findProperties(L"env.unset", properties)) {
-        const std::wstring name = variableName(*property, L"env.unset");
+    for (const Property* property : findProperties(keys::kEnvUnset, properties)) {
+        const std::wstring name = variableName(*property, keys::kEnvUnset);
         if (!name.empty()) {
             changes.push_back({.kind = EnvironmentChange::kUnset,
                                .name = name,
@@ -42,8 +41,8 @@ void addEnvSetToCommandLine(EnvironmentChanges& changes, const PropertyList& pro
                                .origin = property->origin});
         }
     }
-    for (const Property* property : findProperties(L"env.set", properties)) {
-        const std::wstring name = variableName(*property, L"env.set");
+    for (const Property* property : findProperties(keys::kEnvSet, properties)) {
+        const std::wstring name = variableName(*property, keys::kEnvSet);
         if (!name.empty()) {
             changes.push_back({.name = name, .value = property->value, .origin = property->origin});
         }
@@ -53,12 +52,11 @@ void addEnvSetToCommandLine(EnvironmentChanges& changes, const PropertyList& pro
 void addLibpathToCommandLine(EnvironmentChanges& changes, const PropertyList& properties) {
     const Property* first = nullptr;
     std::wstring path;
-    for (const std::wstring_view key :
-         {std::wstring_view(L"library.path.prepend"), kInternalLibraryPath,
-          std::wstring_view(L"library.path.append")}) {
+    for (const Key key :
+         {keys::kLibraryPathPrepend, keys::kInternalLibraryPath, keys::kLibraryPathAppend}) {
         const Property* part = properties.find(key);
         // An empty element of the launcher's own would be the current directory.
-        if (part == nullptr || (key == kInternalLibraryPath && part->value.empty())) {
+        if (part == nullptr || (key == keys::kInternalLibraryPath && part->value.empty())) {
             continue;
         }
         // Behind a part that is there, even an empty one.
@@ -67,16 +65,18 @@ void addLibpathToCommandLine(EnvironmentChanges& changes, const PropertyList& pr
         first = first == nullptr ? part : first;
     }
     if (first != nullptr) {
-        changes.push_back({.name = L"DYLD_LIBRARY_PATH", .value = path, .origin = first->origin});
+        changes.push_back({.name = std::wstring(variables::kLibraryPath),
+                           .value = path,
+                           .origin = first->origin});
     }
 }
 
 void addLdPreloadToCommandLine(EnvironmentChanges& changes, const PropertyList& properties) {
-    const Property* library = properties.find(L"library.preload");
+    const Property* library = properties.find(keys::kLibraryPreload);
     if (library == nullptr) {
         return;
     }
-    const std::wstring* installId = findProperty(L"rcp.install.id", properties);
+    const std::wstring* installId = findProperty(keys::kInstallId, properties);
     if (installId == nullptr) {
         fatal(noReason(), messages.noInstallIdForPreload);
     }
@@ -87,9 +87,9 @@ void addLdPreloadToCommandLine(EnvironmentChanges& changes, const PropertyList& 
 }
 
 void addEnvJavaHighZipfds(EnvironmentChanges& changes, const PropertyList& properties) {
-    const Property* given = properties.find(L"env.JAVA_HIGH_ZIPFDS");
-    changes.push_back({.name = L"JAVA_HIGH_ZIPFDS",
-                       .value = given == nullptr ? L"500" : given->value,
+    const Property* given = properties.find(keys::kJavaHighZipFds);
+    changes.push_back({.name = std::wstring(variables::kJavaHighZipFds),
+                       .value = given == nullptr ? defaults::kJavaHighZipFds : given->value,
                        .origin = given == nullptr ? Origin() : given->origin});
 }
 

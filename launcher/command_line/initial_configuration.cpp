@@ -4,6 +4,8 @@
 #include "diagnostics/svc_debug.h"
 #include "diagnostics/whys.h"
 #include "launcher/inputs/option_values.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 
 #include <algorithm>
 #include <iterator>
@@ -14,8 +16,7 @@
 namespace rcp {
 namespace {
 
-constexpr std::wstring_view kPrefix = L"config.initial.";
-constexpr std::wstring_view kCompleteFlag = L"-initialCompleteFlag";
+constexpr Key kPrefix = keys::kInitial;
 constexpr std::size_t kMostDigits = 10;
 
 bool isDigit(wchar_t character) {
@@ -89,7 +90,7 @@ Entries orderEntries(const Entries& entries) {
 // The value behind "-initialCompleteFlag": the name of the completion property.
 const std::wstring& completionProperty(const Entries& ordered) {
     std::size_t flag = 1;
-    while (flag < ordered.size() && !ordered[flag]->starts_with(kCompleteFlag)) {
+    while (flag < ordered.size() && !ordered[flag]->starts_with(options::kInitialCompleteFlag)) {
         flag += 2;
     }
     if (flag + 2 >= ordered.size()) {
@@ -98,9 +99,19 @@ const std::wstring& completionProperty(const Entries& ordered) {
     return *ordered[flag + 2];
 }
 
+// The option that an argument begins with and that the first launch keeps, once each.
+const Option* keptOption(const std::wstring& argument, const std::vector<const Option*>& taken) {
+    const auto* const found =
+        std::find_if(std::begin(kOptions), std::end(kOptions), [&](const Option& option) {
+            return option.firstStart == FirstStart::kKept && argument.starts_with(option.name) &&
+                   std::find(taken.begin(), taken.end(), &option) == taken.end();
+        });
+    return found == std::end(kOptions) ? nullptr : found;
+}
+
 // The JVM is kept, as the launcher's own.
 void tellReplaced(const Argument& argument) {
-    tellLoser(argument, argument == L"-vm" ? whys::kOwnJvm : whys::kInitial);
+    tellLoser(argument, argument == options::kVm ? whys::kOwnJvm : whys::kInitial);
 }
 
 }  // namespace
@@ -121,38 +132,27 @@ bool isInitialRequired(const LaunchInputs& inputs) {
 }
 
 Arguments initialArguments(const Arguments& arguments) {
-    struct KeptOption {
-        std::wstring_view prefix;
-        bool hasValue;
-        bool isTaken;
-    };
-    KeptOption kept[] = {{L"-data", true, false},
-                         {L"-debug", false, false},
-                         {L"-console", false, false},
-                         {L"-noExit", false, false}};
-    Arguments initial{arguments.front(), L"-config", L"initial"};
+    Arguments initial{arguments.front(), options::kConfig, L"initial"};
+    std::vector<const Option*> taken;
     const std::size_t end = endOfOptions(arguments);
     for (std::size_t i = 1; i < end; ++i) {
-        const auto option =
-            std::find_if(std::begin(kept), std::end(kept), [&](const KeptOption& candidate) {
-                return !candidate.isTaken && arguments[i].text.starts_with(candidate.prefix);
-            });
-        if (option == std::end(kept) ||
-            (option->hasValue && (i + 1 == end || !canBeValue(arguments[i + 1])))) {
+        const Option* const option = keptOption(arguments[i].text, taken);
+        const bool hasValue = option != nullptr && option->value != OptionValue::kNone;
+        if (option == nullptr || (hasValue && (i + 1 == end || !canBeValue(arguments[i + 1])))) {
             tellReplaced(arguments[i]);
             continue;
         }
-        option->isTaken = true;
+        taken.push_back(option);
         initial.push_back(arguments[i]);
-        if (option->hasValue) {
+        if (hasValue) {
             initial.push_back(arguments[++i]);
         }
     }
     std::for_each(arguments.begin() + static_cast<std::ptrdiff_t>(end), arguments.end(),
                   tellReplaced);
     // Without its JVM the first launch would run another one than every later launch.
-    if (const Argument* vm = optionValue(L"-vm", arguments)) {
-        initial.insert(initial.end(), {L"-vm", *vm});
+    if (const Argument* vm = optionValue(options::kVm, arguments)) {
+        initial.insert(initial.end(), {options::kVm, *vm});
     }
     return initial;
 }

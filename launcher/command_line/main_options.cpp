@@ -6,6 +6,8 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/command_line/vm_arguments.h"
 #include "launcher/inputs/option_values.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -13,57 +15,45 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
 
 namespace rcp {
 namespace {
 
-struct OptionRule {
-    std::wstring_view option;
-    CopyRule rule;
-    const Why* why = nullptr;       // it is dropped
-    const Why* whyValue = nullptr;  // and what stands behind it
+// Why an option is dropped, and what stands behind it.
+struct DroppedOption {
+    OptionName option;
+    const Why* why;
+    const Why* whyValue;
 };
 
-// Every other argument is copied as it stands.
-constexpr OptionRule kOptionRules[] = {
-    {L"-data", CopyRule::kDropWithValue, &whys::kOwnWorkspace, &whys::kOwnWorkspace},
-    {L"-configuration", CopyRule::kDropWithValue, &whys::kOwnConfiguration,
-     &whys::kOwnConfiguration},
-    {L"-plugincustomization", CopyRule::kCopyWithValue},
-    {L"-application", CopyRule::kCopyWithValue},
-    {L"-product", CopyRule::kCopyWithValue},
-    {L"-personality", CopyRule::kCopyWithValue},
-    {L"-vm", CopyRule::kDropWithValue, &whys::kOwnJvm, &whys::kOwnJvm},
-    {L"-rcp_old_pid", CopyRule::kDropWithValue, &whys::kOldPlatform, &whys::kOldPlatformsId},
-    {L"-restart", CopyRule::kDrop, &whys::kRestart},
-    {L"-resetconfig", CopyRule::kDrop, &whys::kReset},
+constexpr DroppedOption kDroppedOptions[] = {
+    {options::kData, &whys::kOwnWorkspace, &whys::kOwnWorkspace},
+    {options::kConfiguration, &whys::kOwnConfiguration, &whys::kOwnConfiguration},
+    {options::kVm, &whys::kOwnJvm, &whys::kOwnJvm},
+    {options::kOldPid, &whys::kOldPlatform, &whys::kOldPlatformsId},
+    {options::kRestart, &whys::kRestart, nullptr},
+    {options::kResetConfig, &whys::kReset, nullptr},
 };
-
-const OptionRule* ruleFor(std::wstring_view argument) {
-    const auto* const found =
-        std::find_if(std::begin(kOptionRules), std::end(kOptionRules),
-                     [&](const OptionRule& rule) { return rule.option == argument; });
-    return found == std::end(kOptionRules) ? nullptr : found;
-}
 
 // The JVM and the workspace are those that are named first.
 bool isRepeated(const Arguments& arguments, std::size_t index) {
-    const bool isNamedOnce = arguments[index] == L"-data" || arguments[index] == L"-vm";
-    return isNamedOnce && findOption(arguments[index].text, arguments) != index;
+    const bool isNamedOnce = arguments[index] == options::kData || arguments[index] == options::kVm;
+    return isNamedOnce && findOption(OptionName(arguments[index].text), arguments) != index;
 }
 
 void tellOption(const Arguments& arguments, std::size_t index, bool hasValue) {
-    const OptionRule& rule = *ruleFor(arguments[index].text);
-    const bool takesValue = rule.rule == CopyRule::kDropWithValue;
+    const auto* const dropped =
+        std::find_if(std::begin(kDroppedOptions), std::end(kDroppedOptions),
+                     [&](const DroppedOption& one) { return arguments[index] == one.option; });
+    const bool takesValue = dropped->whyValue != nullptr;
     if (isRepeated(arguments, index)) {
         tellRepeated(arguments, index, hasValue ? 2 : 1, whys::kRepeats);
     } else if (takesValue && !hasValue) {
         tellDropped(arguments, index, 1, whys::kLacksValue);
     } else {
-        tellDropped(arguments, index, 1, *rule.why);
+        tellDropped(arguments, index, 1, *dropped->why);
         if (takesValue) {
-            tellDropped(arguments, index + 1, 1, *rule.whyValue);
+            tellDropped(arguments, index + 1, 1, *dropped->whyValue);
         }
     }
 }
@@ -95,7 +85,7 @@ void copyUserOptions(CommandLine& line, const Arguments& arguments) {
 }
 
 // An option that the user gave anywhere, behind "-vmargs" too, keeps its property out.
-bool isGiven(const std::wstring& option, const Property* property, const Arguments& arguments) {
+bool isGiven(OptionName option, const Property* property, const Arguments& arguments) {
     const auto index = findOption(option, arguments);
     if (index && property != nullptr) {
         const Argument* value = optionValue(option, arguments);
@@ -105,7 +95,7 @@ bool isGiven(const std::wstring& option, const Property* property, const Argumen
     return index.has_value();
 }
 
-void addFromProperty(CommandLine& line, const std::wstring& option, const Property* property,
+void addFromProperty(CommandLine& line, OptionName option, const Property* property,
                      const Arguments& arguments, const Why& why) {
     if (!isGiven(option, property, arguments) && property != nullptr) {
         line.add(option, why);
@@ -114,9 +104,8 @@ void addFromProperty(CommandLine& line, const std::wstring& option, const Proper
 }
 
 void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
-    const std::wstring key = L"plugincustomization";
-    const Property* property = inputs.properties.find(key);
-    if (isGiven(L"-plugincustomization", property, inputs.arguments)) {
+    const Property* property = inputs.properties.find(keys::kPluginCustomization);
+    if (isGiven(options::kPluginCustomization, property, inputs.arguments)) {
         return;
     }
     const Argument value = property == nullptr ? Argument() : argumentFrom(*property);
@@ -124,16 +113,17 @@ void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
     if (!exists(path.text)) {
         // That it is missing the text says itself.
         const Reason reason = errno == ENOENT ? noReason() : because(errno);
-        fatal(reason.at(placeOf(key, value.origin)), messages.preferencesMissing, value.text);
+        fatal(reason.at(placeOf(std::wstring(keys::kPluginCustomization), value.origin)),
+              messages.preferencesMissing, value.text);
     }
-    line.add(L"-plugincustomization", whys::kPreferences);
+    line.add(options::kPluginCustomization, whys::kPreferences);
     line.add(path);
 }
 
 const Property* productOf(const LaunchInputs& inputs) {
-    const Property* users = inputs.userProperties.find(L"product");
+    const Property* users = inputs.userProperties.find(keys::kProduct);
     const Property* installations =
-        users == nullptr || observer != nullptr ? inputs.properties.find(L"product") : nullptr;
+        users == nullptr || observer != nullptr ? inputs.properties.find(keys::kProduct) : nullptr;
     if (users != nullptr && installations != nullptr) {
         tellLoser(installations->value, installations->origin, whys::kUsersFileWins,
                   &users->origin);
@@ -143,50 +133,45 @@ const Property* productOf(const LaunchInputs& inputs) {
 
 }  // namespace
 
-CopyRule copyRuleFor(std::wstring_view argument) {
-    const OptionRule* const rule = ruleFor(argument);
-    return rule == nullptr ? CopyRule::kCopy : rule->rule;
-}
-
 void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     const Arguments& arguments = inputs.arguments;
     if (inputs.traits.isDirectJavaShape()) {
-        line.add(L"-nosplash", whys::kNoSplash);
+        line.add(options::kNoSplash, whys::kNoSplash);
     }
     if (!isDebug(arguments)) {
-        line.add(L"--launcher.suppressErrors", whys::kNoErrorWindows);
+        line.add(options::kSuppressErrors, whys::kNoErrorWindows);
     }
     copyUserOptions(line, arguments);
-    if (findProperty(L"rcp.install.id", inputs.properties) == nullptr) {
+    if (findProperty(keys::kInstallId, inputs.properties) == nullptr) {
         fatal(noReason(), messages.noInstallIdForOptions);
     }
-    line.add(L"-data", {inputs.workspace, inputs.workspaceOrigin}, whys::kWorkspace);
-    line.add(L"-configuration", {inputs.configuration, inputs.workspaceOrigin},
+    line.add(options::kData, {inputs.workspace, inputs.workspaceOrigin}, whys::kWorkspace);
+    line.add(options::kConfiguration, {inputs.configuration, inputs.workspaceOrigin},
              whys::kConfiguration);
-    addFromProperty(line, L"-application", inputs.properties.find(L"application"), arguments,
-                    whys::kApplication);
+    addFromProperty(line, options::kApplication, inputs.properties.find(keys::kApplication),
+                    arguments, whys::kApplication);
     addPluginCustomization(line, inputs);
-    addFromProperty(line, L"-product", productOf(inputs), arguments, whys::kProduct);
-    addFromProperty(line, L"-personality", inputs.properties.find(L"personality"), arguments,
-                    whys::kPersonality);
+    addFromProperty(line, options::kProduct, productOf(inputs), arguments, whys::kProduct);
+    addFromProperty(line, options::kPersonality, inputs.properties.find(keys::kPersonality),
+                    arguments, whys::kPersonality);
 }
 
 void addProvisioningApplication(CommandLine& line, const PropertyList& properties,
                                 LaunchKind kind) {
-    const Property* application = properties.find(L"provisioning.application");
+    const Property* application = properties.find(keys::kProvisioningApplication);
     if (application == nullptr) {
         fatal(noReason(), messages.provisioningApplicationMissing);
     }
-    line.add(L"-application", whys::kProvisioning);
+    line.add(options::kApplication, whys::kProvisioning);
     line.add(argumentFrom(*application));
     if (kind == LaunchKind::kUserProvisioning) {
-        line.add(L"-userProvLaunch", whys::kUsersProvisioning);
+        line.add(options::kUserProvLaunch, whys::kUsersProvisioning);
     }
 }
 
 void addUseDaemonToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (inputs.runningPlatform) {
-        line.add(L"-useDaemon", std::to_wstring(*inputs.runningPlatform), whys::kDaemon);
+        line.add(options::kUseDaemon, std::to_wstring(*inputs.runningPlatform), whys::kDaemon);
     }
 }
 

@@ -4,19 +4,7 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/inputs/launch_inputs.h"
 
-#include <string_view>
-
 namespace rcp {
-
-/// What becomes of an argument of the user's in front of "-vmargs".
-enum class CopyRule {
-    kCopy,
-    kCopyWithValue,
-    kDrop,           // the option alone
-    kDropWithValue,  // the option and the argument behind it
-};
-
-CopyRule copyRuleFor(std::wstring_view argument);
 
 /// Appends the platform options: the user's own, less those that the launcher decides, then
 /// "-data", "-configuration", and from the properties whatever of "-application",

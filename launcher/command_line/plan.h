@@ -2,6 +2,7 @@
 #pragma once
 
 #include "launcher/inputs/traits.h"
+#include "launcher/vocabulary/options.h"
 
 #include <string>
 #include <vector>
@@ -11,9 +12,9 @@ namespace rcp {
 /// File name of the Eclipse launcher library.
 inline constexpr wchar_t ECLIPSE_SO_NAME_DEFAULT[] = L"eclipse_1615.so";
 
-inline constexpr wchar_t CONSOLEARG[] = L"-console";
-inline constexpr wchar_t DEBUGARG[] = L"-debug";
-inline constexpr wchar_t PB4LARG[] = L"-pb4l";
+inline constexpr OptionName CONSOLEARG = options::kConsole;
+inline constexpr OptionName DEBUGARG = options::kDebug;
+inline constexpr OptionName PB4LARG = options::kPb4l;
 
 class CommandLine {
   public:

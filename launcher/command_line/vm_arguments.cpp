@@ -6,6 +6,9 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/inputs/option_values.h"
 #include "launcher/properties/placeholders.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -13,7 +16,7 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t VMFIXARG_PROPERTY[] = L"vmfix.noconsole";
+constexpr Key VMFIXARG_PROPERTY = keys::kConsoleFix;
 
 // What the user put behind "-vmargs". A "-vm" there is a choice of the launcher's, not a JVM
 // option.
@@ -23,12 +26,12 @@ void addUserVmargs(CommandLine& line, const Arguments& arguments) {
         tellLoser(arguments[separator], whys::kOwnJvmPart);
     }
     for (std::size_t i = separator + 1; i < arguments.size(); ++i) {
-        if (arguments[i] != L"-vm") {
+        if (arguments[i] != options::kVm) {
             line.add(arguments[i], whys::kUsersJvmArgument);
             continue;
         }
         const std::size_t count = i + 1 < arguments.size() && canBeValue(arguments[i + 1]) ? 2 : 1;
-        if (findOption(L"-vm", arguments) != i) {
+        if (findOption(options::kVm, arguments) != i) {
             tellRepeated(arguments, i, count, whys::kRepeats);
         } else {
             tellDropped(arguments, i, count, whys::kOwnJvm);
@@ -43,7 +46,7 @@ void addConsoleFix(CommandLine& line, const LaunchInputs& inputs) {
         return;
     }
     Argument fix = argumentFrom(*fixes.front());
-    replaceFirst(fix.text, L"${workspace.location}", inputs.workspace);
+    replaceFirst(fix.text, placeholders::kWorkspaceLocation, inputs.workspace);
     convertToOsSeparator(fix.text);
     if (!fix.text.empty()) {
         line.add(fix);
@@ -57,13 +60,12 @@ std::wstring definition(const std::wstring& key, const std::wstring& value) {
     return item;
 }
 
-void addSystemProperty(CommandLine& line, const std::wstring& key, const Argument& value,
-                       const Why& why) {
-    line.add({definition(key, value.text), value.origin}, why);
+void addSystemProperty(CommandLine& line, OptionName key, const Argument& value, const Why& why) {
+    line.add({definition(std::wstring(key), value.text), value.origin}, why);
 }
 
 void addPropertyDefinitions(CommandLine& line, const PropertyList& properties) {
-    for (const Property* property : findProperties(L"-D", properties)) {
+    for (const Property* property : findProperties(keys::kSystemProperty, properties)) {
         const std::wstring item = definition(property->key, property->value);
         trace(messages.definitionTaken, item);
         line.add({item, property->origin});
@@ -80,7 +82,7 @@ Arguments::iterator secondOccurrence(Arguments& arguments, std::wstring_view opt
 
 void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, JvmFile jvm) {
     if (!inputs.traits.isDirectJavaShape()) {
-        line.add(L"-vmargs", whys::kJvmPart);
+        line.add(options::kVmargs, whys::kJvmPart);
     }
     addUserVmargs(line, inputs.arguments);
     const bool hasConsole = hasOption(CONSOLEARG, inputs.arguments) && !isRestart(inputs.arguments);
@@ -95,39 +97,38 @@ void addVmargsToCommandLine(CommandLine& line, const LaunchInputs& inputs, JvmFi
 }
 
 void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
-    addSystemProperty(line, L"-Drcp.home", inputs.installDir, whys::kTellsHome);
-    addSystemProperty(line, L"-Drcp.data", {inputs.workspace, inputs.workspaceOrigin},
+    addSystemProperty(line, options::kRcpHome, inputs.installDir, whys::kTellsHome);
+    addSystemProperty(line, options::kRcpData, {inputs.workspace, inputs.workspaceOrigin},
                       whys::kTellsWorkspace);
-    if (const Property* splash = inputs.userProperties.find(L"osgi.splashPath")) {
-        addSystemProperty(line, L"-Dosgi.splashPath", argumentFrom(*splash), whys::kTellsSplash);
+    if (const Property* splash = inputs.userProperties.find(keys::kSplashPath)) {
+        addSystemProperty(line, options::kSplashPath, argumentFrom(*splash), whys::kTellsSplash);
     }
-    const Property* installId = inputs.properties.find(L"rcp.install.id");
+    const Property* installId = inputs.properties.find(keys::kInstallId);
     if (installId == nullptr) {
         fatal(noReason(), messages.noInstallIdForDefinitions);
     }
-    addSystemProperty(line, L"-Dcom.ovr.rcp.install.id", argumentFrom(*installId),
-                      whys::kTellsInstallId);
+    addSystemProperty(line, options::kInstallId, argumentFrom(*installId), whys::kTellsInstallId);
     const std::wstring configuration = installConfigurationName(inputs.traits.eConfig);
     if (configuration.empty()) {
         fatal(noReason(), messages.configurationUnknown);
     }
-    const Property* kind = inputs.properties.find(L"install.configuration");
-    addSystemProperty(line, L"-Drcp.install.config",
+    const Property* kind = inputs.properties.find(keys::kInstallConfiguration);
+    addSystemProperty(line, options::kInstallConfig,
                       {configuration, kind == nullptr ? Origin() : kind->origin}, whys::kTellsKind);
     addPropertyDefinitions(line, inputs.properties);
-    addSystemProperty(line, L"-Drcp.osgi.install.area", osPath(inputs.installDir + L"/rcp/eclipse"),
+    addSystemProperty(line, options::kInstallArea, osPath(inputs.installDir + L"/rcp/eclipse"),
                       whys::kTellsInstallArea);
 }
 
 void addXargsToCommandLine(CommandLine& line, const PropertyList& properties) {
-    for (const Property* property : findProperties(L"-X", properties)) {
+    for (const Property* property : findProperties(keys::kJvmOption, properties)) {
         line.add({property->key + property->value, property->origin});
     }
-    if (const Property* prepend = properties.find(L"Xbootclasspath.prepend")) {
-        line.add({L"-Xbootclasspath/p:" + prepend->value, prepend->origin});
+    if (const Property* prepend = properties.find(keys::kBootClassPathPrepend)) {
+        line.add({options::kBootClassPathPrepend + prepend->value, prepend->origin});
     }
-    if (const Property* append = properties.find(L"Xbootclasspath.append")) {
-        line.add({L"-Xbootclasspath/a:" + append->value, append->origin});
+    if (const Property* append = properties.find(keys::kBootClassPathAppend)) {
+        line.add({options::kBootClassPathAppend + append->value, append->origin});
     }
 }
 

@@ -6,6 +6,9 @@
 #include "launcher/command_line/plan.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_file.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -17,7 +20,6 @@ namespace {
 
 constexpr wchar_t kFileName[] = L"jvm.properties";
 constexpr std::wstring_view kPluginFolder = L"/eclipse/plugins/";
-constexpr wchar_t kJavaHome[] = L"${prop.java.home}";
 
 void traceAlways(Message<Text> message, std::wstring_view argument) {
     const ForcedTracing forced;
@@ -27,10 +29,10 @@ void traceAlways(Message<Text> message, std::wstring_view argument) {
 // The JVM's path; empty when the launcher library is to find one itself, or "-vm" has no value.
 Argument givenVm(const PropertyList& properties, const Arguments& arguments) {
     if (isVmOverride(arguments)) {
-        const Argument* value = optionValue(L"-vm", arguments);
+        const Argument* value = optionValue(options::kVm, arguments);
         return value == nullptr ? Argument() : *value;
     }
-    const Property* property = properties.find(L"vm");
+    const Property* property = properties.find(keys::kVm);
     return property == nullptr ? Argument() : argumentFrom(*property);
 }
 
@@ -45,7 +47,7 @@ Argument chosenVm(const PropertyList& properties, const Arguments& arguments, Me
 
 // "-vm" keeps the property out; the last one of an ordinary start is the launcher's own.
 void tellOtherVm(const LaunchInputs& inputs, const Argument& vm) {
-    const Property* property = observer == nullptr ? nullptr : inputs.properties.find(L"vm");
+    const Property* property = observer == nullptr ? nullptr : inputs.properties.find(keys::kVm);
     if (property != nullptr && isVmOverride(inputs.arguments)) {
         const Why& why = whys::whyItWins(vm);
         tellLoser(property->value, property->origin,
@@ -55,17 +57,17 @@ void tellOtherVm(const LaunchInputs& inputs, const Argument& vm) {
 
 void settleJavaHome(PropertyList& properties, const JvmPropertyLocation& location) {
     const std::optional<std::wstring> home = getJvmHome(location.jvm);
-    if (const std::wstring* given = findProperty(L"java.home", properties)) {
-        replaceValue(L"java.home", home.value_or(*given), properties);
+    if (const std::wstring* given = findProperty(keys::kJavaHome, properties)) {
+        replaceValue(keys::kJavaHome, home.value_or(*given), properties);
     } else if (location.isDefault && home && !home->empty()) {
-        pushBackProperty(properties, L"java.home", *home);
+        pushBackProperty(properties, keys::kJavaHome, *home);
     }
 }
 
 void settleLibraryPath(PropertyList& properties) {
-    const std::wstring* given = findProperty(L"jvm.library.path", properties);
+    const std::wstring* given = findProperty(keys::kJvmLibraryPath, properties);
     if (given != nullptr && !given->empty()) {
-        replaceValue(L"jvm.library.path", fixUpJvmLibPath(*given), properties);
+        replaceValue(keys::kJvmLibraryPath, fixUpJvmLibPath(*given), properties);
     }
 }
 
@@ -94,7 +96,7 @@ JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     if (inputs.traits.isDirectJavaShape()) {
         line.setProgram(vm, whys::kJvmProgram);
     } else {
-        line.add(L"-vm", whys::kJvm);
+        line.add(options::kVm, whys::kJvm);
         if (vm.origin.isCommandLine()) {
             line.add(vm, whys::kUsersJvm);
         } else if (vm.origin.file) {
@@ -126,7 +128,7 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
         root = installDir + L"/rcp/deploy/";
         convertBS2S(*root);
     }
-    pushBackProperty(properties, L"jvm.root", *root);
+    pushBackProperty(properties, keys::kJvmRoot, *root);
     location.file = *root + kFileName;
     return location;
 }
@@ -186,8 +188,8 @@ std::wstring fixUpJvmLibPath(const std::wstring& libraryPath) {
         if (!fixed.empty()) {
             fixed += L':';
         }
-        if (element.find(kJavaHome) == std::wstring::npos) {
-            fixed += kJavaHome;
+        if (element.find(placeholders::kJavaHome) == std::wstring::npos) {
+            fixed += placeholders::kJavaHome;
             fixed += L'/';
         }
         fixed += element;
@@ -201,7 +203,7 @@ bool endsIn(std::wstring_view text, std::wstring_view suffix) {
 }
 
 bool isVmOverride(const Arguments& arguments) {
-    return hasOption(L"-vm", arguments);
+    return hasOption(options::kVm, arguments);
 }
 
 }  // namespace rcp

@@ -1,6 +1,7 @@
 #include "launcher/inputs/install_configuration.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/keys.h"
 
 #include <string_view>
 
@@ -34,7 +35,7 @@ InstallConfiguration codeOf(std::wstring_view name) {
 }  // namespace
 
 InstallConfiguration installConfigurationOf(const PropertyList& properties) {
-    const std::wstring* name = findProperty(L"install.configuration", properties);
+    const std::wstring* name = findProperty(keys::kInstallConfiguration, properties);
     if (name == nullptr) {
         trace(messages.installConfigurationMissing);
         return InstallConfiguration::kUser;

@@ -1,5 +1,6 @@
 #include "launcher/inputs/traits.h"
 
+#include "launcher/vocabulary/keys.h"
 #include "platform/install_location.h"
 #include "platform/platform.h"
 
@@ -18,7 +19,7 @@ bool handsOffInProcess(const PropertyList& properties) {
     if (path.substr(path.rfind('/') + 1) != "rcplauncher") {
         return true;
     }
-    if (const std::wstring* value = findProperty(L"invoke.eclipse.dylib", properties)) {
+    if (const std::wstring* value = findProperty(keys::kInvokeEclipseDylib, properties)) {
         return *value == L"1";
     }
     return isInProcessVersion(platform::productVersion());
@@ -40,8 +41,8 @@ std::wstring getMainProcessName(const Traits& traits, const PropertyList& proper
 }
 
 std::wstring getEclipseExeName(const PropertyList& properties) {
-    const std::wstring* property = findProperty(L"eclipse.name", properties);
-    return property == nullptr ? L"eclipse" : *property;
+    const std::wstring* property = findProperty(keys::kEclipseName, properties);
+    return property == nullptr ? defaults::kEclipseName : *property;
 }
 
 }  // namespace rcp

@@ -5,6 +5,7 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/instance/lock_content.h"
 #include "launcher/instance/running_provisioning.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/environment.h"
 #include "platform/file_lock.h"
 #include "platform/files.h"
@@ -66,7 +67,7 @@ std::optional<long> oldPlatform(const Arguments& arguments) {
     if (!isRestart(arguments)) {
         return std::nullopt;
     }
-    const Argument* value = optionValue(L"-rcp_old_pid", arguments);
+    const Argument* value = optionValue(options::kOldPid, arguments);
     return value == nullptr ? 0 : oldProcessId(value->text);
 }
 

@@ -3,6 +3,8 @@
 #include "diagnostics/svc_debug.h"
 #include "diagnostics/whys.h"
 #include "launcher/instance/shared_classes.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/files.h"
 #include "platform/removal.h"
 #include "platform/text.h"
@@ -10,8 +12,7 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kLevel[] = L"provisioning.manifest.version";
-constexpr wchar_t kSharedClassesKey[] = L"vmarg.Dshare";
+constexpr Key kLevel = keys::kProvisioningLevel;
 
 // An absolute path at which there is no directory, or not yet, is the JVM's affair.
 bool isWorthALook(const std::string& directory) {
@@ -29,23 +30,25 @@ bool isNewProvisioningLevel(const std::wstring* userLevel, const std::wstring* p
 }
 
 bool isISMPProvisioning(const Arguments& arguments) {
-    return hasOption(L"-rcpLauncherWait", arguments) && hasOption(L"-provManifest", arguments);
+    return hasOption(options::kLauncherWait, arguments) &&
+           hasOption(options::kProvManifest, arguments);
 }
 
 void defeateSharedClassesInProvisioning(VmArgumentMap& vmargMap) {
-    if (vmargMap.erase(kSharedClassesKey) == 0) {
+    const auto found = vmargMap.find(keys::kSharedClassesOption);
+    if (found == vmargMap.end()) {
         trace(messages.sharedClassesNotDetected);
         return;
     }
-    Argument none = L"-Xshareclasses=none";
+    Argument none = options::kNoSharedClasses;
     none.why = &whys::kNoSharedClasses;
-    vmargMap[kSharedClassesKey] = std::move(none);
+    found->second = std::move(none);
     trace(messages.sharedClassesSwitchedOff);
 }
 
 bool isProvisioningEnabled(const LaunchInputs& inputs) {
     using enum InstallConfiguration;
-    const std::wstring* enabled = findProperty(L"provisioning", inputs.properties);
+    const std::wstring* enabled = findProperty(keys::kProvisioning, inputs.properties);
     const InstallConfiguration configuration = inputs.traits.eConfig;
     return enabled != nullptr && *enabled == L"true" &&
            (configuration == kUser || configuration == kMultiuser || configuration == kLockdown);
@@ -73,8 +76,7 @@ std::optional<LaunchKind> checkForProvisioning(LaunchInputs& inputs) {
 }
 
 void emptySharedClassesOnNewLevel(const LaunchInputs& inputs) {
-    const std::wstring* property =
-        findProperty(L"jvm.shareclasses.fullpath", inputs.userProperties);
+    const std::wstring* property = findProperty(keys::kSharedClassesPath, inputs.userProperties);
     if (property == nullptr || !isAtNewProvisioningLevel(inputs)) {
         return;
     }

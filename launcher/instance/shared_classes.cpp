@@ -1,6 +1,7 @@
 #include "launcher/instance/shared_classes.h"
 
 #include "base/system_calls.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -51,7 +52,7 @@ std::string reallyAt(const std::string& path) {
     return path.empty() ? path : resolvedPath(path).value_or(lexicalPath(path));
 }
 
-std::string variable(const wchar_t* name) {
+std::string variable(VariableName name) {
     return toNarrow(getEnv(name).value_or(L""));
 }
 
@@ -65,10 +66,10 @@ SharedClassesFacts sharedClassesFacts(const std::string& directory, const Launch
     struct stat status {};
     facts.user = geteuid();
     facts.owner = calls::lstat(facts.resolved.c_str(), &status) == 0 ? status.st_uid : ~facts.user;
-    facts.home = reallyAt(variable(L"HOME"));
+    facts.home = reallyAt(variable(variables::kHome));
     facts.currentDirectory = platform::workingDirectory();
     facts.temporary = reallyAt("/tmp");
-    facts.usersTemporary = reallyAt(variable(L"TMPDIR"));
+    facts.usersTemporary = reallyAt(variable(variables::kTemporaryFolder));
     facts.installation = reallyAt(toNarrow(inputs.installDir));
     facts.workspace = reallyAt(toNarrow(inputs.workspace));
     facts.configuration = reallyAt(toNarrow(inputs.configuration));

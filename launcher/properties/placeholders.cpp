@@ -2,6 +2,7 @@
 
 #include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/text.h"
 
@@ -46,7 +47,7 @@ void tellObserver(const std::wstring& before, std::wstring_view placeholder,
 
 std::optional<std::wstring> getEnvironmentValue(std::wstring_view rest) {
     const std::size_t comma = rest.find(L',');
-    std::optional<std::wstring> value = getEnv(std::wstring(rest.substr(0, comma)));
+    std::optional<std::wstring> value = getEnv(VariableName(rest.substr(0, comma)));
     if (!value && comma != std::wstring_view::npos) {
         value = rest.substr(comma + 1);
     }
@@ -82,34 +83,37 @@ void replaceFirst(std::wstring& text, std::wstring_view placeholder, const std::
 }
 
 void replaceFirstRcpHome(std::wstring& text, const std::wstring& installDir) {
-    replaceFirst(text, kRcpHomePlaceholder, installDir);
+    replaceFirst(text, placeholders::kRcpHome, installDir);
 }
 
 void replaceStdPlaceholders(const StandardLocations& locations, std::wstring& text) {
-    replaceEvery(text, kRcpHomePlaceholder, locations.installDir);
-    replaceEvery(text, L"${workspace.location}", locations.workspace);
-    replaceEvery(text, L"${rcp.data}", locations.workspace);
+    replaceEvery(text, placeholders::kRcpHome, locations.installDir);
+    replaceEvery(text, placeholders::kWorkspaceLocation, locations.workspace);
+    replaceEvery(text, placeholders::kRcpData, locations.workspace);
 }
 
 std::optional<Placeholder> findLastPlaceholder(std::wstring_view text, std::size_t limit) {
-    const std::size_t begin = text.rfind(L"${", limit);
+    const std::size_t begin = text.rfind(placeholders::kOpening, limit);
     if (begin == std::wstring_view::npos) {
         return std::nullopt;
     }
-    const std::size_t end = text.find(L'}', begin + 2);
+    const std::size_t end = text.find(L'}', begin + placeholders::kOpening.size());
     if (end == std::wstring_view::npos) {
         return std::nullopt;
     }
-    return Placeholder{begin, end, text.substr(begin + 2, end - begin - 2)};
+    return Placeholder{begin, end,
+                       text.substr(begin + placeholders::kOpening.size(),
+                                   end - begin - placeholders::kOpening.size())};
 }
 
 std::optional<std::wstring> getPlaceholderValue(std::wstring_view name,
                                                 const PropertyList& properties) {
-    if (name.starts_with(L"env.")) {
-        return getEnvironmentValue(name.substr(4));
+    if (name.starts_with(placeholders::kVariable)) {
+        return getEnvironmentValue(name.substr(placeholders::kVariable.size()));
     }
-    if (name.starts_with(L"prop.")) {
-        if (const std::wstring* found = findProperty(name.substr(5), properties)) {
+    if (name.starts_with(placeholders::kProperty)) {
+        if (const std::wstring* found =
+                findProperty(Key(name.substr(placeholders::kProperty.size())), properties)) {
             return *found;
         }
     }
@@ -149,7 +153,7 @@ bool replaceUserPlaceholders(std::wstring& text, const PropertyList& properties)
 
 bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& text,
                             const PropertyList& properties) {
-    if (text.find(L"${") == std::wstring::npos) {
+    if (text.find(placeholders::kOpening) == std::wstring::npos) {
         return true;
     }
     replaceStdPlaceholders(locations, text);

@@ -20,8 +20,6 @@ struct StandardLocations {
     std::wstring installDir;
 };
 
-inline constexpr wchar_t kRcpHomePlaceholder[] = L"${rcp.home}";
-
 /// Replaces every `placeholder` in `text`. The search goes on behind the inserted text, so a value
 /// that holds its own placeholder cannot loop.
 void replaceEvery(std::wstring& text, std::wstring_view placeholder, const std::wstring& value);

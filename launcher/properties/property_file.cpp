@@ -4,6 +4,7 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/data_path.h"
 #include "launcher/properties/property_text.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/files.h"
 
 #include <errno.h>
@@ -58,7 +59,7 @@ class Entry {
         if (!continues_) {
             inValue_ = false;
             if (line.size() >= 2) {
-                isOption_ = line.starts_with(L"-X");
+                isOption_ = line.starts_with(keys::kJvmOption);
             }
         }
         bool separatorEligible = true;
@@ -121,7 +122,7 @@ Property finish(Entry& entry, const Origin& origin) {
     FilterProp(entry.key);
     trace(messages.keyRead, entry.key);
     FilterValue(entry.value);
-    if (entry.key.starts_with(L"rcp.data")) {
+    if (entry.key.starts_with(keys::kData)) {
         entry.value = getDataPath(entry.key, entry.value);
     }
     trace(messages.valueRead, entry.value);

@@ -88,7 +88,7 @@ std::size_t PropertyList::findPosition(std::wstring_view key) const {
     return indexed(key);
 }
 
-const Property* PropertyList::find(std::wstring_view key) const {
+const Property* PropertyList::find(Key key) const {
     const std::size_t position = findPosition(key);
     if (position == KeyIndex::kNone) {
         return nullptr;
@@ -97,11 +97,11 @@ const Property* PropertyList::find(std::wstring_view key) const {
     return &entries_[position];
 }
 
-Property* PropertyList::find(std::wstring_view key) {
+Property* PropertyList::find(Key key) {
     return const_cast<Property*>(std::as_const(*this).find(key));
 }
 
-std::vector<const Property*> PropertyList::findAll(std::wstring_view prefix) const {
+std::vector<const Property*> PropertyList::findAll(Key prefix) const {
     const PrefixTest matches(prefix);
     std::vector<const Property*> found;
     for (std::size_t i = 0; i < heads_.size(); ++i) {
@@ -116,7 +116,7 @@ std::vector<const Property*> PropertyList::findAll(std::wstring_view prefix) con
     return found;
 }
 
-std::vector<Property> PropertyList::extract(std::wstring_view prefix) {
+std::vector<Property> PropertyList::extract(Key prefix) {
     const PrefixTest matches(prefix);
     std::vector<Property> extracted;
     std::size_t kept = 0;
@@ -155,16 +155,17 @@ Argument argumentFrom(const Property& entry) {
     return {entry.value, entry.origin};
 }
 
-const std::wstring* findProperty(std::wstring_view key, const PropertyList& list) {
+const std::wstring* findProperty(Key key, const PropertyList& list) {
     const Property* entry = list.find(key);
     return entry == nullptr ? nullptr : &entry->value;
 }
 
-std::vector<const Property*> findProperties(std::wstring_view prefix, const PropertyList& list) {
+std::vector<const Property*> findProperties(Key prefix, const PropertyList& list) {
     return list.findAll(prefix);
 }
 
-void pushBackProperty(PropertyList& list, std::wstring key, std::wstring value) {
+void pushBackProperty(PropertyList& list, Key name, std::wstring value) {
+    std::wstring key(name);
     FilterProp(key);
     trace(messages.keyComputed, key);
     FilterValue(value);
@@ -172,7 +173,7 @@ void pushBackProperty(PropertyList& list, std::wstring key, std::wstring value) 
     list.append({std::move(key), std::move(value), {}});
 }
 
-void replaceValue(std::wstring_view key, const std::wstring& value, PropertyList& list) {
+void replaceValue(Key key, const std::wstring& value, PropertyList& list) {
     if (Property* entry = list.find(key)) {
         entry->value = value;
     }

@@ -4,6 +4,7 @@
 
 #include "diagnostics/argument.h"
 #include "launcher/properties/key_index.h"
+#include "launcher/vocabulary/name.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,13 +34,13 @@ class PropertyList {
     void append(Property property);
     /// The first entry of exactly this key (case-sensitive), null without one. Stays valid until
     /// the list is assigned to or filtered.
-    [[nodiscard]] const Property* find(std::wstring_view key) const;
-    Property* find(std::wstring_view key);
+    [[nodiscard]] const Property* find(Key key) const;
+    Property* find(Key key);
     /// The entries whose keys begin with `prefix`, in order, up to the first empty key.
-    [[nodiscard]] std::vector<const Property*> findAll(std::wstring_view prefix) const;
+    [[nodiscard]] std::vector<const Property*> findAll(Key prefix) const;
 
     /// Takes every entry whose key begins with `prefix` out of the list, in order.
-    std::vector<Property> extract(std::wstring_view prefix);
+    std::vector<Property> extract(Key prefix);
 
     /// Calls `change` with every value, which it may change, and its entry. Keys stay: look-ups
     /// depend on them.
@@ -75,16 +76,16 @@ std::wstring placeOf(const std::wstring& key, const Origin& origin);
 Argument argumentFrom(const Property& entry);
 
 /// The value of the first entry whose key is `key`; null without one.
-const std::wstring* findProperty(std::wstring_view key, const PropertyList& list);
+const std::wstring* findProperty(Key key, const PropertyList& list);
 
 /// The entries whose keys begin with `prefix`, in list order. The walk ends at the first entry with
 /// an empty key: what stands behind it is never returned.
-std::vector<const Property*> findProperties(std::wstring_view prefix, const PropertyList& list);
+std::vector<const Property*> findProperties(Key prefix, const PropertyList& list);
 
 /// Appends an entry from code, filtered as the reader filters key and value.
-void pushBackProperty(PropertyList& list, std::wstring key, std::wstring value);
+void pushBackProperty(PropertyList& list, Key key, std::wstring value);
 
 /// Replaces the value of the first entry of `key`. A missing key is not added.
-void replaceValue(std::wstring_view key, const std::wstring& value, PropertyList& list);
+void replaceValue(Key key, const std::wstring& value, PropertyList& list);
 
 }  // namespace rcp

@@ -1,5 +1,6 @@
 #include "launcher/properties/property_text.h"
 
+#include "launcher/vocabulary/keys.h"
 #include "platform/environment.h"
 
 #include <algorithm>
@@ -106,7 +107,7 @@ bool isContinuationLine(const std::wstring& line) {
 
 bool processFilterKey(std::wstring& line) {
     line.erase(0, std::min(line.find_first_not_of(L' '), line.size()));
-    if (line.starts_with(L"-D")) {
+    if (line.starts_with(keys::kSystemProperty)) {
         return false;
     }
     const std::size_t keyEnd = std::min(line.find_first_of(L" :="), line.size());

@@ -3,6 +3,7 @@
 #include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "diagnostics/whys.h"
+#include "launcher/vocabulary/keys.h"
 
 #include <iterator>
 #include <string_view>
@@ -11,7 +12,7 @@
 namespace rcp {
 namespace {
 
-constexpr std::wstring_view kPrefix = L"vmarg.";
+constexpr Key kPrefix = keys::kVmarg;
 
 void tellBeaten(const std::wstring& text, const Origin& origin, const Argument& winner) {
     tellLoser(text, origin, whys::whyItWins(winner), &winner.origin);

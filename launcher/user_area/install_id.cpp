@@ -4,6 +4,7 @@
 #include "base/transfer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/property_file.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/environment.h"
 #include "platform/file_lock.h"
 #include "platform/files.h"
@@ -17,7 +18,7 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kKey[] = L"rcp.install.id";
+constexpr Key kKey = keys::kInstallId;
 
 // Whether the last line of the file lacks its line feed; what is appended would become part of it.
 bool lastLineIsOpen(int descriptor, off_t size) {
@@ -32,7 +33,7 @@ bool appendLine(int descriptor, const std::wstring& id) {
         return false;
     }
     std::string line = lastLineIsOpen(descriptor, status.st_size) ? "\n" : "";
-    line += toNarrow(kKey + (L"=" + id) + L"\n");
+    line += toNarrow(kKey + L"=" + id + L"\n");
     if (writeFully(descriptor, line)) {
         return true;
     }

@@ -3,6 +3,8 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/whole_file.h"
@@ -18,16 +20,16 @@ namespace {
 struct Feature {
     const wchar_t* idPlaceholder;
     const wchar_t* versionPlaceholder;
-    const wchar_t* idProperty;
-    const wchar_t* versionProperty;
+    Key idProperty;
+    Key versionProperty;
     Message<> missing;
 };
 
 constexpr Feature kFeatures[] = {
-    {L"${jvm.feature.id}", L"${jvm.feature.version}", L"jvm.feature.id", L"jvm.feature.version",
-     messages.jvmFeatureMissing},
-    {L"${jvm.parent.feature.id}", L"${jvm.parent.feature.version}", L"jvm.parent.feature.id",
-     L"jvm.parent.feature.version", messages.jvmParentFeatureMissing},
+    {placeholders::kFeatureId, placeholders::kFeatureVersion, keys::kFeatureId,
+     keys::kFeatureVersion, messages.jvmFeatureMissing},
+    {placeholders::kParentFeatureId, placeholders::kParentFeatureVersion, keys::kParentFeatureId,
+     keys::kParentFeatureVersion, messages.jvmParentFeatureMissing},
 };
 
 void fillIn(const Feature& feature, std::wstring& line, const PropertyList& properties) {
@@ -104,7 +106,7 @@ bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, Fea
         ensureDirectory(update, messages.updateFolderNotMade);
     }
     const std::wstring target = update + L"/platform.xml";
-    const std::wstring* managed = findProperty(L"update.policy.managed", properties);
+    const std::wstring* managed = findProperty(keys::kUpdatePolicyManaged, properties);
     if (!exists(target) && (managed == nullptr || *managed != L"false")) {
         return writePlatformXml(getCoreFileLocation(configuration, base, L"platform.xml"), target,
                                 properties, features) ||

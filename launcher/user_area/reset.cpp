@@ -5,6 +5,8 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_file.h"
 #include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/removal.h"
@@ -190,7 +192,7 @@ void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base) {
     PropertyList properties;
     getProperties(resetPropertiesFile(inputs, base), properties);
     const std::wstring plugins = osPath(inputs.workspace + L"/.metadata/.plugins");
-    for (const Property* property : findProperties(L"resetDir.", properties)) {
+    for (const Property* property : findProperties(keys::kResetDir, properties)) {
         removePluginDirectory(plugins, property->value);
     }
 }
@@ -226,11 +228,11 @@ void handleDirMove(const std::wstring& target, const std::wstring& source, Need 
 std::optional<std::wstring> getRestartExe(const Arguments& arguments,
                                           const PropertyList& properties,
                                           const std::wstring& rcpHome) {
-    const Argument* name = optionValue(L"-config", arguments);
+    const Argument* name = optionValue(options::kConfig, arguments);
     if (name == nullptr) {
         return std::nullopt;
     }
-    const std::wstring key = L"config." + name->text + L".restartExe." + getOS();
+    const std::wstring key = keys::restartExecutable(name->text, getOS());
     const std::wstring* value = findProperty(key, properties);
     if (value == nullptr) {
         return std::nullopt;

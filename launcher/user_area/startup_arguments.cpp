@@ -4,6 +4,9 @@
 #include "launcher/inputs/option_values.h"
 #include "launcher/properties/java_properties.h"
 #include "launcher/properties/placeholders.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
@@ -23,8 +26,9 @@ struct Line {
     Message<Text> failed;  // the message when it cannot be written
 };
 
-Line makeLine(const std::wstring& key, const std::wstring& value, Message<Text> failed) {
-    return {propertyLines(toNarrow(key), toNarrow(convWcharTo8859_1_Value(value))), failed};
+Line makeLine(Key key, const std::wstring& value, Message<Text> failed) {
+    return {propertyLines(toNarrow(std::wstring(key)), toNarrow(convWcharTo8859_1_Value(value))),
+            failed};
 }
 
 std::wstring programPath(const std::optional<std::wstring>& restartExe) {
@@ -41,7 +45,7 @@ std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& pro
     replaceFirstRcpHome(value, installDir);
     const std::wstring before = value;
     if (!replaceUserPlaceholders(value, properties)) {
-        refusePlaceholders(before, L"-data", argument.origin);
+        refusePlaceholders(before, std::wstring(options::kData), argument.origin);
     }
     return convert_from_relative_location(value);
 }
@@ -51,10 +55,10 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
                                             const std::optional<std::wstring>& restartExe,
                                             const PropertyList& properties,
                                             const std::wstring& installDir) {
-    const auto restart = findOption(L"-restart", arguments);
-    const auto resetConfig = findOption(L"-resetconfig", arguments);
-    const auto oldPid = findOption(L"-rcp_old_pid", arguments);
-    const Argument* data = optionValue(L"-data", arguments);
+    const auto restart = findOption(options::kRestart, arguments);
+    const auto resetConfig = findOption(options::kResetConfig, arguments);
+    const auto oldPid = findOption(options::kOldPid, arguments);
+    const Argument* data = optionValue(options::kData, arguments);
     std::vector<std::wstring> recorded{programPath(restartExe)};
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const Argument& argument = arguments[i];
@@ -62,7 +66,7 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
             continue;
         }
         if (i == oldPid) {
-            i += optionValue(L"-rcp_old_pid", arguments) == nullptr ? 0 : 1;
+            i += optionValue(options::kOldPid, arguments) == nullptr ? 0 : 1;
         } else if (i + 1 < arguments.size() && lacksValue(arguments, i)) {
             continue;  // a restart would take the launcher's own "-vm" behind it for its value
         } else if (&argument == data) {
@@ -77,13 +81,14 @@ std::vector<std::wstring> recordedArguments(const Arguments& arguments,
 std::vector<Line> makeLines(const std::vector<std::wstring>& recorded) {
     std::vector<Line> lines;
     for (std::size_t i = 0; i < recorded.size(); ++i) {
-        lines.push_back(
-            makeLine(L"arg" + std::to_wstring(i), recorded[i], messages.argumentNotRecorded));
+        lines.push_back(makeLine(keys::kArgument + std::to_wstring(i), recorded[i],
+                                 messages.argumentNotRecorded));
     }
-    lines.push_back(makeLine(L"argc", std::to_wstring(recorded.size()), messages.countNotRecorded));
-    const std::wstring libraryPath = getEnv(L"DYLD_LIBRARY_PATH").value_or(L"");
-    lines.push_back(makeLine(L"com.ovr.rcp.core.internal.librarypath", libraryPath,
-                             messages.libraryPathNotRecorded));
+    lines.push_back(makeLine(keys::kArgumentCount, std::to_wstring(recorded.size()),
+                             messages.countNotRecorded));
+    const std::wstring libraryPath = getEnv(variables::kLibraryPath).value_or(L"");
+    lines.push_back(
+        makeLine(keys::kInternalLibraryPath, libraryPath, messages.libraryPathNotRecorded));
     return lines;
 }
 

@@ -3,6 +3,7 @@
 #include "diagnostics/svc_debug.h"
 #include "launcher/properties/java_properties.h"
 #include "launcher/properties/property_text.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/whole_file.h"
@@ -33,21 +34,22 @@ std::wstring_view coreFileFolder(InstallConfiguration configuration) {
 
 // One line of the block at the end of the user's file.
 struct BlockLine {
-    const wchar_t* key;
-    const wchar_t* property;
+    Key key;
+    Key property;
     bool isPath;  // slashes turned, escaped for the Java reader; left out when empty
     bool isRequired;
     const wchar_t* otherwise;  // for a missing property
 };
 
 constexpr BlockLine kBlockLines[] = {
-    {L"rcp.install.id", L"rcp.install.id", false, true, nullptr},
-    {L"vm", L"jvm.location", true, false, nullptr},
-    {L"rcp.base.location", L"rcp.base.location", true, true, nullptr},
+    {keys::kInstallId, keys::kInstallId, false, true, nullptr},
+    {keys::kVm, keys::kJvmLocation, true, false, nullptr},
+    {keys::kBaseLocation, keys::kBaseLocation, true, true, nullptr},
     // An installation that names no configuration is one of configuration "user".
-    {L"install.configuration", L"install.configuration", false, true, L"user"},
-    {L"com.ovr.rcp.core.locale", L"com.ovr.rcp.core.locale", false, false, nullptr},
-    {L"com.ovr.rcp.core.bidi", L"com.ovr.rcp.core.bidi", false, false, nullptr},
+    {keys::kInstallConfiguration, keys::kInstallConfiguration, false, true,
+     defaults::kInstallConfiguration},
+    {keys::kLocale, keys::kLocale, false, false, nullptr},
+    {keys::kBidi, keys::kBidi, false, false, nullptr},
 };
 
 std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList& properties) {
@@ -152,7 +154,7 @@ std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
             block.missingKeys.emplace_back(line.key);
         } else if (value) {
             // A value is the format of its own output: "%%" in it becomes "%".
-            block.lines += propertyLines(toNarrow(line.key), expandFormat(narrow));
+            block.lines += propertyLines(toNarrow(std::wstring(line.key)), expandFormat(narrow));
         }
     }
     return block;

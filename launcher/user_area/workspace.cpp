@@ -4,6 +4,9 @@
 #include "diagnostics/svc_debug.h"
 #include "diagnostics/whys.h"
 #include "launcher/properties/placeholders.h"
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -51,7 +54,8 @@ std::wstring workspaceFromArgument(const std::wstring& argument, const PropertyL
 
 // Whether "${rcp.home}" is all that is left in a text whose user placeholders were replaced.
 bool onlyRcpHomeIsLeft(std::wstring text, const PropertyList& properties) {
-    replaceStdPlaceholders({.workspace = L"${workspace.location}", .installDir = L"/"}, text);
+    replaceStdPlaceholders({.workspace = placeholders::kWorkspaceLocation, .installDir = L"/"},
+                           text);
     return replaceUserPlaceholders(text, properties);
 }
 
@@ -72,11 +76,11 @@ std::wstring workspaceFromProperty(const std::wstring& property, const PropertyL
 }
 
 std::wstring defaultWorkspace(const PropertyList& properties) {
-    const std::wstring* installId = findProperty(L"rcp.install.id", properties);
+    const std::wstring* installId = findProperty(keys::kInstallId, properties);
     if (installId == nullptr) {
         fatal(noReason(), messages.noInstallIdForWorkspace);
     }
-    const std::optional<std::wstring> user = getEnv(L"USER");
+    const std::optional<std::wstring> user = getEnv(variables::kUser);
     if (!user) {
         fatal(noReason(), messages.noUserForWorkspace);
     }
@@ -98,8 +102,8 @@ Argument getWorkspaceLocation(const LaunchInputs& inputs) {
         default:
             break;
     }
-    const Property* property = inputs.properties.find(L"rcp.data");
-    if (const Argument* argument = optionValue(L"-data", inputs.arguments)) {
+    const Property* property = inputs.properties.find(keys::kData);
+    if (const Argument* argument = optionValue(options::kData, inputs.arguments)) {
         if (property != nullptr) {
             tellLoser(property->value, property->origin, whys::whyItWins(*argument),
                       &argument->origin);

@@ -1,8 +1,7 @@
 // The documents list what the tables of the program hold, and nothing else.
 #include "inspect/check/finding.h"
 #include "inspect/check/near_keys.h"
-#include "inspect/property_keys.h"
-#include "platform/text.h"
+#include "launcher/vocabulary/property_keys.h"
 #include "tests/inspect/paths.h"
 #include "tests/support/sandbox.h"
 
@@ -57,21 +56,6 @@ TEST(CheckDocuments, ListEveryFindingAsItIs) {
     EXPECT_EQ(documented, known);
 }
 
-TEST(CheckDocuments, ListEveryPropertyKey) {
-    std::set<std::string> documented;
-    for (const auto& cells : rows("configuration.md", "## Properties", "### Placeholders")) {
-        const std::string& cell = cells.front();
-        if (cell.starts_with('`')) {
-            documented.insert(cell.substr(1, cell.size() - 2));
-        }
-    }
-    std::set<std::string> known;
-    for (const PropertyKey& key : propertyKeys()) {
-        known.insert(toNarrow(std::wstring(key.key)));
-    }
-    EXPECT_EQ(known, documented);
-}
-
 TEST(CheckFindingTable, HasCodesInOrderAndNamesOfTheirOwn) {
     std::set<std::string> names;
     std::string former;
@@ -80,33 +64,6 @@ TEST(CheckFindingTable, HasCodesInOrderAndNamesOfTheirOwn) {
         former = rule.code;
         EXPECT_TRUE(names.insert(rule.name).second) << rule.name;
     }
-}
-
-TEST(PropertyKeys, CountInTheFilesThatAreReadBeforeTheyAreAskedFor) {
-    EXPECT_NE(findPropertyKey(L"jvm.location", kLauncherFile), nullptr);
-    EXPECT_EQ(findPropertyKey(L"jvm.location", kJvmFile), nullptr);
-    EXPECT_NE(findPropertyKey(L"java.home", kJvmFile), nullptr);
-    EXPECT_NE(findPropertyKey(L"osgi.splashPath", kUserFile), nullptr);
-    EXPECT_EQ(findPropertyKey(L"osgi.splashPath", kLauncherFile), nullptr);
-}
-
-TEST(PropertyKeys, MatchWhatMayStandBehindThem) {
-    EXPECT_EQ(findPropertyKey(L"vmarg.Dshare")->key, L"vmarg.Dshare");
-    EXPECT_EQ(findPropertyKey(L"vmarg.Dshared")->key, L"vmarg.");
-    EXPECT_EQ(findPropertyKey(L"config.initial.1")->key, L"config.initial.");
-    EXPECT_EQ(findPropertyKey(L"config.a.b.12")->key, L"config.");
-    EXPECT_EQ(findPropertyKey(L"config.a.restartExe.win32"), nullptr);
-    EXPECT_EQ(findPropertyKey(L"env.set"), nullptr);
-    EXPECT_EQ(findPropertyKey(L"env.set.A")->key, L"env.set");
-    EXPECT_EQ(findPropertyKey(L"cpx"), nullptr);
-}
-
-TEST(PropertyKeys, KnowTheirFilesByName) {
-    EXPECT_EQ(keyFileOf(L"/a/rcp/rcplauncher.properties"), kLauncherFile);
-    EXPECT_EQ(keyFileOf(L"jvm.properties"), kJvmFile);
-    EXPECT_EQ(keyFileOf(L"/a/rcpinstall.properties"), kUserFile);
-    EXPECT_EQ(keyFileOf(L"/a/args.properties"), kArgsFile);
-    EXPECT_EQ(keyFileOf(L"/a/other.properties"), kNoFile);
 }
 
 TEST(NearKeys, CountSlipsAndIgnoreCase) {

@@ -60,7 +60,7 @@ TEST_F(Extensions, TellWhatTheyStandForAndWhatLosesBesideThem) {
 TEST_F(Extensions, WithoutTheOptionNothingChanges) {
     const Arguments options = {L"-data", L"/a", L"-data", L"/b", L"-console", L"-console"};
     EXPECT_EQ(extended(options, values({L"-x"})), options);
-    EXPECT_EQ(findProperty(L"rcp.data", properties_), nullptr);
+    EXPECT_EQ(findProperty(Key(L"rcp.data"), properties_), nullptr);
 }
 
 TEST_F(Extensions, OptionAtTheEndIsKept) {

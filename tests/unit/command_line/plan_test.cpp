@@ -71,9 +71,9 @@ TEST(CommandLine, LibraryIsTheLastOneSet) {
 
 TEST(CommandLine, FixedNames) {
     EXPECT_STREQ(ECLIPSE_SO_NAME_DEFAULT, L"eclipse_1615.so");
-    EXPECT_STREQ(CONSOLEARG, L"-console");
-    EXPECT_STREQ(DEBUGARG, L"-debug");
-    EXPECT_STREQ(PB4LARG, L"-pb4l");
+    EXPECT_EQ(CONSOLEARG, L"-console");
+    EXPECT_EQ(DEBUGARG, L"-debug");
+    EXPECT_EQ(PB4LARG, L"-pb4l");
 }
 
 }  // namespace

@@ -125,7 +125,7 @@ class JvmProperties : public test::LauncherTest {
         properties_ = propertyList(properties);
         const JvmPropertyLocation location =
             getJvmPropertyLocation(properties_, arguments, folder_.wide("x"));
-        EXPECT_EQ(*findProperty(L"jvm.root", properties_) + L"jvm.properties", location.file);
+        EXPECT_EQ(*findProperty(Key(L"jvm.root"), properties_) + L"jvm.properties", location.file);
         return location;
     }
     // The folder of the file, below the test's folder; "*" in front when it is the default.
@@ -149,7 +149,7 @@ TEST_F(JvmProperties, DefaultRootHasNoBackslashes) {
     PropertyList properties;
     EXPECT_EQ(getJvmPropertyLocation(properties, {L"rcplauncher"}, L"C:\\x").file,
               L"C:/x/rcp/deploy/jvm.properties");
-    EXPECT_EQ(*findProperty(L"jvm.root", properties), L"C:/x/rcp/deploy/");
+    EXPECT_EQ(*findProperty(Key(L"jvm.root"), properties), L"C:/x/rcp/deploy/");
 }
 
 TEST_F(JvmProperties, PluginThatHoldsTheJvmIsTheRoot) {
@@ -231,7 +231,7 @@ class JvmLoading : public test::LauncherTest {
     void load(const std::wstring& jvm, bool isDefault) {
         loadJvmProperties(inputs_, {folder_.wide("jvm.properties"), isDefault, jvm});
     }
-    std::wstring property(const wchar_t* key) const {
+    std::wstring property(const std::wstring& key) const {
         const std::wstring* value = findProperty(key, inputs_.properties);
         return value == nullptr ? L"(none)" : *value;
     }

@@ -10,48 +10,51 @@ namespace {
 const Arguments kArguments = {L"-program", L"-data", L"ws", L"-DATA", L"-data", L"-last"};
 
 TEST(FindOption, FirstExactMatchBehindTheProgram) {
-    EXPECT_EQ(findOption(L"-data", kArguments), 1);
-    EXPECT_EQ(findOption(L"-DATA", kArguments), 3);
-    EXPECT_EQ(findOption(L"-last", kArguments), 5);
+    EXPECT_EQ(findOption(OptionName(L"-data"), kArguments), 1);
+    EXPECT_EQ(findOption(OptionName(L"-DATA"), kArguments), 3);
+    EXPECT_EQ(findOption(OptionName(L"-last"), kArguments), 5);
 }
 
 TEST(FindOption, ProgramIsNeverCompared) {
-    EXPECT_EQ(findOption(L"-program", kArguments), std::nullopt);
+    EXPECT_EQ(findOption(OptionName(L"-program"), kArguments), std::nullopt);
 }
 
 TEST(FindOption, ArgumentsAreComparedWhole) {
-    EXPECT_EQ(findOption(L"-dat", kArguments), std::nullopt);
-    EXPECT_EQ(findOption(L"-data", Arguments{L"p", L"-data=ws", L"-datax"}), std::nullopt);
-    EXPECT_EQ(findOption(L"", kArguments), std::nullopt);
-    EXPECT_EQ(findOption(L"", Arguments{L"p", L""}), 1);
+    EXPECT_EQ(findOption(OptionName(L"-dat"), kArguments), std::nullopt);
+    EXPECT_EQ(findOption(OptionName(L"-data"), Arguments{L"p", L"-data=ws", L"-datax"}),
+              std::nullopt);
+    EXPECT_EQ(findOption(OptionName(L""), kArguments), std::nullopt);
+    EXPECT_EQ(findOption(OptionName(L""), Arguments{L"p", L""}), 1);
 }
 
 TEST(FindOption, NoArgumentsHoldNothing) {
-    EXPECT_EQ(findOption(L"-data", Arguments()), std::nullopt);
-    EXPECT_EQ(findOption(L"-data", Arguments{L"-data"}), std::nullopt);
-    EXPECT_FALSE(hasOption(L"-data", Arguments()));
-    EXPECT_TRUE(hasOption(L"-data", kArguments));
+    EXPECT_EQ(findOption(OptionName(L"-data"), Arguments()), std::nullopt);
+    EXPECT_EQ(findOption(OptionName(L"-data"), Arguments{L"-data"}), std::nullopt);
+    EXPECT_FALSE(hasOption(OptionName(L"-data"), Arguments()));
+    EXPECT_TRUE(hasOption(OptionName(L"-data"), kArguments));
 }
 
 TEST(OptionValue, ArgumentBehindTheFirstMatch) {
-    EXPECT_EQ(optionValue(L"-data", kArguments), &kArguments[2]);
-    EXPECT_EQ(optionValue(L"-DATA", kArguments), &kArguments[4]) << "whatever it looks like";
+    EXPECT_EQ(optionValue(OptionName(L"-data"), kArguments), &kArguments[2]);
+    EXPECT_EQ(optionValue(OptionName(L"-DATA"), kArguments), &kArguments[4])
+        << "whatever it looks like";
 }
 
 TEST(OptionValue, MissingValueNeverReadsPastTheEnd) {
-    EXPECT_EQ(optionValue(L"-last", kArguments), nullptr);
-    EXPECT_EQ(optionValue(L"-missing", kArguments), nullptr);
-    EXPECT_EQ(optionValue(L"-data", Arguments()), nullptr);
+    EXPECT_EQ(optionValue(OptionName(L"-last"), kArguments), nullptr);
+    EXPECT_EQ(optionValue(OptionName(L"-missing"), kArguments), nullptr);
+    EXPECT_EQ(optionValue(OptionName(L"-data"), Arguments()), nullptr);
 }
 
 TEST(OptionValue, EndOfTheOptionsIsNoValue) {
-    EXPECT_EQ(optionValue(L"-data", Arguments{L"p", L"-data", L"-vmargs", L"-Xa"}), nullptr);
+    EXPECT_EQ(optionValue(OptionName(L"-data"), Arguments{L"p", L"-data", L"-vmargs", L"-Xa"}),
+              nullptr);
 }
 
 TEST(OptionValue, JvmThatTheLauncherAppendsIsNoValue) {
-    EXPECT_EQ(optionValue(L"-data", Arguments{L"p", L"-data", L"-vm", L"/j"}), nullptr);
+    EXPECT_EQ(optionValue(OptionName(L"-data"), Arguments{L"p", L"-data", L"-vm", L"/j"}), nullptr);
     const Arguments given{L"p", L"-data", Argument(L"-vm", Origin{nullptr, 2})};
-    EXPECT_EQ(optionValue(L"-data", given), &given[2]) << "the user's own is";
+    EXPECT_EQ(optionValue(OptionName(L"-data"), given), &given[2]) << "the user's own is";
 }
 
 TEST(BundleIdentifier, IsTheArgumentBehindTheOption) {

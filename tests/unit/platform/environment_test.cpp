@@ -12,7 +12,7 @@ namespace {
 using test::ScopedVariable;
 
 constexpr char kName[] = "RCP_UNIT_\u00C4";
-constexpr wchar_t kWideName[] = L"RCP_UNIT_\u00C4";
+constexpr VariableName kWideName{L"RCP_UNIT_\u00C4"};
 
 class SystemEnvironment : public test::LauncherTest {
   protected:
@@ -60,8 +60,8 @@ TEST_F(SystemEnvironment, SetWithoutOverwriteLeavesAnExistingValueAndAnswersFals
 }
 
 TEST_F(SystemEnvironment, SetAnswersTrueWhenItFailed) {
-    EXPECT_TRUE(setEnv(L"", L"x", Overwrite::kYes));
-    EXPECT_TRUE(setEnv(L"A=B", L"x", Overwrite::kYes));
+    EXPECT_TRUE(setEnv(VariableName(L""), L"x", Overwrite::kYes));
+    EXPECT_TRUE(setEnv(VariableName(L"A=B"), L"x", Overwrite::kYes));
 }
 
 TEST_F(SystemEnvironment, UnsetAlwaysAnswersTrue) {
@@ -69,7 +69,7 @@ TEST_F(SystemEnvironment, UnsetAlwaysAnswersTrue) {
     EXPECT_TRUE(unsetEnv(kWideName));
     EXPECT_EQ(test::variable(kName), std::nullopt);
     EXPECT_TRUE(unsetEnv(kWideName));
-    EXPECT_TRUE(unsetEnv(L"A=B"));
+    EXPECT_TRUE(unsetEnv(VariableName(L"A=B")));
 }
 
 TEST_F(SystemEnvironment, HomeIsThatOfTheVariable) {

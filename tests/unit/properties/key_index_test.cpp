@@ -35,15 +35,16 @@ TEST(KeyIndex, EmptyOneFindsNothing) {
 // U+0161 and U+0261 share their low bytes with "a".
 TEST(FindProperties, CharactersWithTheSameLowByteAreNoMatch) {
     const PropertyList list = test::propertyList({{L"\x161.x", L"1"}, {L"a.x", L"2"}});
-    EXPECT_EQ(findProperties(L"a.", list).size(), 1U);
-    EXPECT_EQ(findProperties(L"\x261.", list).size(), 0U);
-    EXPECT_EQ(*findProperty(L"a.x", list), L"2");
+    EXPECT_EQ(findProperties(Key(L"a."), list).size(), 1U);
+    EXPECT_EQ(findProperties(Key(L"\x261."), list).size(), 0U);
+    EXPECT_EQ(*findProperty(Key(L"a.x"), list), L"2");
 }
 
 // The low byte of U+0100 is that of no character at all.
 TEST(FindProperties, OnlyAnEmptyKeyEndsTheWalk) {
-    EXPECT_EQ(findProperties(L"a", test::propertyList({{L"\x100", L""}, {L"a", L""}})).size(), 1U);
-    EXPECT_EQ(findProperties(L"a", test::propertyList({{L"", L""}, {L"a", L""}})).size(), 0U);
+    EXPECT_EQ(findProperties(Key(L"a"), test::propertyList({{L"\x100", L""}, {L"a", L""}})).size(),
+              1U);
+    EXPECT_EQ(findProperties(Key(L"a"), test::propertyList({{L"", L""}, {L"a", L""}})).size(), 0U);
 }
 
 TEST(PropertyList, CopyAndMovedListFindTheirEntries) {
@@ -51,14 +52,14 @@ TEST(PropertyList, CopyAndMovedListFindTheirEntries) {
     for (int i = 0; i < 200; ++i) {
         list.append({L"key" + std::to_wstring(i), std::to_wstring(i), {}});
     }
-    ASSERT_NE(list.find(L"key199"), nullptr);  // the index is there
+    ASSERT_NE(list.find(Key(L"key199")), nullptr);  // the index is there
     PropertyList copy = list;
     copy.append({L"more", L"m", {}});
-    EXPECT_EQ(copy.find(L"more")->value, L"m");
-    EXPECT_EQ(copy.find(L"key7"), &copy.entries()[7]);
+    EXPECT_EQ(copy.find(Key(L"more"))->value, L"m");
+    EXPECT_EQ(copy.find(Key(L"key7")), &copy.entries()[7]);
     const PropertyList moved = std::move(copy);
-    EXPECT_EQ(moved.find(L"key150")->value, L"150");
-    EXPECT_EQ(list.find(L"more"), nullptr);
+    EXPECT_EQ(moved.find(Key(L"key150"))->value, L"150");
+    EXPECT_EQ(list.find(Key(L"more")), nullptr);
 }
 
 }  // namespace

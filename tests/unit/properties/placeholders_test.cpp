@@ -325,8 +325,8 @@ TEST_F(Containers, ArgumentsGetTheStandardOnesOnly) {
 
 TEST_F(Containers, ReplaceValueChangesTheFirstEntryAndAddsNone) {
     PropertyList list = propertyList({{L"a", L"1"}, {L"b", L"2"}, {L"b", L"3"}});
-    replaceValue(L"b", L"new", list);
-    replaceValue(L"c", L"new", list);
+    replaceValue(Key(L"b"), L"new", list);
+    replaceValue(Key(L"c"), L"new", list);
     EXPECT_EQ(pairsOf(list), (Pairs{{L"a", L"1"}, {L"b", L"new"}, {L"b", L"3"}}));
 }
 

@@ -51,7 +51,7 @@ TEST_F(PropertyFile, ValueIsTrimmed) {
 TEST_F(PropertyFile, EveryEntryIsStoredInFileOrderRepeatedOnesToo) {
     const PropertyList found = list("a=1\nb=2\na=3\n");
     EXPECT_EQ(pairsOf(found), (Pairs{{L"a", L"1"}, {L"b", L"2"}, {L"a", L"3"}}));
-    EXPECT_EQ(*findProperty(L"a", found), L"1");
+    EXPECT_EQ(*findProperty(Key(L"a"), found), L"1");
 }
 
 TEST_F(PropertyFile, SecondFileIsAppended) {
@@ -274,7 +274,7 @@ TEST_F(PropertyFile, FileThatNeedNotBeThereMayBeMissingButNotBeNoFile) {
                  "ZYPRA0096E: Unable to load .* file! : Is a directory\n");
     folder_.write("there", "key=value\n");
     EXPECT_TRUE(getPropertiesIfThere(folder_.wide("there"), list));
-    EXPECT_EQ(*findProperty(L"key", list), L"value");
+    EXPECT_EQ(*findProperty(Key(L"key"), list), L"value");
 }
 
 #ifdef __linux__

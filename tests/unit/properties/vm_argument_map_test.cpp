@@ -30,7 +30,7 @@ TEST_F(VmargMap, TakesTheVmargEntriesOutOfTheList) {
                                     {L"vmarg", L"3"},
                                     {L"Vmarg.y", L"4"},
                                     {L"a.vmarg.z", L"5"}}));
-    EXPECT_EQ(findProperty(L"vmarg.x", list), nullptr);
+    EXPECT_EQ(findProperty(Key(L"vmarg.x"), list), nullptr);
 }
 
 TEST_F(VmargMap, FirstSourceWinsAndLaterEntriesLeaveTheirListAllTheSame) {
@@ -131,7 +131,7 @@ TEST_F(VmargMap, EntriesRememberTheirFileAndLine) {
     ASSERT_NE(argument.origin.file, nullptr);
     EXPECT_EQ(*argument.origin.file, folder_.wide("f.properties"));
     EXPECT_EQ(argument.origin.line, 3U);
-    EXPECT_EQ(list.find(L"b")->origin.line, 4U);
+    EXPECT_EQ(list.find(Key(L"b"))->origin.line, 4U);
 }
 
 TEST_F(VmargMap, HundredThousandEntriesFindTheirPlaces) {
@@ -150,7 +150,7 @@ TEST_F(VmargMap, HundredThousandEntriesFindTheirPlaces) {
     for (const auto& [key, argument] : map) {
         const std::wstring number = std::to_wstring(kCount + i++);
         ASSERT_EQ(argument, L"-D" + number);
-        ASSERT_EQ(*findProperty(L"k" + number, list), number) << "the kept ones are found";
+        ASSERT_EQ(*findProperty(Key(L"k") + number, list), number) << "the kept ones are found";
     }
 }
 

@@ -66,8 +66,9 @@ TEST_F(InstallId, MadeOneIsAppendedToTheFileAndTheList) {
     writeFile("a=b\n");
     const std::string id = make();
     EXPECT_EQ(fileText(), "a=b\nrcp.install.id=" + id + "\n");
-    ASSERT_NE(findProperty(L"rcp.install.id", properties), nullptr);
-    EXPECT_EQ(*findProperty(L"rcp.install.id", properties), std::wstring(id.begin(), id.end()));
+    ASSERT_NE(findProperty(Key(L"rcp.install.id"), properties), nullptr);
+    EXPECT_EQ(*findProperty(Key(L"rcp.install.id"), properties),
+              std::wstring(id.begin(), id.end()));
 }
 
 TEST_F(InstallId, MadeOneIsTheTimeInMicroseconds) {
@@ -146,8 +147,8 @@ TEST_F(InstallId, IdIsReadNextTimeEvenWhenTheFileEndsInsideAContinuedEntry) {
     const std::string id = make();
     PropertyList next;
     getProperties(folder_.wide("launcher.properties"), next);
-    ASSERT_NE(findProperty(L"rcp.install.id", next), nullptr);
-    EXPECT_EQ(*findProperty(L"rcp.install.id", next), toWide(id));
+    ASSERT_NE(findProperty(Key(L"rcp.install.id"), next), nullptr);
+    EXPECT_EQ(*findProperty(Key(L"rcp.install.id"), next), toWide(id));
 }
 
 TEST_F(InstallId, FileThatCannotBeOpenedIsFatal) {

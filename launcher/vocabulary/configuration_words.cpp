@@ -1,0 +1,227 @@
+#include "launcher/vocabulary/configuration_words.h"
+
+#include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
+
+namespace rcp {
+namespace {
+
+constexpr KeyWords kKeyWords[] = {
+    {keys::kInstallId, KeySection::kInstallation,
+     "required; which installation this is. \"userpb\" makes one when it is missing"},
+    {keys::kBaseLocation, KeySection::kInstallation,
+     "required; the folder with the platform's program, jars and master files. `${rcp.home}` is "
+     "replaced. Must contain \"rcp.base\" when that program is a script: the process check looks "
+     "for it"},
+    {keys::kInstallConfiguration, KeySection::kInstallation,
+     "\"%s\" (default), \"multiuser\", \"lockdown\", \"serial.multiuser\", \"userpb\", or "
+     "\"service\" (plain Java command line, user area in the installation)",
+     defaults::kInstallConfiguration},
+    {keys::kInvokeEclipseDylib, KeySection::kInstallation,
+     "\"1\": hand off through the launcher library in this process; anything else: `execv`; "
+     "without it only macOS 10.15 hands off in-process. An executable that is not named "
+     "\"rcplauncher\" always does"},
+    {keys::kEclipseName, KeySection::kInstallation, "file name of the platform's program, \"%s\"",
+     defaults::kEclipseName},
+    {keys::kData, KeySection::kInstallation,
+     "the workspace, when `-data` is not given. Default: HOME`/OVR/RCP/`id`/`user. Example: "
+     "`rcp.data=${env.HOME}/workspace`"},
+    {keys::kApplication, KeySection::kInstallation, "the platform application"},
+    {keys::kProduct, KeySection::kInstallation,
+     "the product; the user's `rcpinstall.properties` wins"},
+    {keys::kPersonality, KeySection::kInstallation, "the personality"},
+    {keys::kPluginCustomization, KeySection::kInstallation,
+     "file with plug-in preferences; required unless the option is given"},
+    {keys::kClassPath, KeySection::kInstallation, "class path behind `-cp`"},
+    {keys::kUpdatePolicyManaged, KeySection::kInstallation,
+     "\"false\": no per-user `platform.xml` is made"},
+    {keys::kLocale, KeySection::kInstallation, "copied into the user's `rcpinstall.properties`"},
+    {keys::kBidi, KeySection::kInstallation, "copied into the user's `rcpinstall.properties`"},
+    {keys::kExtension, KeySection::kInstallation,
+     "NAME.n: the n-th argument of configuration extension NAME; NAME.restartExe.macosx: the "
+     "program to restart with. Example: `config.kiosk.1=-nosplash`"},
+    {keys::kInitial, KeySection::kInstallation,
+     "n: the arguments of the initial configuration. One is `-initialCompleteFlag`, the next names "
+     "the property of the user's file that is \"true\" once it is complete"},
+    {keys::kJvmLocation, KeySection::kJvm, "where the installation's JVM is; \"%s\"",
+     defaults::kJvmLocation},
+    {keys::kJvmLibPath, KeySection::kJvm, "what `-vm` names below it; \"%s\"",
+     defaults::kJvmLibPath},
+    {keys::kJvmExtPath, KeySection::kJvm, "its extension folder; \"%s\"", defaults::kJvmExtPath},
+    {keys::kVm, KeySection::kJvm, "the JVM when `-vm` is not given"},
+    {keys::kVmarg, KeySection::kJvm,
+     "NAME: a JVM argument. An empty value keeps later ones of that name out. Example: "
+     "`vmarg.Xmx=-Xmx512m`"},
+    {keys::kSystemProperty, KeySection::kJvm, "NAME: a system property. Example: `-Dmy.key=value`"},
+    {keys::kJvmOption, KeySection::kJvm,
+     "OPTION: a JVM option with what stands behind its name. Example: `-Xmx512m`"},
+    {keys::kBootClassPathPrepend, KeySection::kJvm, "`-Xbootclasspath/p:` and the value"},
+    {keys::kBootClassPathAppend, KeySection::kJvm, "`-Xbootclasspath/a:` and the value"},
+    {keys::kConsoleFix, KeySection::kJvm,
+     "a JVM argument for launches without `-console`; `${workspace.location}` is replaced"},
+    {keys::kJavaHome, KeySection::kJvm,
+     "the Java home; corrected when the JVM's path shows another"},
+    {keys::kJvmLibraryPath, KeySection::kJvm,
+     "library path of the JVM; elements become relative to the Java home"},
+    {keys::kJvmRoot, KeySection::kJvm, "the folder in which `jvm.properties` was looked for"},
+    {keys::kFeatureId, KeySection::kJvm, "for `${jvm.feature.id}` in `platform.xml`"},
+    {keys::kFeatureVersion, KeySection::kJvm, "for `${jvm.feature.version}` in `platform.xml`"},
+    {keys::kParentFeatureId, KeySection::kJvm, "for `${jvm.parent.feature.id}` in `platform.xml`"},
+    {keys::kParentFeatureVersion, KeySection::kJvm,
+     "for `${jvm.parent.feature.version}` in `platform.xml`"},
+    {keys::kSplashPath, KeySection::kJvm, "passed on as a system property"},
+    {keys::kSharedClassesPath, KeySection::kJvm,
+     "directory of shared classes, emptied at a new provisioning level"},
+    {keys::kResetDir, KeySection::kJvm,
+     "NAME: a directory below `.metadata/.plugins` that `-resetconfig` removes"},
+    {keys::kWorkspaceLocation, KeySection::kJvm, "the workspace"},
+    {keys::kEnvSet, KeySection::kEnvironment,
+     ".NAME: sets variable NAME. Example: `env.set.LANG=C.UTF-8`"},
+    {keys::kEnvUnset, KeySection::kEnvironment, ".NAME: removes variable NAME, before any is set"},
+    {keys::kJavaHighZipFds, KeySection::kEnvironment, "value of `JAVA_HIGH_ZIPFDS`, \"%s\"",
+     defaults::kJavaHighZipFds},
+    {keys::kLibraryPathPrepend, KeySection::kEnvironment, "first part of `DYLD_LIBRARY_PATH`"},
+    {keys::kInternalLibraryPath, KeySection::kEnvironment,
+     "its middle part; `args.properties` holds it"},
+    {keys::kLibraryPathAppend, KeySection::kEnvironment, "its last part"},
+    {keys::kLibraryPreload, KeySection::kEnvironment,
+     "library for `LD_PRELOAD`; one whose path has a blank is linked under `/tmp`"},
+    {keys::kProvisioning, KeySection::kProvisioning, "\"true\": provisioning is enabled"},
+    {keys::kProvisioningLevel, KeySection::kProvisioning,
+     "the level; provisioning is due when the user's differs"},
+    {keys::kProvisioningApplication, KeySection::kProvisioning, "the application that provisions"},
+    {keys::kSharedClassesOption, KeySection::kProvisioning,
+     "the shared classes option; `-Xshareclasses=none` while provisioning"},
+};
+
+constexpr OptionWords kOptionWords[] = {
+    {options::kData, "DIR",
+     "the workspace; `${rcp.home}` and user placeholders are replaced, a relative path is made "
+     "absolute. Example: `-data ${env.HOME}/ws`",
+     "as the launcher's own `-data`", Writer::kUser},
+    {options::kConfiguration, "DIR", "not heard: the launcher decides the configuration area",
+     "no"},
+    {options::kConfig, "NAME",
+     "stands for the arguments in the properties `config.NAME.1`, `config.NAME.2`, ...",
+     "what it stands for", Writer::kUser},
+    {options::kApplication, "ID", "the application; without it property `application`", "yes",
+     Writer::kUser},
+    {options::kProduct, "ID",
+     "the product; without it property `product` of the user's file, then of the launcher's", "yes",
+     Writer::kUser},
+    {options::kPersonality, "ID", "the personality; without it property `personality`", "yes",
+     Writer::kUser},
+    {options::kPluginCustomization, "FILE",
+     "plug-in preferences; without it property `plugincustomization`", "yes", Writer::kUser},
+    {options::kLocale, "LOCALE",
+     "the platform's; the launcher removes a repetition in an extension", "yes"},
+    {options::kDirection, "DIRECTION", "the same", "yes"},
+    {options::kVm, "PATH",
+     "the JVM; without it the installation's own, which the launcher appends as `-vm` with "
+     "`jvm.location` and `jvm.libpath`; on a restart property `vm`",
+     "as the launcher's own `-vm`", Writer::kUser},
+    {options::kVmargs, "ARG...",
+     "everything behind it goes to the JVM, except a further `-vm` and its value", "yes",
+     Writer::kUser},
+    {options::kStartupJar, "FILE", "the startup jar instead of the base location's `launcher.jar`",
+     "yes"},
+    {options::kDebug, "", "tracing: the log is written in full, under a name of its own",
+     "yes; not on a restart", Writer::kUser},
+    {options::kConsole, "", "the platform's console; no console fix argument is added",
+     "yes; not on a restart", Writer::kUser},
+    {options::kPb4l, "", "the platform's; one of the options that the debug marker file adds",
+     "yes"},
+    {options::kDebugFile, "FILE", "added by the debug marker file, with its path", "yes"},
+    {options::kNoExit, "", "the platform's; survives the switch to the initial configuration",
+     "yes"},
+    {options::kResetConfig, "",
+     "a fresh configuration area; the former one stays beside it with \"bak\" behind its name",
+     "no", Writer::kUser},
+    {options::kRestart, "",
+     "the platform restarts the launcher: no `-vm` pair is appended, nothing is traced, the old "
+     "platform is waited for",
+     "no"},
+    {options::kOldPid, "ID", "with `-restart`: the old platform's process id", "no"},
+    {options::kLauncherWait, "", "with `-provManifest`: an installer's launch", "yes"},
+    {options::kProvManifest, "FILE", "the installer's manifest; refused while a platform runs",
+     "yes"},
+    {options::kMaxArgCount, "N",
+     "the launch is refused unless N is the number of arguments, the program and the appended "
+     "`-vm` pair included",
+     "yes", Writer::kUser},
+    {options::kBundleIdentifier, "ID", "written into the bundle's `Info.plist`", "yes"},
+    {options::kVersion, "",
+     "the version, only as the single argument of a launcher that appends nothing", ""},
+    {options::kInitMuService, "", "reserved for the service initialisation", "yes"},
+    {options::kCommandOnly, "", "reserved", "yes"},
+    {options::kExtensionDirectories, "",
+     "\"=DIRS\" gets \":\", `jvm.location` and `jvm.extpath` behind it", "yes"},
+};
+
+constexpr WrittenOptionWords kWrittenOptions[] = {
+    {options::kSuppressErrors, "unless tracing"},
+    {options::kNoSplash, "the plain Java command line"},
+    {options::kData, "the workspace"},
+    {options::kConfiguration, "the configuration area"},
+    {options::kVm, "the JVM"},
+    {options::kUseDaemon, "the process id of the platform that runs already"},
+    {options::kUserProvLaunch, "a provisioning launch that the user started"},
+    {options::kStartup, "the startup jar"},
+    {options::kVmargs, "in front of the JVM's arguments"},
+    {options::kRcpHome, "the installation"},
+    {options::kRcpData, "the workspace"},
+    {options::kSplashPath, "property `osgi.splashPath`"},
+    {options::kInstallId, "property `rcp.install.id`"},
+    {options::kInstallConfig, "property `install.configuration`"},
+    {options::kInstallArea, "`rcp/eclipse` of the installation"},
+    {options::kNoSharedClasses, "provisioning: instead of `vmarg.Dshare`"},
+    {options::kBootClassPathPrepend, "property `Xbootclasspath.prepend`"},
+    {options::kBootClassPathAppend, "property `Xbootclasspath.append`"},
+    {options::kClassPath, "the class path"},
+    {options::kFileEncoding, "always, the last but one"},
+    {options::kStartOnFirstThread, "always, the last"},
+};
+
+constexpr PlaceholderWords kPlaceholders[] = {
+    {placeholders::kRcpHome, "the installation directory"},
+    {placeholders::kWorkspaceLocation, "the workspace"},
+    {placeholders::kRcpData, "the workspace"},
+    {L"${env.", "VAR} or VAR,default}: an environment variable"},
+    {L"${prop.", "KEY}: the first value of KEY"},
+};
+
+constexpr VariableWords kVariables[] = {
+    {variables::kHome, "the user's home directory", ""},
+    {variables::kUser, "the user's name", ""},
+    {variables::kLocale, "with LC_CTYPE and LANG: the character set; UTF-8 instead of \"C\"", ""},
+    {variables::kPath, "where `ps` is found", ""},
+    {variables::kTemporaryFolder, "beside `/tmp` a directory that is never emptied", ""},
+    {variables::kLibraryPath, "recorded in `args.properties`", "from the library path properties"},
+    {variables::kPreload, "", "from `library.preload`"},
+    {variables::kJavaHighZipFds, "", "always"},
+};
+
+}  // namespace
+
+std::span<const KeyWords> keyWords() {
+    return kKeyWords;
+}
+
+std::span<const OptionWords> optionWords() {
+    return kOptionWords;
+}
+
+std::span<const WrittenOptionWords> writtenOptionWords() {
+    return kWrittenOptions;
+}
+
+std::span<const PlaceholderWords> placeholderWords() {
+    return kPlaceholders;
+}
+
+std::span<const VariableWords> variableWords() {
+    return kVariables;
+}
+
+}  // namespace rcp
