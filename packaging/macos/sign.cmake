@@ -1,9 +1,9 @@
-# Signs the bundle in `folder` from the inside out: first the programs and libraries in it, then the bundle with
+# Signs `bundle`, or those in `folder`, from the inside out: first the programs and libraries in it, then the bundle with
 # its executable, whose seal covers all that lies in it. What somebody has signed with a certificate keeps that
 # signature, as the JVM of a vendor does. `identity` "-" signs ad hoc, which a Mac of one's own accepts; any other
 # is a certificate's and gets the hardened runtime and a time stamp, which notarisation asks for.
 #
-#   cmake -D folder=F -D identity=I -D entitlements=packaging/macos/entitlements.plist -P packaging/macos/sign.cmake
+#   cmake -D bundle=B -D identity=I -D entitlements=packaging/macos/entitlements.plist -P packaging/macos/sign.cmake
 #
 # signs again when the platform and the JVM have been put into the bundle.
 cmake_minimum_required(VERSION 3.25)
@@ -49,7 +49,11 @@ function(get_is_signed file result)
   endif()
 endfunction()
 
-file(GLOB bundles LIST_DIRECTORIES true "${folder}/*.app")
+if(DEFINED bundle)
+  set(bundles "${bundle}")
+else()
+  file(GLOB bundles LIST_DIRECTORIES true "${folder}/*.app")
+endif()
 foreach(bundle IN LISTS bundles)
   file(GLOB_RECURSE files "${bundle}/Contents/*")
   foreach(file IN LISTS files)
