@@ -70,7 +70,7 @@ std::size_t tolerance(std::wstring_view key) {
 
 // Row by row of the table of distances between beginnings; a swap looks two rows back.
 std::size_t editDistance(std::wstring_view left, std::wstring_view right, std::size_t limit) {
-    const auto [shorter, longer] = std::minmax(left.size(), right.size());
+    const auto [shorter, longer] = std::minmax({left.size(), right.size()});
     if (longer - shorter > limit) {
         return longer - shorter;
     }

@@ -50,7 +50,10 @@ std::string told(std::string_view line) {
         while (!text.empty() && (static_cast<unsigned char>(text.back()) & 0xc0U) == 0x80U) {
             text.pop_back();  // of a character that was cut
         }
-        text.replace(text.empty() ? 0 : text.size() - 1, 1, " ...");
+        if (!text.empty()) {
+            text.pop_back();
+        }
+        text += " ...";
     }
     std::replace_if(
         text.begin(), text.end(),

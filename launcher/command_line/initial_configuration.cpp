@@ -88,7 +88,7 @@ Entries orderEntries(const Entries& entries) {
 }
 
 // The value behind "-initialCompleteFlag": the name of the completion property.
-const std::wstring& completionProperty(const Entries& ordered) {
+std::wstring completionProperty(const Entries& ordered) {
     std::size_t flag = 1;
     while (flag < ordered.size() && !ordered[flag]->starts_with(options::kInitialCompleteFlag)) {
         flag += 2;
@@ -126,7 +126,7 @@ bool isInitialRequired(const LaunchInputs& inputs) {
     if (entries.empty()) {
         return false;
     }
-    const std::wstring& name = completionProperty(orderEntries(entries));
+    const std::wstring name = completionProperty(orderEntries(entries));
     const std::wstring* completed = findProperty(name, inputs.userProperties);
     return completed == nullptr || !completed->starts_with(L"true");
 }

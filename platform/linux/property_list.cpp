@@ -27,7 +27,8 @@ struct Library {
     decltype(&::plist_from_xml) fromXml = nullptr;
     decltype(&::plist_from_bin) fromBinary = nullptr;
     decltype(&::plist_to_xml) toXml = nullptr;
-    decltype(&::plist_to_xml_free) freeXml = nullptr;
+    // Its name is another one in newer libraries, and their headers do not have the older one.
+    void (*freeXml)(void*) = nullptr;
     decltype(&::plist_get_node_type) nodeType = nullptr;
     decltype(&::plist_dict_get_item) item = nullptr;
     decltype(&::plist_dict_set_item) setItem = nullptr;
@@ -50,7 +51,8 @@ Library load() {
     library.complete = handle != nullptr && resolve(handle, "plist_from_xml", library.fromXml) &&
                        resolve(handle, "plist_from_bin", library.fromBinary) &&
                        resolve(handle, "plist_to_xml", library.toXml) &&
-                       resolve(handle, "plist_to_xml_free", library.freeXml) &&
+                       (resolve(handle, "plist_mem_free", library.freeXml) ||
+                        resolve(handle, "plist_to_xml_free", library.freeXml)) &&
                        resolve(handle, "plist_get_node_type", library.nodeType) &&
                        resolve(handle, "plist_dict_get_item", library.item) &&
                        resolve(handle, "plist_dict_set_item", library.setItem) &&
@@ -146,8 +148,7 @@ std::string PropertyListDocument::toXml() const {
     if (bytes == nullptr) {
         return {};
     }
-    const std::unique_ptr<char, decltype(&::plist_to_xml_free)> owner(bytes,
-                                                                      native_->library->freeXml);
+    const std::unique_ptr<char, void (*)(void*)> owner(bytes, native_->library->freeXml);
     return {bytes, length};
 }
 

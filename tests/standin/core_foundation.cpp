@@ -376,7 +376,7 @@ CFDataRef CFPropertyListCreateData(CFAllocatorRef, CFPropertyListRef list,
         return nullptr;
     }
     plist_to_xml(root.node, &text, &length);
-    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(text, plist_to_xml_free);
+    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
     return text == nullptr ? nullptr : made<CFDataRef>({Kind::kData, std::string(text, length)});
 }
 }
