@@ -20,9 +20,7 @@ class Observer {
     Observer& operator=(Observer&&) = delete;
     virtual ~Observer() = default;
 
-    /// Its entries are those of `list` from `first` on.
-    virtual void propertyFileRead(const std::wstring& path, const PropertyList& list,
-                                  std::size_t first) = 0;
+    virtual void propertyFileRead(const std::wstring& path, const PropertyList& entries) = 0;
     /// A look-up, by key or by prefix, has found the entry.
     virtual void propertyFound(const Property& entry) = 0;
     /// A text that could have counted does not, by this rule. `winner` is where that comes from which counts

@@ -19,13 +19,11 @@ struct Line {
 };
 
 std::vector<Line> linesOf(const std::string& file, const std::string& format) {
-    const Stream stream = open_file(fuzz::fileWith(file), L"r");
-    require(stream != nullptr, "the file can be opened");
     std::vector<Line> lines;
-    LinePosition position;
+    TextLines text{file};
     std::wstring line;
-    while (readFile(*stream, toWide(format), line, &position)) {
-        lines.push_back({line, position.line});
+    while (readFile(text, toWide(format), line)) {
+        lines.push_back({line, text.line});
         require(lines.size() <= file.size(), "every line takes a byte");
     }
     return lines;

@@ -52,16 +52,11 @@ void checkKeyFilter(const std::wstring& line) {
     require(isKeptFormOf(kept, line), "a kept line loses no more than its qualifier");
 }
 
-// Every line goes through the filter once; what it keeps is the beginning of the user's file.
+// What is kept is the beginning of the user's file.
 std::string keptLines(const std::string& file) {
     std::string kept;
-    UserFileFilter filter;
-    std::istringstream lines(file);
-    for (std::string line; std::getline(lines, line);) {
-        std::wstring text = toWide(line);
-        if (filter.keeps(text)) {
-            kept += toNarrow(text) + "\n";
-        }
+    for (const UserLine& line : userLines(file)) {
+        kept += toNarrow(line.text) + "\n";
     }
     return kept;
 }

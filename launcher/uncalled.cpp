@@ -76,10 +76,10 @@ std::wstring getPipeFilePath(const std::wstring& workspace) {
 
 std::optional<std::wstring> getPipeName(const std::wstring& workspace) {
     const std::wstring path = getPipeFilePath(workspace);
-    const Stream stream = exists(path) ? open_file(path, L"r") : nullptr;
+    const std::optional<FileText> file = readText(path);
+    TextLines lines{file ? file->bytes : std::string_view()};
     std::wstring name;
-    const bool isRead = stream && readFile(*stream, kPropertyLineFormat, name);
-    return isRead ? std::optional(name) : std::nullopt;
+    return readFile(lines, kPropertyLineFormat, name) ? std::optional(name) : std::nullopt;
 }
 
 bool isDirtyShutdown() {

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include "base/system_calls.h"
+#include "base/transfer.h"
 #include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -55,6 +57,13 @@ bool isRegular(int descriptor) {
     }
     errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
     return false;
+}
+
+// A regular file alone; without one, with errno set, none.
+UniqueFd openRegular(const std::wstring& path, int flags) {
+    UniqueFd file(
+        calls::open(toNarrow(path).c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
+    return file && !isRegular(file.get()) ? UniqueFd() : std::move(file);
 }
 
 Reason whyNoDirectory(const std::wstring& path, const PathMade& made) {
@@ -142,16 +151,24 @@ Stream open_file(const std::wstring& path, const std::wstring& mode) {
         errno = EINVAL;
         return nullptr;
     }
-    UniqueFd file(calls::open(toNarrow(path).c_str(),
-                              openMode->flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
-    Stream stream;
-    if (file && isRegular(file.get())) {
-        stream.reset(fdopen(file.get(), openMode->stream));
-    }
+    UniqueFd file = openRegular(path, openMode->flags);
+    Stream stream(file ? fdopen(file.get(), openMode->stream) : nullptr);
     if (stream) {
         (void)file.release();  // the stream's from now on
     }
     return stream;
+}
+
+std::optional<FileText> readText(const std::wstring& path) {
+    const UniqueFd file = openRegular(path, O_RDONLY);
+    if (!file) {
+        return std::nullopt;
+    }
+    FileText text;
+    errno = 0;
+    text.bytes = readToEnd(file.get());
+    text.error = errno;
+    return text;
 }
 
 bool createDirectory(const std::wstring& path) {

@@ -53,9 +53,18 @@ std::string lexicalPath(const std::string& path);
 /// its place is a failure, never a wait.
 Stream open_file(const std::wstring& path, const std::wstring& mode);
 
-/// On which line of a file a text stands; one position accompanies a stream from its first line on.
-struct LinePosition {
-    std::size_t line = 0;       // of the text returned last, from 1
+/// What is in a file, to its end or to where it cannot be read further.
+struct FileText {
+    std::string bytes;
+    int error = 0;  // an errno
+};
+/// Reads what open_file would open. Empty optional, with errno set, when it cannot be opened.
+std::optional<FileText> readText(const std::wstring& path);
+
+/// A text that is taken line by line, and how far it has come.
+struct TextLines {
+    std::string_view rest;
+    std::size_t line = 0;       // of the line taken last, from 1
     std::size_t lineFeeds = 0;  // passed so far
 };
 
@@ -63,18 +72,16 @@ struct LinePosition {
 inline constexpr std::wstring_view kPropertyLineFormat = L" %2024[^\n]\n";
 inline constexpr std::wstring_view kCopiedLineFormat = L"%2024[^\n]\n";
 
-/// Scans one line with `format`, which is "%<N>[^\n]\n" with or without a leading blank:
+/// Takes one line with `format`, which is "%<N>[^\n]\n" with or without a leading blank:
 ///
 ///   [blank] skip white space --> take up to N bytes of the line --> skip line feed and white space
 ///
 /// Without the leading blank only an empty line is skipped, like every other blank line. A line
 /// longer than N bytes is cut in front of the UTF-8 character that does not fit; the rest is the
-/// next line. Text behind a NUL byte of a line is dropped. False at the end of the file and after a
-/// read error (tell them apart with std::ferror).
+/// next line. Text behind a NUL byte of a line is dropped. False at the end of the text.
 ///
 /// The line comes in `out`, whose memory serves a whole file: a launch reads thousands of lines.
-bool readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
-              LinePosition* position = nullptr);
+bool readFile(TextLines& text, std::wstring_view format, std::wstring& out);
 
 /// Reports that the text on `line` of the file at `path` could not be converted. One record a file:
 /// some files are read twice, and one line is enough to find the cause.

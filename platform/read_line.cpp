@@ -4,13 +4,10 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
-#include <stdio.h>
-
 #include <algorithm>
-#include <array>
 #include <set>
+#include <string>
 #include <string_view>
-#include <utility>
 
 namespace rcp {
 namespace {
@@ -34,25 +31,23 @@ ScanFormat parseFormat(std::wstring_view format) {
 }
 
 // isspace(3) for bytes below 128 and false for all others, which belong to UTF-8 characters.
-bool isBlank(int byte) {
+bool isBlank(char byte) {
     return byte == ' ' || (byte >= '\t' && byte <= '\r');
 }
 
-void skipBlanks(std::FILE& stream, LinePosition& position) {
-    int byte = getc_unlocked(&stream);
-    while (isBlank(byte)) {
-        position.lineFeeds += byte == '\n' ? 1 : 0;
-        byte = getc_unlocked(&stream);
+void skipBlanks(TextLines& text) {
+    std::size_t count = 0;
+    while (count < text.rest.size() && isBlank(text.rest[count])) {
+        text.lineFeeds += text.rest[count++] == '\n' ? 1 : 0;
     }
-    if (byte != EOF) {
-        (void)ungetc(byte, &stream);
-    }
+    text.rest.remove_prefix(count);
 }
 
 constexpr std::size_t kLongestCharacter = 4;
 
 // Bytes of the UTF-8 character that `lead` begins; 1 for everything that begins none.
-std::size_t characterLength(int lead) {
+std::size_t characterLength(char first) {
+    const auto lead = static_cast<unsigned char>(first);
     if (lead < 0xC0) {
         return 1;
     }
@@ -62,51 +57,34 @@ std::size_t characterLength(int lead) {
     return lead < 0xF0 ? 3 : kLongestCharacter;
 }
 
-// Whether a line of `length` bytes takes the character that `lead` begins. The first always, or a
-// limit below its length would stop the reader; most without a look at it.
-bool hasRoomFor(int lead, std::size_t length, std::size_t limit) {
-    return length + kLongestCharacter <= limit || length == 0 ||
-           length + characterLength(lead) <= limit;
+// The bytes of the line at the beginning of `text`, cut in front of the first character that does not fit
+// into `limit`. One character is always taken, or a limit below its length would stop the reader.
+std::size_t lineLength(std::string_view text, std::size_t limit) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::size_t length = limit < kLongestCharacter ? 0 : limit - kLongestCharacter + 1;
+    length = std::min(length, end);  // all of these fit, whatever they are
+    while (length < end && (length == 0 || length + characterLength(text[length]) <= limit)) {
+        ++length;
+    }
+    return length;
 }
 
 }  // namespace
 
-bool readFile(std::FILE& stream, std::wstring_view format, std::wstring& out,
-              LinePosition* position) {
+bool readFile(TextLines& text, std::wstring_view format, std::wstring& out) {
     const ScanFormat scan = parseFormat(format);
-    LinePosition unused;
-    LinePosition& passed = position == nullptr ? unused : *position;
     out.clear();
-    if (scan.skipsLeadingBlanks) {
-        skipBlanks(stream, passed);
+    if (scan.skipsLeadingBlanks || text.rest.starts_with('\n')) {
+        skipBlanks(text);
     }
-    int byte = getc_unlocked(&stream);
-    if (byte == '\n') {
-        ++passed.lineFeeds;
-        skipBlanks(stream, passed);
-        byte = getc_unlocked(&stream);
-    }
-    if (byte == EOF) {
+    if (text.rest.empty()) {
         return false;
     }
-    passed.line = passed.lineFeeds + 1;
-    std::string line;
-    std::array<char, 256> piece;  // most lines are one: collecting them needs no memory
-    std::size_t inPiece = 0;
-    for (std::size_t length = 0;
-         byte != EOF && byte != '\n' && hasRoomFor(byte, length, scan.limit); ++length) {
-        if (inPiece == piece.size()) {
-            line.append(piece.data(), std::exchange(inPiece, 0));
-        }
-        piece[inPiece++] = static_cast<char>(byte);
-        byte = getc_unlocked(&stream);
-    }
-    line.append(piece.data(), inPiece);
-    if (byte != EOF) {
-        (void)ungetc(byte, &stream);
-    }
-    skipBlanks(stream, passed);
-    chartowstr(line.c_str(), out);
+    text.line = text.lineFeeds + 1;
+    const std::size_t length = lineLength(text.rest, scan.limit);
+    chartowstr(std::string(text.rest.substr(0, length)).c_str(), out);
+    text.rest.remove_prefix(length);
+    skipBlanks(text);
     return true;
 }
 

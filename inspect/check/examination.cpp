@@ -18,8 +18,6 @@
 #include "platform/install_location.h"
 #include "platform/text.h"
 
-#include <stdio.h>
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -54,34 +52,25 @@ bool addFile(Examination& examination, KeyFile kind, const std::wstring& path) {
     return true;
 }
 
-// The text of the user's copy of a master file. Lines that the user does not get become comments,
-// so that every entry keeps its line.
+// What the user gets of a master copy. Lines that he does not get are empty, so that every entry keeps
+// its line.
 std::string userCopy(const std::wstring& master) {
-    const Stream stream = open_file(master, L"r");
-    UserFileFilter filter;
     std::string text;
     std::size_t written = 0;
-    LinePosition position;
-    for (std::wstring line; stream && readFile(*stream, kCopiedLineFormat, line, &position);) {
-        for (; written + 1 < position.line; ++written) {
-            text += '\n';
-        }
-        text += (filter.keeps(line) ? toNarrow(line) : "#") + '\n';
-        ++written;
+    for (const UserLine& line : userLines(readText(master).value_or(FileText()).bytes)) {
+        text.append(line.number - 1 - written, '\n');
+        text += toNarrow(line.text) + '\n';
+        written = line.number;
     }
     return text;
 }
 
 // The user's list as a first launch makes it: the master's entries, then what the launcher appends.
-void readUserFile(Examination& examination, const std::wstring& master) {
-    LaunchInputs& inputs = examination.inputs;
-    const auto file = std::make_shared<const std::wstring>(master);
-    const PropertyList copied = parseProperties(userCopy(master));
-    for (const Property& entry : copied.entries()) {
-        inputs.userProperties.append({entry.key, entry.value, {file, entry.origin.line}});
-    }
+void readUserFile(LaunchInputs& inputs, const std::wstring& master) {
+    inputs.userProperties =
+        parseProperties(userCopy(master), {std::make_shared<const std::wstring>(master), 0});
     if (const auto block = userFileBlock(inputs.properties)) {
-        const PropertyList appended = parseProperties(block->lines);
+        const PropertyList appended = parseProperties(block->lines, {});
         for (const Property& entry : appended.entries()) {
             inputs.userProperties.append({entry.key, entry.value, {}});
         }
@@ -174,16 +163,6 @@ Origin Examination::originOf(Key key) const {
     return entry == nullptr ? Origin() : entry->origin;
 }
 
-PropertyList parseProperties(const std::string& text) {
-    PropertyList list;
-    std::string copy = text;
-    // None of an empty text.
-    if (Stream stream{fmemopen(copy.data(), copy.size(), "r")}) {
-        endOf([&] { readProperties(std::move(stream), L"", list); });
-    }
-    return list;
-}
-
 Examination examine(const Options& options) {
     const NamedLauncher named(options.launcher);
     Examination examination;
@@ -219,7 +198,7 @@ Examination examine(const Options& options) {
         const std::wstring master =
             getCoreFileLocation(inputs.traits.eConfig, examination.base, L"rcpinstall.properties");
         if (exists(master) && addFile(examination, kUserFile, master)) {
-            readUserFile(examination, master);
+            readUserFile(inputs, master);
         }
     }
     for (PropertyList* list : {&inputs.properties, &inputs.userProperties}) {

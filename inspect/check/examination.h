@@ -52,7 +52,4 @@ struct Examination {
 
 Examination examine(const Options& options);
 
-/// The entries that the launcher reads from `text`.
-PropertyList parseProperties(const std::string& text);
-
 }  // namespace rcp::inspect

@@ -1,6 +1,7 @@
 // Facts of single lines, which the entries no longer show.
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
+#include "launcher/properties/property_file.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -70,7 +71,8 @@ void findLongLines(const PropertyFile& file, Findings& findings) {
 // What is appended to a file must be an entry of its own.
 void findOpenEnd(const PropertyFile& file, Findings& findings) {
     const std::wstring marker = L"end.of.file";
-    const PropertyList list = parseProperties(file.bytes + "\n" + toNarrow(marker) + "=reached\n");
+    const PropertyList list =
+        parseProperties(file.bytes + "\n" + toNarrow(marker) + "=reached\n", {});
     if (findProperty(marker, list) != nullptr) {
         return;
     }
@@ -83,7 +85,7 @@ void findOpenEnd(const PropertyFile& file, Findings& findings) {
 
 // Whether the launcher's value ends at the escape that ends at `end`.
 bool endsValue(const std::string& line, std::size_t end) {
-    const PropertyList list = parseProperties("key=" + line.substr(0, end) + "Z\n");
+    const PropertyList list = parseProperties("key=" + line.substr(0, end) + "Z\n", {});
     return !list.entries().empty() && !list.entries().front().value.ends_with(L'Z');
 }
 
@@ -131,7 +133,7 @@ void findInContinuation(const PropertyFile& file, const RawLine& line, Findings&
         findings.add("RI109", file.name, line.number,
                      "\"" + std::string(text.substr(0, 1)) + "\" is lost");
     }
-    const PropertyList list = parseProperties(std::string(text) + "\n");
+    const PropertyList list = parseProperties(text, {});
     if (!list.entries().empty() && text.find('=') != std::string_view::npos &&
         findPropertyKey(list.entries().front().key, file.kind) != nullptr) {
         findings.add(

@@ -2,7 +2,9 @@
 
 #include "inspect/check/finding.h"
 #include "inspect/quiet_read.h"
+#include "launcher/properties/property_file.h"
 #include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -10,7 +12,7 @@ namespace rcp::inspect {
 namespace {
 
 PropertyList entriesOf(const std::wstring& path) {
-    return parseProperties(readQuietly(toNarrow(path)));
+    return parseProperties(readQuietly(toNarrow(path)), {});
 }
 
 // The first entry of a key counts on either side.
@@ -31,7 +33,7 @@ void compare(const std::wstring& copy, const std::wstring& master, const Propert
 PropertyList copiedEntries(const Examination& examination) {
     PropertyList copied;
     for (const Property& entry : examination.userEntries.entries()) {
-        if (entry.origin.file && entry.key != L"provisioning.manifest.version") {
+        if (entry.origin.file && entry.key != keys::kProvisioningLevel) {
             copied.append(entry);
         }
     }

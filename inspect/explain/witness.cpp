@@ -10,16 +10,13 @@ constexpr std::size_t kMostReplacements = 64;
 
 }  // namespace
 
-void Witness::propertyFileRead(const std::wstring& path, const PropertyList& list,
-                               std::size_t first) {
-    auto file = std::find_if(files_.begin(), files_.end(),
-                             [&](const ReadFile& known) { return known.path == path; });
+void Witness::propertyFileRead(const std::wstring& path, const PropertyList& entries) {
+    const auto file = std::find_if(files_.begin(), files_.end(),
+                                   [&](const ReadFile& known) { return known.path == path; });
     if (file == files_.end()) {
-        file = files_.insert(file, ReadFile{path, {}});
-    }
-    file->entries = PropertyList();
-    for (std::size_t i = first; i < list.entries().size(); ++i) {
-        file->entries.append(list.entries()[i]);
+        files_.push_back({path, entries});
+    } else {
+        file->entries = entries;
     }
 }
 

@@ -40,8 +40,7 @@ struct Loser {
 
 class Witness : public Observer {
   public:
-    void propertyFileRead(const std::wstring& path, const PropertyList& list,
-                          std::size_t first) override;
+    void propertyFileRead(const std::wstring& path, const PropertyList& entries) override;
     void propertyFound(const Property& entry) override;
     void lost(const std::wstring& text, const Origin& origin, const Why& why,
               const Origin* winner) override;

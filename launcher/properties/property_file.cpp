@@ -8,10 +8,9 @@
 #include "platform/files.h"
 
 #include <errno.h>
-#include <stdio.h>
 
-#include <array>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -131,24 +130,32 @@ Property finish(Entry& entry, const Origin& origin) {
     return property;
 }
 
+void addFile(const std::wstring& path, const FileText& file, PropertyList& list) {
+    PropertyList read =
+        parseProperties(file.bytes, {std::make_shared<const std::wstring>(path), 0});
+    if (file.error != 0) {
+        cannotLoad(path, because(file.error));
+    }
+    if (observer != nullptr) {
+        observer->propertyFileRead(path, read);
+    }
+    list.append(std::move(read));
+}
+
 }  // namespace
 
-void readProperties(Stream opened, const std::wstring& path, PropertyList& list) {
-    std::array<char, 4096> buffer;  // one of the stream's own would cost every launch more
-    const Stream stream = std::move(opened);  // closed before its buffer goes
-    (void)setvbuf(stream.get(), buffer.data(), _IOFBF, buffer.size());
-    const std::size_t first = list.entries().size();
-    const auto file = std::make_shared<const std::wstring>(path);
-    Origin origin{file, 0};
-    LinePosition position;
+PropertyList parseProperties(std::string_view text, const Origin& from) {
+    PropertyList list;
+    Origin origin = from;
+    TextLines lines{text};
     Entry entry;
     std::wstring line;
-    while (readFile(*stream, kPropertyLineFormat, line, &position)) {
+    while (readFile(lines, kPropertyLineFormat, line)) {
         if (line.empty()) {
-            reportUnreadableLine(path, position.line);
+            reportUnreadableLine(from.file ? *from.file : std::wstring(), lines.line);
             continue;
         }
-        if (position.line == 1 && line.starts_with(kByteOrderMark)) {
+        if (lines.line == 1 && line.starts_with(kByteOrderMark)) {
             // With the white space that the scanner could not see behind the mark.
             line.erase(0, line.find_first_not_of(L" \t\r", 1));
             if (line.empty()) {
@@ -160,38 +167,33 @@ void readProperties(Stream opened, const std::wstring& path, PropertyList& list)
             continue;
         }
         if (entry.isEmpty()) {
-            origin.line = position.line;
+            origin.line = from.line + lines.line;
         }
         if (entry.addLine(line)) {
             list.append(finish(entry, origin));
         }
     }
-    if (ferror(stream.get()) != 0) {
-        cannotLoad(path, because(errno));
-    }
-    if (observer != nullptr) {
-        observer->propertyFileRead(path, list, first);
-    }
+    return list;
 }
 
 void getProperties(const std::wstring& path, PropertyList& list) {
-    Stream stream = open_file(path, L"r");
-    if (!stream) {
+    const std::optional<FileText> file = readText(path);
+    if (!file) {
         cannotLoad(path, because(errno));
     }
-    readProperties(std::move(stream), path, list);
+    addFile(path, *file, list);
 }
 
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
-    Stream stream = open_file(path, L"r");
-    if (!stream) {
+    const std::optional<FileText> file = readText(path);
+    if (!file) {
         const Reason reason = because(errno);
         if (exists(path)) {
             cannotLoad(path, reason);
         }
         return false;
     }
-    readProperties(std::move(stream), path, list);
+    addFile(path, *file, list);
     return true;
 }
 

@@ -4,9 +4,9 @@
 #pragma once
 
 #include "launcher/properties/property_list.h"
-#include "platform/files.h"
 
 #include <string>
+#include <string_view>
 
 namespace rcp {
 
@@ -16,7 +16,7 @@ void getProperties(const std::wstring& path, PropertyList& list);
 /// The same for a file that need not be there; false, and nothing appended, without one. What is
 /// there (`exists`) and is no file still ends the launch.
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list);
-/// The same for what is read from an open stream; `path` is where it comes from.
-void readProperties(Stream opened, const std::wstring& path, PropertyList& list);
+/// The entries of a text. `from` is where it begins: its first line is the one behind `from.line`.
+PropertyList parseProperties(std::string_view text, const Origin& from);
 
 }  // namespace rcp

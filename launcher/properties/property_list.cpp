@@ -61,6 +61,16 @@ void PropertyList::append(Property property) {
     entries_.push_back(std::move(property));
 }
 
+void PropertyList::append(PropertyList&& others) {
+    if (entries_.empty()) {
+        *this = std::move(others);
+        return;
+    }
+    for (Property& entry : others.entries_) {
+        append(std::move(entry));
+    }
+}
+
 bool PropertyList::hasKey(std::size_t position, std::wstring_view key) const {
     return entries_[position].key == key;
 }

@@ -32,6 +32,7 @@ class PropertyList {
     ~PropertyList() = default;
 
     void append(Property property);
+    void append(PropertyList&& others);
     /// The first entry of exactly this key (case-sensitive), null without one. Stays valid until
     /// the list is assigned to or filtered.
     [[nodiscard]] const Property* find(Key key) const;

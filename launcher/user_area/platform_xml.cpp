@@ -10,7 +10,6 @@
 #include "platform/whole_file.h"
 
 #include <errno.h>
-#include <stdio.h>
 
 namespace rcp {
 namespace {
@@ -45,7 +44,7 @@ void fillIn(const Feature& feature, std::wstring& line, const PropertyList& prop
 
 bool writePlatformXml(const std::wstring& master, const std::wstring& target,
                       const PropertyList& properties, Features features) {
-    const Stream from = open_file(master, L"r");
+    const std::optional<FileText> from = readText(master);
     if (!from) {
         report(because(errno), messages.platformXmlNotOpened, master);
         return false;
@@ -56,24 +55,24 @@ bool writePlatformXml(const std::wstring& master, const std::wstring& target,
         return false;
     }
     std::wstring line;
-    LinePosition position;
-    while (readFile(*from, kCopiedLineFormat, line, &position)) {
+    TextLines lines{from->bytes};
+    while (readFile(lines, kCopiedLineFormat, line)) {
         if (line.empty()) {
-            reportUnreadableLine(master, position.line);
+            reportUnreadableLine(master, lines.line);
             continue;
         }
         const std::wstring filled = platformXmlLine(line, properties, features);
         const std::string bytes = toNarrow(filled);
         if (bytes.empty() && !filled.empty()) {
             report(because("a value filled in is no text of this locale")
-                       .at(master + L", line " + std::to_wstring(position.line)),
+                       .at(master + L", line " + std::to_wstring(lines.line)),
                    messages.platformXmlNotCopied);
         } else if (!file.write(bytes + "\n")) {
             report(because(errno), messages.platformXmlNotCopied);
         }
     }
-    if (ferror(from.get()) != 0 || !file.commit()) {
-        report(because(errno), messages.platformXmlNotCopied);
+    if (from->error != 0 || !file.commit()) {
+        report(because(from->error != 0 ? from->error : errno), messages.platformXmlNotCopied);
     }
     return true;
 }

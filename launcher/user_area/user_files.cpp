@@ -9,7 +9,6 @@
 #include "platform/whole_file.h"
 
 #include <errno.h>
-#include <stdio.h>
 
 #include <string_view>
 
@@ -69,17 +68,40 @@ std::optional<std::wstring> blockValue(const BlockLine& line, const PropertyList
     return convWcharTo8859_1_Value(path);
 }
 
-// The errno of a copy that could not be read to its end, else 0.
-int copyLines(std::FILE& copy, WholeFile& file) {
-    UserFileFilter filter;
-    std::wstring line;
-    while (readFile(copy, kCopiedLineFormat, line)) {
-        if (filter.keeps(line) && !file.write(toNarrow(line) + "\n")) {
-            report(because(errno), messages.userFileNotCopied);
+// Decides line by line what of the master copy the user gets. An entry is dropped whole, its
+// continuation lines included:
+//
+//            filter drops the key, line continues
+//   ENTRY ------------------------------------------> DROPPING --- line does not continue ---.
+//     |  ^                                               '---- line continues: stay ----'    |
+//     |  '-- line does not continue -- CONTINUING                                            |
+//     '---- kept and continues ------------^                      ENTRY <--------------------'
+class UserFileFilter {
+  public:
+    // Whether the line is written; its key may lose the qualifier for this operating system.
+    bool keeps(std::wstring& line) {
+        if (isDropping_) {
+            isDropping_ = isContinuationLine(line);
+            return false;
         }
+        if (isContinuing_) {
+            isContinuing_ = isContinuationLine(line);
+            return true;
+        }
+        if (isComment(line)) {
+            return true;
+        }
+        const bool continues = isContinuationLine(line);
+        const bool isDropped = processFilterKey(line);
+        isDropping_ = isDropped && continues;
+        isContinuing_ = !isDropped && continues;
+        return !isDropped;
     }
-    return ferror(&copy) != 0 ? errno : 0;
-}
+
+  private:
+    bool isDropping_ = false;
+    bool isContinuing_ = false;
+};
 
 }  // namespace
 
@@ -123,23 +145,16 @@ bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base)
     return true;
 }
 
-bool UserFileFilter::keeps(std::wstring& line) {
-    if (isDropping_) {
-        isDropping_ = isContinuationLine(line);
-        return false;
+std::vector<UserLine> userLines(std::string_view master) {
+    std::vector<UserLine> kept;
+    UserFileFilter filter;
+    TextLines lines{master};
+    for (std::wstring line; readFile(lines, kCopiedLineFormat, line);) {
+        if (filter.keeps(line)) {
+            kept.push_back({line, lines.line});
+        }
     }
-    if (isContinuing_) {
-        isContinuing_ = isContinuationLine(line);
-        return true;
-    }
-    if (isComment(line)) {
-        return true;
-    }
-    const bool continues = isContinuationLine(line);
-    const bool isDropped = processFilterKey(line);
-    isDropping_ = isDropped && continues;
-    isContinuing_ = !isDropped && continues;
-    return !isDropped;
+    return kept;
 }
 
 std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
@@ -162,13 +177,17 @@ std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
 
 bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
                                  const PropertyList& properties) {
-    const Stream from = open_file(osPath(copy), L"r");
+    const std::optional<FileText> from = readText(osPath(copy));
     WholeFile file(osPath(target), L".new");
     if (!from || !file.open()) {
         report(because(errno), messages.userFileNotOpened);
         return false;
     }
-    const int readError = copyLines(*from, file);
+    for (const UserLine& line : userLines(from->bytes)) {
+        if (!file.write(toNarrow(line.text) + "\n")) {
+            report(because(errno), messages.userFileNotCopied);
+        }
+    }
     const std::optional<UserFileBlock> block = userFileBlock(properties);
     if (!block) {
         fatal(noReason(), messages.userValuesUnknown);
@@ -177,8 +196,8 @@ bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& t
         report(because("its value is no text of this locale").at(key),
                messages.userFileNotCompleted);
     }
-    if (readError != 0 || !file.write(block->lines) || !file.commit()) {
-        report(because(readError != 0 ? readError : errno), messages.userFileNotCompleted);
+    if (from->error != 0 || !file.write(block->lines) || !file.commit()) {
+        report(because(from->error != 0 ? from->error : errno), messages.userFileNotCompleted);
         return false;
     }
     return true;

@@ -5,8 +5,10 @@
 
 #include "launcher/inputs/launch_inputs.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace rcp {
@@ -30,23 +32,12 @@ std::wstring userFileOf(const std::wstring& configuration);
 bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
                                  const PropertyList& properties);
 
-/// Decides line by line what of the master copy the user gets. An entry is dropped whole, its
-/// continuation lines included:
-///
-///            filter drops the key, line continues
-///   ENTRY ------------------------------------------> DROPPING --- line does not continue ---.
-///     |  ^                                               '---- line continues: stay ----'    |
-///     |  '-- line does not continue -- CONTINUING                                            |
-///     '---- kept and continues ------------^                      ENTRY <--------------------'
-class UserFileFilter {
-  public:
-    /// Whether the line is written; its key may lose the qualifier for this operating system.
-    bool keeps(std::wstring& line);
-
-  private:
-    bool isDropping_ = false;
-    bool isContinuing_ = false;
+/// A line of a master copy that the user gets; its key may have lost the qualifier for this system.
+struct UserLine {
+    std::wstring text;
+    std::size_t number = 0;  // in the master copy
 };
+std::vector<UserLine> userLines(std::string_view master);
 
 /// What is appended to the user's file.
 struct UserFileBlock {

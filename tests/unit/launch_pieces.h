@@ -37,8 +37,7 @@ class LoserNotes : public Observer {
     LoserNotes& operator=(LoserNotes&&) = delete;
     ~LoserNotes() override { observer = nullptr; }
 
-    void propertyFileRead(const std::wstring& /*path*/, const PropertyList& /*list*/,
-                          std::size_t /*first*/) override {}
+    void propertyFileRead(const std::wstring& /*path*/, const PropertyList& /*entries*/) override {}
     void propertyFound(const Property& /*entry*/) override {}
     void placeholderReplaced(const std::wstring& /*before*/, std::wstring_view /*placeholder*/,
                              const std::wstring& /*value*/,

@@ -197,6 +197,28 @@ TEST_F(Files, DirectoryOrPipeInAFilesPlaceIsAFailureNeverAWait) {
     EXPECT_EQ(open_file(folder_.wide("pipe"), L"w"), nullptr);
 }
 
+TEST_F(Files, TextIsReadWhole) {
+    const std::string content = std::string(10000, 'x') + '\0' + "\n";
+    folder_.write("file", content);
+    const auto text = readText(folder_.wide("file"));
+    ASSERT_TRUE(text);
+    EXPECT_EQ(text->bytes, content);
+    EXPECT_EQ(text->error, 0);
+}
+
+TEST_F(Files, TextThatCannotBeOpenedIsNoneAndSaysWhy) {
+    EXPECT_FALSE(readText(folder_.wide("missing")));
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_FALSE(readText(folder_.wide()));
+    EXPECT_EQ(errno, EISDIR);
+}
+
+TEST_F(Files, TextThatCannotBeReadToItsEndSaysWhy) {
+    const auto text = readText(L"/proc/self/mem");
+    ASSERT_TRUE(text);
+    EXPECT_EQ(text->error, EIO);
+}
+
 TEST_F(Files, StreamIsNotInheritedByAnExecutedProgram) {
     folder_.write("file", "");
     Stream stream = open_file(folder_.wide("file"), L"r");

@@ -12,19 +12,16 @@ constexpr wchar_t kPlain[] = L"%2024[^\n]\n";
 class ReadLine : public test::LauncherTest {
   protected:
     std::vector<std::wstring> lines(const std::string& content, const wchar_t* format = kSkipping) {
-        folder_.write("file", content);
-        const Stream stream = open_file(folder_.wide("file"), L"r");
         positions_.clear();
         std::vector<std::wstring> found;
         std::wstring line = L"old";
-        LinePosition position;
-        while (readFile(*stream, format, line, &position)) {
+        TextLines text{content};
+        while (readFile(text, format, line)) {
             found.push_back(line);
-            positions_.push_back(position.line);
+            positions_.push_back(text.line);
         }
-        EXPECT_NE(feof(stream.get()), 0);
+        EXPECT_EQ(text.rest, "");
         EXPECT_EQ(line, L"");
-        EXPECT_EQ(ferror(stream.get()), 0);
         return found;
     }
     std::vector<std::size_t> positions_;
@@ -100,6 +97,10 @@ TEST_F(ReadLine, NumberInTheFormatIsTheLimit) {
     EXPECT_EQ(lines("abcdefg\n", L" %3[^\n]\n"), (Lines{L"abc", L"def", L"g"}));
 }
 
+TEST_F(ReadLine, CharacterThatTheLineEndsInsideIsCutOffWhereItsWholeWouldNotFit) {
+    EXPECT_EQ(lines("ab\xF0\n", L" %3[^\n]\n"), (Lines{L"ab", L""}));
+}
+
 TEST_F(ReadLine, LineThatIsNoTextIsEmptyAndTheNextIsRead) {
     EXPECT_EQ(lines("a\xFF"
                     "b\nc\n"),
@@ -108,22 +109,6 @@ TEST_F(ReadLine, LineThatIsNoTextIsEmptyAndTheNextIsRead) {
 
 TEST_F(ReadLine, TextBehindANulIsDropped) {
     EXPECT_EQ(lines(std::string("a\0b\nc\n", 6)), (Lines{L"a", L"c"}));
-}
-
-TEST_F(ReadLine, PositionIsOptional) {
-    folder_.write("file", "a\n");
-    const Stream stream = open_file(folder_.wide("file"), L"r");
-    std::wstring line;
-    EXPECT_TRUE(readFile(*stream, kSkipping, line));
-    EXPECT_EQ(line, L"a");
-    EXPECT_FALSE(readFile(*stream, kSkipping, line));
-}
-
-TEST_F(ReadLine, StreamThatCannotBeReadIsAtItsEndWithAnError) {
-    const Stream stream = open_file(folder_.wide("file"), L"w");
-    std::wstring line;
-    EXPECT_FALSE(readFile(*stream, kSkipping, line));
-    EXPECT_NE(ferror(stream.get()), 0);
 }
 
 }  // namespace

@@ -238,6 +238,15 @@ TEST_F(PropertyFile, OriginIsTheFileAndTheEntrysFirstLine) {
     EXPECT_EQ(lines, (std::vector<std::size_t>{2, 4, 6}));
 }
 
+TEST_F(PropertyFile, TextNeedsNoFileAndBeginsBehindALine) {
+    const auto file = std::make_shared<const std::wstring>(L"/f");
+    const PropertyList found = parseProperties("a=1\n\nb=2", {file, 10});
+    EXPECT_EQ(pairsOf(found), (Pairs{{L"a", L"1"}, {L"b", L"2"}}));
+    EXPECT_EQ(found.entries().front().origin, (Origin{file, 11}));
+    EXPECT_EQ(found.entries().back().origin, (Origin{file, 13}));
+    EXPECT_EQ(parseProperties("a=1", {}).entries().front().origin.file, nullptr);
+}
+
 TEST_F(PropertyFile, EveryLineAndEntryIsTraced) {
     const test::Records records(folder_);
     setDebug(true);
