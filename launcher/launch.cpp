@@ -13,6 +13,7 @@
 #include "launcher/instance/provisioning.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_file.h"
+#include "launcher/stages.h"
 #include "launcher/user_area/install_id.h"
 #include "launcher/user_area/platform_xml.h"
 #include "launcher/user_area/reset.h"
@@ -21,7 +22,6 @@
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
 #include "launcher/vocabulary/keys.h"
-#include "launcher/vocabulary/variables.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -44,23 +44,6 @@ void ensure(LaunchInputs& inputs, const std::wstring& directory, Message<Text> m
     ensureDirectory(directory, message);
 }
 
-// The base location with its "${rcp.home}" replaced; stored back, so that every later step sees the
-// real path.
-std::wstring settleBaseLocation(LaunchInputs& inputs, const std::wstring& propertyFile) {
-    const std::wstring* property = findProperty(keys::kBaseLocation, inputs.properties);
-    if (property == nullptr) {
-        fatal(noReason(), messages.baseLocationMissing, propertyFile);
-    }
-    std::wstring base = *property;
-    replaceEvery(base, placeholders::kRcpHome, inputs.installDir);
-    replaceValue(keys::kBaseLocation, base, inputs.properties);
-    return base;
-}
-
-std::wstring propertyFileOf(const std::wstring& installDir) {
-    return installDir + L"/rcp/rcplauncher.properties";
-}
-
 // The installation's properties and what of the arguments decides how they are read.
 std::wstring applyInstallation(const Arguments& arguments, Installation installation, Start start,
                                LaunchInputs& inputs) {
@@ -70,23 +53,11 @@ std::wstring applyInstallation(const Arguments& arguments, Installation installa
     }
     inputs.installDir = std::move(installation.directory);
     inputs.properties = std::move(installation.properties);
-    const std::wstring propertyFile = propertyFileOf(inputs.installDir);
-    inputs.debugFile = debugFile(inputs.installDir);
-    inputs.arguments =
-        addConfigExtentionsToArg(arguments, inputs.properties, inputs.vmargMap, inputs.debugFile);
-    insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    extendArguments(arguments, inputs);
     setDebug(isDebug(inputs.arguments));
     inputs.traits = traitsOf(inputs.properties, start);
-    getInstallID(inputs.traits.eConfig, propertyFile, inputs.properties);
-    return settleBaseLocation(inputs, propertyFile);
-}
-
-void prepareWorkspace(LaunchInputs& inputs) {
-    const Argument workspace = getWorkspaceLocation(inputs);
-    inputs.workspace = osPath(workspace.text);
-    inputs.workspaceOrigin = workspace.origin;
-    inputs.configuration = osPath(getConfigurationLocation(inputs));
-    ensure(inputs, inputs.workspace, messages.workspaceNotMade);
+    getInstallID(inputs.traits.eConfig, propertyFileOf(inputs.installDir), inputs.properties);
+    return settleBaseLocation(inputs);
 }
 
 void reportMissingValue(const Arguments& arguments) {
@@ -172,12 +143,7 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead) 
         inputs.userProperties = PropertyList();
         getProperties(userFileOf(inputs.configuration), inputs.userProperties);
     }
-    std::wstring workspace = inputs.workspace;
-    convertBS2S(workspace);
-    trace(messages.workspaceLocation, workspace);
-    pushBackProperty(inputs.properties, keys::kWorkspaceLocation, workspace);
-    pushBackProperty(inputs.userProperties, keys::kWorkspaceLocation, workspace);
-    insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
+    applyUserProperties(inputs);
     if (getPropertiesIfThere(osPath(inputs.configuration + L"/args.properties"),
                              inputs.properties)) {
         insertPropToVmargMap(inputs.vmargMap, inputs.properties);
@@ -247,7 +213,8 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     LaunchInputs& inputs = launch.inputs;
     reportMissingValue(arguments);
     const std::wstring base = applyInstallation(arguments, std::move(installation), start, inputs);
-    prepareWorkspace(inputs);
+    settleWorkspace(inputs);
+    ensure(inputs, inputs.workspace, messages.workspaceNotMade);
     checkArguments(inputs.arguments);
 
     if (!takeLock(launch)) {

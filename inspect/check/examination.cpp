@@ -3,17 +3,13 @@
 #include "diagnostics/svc_debug.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/quiet_read.h"
-#include "launcher/command_line/config_extensions.h"
 #include "launcher/command_line/vm_choice.h"
-#include "launcher/inputs/debug_file.h"
 #include "launcher/process_entry.h"
-#include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_file.h"
 #include "launcher/properties/vm_argument_map.h"
+#include "launcher/stages.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
-#include "launcher/vocabulary/keys.h"
-#include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
@@ -75,22 +71,6 @@ void readUserFile(LaunchInputs& inputs, const std::wstring& master) {
             inputs.userProperties.append({entry.key, entry.value, {}});
         }
     }
-}
-
-void settleBase(Examination& examination) {
-    LaunchInputs& inputs = examination.inputs;
-    if (const std::wstring* base = findProperty(keys::kBaseLocation, inputs.properties)) {
-        examination.base = *base;
-        replaceEvery(examination.base, placeholders::kRcpHome, inputs.installDir);
-        replaceValue(keys::kBaseLocation, examination.base, inputs.properties);
-    }
-}
-
-void settleWorkspace(LaunchInputs& inputs) {
-    if (endOf([&] { inputs.workspace = getWorkspaceLocation(inputs).text; })) {
-        inputs.workspace = L"/workspace";  // some path, for the placeholders that name it
-    }
-    inputs.configuration = getConfigurationLocation(inputs);
 }
 
 void readJvmProperties(Examination& examination) {
@@ -155,7 +135,7 @@ std::string Examination::nameOf(const Origin& origin) const {
 }
 
 std::string Examination::launcherFile() const {
-    return nameOf(inputs.installDir + L"/rcp/rcplauncher.properties");
+    return nameOf(propertyFileOf(inputs.installDir));
 }
 
 Origin Examination::originOf(Key key) const {
@@ -178,22 +158,21 @@ Examination examine(const Options& options) {
         return examination;
     }
     examination.installation = toNarrow(inputs.installDir);
-    const std::wstring path = inputs.installDir + L"/rcp/rcplauncher.properties";
-    if (!addFile(examination, kLauncherFile, path)) {
+    if (!addFile(examination, kLauncherFile, propertyFileOf(inputs.installDir))) {
         return examination;
     }
-    endOf([&] { getProperties(path, inputs.properties); });
+    inputs.properties = examination.files.back().entries;
     appendVm(inputs.arguments, inputs.properties);
     examination.arguments = inputs.arguments;
-    inputs.debugFile = debugFile(inputs.installDir);
-    endOf([&] {
-        inputs.arguments = addConfigExtentionsToArg(inputs.arguments, inputs.properties,
-                                                    inputs.vmargMap, inputs.debugFile);
-    });
-    insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    if (endOf([&] { extendArguments(examination.arguments, inputs); })) {
+        insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    }
     inputs.traits = traitsOf(inputs.properties, Start::kOrdinary);
-    settleBase(examination);
-    settleWorkspace(inputs);
+    endOf([&] { examination.base = settleBaseLocation(inputs); });
+    if (endOf([&] { settleWorkspace(inputs); })) {
+        inputs.workspace = L"/workspace";  // some path, for the placeholders that name it
+        inputs.configuration = getConfigurationLocation(inputs);
+    }
     if (!examination.base.empty()) {
         const std::wstring master =
             getCoreFileLocation(inputs.traits.eConfig, examination.base, L"rcpinstall.properties");
@@ -201,11 +180,8 @@ Examination examine(const Options& options) {
             readUserFile(inputs, master);
         }
     }
-    for (PropertyList* list : {&inputs.properties, &inputs.userProperties}) {
-        list->append({std::wstring(keys::kWorkspaceLocation), inputs.workspace, {}});
-    }
     examination.userEntries = inputs.userProperties;
-    insertPropToVmargMap(inputs.vmargMap, inputs.userProperties);
+    applyUserProperties(inputs);
     readJvmProperties(examination);
     return examination;
 }
