@@ -31,10 +31,13 @@ close_screen() {
 # next_event: the next line of x_client, in `event`. Status 1: nothing has happened in half a second; 2: the
 # screen is gone. `screen_log` collects the lines.
 next_event() {
-    local status=0
-    read -r -t 0.5 -u "$screen_events" event || status=$?
+    local status=0 part
+    IFS= read -r -t 0.5 -u "$screen_events" part || status=$?
+    # The time can be over in the middle of a line, and what was read of it is taken from the pipe.
+    event_begun=${event_begun-}$part
     ((status <= 128)) || return 1
     ((status == 0)) || return 2
+    event=$event_begun event_begun=''
     screen_log+=$event$'\n'
 }
 
