@@ -15,6 +15,7 @@
 #include <array>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 namespace rcp::inspect {
 namespace {
@@ -60,12 +61,12 @@ std::string baseName(const std::string& path) {
 json propertiesOf(const json& files) {
     constexpr const char* kUsers = "rcpinstall.properties";
     json properties = json::array();
-    std::set<std::string> known;
+    std::set<std::pair<std::string, std::string>> known;
     for (const json& file : files) {
         const std::string list = baseName(file["path"]) == kUsers ? kUsers : "";
         for (const json& entry : file["entries"]) {
             const std::string key = entry["key"];
-            if (known.insert(list + "\n" + key).second) {
+            if (known.emplace(list, key).second) {
                 properties.push_back({{"name", key},
                                       {"value", entry["value"]},
                                       {"source",
