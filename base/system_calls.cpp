@@ -10,13 +10,17 @@ namespace rcp {
 
 namespace {
 
-// macOS has no pipe2(2). There is one thread, so no other can start a program between the calls.
 int closedOnExec(int* ends) {
+#ifdef __linux__
+    return pipe2(ends, O_CLOEXEC);
+#else
+    // macOS has no pipe2(2). There is one thread, so no other can start a program between the calls.
     const int result = ::pipe(ends);
     for (int* end = ends; result == 0 && end != ends + 2; ++end) {
         (void)fcntl(*end, F_SETFD, FD_CLOEXEC);
     }
     return result;
+#endif
 }
 
 }  // namespace

@@ -86,7 +86,8 @@ UniqueFd openLog(const char* path, bool inTemporaryFolder, int extraFlags) {
 bool startLog(UniqueFd file, std::string_view text) {
     const int descriptor = file.release();
     const bool isWritten = writeFully(descriptor, text);
-    (void)calls::ftruncate(descriptor, lseek(descriptor, 0, SEEK_CUR));
+    const off_t end = isWritten ? static_cast<off_t>(text.size()) : lseek(descriptor, 0, SEEK_CUR);
+    (void)calls::ftruncate(descriptor, end);
     fcntl(descriptor, F_SETFL, O_APPEND | O_NONBLOCK);
     logFILE = descriptor;
     return isWritten;

@@ -62,6 +62,7 @@ void becomePlatform(Launch& launch, NarrowArguments& launchArguments, Gate& gate
 
 void handOff(Launch& launch) {
     if (launch.plan->kind == LaunchKind::kPlatform) {
+        launch.note.reset();  // nothing is written under a temporary name any more
         launchEclipse(launch);
         return;
     }
@@ -88,11 +89,12 @@ void launchEclipse(Launch& launch) {
     becomePlatform(launch, launchArguments, gate);
 }
 
-void doProvisioning(const Launch& launch) {
+void doProvisioning(Launch& launch) {
     NarrowArguments command(launch.plan->line.arguments());
     logLaunchArguments(messages.provisioningParametersBegin, command,
                        messages.provisioningParametersEnd);
     recordProvisioning(provisioningFileOf(launch.inputs.workspace));
+    launch.note.reset();
     Gate gate;
     const pid_t child = calls::fork();
     if (child == 0) {

@@ -27,7 +27,7 @@ void launchEclipse(Launch& launch);
 /// Replaces the process with the provisioning program, having recorded its own as the one that provisions
 /// (running_provisioning.h) and the id of a forked child as the main process. Returns in the child, and in
 /// the parent when execv(3) failed.
-void doProvisioning(const Launch& launch);
+void doProvisioning(Launch& launch);
 
 /// Loads the library, opens the gate and runs the platform in this process. The result of "run" is
 /// ignored. A library that cannot be loaded or lacks an entry point ends the launch with the gate still

@@ -83,6 +83,24 @@ void openLog(LaunchInputs& inputs) {
     deleteTempLog();
 }
 
+std::wstring bundleListOf(const LaunchInputs& inputs, const std::wstring& base) {
+    std::wstring path = base + L"/macosx/x86/Info.plist";
+    replaceUserPlaceholders(path, inputs.properties);
+    return path;
+}
+
+// The main launcher tidies up after a killed one; whoever holds the lock tells of its own names.
+void settleUnfinishedFiles(Launch& launch, const std::wstring& base) {
+    const LaunchInputs& inputs = launch.inputs;
+    launch.note = std::make_unique<UnfinishedNote>(toNarrow(unfinishedNoteOf(inputs.workspace)));
+    if (inputs.isMainProcess() && launch.note->isLeft()) {
+        removeUnfinishedFiles(inputs.workspace, inputs.configuration);
+        // May be another workspace's at work, unlike the user's own files.
+        removeUnfinished(bundleListOf(inputs, base));
+        launch.note->settle();
+    }
+}
+
 // Reuse after another installation, or the reset the user asked for. Only the main launcher moves
 // the configuration area: under a daemon a platform is running in it. Whether the user's file was read
 // for that and stays as it is.
@@ -118,24 +136,36 @@ void prepareExtensions(LaunchInputs& inputs) {
     ensure(inputs, osPath(applications + L"/features"), messages.extensionFeaturesNotMade);
     ensure(inputs, osPath(applications + L"/plugins"), messages.extensionPluginsNotMade);
     const std::wstring shared = osPath(inputs.installDir + L"/shared/eclipse/.eclipseextension");
-    if (exists(shared)) {
-        copyFile(shared, osPath(applications + L"/.eclipseextension"));
+    if (const UniqueFd opened = openExisting(shared)) {
+        copyFile(opened, shared, osPath(applications + L"/.eclipseextension"));
     }
 }
 
 // For a later restart. `arguments` are the launcher's own, before "-config" is replaced by what it
-// stands for: the restarted launcher replaces it itself.
-void recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
+// stands for: the restarted launcher replaces it itself. The record's text where that is known.
+std::optional<std::string> recordArguments(const Arguments& arguments, const LaunchInputs& inputs) {
     if (!inputs.isMainProcess() || isRestart(arguments)) {
-        return;
+        return std::nullopt;
     }
-    writeStartupArgs(arguments, inputs.configuration,
-                     getRestartExe(arguments, inputs.properties, inputs.installDir),
-                     inputs.properties, inputs.installDir);
+    return writeStartupArgs(arguments, inputs.configuration,
+                            getRestartExe(arguments, inputs.properties, inputs.installDir),
+                            inputs.properties, inputs.installDir);
+}
+
+// The recorded arguments as properties; false without a record.
+bool readRecord(LaunchInputs& inputs, const std::optional<std::string>& recorded) {
+    const std::wstring path = osPath(inputs.configuration + L"/args.properties");
+    if (!recorded) {
+        return getPropertiesIfThere(path, inputs.properties);
+    }
+    addProperties({.bytes = *recorded}, path, inputs.properties);
+    return true;
 }
 
 // `isRead`: the user's file was read before, and stays. A traced launch shows every reading.
-void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead) {
+// `recorded`: what recordArguments knows.
+void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead,
+                   const std::optional<std::string>& recorded) {
     const bool isConfigMade = createConfigIni(inputs, base);
     const bool isUserFileMade = !isRead && createRCPInstallProps(inputs, base);
     inputs.userFirstLaunch = inputs.userFirstLaunch || isConfigMade || isUserFileMade;
@@ -144,16 +174,13 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead) 
         getProperties(userFileOf(inputs.configuration), inputs.userProperties);
     }
     applyUserProperties(inputs);
-    if (getPropertiesIfThere(osPath(inputs.configuration + L"/args.properties"),
-                             inputs.properties)) {
+    if (readRecord(inputs, recorded)) {
         insertPropToVmargMap(inputs.vmargMap, inputs.properties);
     }
 }
 
 void updateBundle(const LaunchInputs& inputs, const std::wstring& base) {
-    std::wstring path = base + L"/macosx/x86/Info.plist";
-    replaceUserPlaceholders(path, inputs.properties);
-    removeUnfinished(path);  // may be another workspace's at work, unlike the user's own files
+    const std::wstring path = bundleListOf(inputs, base);
     if (const Argument* identifier = getBundleIdentifier(inputs.arguments)) {
         updateInfoPlist(path, identifier->text);
     }
@@ -225,13 +252,11 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     validateInstallerState(inputs);
 
     ensure(inputs, inputs.configuration, messages.configurationNotMade);
-    if (inputs.isMainProcess()) {
-        removeUnfinishedFiles(inputs.workspace, inputs.configuration);
-    }
+    settleUnfinishedFiles(launch, base);
     const bool isUserFileRead = renewUserArea(inputs, base);
     prepareExtensions(inputs);
-    recordArguments(arguments, inputs);
-    readUserFiles(inputs, base, isUserFileRead);
+    const std::optional<std::string> recorded = recordArguments(arguments, inputs);
+    readUserFiles(inputs, base, isUserFileRead, recorded);
     const JvmPropertyLocation jvmProperties =
         getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
     loadJvmProperties(inputs, jvmProperties);

@@ -7,7 +7,9 @@
 #include "launcher/instance/platform_lock.h"
 #include "launcher/instance/process_check.h"
 #include "launcher/properties/property_list.h"
+#include "platform/whole_file.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,6 +21,7 @@ struct Launch {
     LaunchInputs inputs;
     std::optional<ProcessMarker> marker;  // from then on it deals with the workspace's lock
     std::optional<PlatformLock> lock;
+    std::unique_ptr<UnfinishedNote> note;  // while temporary names may be made under that lock
     std::optional<Plan> plan;
 };
 

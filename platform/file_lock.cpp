@@ -19,23 +19,23 @@ bool lockExclusively(int descriptor) {
 
 namespace {
 
-using Status = int (*)(const char* path, struct stat* status);
-
-bool isSame(int descriptor, const std::string& path, Status statusOf) {
-    struct stat opened {};
-    struct stat named {};
-    return calls::fstat(descriptor, &opened) == 0 && statusOf(path.c_str(), &named) == 0 &&
-           opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+bool isSame(const struct stat& left, const struct stat& right) {
+    return left.st_ino == right.st_ino && left.st_dev == right.st_dev;
 }
 
 }  // namespace
 
 bool isNamed(int descriptor, const std::string& path) {
-    return isSame(descriptor, path, calls::lstat);
+    struct stat opened {};
+    struct stat named {};
+    return calls::fstat(descriptor, &opened) == 0 && calls::lstat(path.c_str(), &named) == 0 &&
+           isSame(opened, named);
 }
 
-bool isLedTo(int descriptor, const std::string& path) {
-    return isSame(descriptor, path, calls::stat);
+std::optional<struct stat> isLedTo(const struct stat& file, const std::string& path) {
+    struct stat named {};
+    const bool isIt = calls::stat(path.c_str(), &named) == 0 && isSame(file, named);
+    return isIt ? std::optional(named) : std::nullopt;
 }
 
 }  // namespace rcp

@@ -2,6 +2,9 @@
 // are shared with forked processes.
 #pragma once
 
+#include <sys/stat.h>
+
+#include <optional>
 #include <string>
 
 namespace rcp {
@@ -13,7 +16,8 @@ bool lockExclusively(int descriptor);
 /// former holder may have renamed or removed the file meanwhile. Links are not followed.
 bool isNamed(int descriptor, const std::string& path);
 
-/// The same where `path` may be a link to the file.
-bool isLedTo(int descriptor, const std::string& path);
+/// The same of the file with that status where `path` may be a link to it: its status now, none when it is
+/// another file.
+std::optional<struct stat> isLedTo(const struct stat& file, const std::string& path);
 
 }  // namespace rcp

@@ -1,7 +1,6 @@
 #include "platform/files.h"
 
 #include "base/system_calls.h"
-#include "base/transfer.h"
 #include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/text.h"
@@ -47,23 +46,48 @@ struct FreeMemory {
     void operator()(char* memory) const { free(memory); }
 };
 
-bool isRegular(int descriptor) {
+// The size of a regular file; none, with errno set, for anything else.
+std::optional<std::size_t> regularSize(int descriptor) {
     struct stat status {};
     if (calls::fstat(descriptor, &status) != 0) {
-        return false;
+        return std::nullopt;
     }
     if (S_ISREG(status.st_mode)) {
-        return true;
+        return static_cast<std::size_t>(status.st_size);
     }
     errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-    return false;
+    return std::nullopt;
 }
 
 // A regular file alone; without one, with errno set, none.
 UniqueFd openRegular(const std::wstring& path, int flags) {
     UniqueFd file(
         calls::open(toNarrow(path).c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
-    return file && !isRegular(file.get()) ? UniqueFd() : std::move(file);
+    return file && !regularSize(file.get()) ? UniqueFd() : std::move(file);
+}
+
+// Non-blocking, so that a pipe without a writer answers at once.
+UniqueFd openToRead(const std::string& path) {
+    return UniqueFd(calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+}
+
+// A file is read to the size that it had, without a read that finds nothing more; one that tells no size,
+// as those of the process file system, to its end.
+void readInto(FileText& text, int descriptor, std::size_t size) {
+    constexpr std::size_t kAtOnce = std::size_t{1} << 20;  // a size is a claim: memory follows what comes
+    constexpr std::size_t kUnknown = 4096;
+    std::size_t done = 0;
+    while (size == 0 || done < size) {
+        text.bytes.resize(done + (size == 0 ? kUnknown : std::min(size - done, kAtOnce)));
+        const ssize_t length =
+            calls::read(descriptor, text.bytes.data() + done, text.bytes.size() - done);
+        if (length == 0 || (length < 0 && errno != EINTR)) {
+            text.error = length < 0 ? errno : 0;
+            break;
+        }
+        done += length > 0 ? static_cast<std::size_t>(length) : 0;
+    }
+    text.bytes.resize(done);
 }
 
 Reason whyNoDirectory(const std::wstring& path, const PathMade& made) {
@@ -77,9 +101,11 @@ Reason whyNoDirectory(const std::wstring& path, const PathMade& made) {
 }  // namespace
 
 bool existsA(const std::string& path) {
-    // Non-blocking, so that a pipe without a writer answers at once.
-    const UniqueFd file(calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    return static_cast<bool>(file);
+    return static_cast<bool>(openToRead(path));
+}
+
+UniqueFd openExisting(const std::wstring& path) {
+    return openToRead(toNarrow(path));
 }
 
 bool exists(const std::wstring& path) {
@@ -159,16 +185,19 @@ Stream open_file(const std::wstring& path, const std::wstring& mode) {
     return stream;
 }
 
-std::optional<FileText> readText(const std::wstring& path) {
-    const UniqueFd file = openRegular(path, O_RDONLY);
-    if (!file) {
+std::optional<FileText> textOf(const UniqueFd& file) {
+    const std::optional<std::size_t> size = regularSize(file.get());
+    if (!size) {
         return std::nullopt;
     }
     FileText text;
-    errno = 0;
-    text.bytes = readToEnd(file.get());
-    text.error = errno;
+    readInto(text, file.get(), *size);
     return text;
+}
+
+std::optional<FileText> readText(const std::wstring& path) {
+    const UniqueFd file = openExisting(path);
+    return file ? textOf(file) : std::nullopt;
 }
 
 bool createDirectory(const std::wstring& path) {

@@ -3,6 +3,7 @@
 // only ensureDirectory and copyFile end the launch on failure.
 #pragma once
 
+#include "base/unique_fd.h"
 #include "diagnostics/message.h"
 
 #include <cstdio>
@@ -23,6 +24,8 @@ using Stream = std::unique_ptr<std::FILE, CloseStream>;
 /// missing, a readable directory as existing. False with errno set.
 bool exists(const std::wstring& path);
 bool existsA(const std::string& path);
+/// The same for one that is read if it exists: its descriptor, empty where `exists` is false.
+UniqueFd openExisting(const std::wstring& path);
 /// Whether the entry itself is a directory; a link to one is not. False with errno
 /// set, to 0 when something else stands there.
 bool isDirectory(const std::wstring& path);
@@ -58,6 +61,8 @@ struct FileText {
     std::string bytes;
     int error = 0;  // an errno
 };
+/// Of an opened file, from its beginning on. Empty optional, with errno set, when it is no regular file.
+std::optional<FileText> textOf(const UniqueFd& file);
 /// Reads what open_file would open. Empty optional, with errno set, when it cannot be opened.
 std::optional<FileText> readText(const std::wstring& path);
 
@@ -108,6 +113,8 @@ void ensureDirectory(const std::wstring& path, Message<Text> message);
 
 /// Copies a file byte for byte; the target is replaced as a whole. Every failure ends the launch.
 bool copyFile(const std::wstring& source, const std::wstring& destination);
+/// The same for a source that was opened before.
+bool copyFile(const UniqueFd& opened, const std::wstring& source, const std::wstring& destination);
 /// rename(2); no copy across volumes.
 bool moveFile(const std::wstring& source, const std::wstring& destination);
 /// unlink(2).

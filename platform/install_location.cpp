@@ -47,7 +47,10 @@ void setLauncherExecutable(std::string path) {
 }
 
 std::string read_executable_path() {
-    std::optional<std::string> resolved = resolvedPath(executableAsStarted());
+    std::string started = executableAsStarted();
+    std::optional<std::string> resolved =
+        namedExecutable.empty() && platform::isOwnExecutable(started) ? std::move(started)
+                                                                      : resolvedPath(started);
     if (!resolved) {
         cannotTellExecutable(errno);
     }
@@ -79,10 +82,11 @@ std::wstring findCommand() {
 
 std::optional<std::wstring> getRCPDirectory() {
     std::wstring folder = findCommand();
-    if (!isDirectory(folder)) {
+    if (folder.empty()) {
+        errno = ENOENT;
         return std::nullopt;
     }
-    return folder;
+    return folder;  // a directory: a program without links in its path was started in it
 }
 
 std::wstring getInstallDir() {
@@ -92,7 +96,8 @@ std::wstring getInstallDir() {
     }
     std::wstring directory = *folder;
     const std::wstring parent = folderOf(*folder);
-    if (folder->substr(parent.size()) == L"/rcp" && isDirectory(parent)) {
+    // A path without links: what a directory is in is one too.
+    if (folder->substr(parent.size()) == L"/rcp" && !parent.empty()) {
         directory = parent;
     }
     const std::wstring siblingPlatform = directory + L"/../Eclipse";

@@ -19,6 +19,11 @@ namespace rcp::platform {
 /// working directory of the first call, else the target of /proc/self/exe.
 std::string executablePathAsStarted();
 
+/// Whether the system knows this process's executable under `path`, which then has no links. Told without
+/// a look at each folder on the way; false also where the system does not tell. Linux: the target of
+/// /proc/self/exe. macOS: never.
+bool isOwnExecutable(const std::string& path);
+
 /// The executable that a live process runs: absolute, without links, under the name that it was
 /// started by even when that is gone or another file's by now. Empty optional when there is no such
 /// process or the system does not tell. macOS: proc_pidpath. Linux: the target of /proc/PID/exe.

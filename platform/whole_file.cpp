@@ -20,13 +20,16 @@ namespace {
 
 constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 
-// Opens the temporary file. What a killed launch left under its name may be no file that can be
-// written, or not with these permissions; the name is ours, so it goes.
+// What tells of the temporary names of this process, if anything does.
+constinit UnfinishedNote* unfinishedNote = nullptr;
+
+// Opens the temporary file. What stands under its name may be no file that can be written, or not with
+// these permissions; the name is ours, so it goes.
 UniqueFd openTemporary(const char* path) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     UniqueFd opened(calls::open(path, kFlags, 0666));
     const int error = errno;
-    if (!opened && (error == EACCES || error == ELOOP)) {
+    if (!opened && (error == EACCES || error == ELOOP || error == ENXIO)) {
         if (calls::unlink(path) == 0) {
             opened.reset(calls::open(path, kFlags, 0666));
         } else {
@@ -48,9 +51,8 @@ TakeOver takeOver(int descriptor, const char* path) {
     if (!isNamed(descriptor, path)) {
         return TakeOver::kLostItsName;
     }
-    if (!S_ISREG(status.st_mode)) {
-        errno = EINVAL;
-        return TakeOver::kFailed;
+    if (!S_ISREG(status.st_mode)) {  // a pipe, which can be opened like a file
+        return calls::unlink(path) == 0 ? TakeOver::kLostItsName : TakeOver::kFailed;
     }
     const bool isEmpty = status.st_size == 0 || calls::ftruncate(descriptor, 0) == 0;
     return isEmpty ? TakeOver::kOurs : TakeOver::kFailed;
@@ -78,6 +80,31 @@ void TemporaryName::remove() {
         calls::unlink(path_.c_str());
         release();
     }
+}
+
+UnfinishedNote::UnfinishedNote(std::string path) : file_(std::move(path)) {
+    unfinishedNote = this;
+}
+
+UnfinishedNote::~UnfinishedNote() {
+    unfinishedNote = nullptr;
+}
+
+bool UnfinishedNote::isLeft() const {
+    struct stat status {};
+    return calls::lstat(file_.path().c_str(), &status) == 0 || errno != ENOENT;
+}
+
+void UnfinishedNote::settle() const {
+    calls::unlink(file_.path().c_str());
+}
+
+void UnfinishedNote::leave() {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    if (!isTold_ && UniqueFd(calls::open(file_.path().c_str(), kFlags, 0600))) {
+        file_.claim();
+    }
+    isTold_ = true;
 }
 
 bool holdsText(const std::wstring& path, std::string_view text) {
@@ -113,6 +140,9 @@ bool WholeFile::open() {
     if (calls::lstat(targetBytes_.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
         errno = EISDIR;  // nothing could be renamed over it
         return false;
+    }
+    if (unfinishedNote != nullptr) {
+        unfinishedNote->leave();
     }
     file_ = openAndLock(temporary_.path().c_str());
     if (!file_) {

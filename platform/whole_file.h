@@ -40,6 +40,33 @@ class TemporaryName {
     bool isClaimed_ = false;
 };
 
+/// Tells whoever comes next that temporary names may be left: an empty file that stands from before the
+/// first of this process is made until this object ends. Without it every launch would have to look for
+/// each name, and there is hardly ever one. One at a time.
+class UnfinishedNote {
+  public:
+    explicit UnfinishedNote(std::string path);
+    UnfinishedNote(const UnfinishedNote&) = delete;
+    UnfinishedNote& operator=(const UnfinishedNote&) = delete;
+    UnfinishedNote(UnfinishedNote&&) = delete;
+    UnfinishedNote& operator=(UnfinishedNote&&) = delete;
+    /// Removes the file if this object has made it: that of a killed launch stays until somebody has
+    /// removed what that launch left.
+    ~UnfinishedNote();
+
+    /// Whether somebody else's stands there, or that cannot be told.
+    [[nodiscard]] bool isLeft() const;
+    /// Removes that of somebody else.
+    void settle() const;
+    /// Makes the file unless it stands. Failure is nobody's concern: a name that is left then goes when the
+    /// same file is written again.
+    void leave();
+
+  private:
+    TemporaryName file_;
+    bool isTold_ = false;
+};
+
 /// Whether the file at `path`, itself and not through a link, holds exactly `text`. What is there
 /// already need not be written again: replacing a file is the dearest thing a launch does.
 bool holdsText(const std::wstring& path, std::string_view text);

@@ -124,6 +124,7 @@ int launchOnStage(int argc, char** argv) {
     } catch (const LaunchEnded& end) {
         // That no log can be written either is not what the launch ends with.
         stage->lastError = lastErrorOf(describeRecords(*stage->rehearsal));
+        stage->launch.note.reset();  // the rest of the launch is still told of
         return endedWith(end.status);
     }
 }

@@ -71,8 +71,10 @@ void settleLibraryPath(PropertyList& properties) {
     }
 }
 
-std::optional<std::wstring> rootWithProperties(std::wstring root) {
-    return jvmPropExists(root) ? std::optional(std::move(root)) : std::nullopt;
+std::optional<JvmPropertyRoot> rootWithProperties(std::wstring root) {
+    UniqueFd properties = jvmPropExists(root);
+    return properties ? std::optional(JvmPropertyRoot{std::move(root), std::move(properties)})
+                      : std::nullopt;
 }
 
 }  // namespace
@@ -112,7 +114,7 @@ JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
 JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
                                            const std::wstring& installDir) {
     JvmPropertyLocation location;
-    std::optional<std::wstring> root;
+    std::optional<JvmPropertyRoot> root;
     location.jvm = chosenVm(properties, arguments, messages.noVmPath).text;
     if (location.jvm.empty()) {
         traceAlways(messages.externalJvm, L"external JVM");
@@ -121,19 +123,19 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
         convertBS2S(location.jvm);
         traceAlways(messages.chosenJvm, location.jvm);
         root = getStandardJvmPropertyRoot(location.jvm);
-        root = root ? root : getInstallJvmPropertyRoot(location.jvm);
+        root = root ? std::move(root) : getInstallJvmPropertyRoot(location.jvm);
     }
     location.isDefault = !root;
     if (!root) {
-        root = installDir + L"/rcp/deploy/";
-        convertBS2S(*root);
+        root = JvmPropertyRoot{osPath(installDir + L"/rcp/deploy/"), {}};
     }
-    pushBackProperty(properties, keys::kJvmRoot, *root);
-    location.file = *root + kFileName;
+    pushBackProperty(properties, keys::kJvmRoot, root->path);
+    location.file = root->path + kFileName;
+    location.opened = std::move(root->properties);
     return location;
 }
 
-std::optional<std::wstring> getStandardJvmPropertyRoot(const std::wstring& jvm) {
+std::optional<JvmPropertyRoot> getStandardJvmPropertyRoot(const std::wstring& jvm) {
     const std::size_t folder = jvm.find(kPluginFolder);
     if (folder == std::wstring::npos) {
         return std::nullopt;
@@ -142,7 +144,7 @@ std::optional<std::wstring> getStandardJvmPropertyRoot(const std::wstring& jvm) 
     return end == std::wstring::npos ? std::nullopt : rootWithProperties(jvm.substr(0, end + 1));
 }
 
-std::optional<std::wstring> getInstallJvmPropertyRoot(const std::wstring& jvm) {
+std::optional<JvmPropertyRoot> getInstallJvmPropertyRoot(const std::wstring& jvm) {
     const std::size_t last = jvm.rfind(L'/');
     if (last == std::wstring::npos || last == 0) {
         return std::nullopt;
@@ -152,13 +154,16 @@ std::optional<std::wstring> getInstallJvmPropertyRoot(const std::wstring& jvm) {
                                         : rootWithProperties(jvm.substr(0, second + 1));
 }
 
-bool jvmPropExists(const std::wstring& root) {
-    return exists(osPath(root + kFileName));
+UniqueFd jvmPropExists(const std::wstring& root) {
+    return openExisting(osPath(root + kFileName));
 }
 
 void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location) {
     traceAlways(messages.jvmPropertiesLoaded, location.file);
-    if (getPropertiesIfThere(location.file, inputs.properties)) {
+    if (location.opened) {
+        getProperties(location.opened, location.file, inputs.properties);
+        insertPropToVmargMap(inputs.vmargMap, inputs.properties);
+    } else if (getPropertiesIfThere(location.file, inputs.properties)) {
         insertPropToVmargMap(inputs.vmargMap, inputs.properties);
     } else {
         traceAlways(messages.jvmPropertiesMissing, L"${rcp.home}/rcp/deploy");

@@ -9,6 +9,7 @@
 //                   else in the installation's rcp/deploy, the default root
 #pragma once
 
+#include "base/unique_fd.h"
 #include "launcher/command_line/plan.h"
 #include "launcher/inputs/launch_inputs.h"
 
@@ -32,16 +33,24 @@ struct JvmPropertyLocation {
     std::wstring file;       // root + "jvm.properties"; need not exist in the default root
     bool isDefault = false;  // the root is the installation's deploy directory
     std::wstring jvm;        // the JVM's path, slashes turned; empty for the external JVM
+    UniqueFd opened;         // the file, where it was found by being there
+};
+
+/// A folder that holds a jvm.properties, and that file.
+struct JvmPropertyRoot {
+    std::wstring path;
+    UniqueFd properties;
 };
 
 /// Finds the jvm.properties file and records its root as property "jvm.root".
 JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Arguments& arguments,
                                            const std::wstring& installDir);
 /// The root when the JVM lives in a plug-in folder that holds a jvm.properties.
-std::optional<std::wstring> getStandardJvmPropertyRoot(const std::wstring& jvm);
+std::optional<JvmPropertyRoot> getStandardJvmPropertyRoot(const std::wstring& jvm);
 /// The root two levels above the JVM executable, when it holds a jvm.properties.
-std::optional<std::wstring> getInstallJvmPropertyRoot(const std::wstring& jvm);
-bool jvmPropExists(const std::wstring& root);
+std::optional<JvmPropertyRoot> getInstallJvmPropertyRoot(const std::wstring& jvm);
+/// The jvm.properties of a root, opened; empty without one.
+UniqueFd jvmPropExists(const std::wstring& root);
 
 /// Reads the jvm.properties file into the launcher properties and the VM argument map, then brings
 /// "java.home" and "jvm.library.path" into their final form.

@@ -18,6 +18,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -83,12 +84,11 @@ std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,
     }
     lock.lock();
     traceWithTime(messages.lockTaken);
-    if (runningProvisioning(provisioning)) {
+    if (settleProvisioning(provisioning)) {
         lock.release();
         waitForProvisioning(provisioning);
         return std::nullopt;
     }
-    removeEndedProvisioning(provisioning);
     lock.platform_ = lock.runningPlatform(marker);
     if (lock.platform_) {
         trace(messages.isDaemon);
@@ -135,9 +135,8 @@ void PlatformLock::open() {
         report(noReason(), messages.lockNotCreated, error);
         fatal(because(error), messages.lockNotFound);
     }
-    struct stat status {};
-    const int error = calls::fstat(file_.get(), &status) == 0 ? 0 : errno;
-    if (error != 0 || !S_ISREG(status.st_mode)) {
+    const int error = calls::fstat(file_.get(), &status_) == 0 ? 0 : errno;
+    if (error != 0 || !S_ISREG(status_.st_mode)) {
         fatal(error != 0 ? because(error) : because("not a regular file"), messages.lockNotFound);
     }
 }
@@ -150,7 +149,8 @@ void PlatformLock::lock() {
         if (!lockExclusively(file_.get())) {
             fatal(because(errno), messages.lockFailed);
         }
-        if (isLedTo(file_.get(), toNarrow(path_))) {
+        if (const auto status = isLedTo(status_, toNarrow(path_))) {
+            status_ = *status;
             return;
         }
         if (comparison == kMostComparisons) {
@@ -160,10 +160,20 @@ void PlatformLock::lock() {
     }
 }
 
+// Whether somebody may have written into the file since; without the lock its status is a new one each time.
+bool PlatformLock::isThere() {
+    if (calls::fstat(file_.get(), &status_) != 0) {
+        status_.st_size = kLongestContent;
+    }
+    return exists(path_);
+}
+
 // A file that cannot be read must not count as empty: that would make this launcher the main one
 // beside a running platform.
 std::string PlatformLock::content() const {
-    std::optional<std::string> content = readBeginning(file_.get(), kLongestContent);
+    const auto size = static_cast<std::size_t>(std::max(status_.st_size, off_t{1}));
+    std::optional<std::string> content =
+        readBeginning(file_.get(), std::min(size, kLongestContent));
     if (!content) {
         fatal(because(errno), messages.lockNotRead, path_);
     }
@@ -190,7 +200,7 @@ std::optional<long> PlatformLock::runningPlatform(const ProcessMarker& marker) c
 // On a restart the old platform is still shutting down.
 void PlatformLock::waitForOldPlatform(long oldPlatform, const ProcessMarker& marker) {
     sysSleep(1);
-    for (int waited = 0; exists(path_) && runningPlatform(marker) == oldPlatform;) {
+    for (int waited = 0; isThere() && runningPlatform(marker) == oldPlatform;) {
         sysSleep(1);
         if (++waited == kLongestWaitSeconds) {
             giveOldPlatformUp(oldPlatform);

@@ -25,6 +25,7 @@
 #include "launcher/inputs/arguments.h"
 #include "launcher/instance/process_check.h"
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <optional>
@@ -69,6 +70,7 @@ class PlatformLock {
 
     void open();
     void lock();
+    [[nodiscard]] bool isThere();
     [[nodiscard]] std::string content() const;
     [[nodiscard]] std::optional<long> runningPlatform(const ProcessMarker& marker) const;
     void waitForOldPlatform(long oldPlatform, const ProcessMarker& marker);
@@ -77,6 +79,7 @@ class PlatformLock {
     std::wstring path_;
     std::wstring mainPidPath_;
     UniqueFd file_;
+    struct stat status_ {};  // which file it is, and how long
     std::optional<long> platform_;
 };
 

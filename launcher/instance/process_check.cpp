@@ -44,10 +44,11 @@ class BasicRegex {
 // The launcher itself is not the platform that it looks for, though its own command line may look
 // like it: where process ids start anew, in a container or after a reboot, a stale one can be ours.
 bool isAlive(long processId) {
-    if (processId <= 0 || processId > std::numeric_limits<pid_t>::max() || processId == getpid()) {
+    if (processId <= 0 || processId > std::numeric_limits<pid_t>::max()) {
         return false;
     }
-    return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
+    const bool isThere = kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
+    return isThere && processId != getpid();
 }
 
 // The process's own command line, never cut at a terminal's width and without a heading.

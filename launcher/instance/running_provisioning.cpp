@@ -21,15 +21,30 @@ namespace {
 constexpr int kPatience = 60;  // seconds, until an error is recorded
 constexpr std::size_t kLongestContent = 256;
 
-std::string contentOf(const std::wstring& path) {
+// None without a file; what cannot be read names nobody.
+std::optional<std::string> contentOf(const std::wstring& path) {
     const UniqueFd file(
         calls::open(toNarrow(path).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    return file ? readBeginning(file.get(), kLongestContent).value_or(std::string())
-                : std::string();
+    if (!file) {
+        return errno == ENOENT ? std::nullopt : std::optional(std::string());
+    }
+    return readBeginning(file.get(), kLongestContent).value_or(std::string());
 }
 
 std::string recordOf(pid_t process, const std::string& start) {
     return std::to_string(process) + " " + start + "\n";
+}
+
+// The process that is recorded and has not ended.
+std::optional<long> processAtWork(const std::string& content) {
+    pid_t process = 0;
+    std::from_chars(content.data(), content.data() + content.size(), process);
+    if (process <= 0 || process == getpid()) {
+        return std::nullopt;
+    }
+    const std::optional<std::string> start = platform::startOfProcess(process);
+    const bool isAtWork = start && content == recordOf(process, *start);
+    return isAtWork ? std::optional<long>(process) : std::nullopt;
 }
 
 }  // namespace
@@ -48,15 +63,7 @@ void recordProvisioning(const std::wstring& path) {
 }
 
 std::optional<long> runningProvisioning(const std::wstring& path) {
-    const std::string content = contentOf(path);
-    pid_t process = 0;
-    std::from_chars(content.data(), content.data() + content.size(), process);
-    if (process <= 0 || process == getpid()) {
-        return std::nullopt;
-    }
-    const std::optional<std::string> start = platform::startOfProcess(process);
-    const bool isAtWork = start && content == recordOf(process, *start);
-    return isAtWork ? std::optional<long>(process) : std::nullopt;
+    return processAtWork(contentOf(path).value_or(std::string()));
 }
 
 void waitForProvisioning(const std::wstring& path) {
@@ -71,10 +78,18 @@ void waitForProvisioning(const std::wstring& path) {
     }
 }
 
-void removeEndedProvisioning(const std::wstring& path) {
+bool settleProvisioning(const std::wstring& path) {
+    const std::optional<std::string> content = contentOf(path);
+    if (!content) {
+        return false;  // nobody else writes it meanwhile
+    }
+    if (processAtWork(*content)) {
+        return true;
+    }
     if (calls::unlink(toNarrow(path).c_str()) != 0 && errno != ENOENT) {
         report(because(errno), messages.provisioningRecordStays, path);
     }
+    return false;
 }
 
 }  // namespace rcp

@@ -16,7 +16,7 @@
 //   .                                           unlocks; waitForProvisioning: looks again every second
 //   provisioning program ends                   .
 //                                               begins anew: reads everything, locks, finds nobody at
-//                                               work, removeEndedProvisioning, is main or daemon
+//                                               work, removes the file, is main or daemon
 //
 // The file is written and removed under the lock alone; B looks without it while it waits. Wherever A
 // dies, its start is nobody's any more, and the next look tells so.
@@ -41,7 +41,8 @@ std::optional<long> runningProvisioning(const std::wstring& path);
 /// Waits until it has ended.
 void waitForProvisioning(const std::wstring& path);
 
-/// Removes the file if it is there.
-void removeEndedProvisioning(const std::wstring& path);
+/// Under the lock: whether a program provisions the workspace, as runningProvisioning tells. The file of
+/// one that has ended is removed.
+bool settleProvisioning(const std::wstring& path);
 
 }  // namespace rcp

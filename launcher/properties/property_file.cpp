@@ -130,18 +130,6 @@ Property finish(Entry& entry, const Origin& origin) {
     return property;
 }
 
-void addFile(const std::wstring& path, const FileText& file, PropertyList& list) {
-    PropertyList read =
-        parseProperties(file.bytes, {std::make_shared<const std::wstring>(path), 0});
-    if (file.error != 0) {
-        cannotLoad(path, because(file.error));
-    }
-    if (observer != nullptr) {
-        observer->propertyFileRead(path, read);
-    }
-    list.append(std::move(read));
-}
-
 }  // namespace
 
 PropertyList parseProperties(std::string_view text, const Origin& from) {
@@ -176,24 +164,40 @@ PropertyList parseProperties(std::string_view text, const Origin& from) {
     return list;
 }
 
-void getProperties(const std::wstring& path, PropertyList& list) {
-    const std::optional<FileText> file = readText(path);
-    if (!file) {
+void addProperties(const FileText& text, const std::wstring& path, PropertyList& list) {
+    PropertyList read =
+        parseProperties(text.bytes, {std::make_shared<const std::wstring>(path), 0});
+    if (text.error != 0) {
+        cannotLoad(path, because(text.error));
+    }
+    if (observer != nullptr) {
+        observer->propertyFileRead(path, read);
+    }
+    list.append(std::move(read));
+}
+
+void getProperties(const UniqueFd& file, const std::wstring& path, PropertyList& list) {
+    const std::optional<FileText> text = file ? textOf(file) : std::nullopt;
+    if (!text) {
         cannotLoad(path, because(errno));
     }
-    addFile(path, *file, list);
+    addProperties(*text, path, list);
+}
+
+void getProperties(const std::wstring& path, PropertyList& list) {
+    getProperties(openExisting(path), path, list);
 }
 
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list) {
-    const std::optional<FileText> file = readText(path);
+    const UniqueFd file = openExisting(path);
     if (!file) {
         const Reason reason = because(errno);
-        if (exists(path)) {
+        if (errno != ENOENT && exists(path)) {
             cannotLoad(path, reason);
         }
         return false;
     }
-    addFile(path, *file, list);
+    getProperties(file, path, list);
     return true;
 }
 

@@ -3,7 +3,9 @@
 // differs, installations rely on the difference.
 #pragma once
 
+#include "base/unique_fd.h"
 #include "launcher/properties/property_list.h"
+#include "platform/files.h"
 
 #include <string>
 #include <string_view>
@@ -16,6 +18,9 @@ void getProperties(const std::wstring& path, PropertyList& list);
 /// The same for a file that need not be there; false, and nothing appended, without one. What is
 /// there (`exists`) and is no file still ends the launch.
 bool getPropertiesIfThere(const std::wstring& path, PropertyList& list);
+/// The same for the file at `path` that was opened before, or whose text is known.
+void getProperties(const UniqueFd& file, const std::wstring& path, PropertyList& list);
+void addProperties(const FileText& text, const std::wstring& path, PropertyList& list);
 /// The entries of a text. `from` is where it begins: its first line is the one behind `from.line`.
 PropertyList parseProperties(std::string_view text, const Origin& from);
 

@@ -92,24 +92,26 @@ std::vector<Line> makeLines(const std::vector<std::wstring>& recorded) {
     return lines;
 }
 
-bool isWritten(const std::wstring& path, const std::vector<Line>& lines) {
+std::string textOf(const std::vector<Line>& lines) {
     std::string text;
     for (const Line& line : lines) {
         text += line.text;
     }
-    return holdsText(path, text);
+    return text;
 }
 
 }  // namespace
 
-void writeStartupArgs(const Arguments& arguments, const std::wstring& configuration,
-                      const std::optional<std::wstring>& restartExe, const PropertyList& properties,
-                      const std::wstring& installDir) {
+std::optional<std::string> writeStartupArgs(const Arguments& arguments,
+                                            const std::wstring& configuration,
+                                            const std::optional<std::wstring>& restartExe,
+                                            const PropertyList& properties,
+                                            const std::wstring& installDir) {
     const std::wstring path = osPath(configuration + L"/args.properties");
     const std::vector<Line> lines =
         makeLines(recordedArguments(arguments, restartExe, properties, installDir));
-    if (isWritten(path, lines)) {
-        return;
+    if (std::string text = textOf(lines); holdsText(path, text)) {
+        return text;
     }
     WholeFile file(path);
     if (!file.open()) {
@@ -123,6 +125,7 @@ void writeStartupArgs(const Arguments& arguments, const std::wstring& configurat
     if (!file.commit()) {
         fatal(because(errno), messages.libraryPathNotRecorded, path);
     }
+    return std::nullopt;
 }
 
 }  // namespace rcp

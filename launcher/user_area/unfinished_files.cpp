@@ -22,6 +22,10 @@ constexpr const wchar_t* kInConfiguration[] = {
 
 }  // namespace
 
+std::wstring unfinishedNoteOf(const std::wstring& workspace) {
+    return osPath(workspace + L"/.rcp.unfinished");
+}
+
 // By name, not by pattern: a file of the user's that only looks like one of these stays.
 void removeUnfinishedFiles(const std::wstring& workspace, const std::wstring& configuration) {
     for (const wchar_t* name : kInWorkspace) {

@@ -49,6 +49,10 @@ std::string resolvedPath() {
 
 }  // namespace
 
+bool isOwnExecutable(const std::string& path) {
+    return resolvedPath() == path;
+}
+
 std::optional<std::string> executableOfProcess(pid_t process) {
     constexpr std::string_view kGone = " (deleted)";  // what the system adds
     std::string path = targetOf("/proc/" + std::to_string(process) + "/exe");

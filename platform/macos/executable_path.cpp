@@ -34,6 +34,10 @@ std::string executablePathAsStarted() {
     return startedIn == "/" ? startedIn + path : startedIn + "/" + path;
 }
 
+bool isOwnExecutable(const std::string& /*path*/) {
+    return false;
+}
+
 std::optional<std::string> executableOfProcess(pid_t process) {
     std::string path(PROC_PIDPATHINFO_MAXSIZE, '\0');
     const int length = proc_pidpath(process, path.data(), static_cast<std::uint32_t>(path.size()));

@@ -84,7 +84,8 @@ std::string differences(const Snapshot& expected, const Snapshot& actual) {
 Texts temporaryNames(const Snapshot& snapshot) {
     Texts names;
     for (const auto& [path, entry] : snapshot) {
-        if (path.ends_with(".tmp") || path.ends_with(".new")) {
+        if (path.ends_with(".tmp") || path.ends_with(".new") ||
+            path.ends_with("/.rcp.unfinished")) {
             names.push_back(path);
         }
     }

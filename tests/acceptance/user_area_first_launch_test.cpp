@@ -164,6 +164,15 @@ TEST_F(Bundle, MayBeMissing) {
     EXPECT_FALSE(fileExists(path));
 }
 
+TEST_F(UserArea, WhatAKilledLaunchLeftGoesWithTheNoteOfIt) {
+    velmo.start();
+    const std::string half = velmo.write(velmo.configuration() + "/config.ini.tmp", "half");
+    const std::string note = velmo.write(velmo.workspace + "/.rcp.unfinished", "");
+    velmo.start();
+    EXPECT_FALSE(fileExists(half));
+    EXPECT_FALSE(fileExists(note));
+}
+
 // --- The recorded arguments ---
 
 TEST_F(UserArea, ArgumentsAreRecordedAsGivenForARestart) {

@@ -14,7 +14,7 @@ way. Of every such launch must hold:
   - the next launch, undisturbed, starts the platform with the arguments and files of always.
 
 Only the launcher's own calls count. Those of the dynamic loader before main come before the first
-F_GETFD of descriptor 0, which is the first thing that main does; those of the platform come behind
+poll(2), which is the first thing that main does; those of the platform come behind
 the execve(2) that starts it or, inside the launcher's process, behind its look at /dev/fd, the
 first thing that the stand-in does.
 
@@ -286,7 +286,7 @@ def own_calls(trace):
         main = main or process
         counts[process, name] += 1
         if process == main:
-            started = started or (name == "fcntl" and text.startswith("0, F_GETFD"))
+            started = started or name == "poll"
             handed_off = handed_off or '"/dev/fd"' in text
         elif process not in children:
             children.add(process)

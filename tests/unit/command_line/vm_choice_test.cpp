@@ -123,7 +123,7 @@ class JvmProperties : public test::LauncherTest {
         Arguments arguments = options;
         arguments.insert(arguments.begin(), L"rcplauncher");
         properties_ = propertyList(properties);
-        const JvmPropertyLocation location =
+        JvmPropertyLocation location =
             getJvmPropertyLocation(properties_, arguments, folder_.wide("x"));
         EXPECT_EQ(*findProperty(Key(L"jvm.root"), properties_) + L"jvm.properties", location.file);
         return location;
@@ -219,9 +219,12 @@ TEST_F(JvmProperties, RootsFailWithoutEnoughFolders) {
 
 TEST_F(JvmProperties, StandardRootTellsWhetherThePluginHasTheFile) {
     const std::wstring java = folder_.wide("eclipse/plugins/N/java");
-    EXPECT_EQ(getStandardJvmPropertyRoot(java), std::nullopt);
+    EXPECT_FALSE(getStandardJvmPropertyRoot(java));
     folder_.write("eclipse/plugins/N/jvm.properties", "");
-    EXPECT_EQ(getStandardJvmPropertyRoot(java), folder_.wide("eclipse/plugins/N/"));
+    const auto root = getStandardJvmPropertyRoot(java);
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->path, folder_.wide("eclipse/plugins/N/"));
+    EXPECT_TRUE(root->properties);
     EXPECT_TRUE(jvmPropExists(folder_.wide("eclipse/plugins/N\\")));
     EXPECT_FALSE(jvmPropExists(folder_.wide("eclipse/")));
 }
@@ -229,7 +232,11 @@ TEST_F(JvmProperties, StandardRootTellsWhetherThePluginHasTheFile) {
 class JvmLoading : public test::LauncherTest {
   protected:
     void load(const std::wstring& jvm, bool isDefault) {
-        loadJvmProperties(inputs_, {folder_.wide("jvm.properties"), isDefault, jvm});
+        loadJvmProperties(inputs_, {folder_.wide("jvm.properties"), isDefault, jvm, {}});
+    }
+    JvmPropertyLocation locationIn(const std::wstring& folder) {
+        return getJvmPropertyLocation(inputs_.properties,
+                                      {L"rcplauncher", L"-vm", folder + L"/lib/java"}, L"/x");
     }
     std::wstring property(const std::wstring& key) const {
         const std::wstring* value = findProperty(key, inputs_.properties);
@@ -237,6 +244,23 @@ class JvmLoading : public test::LauncherTest {
     }
     LaunchInputs inputs_;
 };
+
+// The file that was found is the one that is read, whatever has its name by then.
+TEST_F(JvmLoading, FileIsOpenedOnce) {
+    folder_.write("jre/jvm.properties", "a=found\n");
+    const JvmPropertyLocation location = locationIn(folder_.wide("jre"));
+    std::filesystem::rename(folder_.path() / "jre/jvm.properties", folder_.path() / "jre/other");
+    loadJvmProperties(inputs_, location);
+    EXPECT_EQ(property(L"a"), L"found");
+}
+
+TEST_F(JvmLoading, FoundOneThatIsNoFileEndsTheLaunch) {
+    std::filesystem::create_directories(folder_.path() / "jre/jvm.properties");
+    const JvmPropertyLocation location = locationIn(folder_.wide("jre"));
+    EXPECT_FATAL(loadJvmProperties(inputs_, location), "ZYPRA0096E: Unable to load " +
+                                                           folder_.narrow("jre/jvm.properties") +
+                                                           " file! : Is a directory\n");
+}
 
 TEST_F(JvmLoading, EntriesGoBehindTheLaunchersOwn) {
     folder_.write("jvm.properties", "a=file\nvmarg.a=-Xfile\nvmarg.b=-Xb\nb=2\n");

@@ -100,6 +100,27 @@ TEST_F(RunningProvisioning, FileWithAnythingElseIsNobodys) {
     EXPECT_EQ(runningProvisioning(file()), std::nullopt) << "without a wait";
 }
 
+int unlinksMade = 0;
+
+TEST_F(RunningProvisioning, FileIsRemovedOnlyWhereThereIsOne) {
+    SystemCalls counting = systemCalls;
+    counting.unlink = [](const char* path) {
+        ++unlinksMade;
+        return kSystemsOwnCalls.unlink(path);
+    };
+    const InstalledCalls installed(counting);
+    unlinksMade = 0;
+    EXPECT_FALSE(settleProvisioning(file()));
+    EXPECT_EQ(unlinksMade, 0);
+    folder_.write(kName, "1 ended\n");
+    EXPECT_FALSE(settleProvisioning(file()));
+    EXPECT_EQ(unlinksMade, 1);
+    EXPECT_FALSE(folder_.has(kName));
+    start();
+    EXPECT_TRUE(settleProvisioning(file()));
+    EXPECT_TRUE(folder_.has(kName));
+}
+
 TEST_F(RunningProvisioning, FileThatCannotBeWrittenOrRemovedIsReported) {
     const test::Records records(folder_);
     std::filesystem::create_directories(folder_.path() / kName / "in the way");

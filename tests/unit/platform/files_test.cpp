@@ -1,6 +1,7 @@
 // Single files and directories.
 #include "platform/files.h"
 
+#include "base/system_calls.h"
 #include "tests/unit/fixture.h"
 #include "tests/unit/probe.h"
 
@@ -224,6 +225,105 @@ TEST_F(Files, StreamIsNotInheritedByAnExecutedProgram) {
     Stream stream = open_file(folder_.wide("file"), L"r");
     ASSERT_NE(stream, nullptr);
     EXPECT_NE(fcntl(fileno(stream.get()), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST_F(Files, TextIsAllOfAFile) {
+    for (const std::string& content :
+         {std::string(), std::string("one\n"), std::string("a\0b", 3), std::string(3 << 20, 'x')}) {
+        folder_.write("file", content);
+        const std::optional<FileText> text = readText(folder_.wide("file"));
+        ASSERT_TRUE(text);
+        EXPECT_EQ(text->bytes, content);
+        EXPECT_EQ(text->error, 0);
+    }
+}
+
+int readsMade = 0;
+
+TEST_F(Files, TextTakesNoReadThatOnlyFindsTheEnd) {
+    folder_.write("file", "text");
+    SystemCalls counting = systemCalls;
+    counting.read = [](int descriptor, void* buffer, std::size_t size) {
+        ++readsMade;
+        return kSystemsOwnCalls.read(descriptor, buffer, size);
+    };
+    const InstalledCalls installed(counting);
+    readsMade = 0;
+    EXPECT_EQ(readText(folder_.wide("file"))->bytes, "text");
+    EXPECT_EQ(readsMade, 1);
+}
+
+TEST_F(Files, TextIsReadOnAfterShortAndInterruptedReads) {
+    folder_.write("file", "text");
+    SystemCalls little = systemCalls;
+    little.read = [](int descriptor, void* buffer, std::size_t size) {
+        if (readsMade++ == 1) {
+            errno = EINTR;
+            return ssize_t{-1};
+        }
+        return kSystemsOwnCalls.read(descriptor, buffer, size == 0 ? 0 : 1);
+    };
+    const InstalledCalls installed(little);
+    readsMade = 0;
+    const std::optional<FileText> text = readText(folder_.wide("file"));
+    EXPECT_EQ(text->bytes, "text");
+    EXPECT_EQ(text->error, 0);
+}
+
+TEST_F(Files, TextOfAFileThatShrinksEndsThere) {
+    folder_.write("file", "text");
+    SystemCalls shrinking = systemCalls;
+    shrinking.read = [](int descriptor, void* buffer, std::size_t /*size*/) {
+        return readsMade++ == 0 ? kSystemsOwnCalls.read(descriptor, buffer, 2) : ssize_t{0};
+    };
+    const InstalledCalls installed(shrinking);
+    readsMade = 0;
+    const std::optional<FileText> text = readText(folder_.wide("file"));
+    EXPECT_EQ(text->bytes, "te");
+    EXPECT_EQ(text->error, 0);
+}
+
+TEST_F(Files, FailedReadIsToldBesideWhatCameBeforeIt) {
+    folder_.write("file", "text");
+    SystemCalls failing = systemCalls;
+    failing.read = [](int descriptor, void* buffer, std::size_t /*size*/) {
+        errno = EIO;
+        return readsMade++ == 0 ? kSystemsOwnCalls.read(descriptor, buffer, 2) : ssize_t{-1};
+    };
+    const InstalledCalls installed(failing);
+    readsMade = 0;
+    const std::optional<FileText> text = readText(folder_.wide("file"));
+    EXPECT_EQ(text->bytes, "te");
+    EXPECT_EQ(text->error, EIO);
+}
+
+#ifdef __linux__
+TEST_F(Files, TextOfAFileThatTellsNoSizeIsReadToItsEnd) {
+    const std::optional<FileText> text = readText(L"/proc/self/maps");
+    ASSERT_TRUE(text);
+    EXPECT_GT(text->bytes.size(), 4096U);
+    EXPECT_TRUE(text->bytes.ends_with('\n'));
+}
+#endif
+
+TEST_F(Files, TextIsOnlyThatOfAFile) {
+    ASSERT_EQ(mkfifo(folder_.narrow("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(readText(folder_.wide("missing")));
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_FALSE(readText(folder_.wide()));
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_FALSE(readText(folder_.wide("pipe")));
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST_F(Files, OpenedOneIsThatWhichExists) {
+    folder_.write("file", "");
+    ASSERT_EQ(mkfifo(folder_.narrow("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(openExisting(folder_.wide("file")));
+    EXPECT_TRUE(openExisting(folder_.wide()));
+    EXPECT_TRUE(openExisting(folder_.wide("pipe"))) << "without a wait";
+    EXPECT_FALSE(openExisting(folder_.wide("missing")));
+    EXPECT_EQ(errno, ENOENT);
 }
 
 // --- Directories --------------------------------------------------------------------------------

@@ -72,6 +72,9 @@ TEST_F(PlatformSeam, ExecutableOfAProcessIsWithoutLinks) {
     EXPECT_EQ(rcp::platform::executableOfProcess(getpid()),
               std::filesystem::canonical(executablePathAsStarted()).string());
     EXPECT_EQ(rcp::platform::executableOfProcess(rcp::test::deadProcessId()), std::nullopt);
+    const std::string own = std::filesystem::canonical(executablePathAsStarted()).string();
+    EXPECT_FALSE(rcp::platform::isOwnExecutable("/./" + own));
+    EXPECT_FALSE(rcp::platform::isOwnExecutable(own + " (deleted)"));
 }
 
 TEST_F(PlatformSeam, StartOfAProcessIsItsOwnAsLongAsItLives) {

@@ -107,11 +107,54 @@ TEST_F(WholeFiles, WhatAKilledLaunchLeftIsRemovedUnlessItIsBeingWritten) {
     EXPECT_TRUE(folder_.has("file.tmp"));
 }
 
-TEST_F(WholeFiles, PipeUnderTheTemporaryNameStopsNobody) {
-    ASSERT_EQ(mkfifo(folder_.narrow("file.tmp").c_str(), 0600), 0);
-    WholeFile file(folder_.wide("file"));
-    EXPECT_FALSE(file.open());
-    EXPECT_EQ(errno, EINVAL);
+TEST_F(WholeFiles, PipeOrSocketUnderTheTemporaryNameIsReplaced) {
+    for (const mode_t kind : {S_IFIFO, S_IFSOCK}) {
+        ASSERT_EQ(mknod(folder_.narrow("file.tmp").c_str(), kind | 0600, 0), 0);
+        WholeFile file(folder_.wide("file"));
+        EXPECT_TRUE(file.open());
+        EXPECT_TRUE(file.write("text"));
+        EXPECT_TRUE(file.commit());
+        EXPECT_EQ(folder_.read("file"), "text");
+        EXPECT_FALSE(folder_.has("file.tmp"));
+    }
+}
+
+TEST_F(WholeFiles, NoteStandsFromTheFirstTemporaryNameOn) {
+    {
+        UnfinishedNote note(folder_.narrow("note"));
+        EXPECT_FALSE(note.isLeft());
+        {
+            WholeFile file(folder_.wide("file"));
+            EXPECT_FALSE(folder_.has("note")) << "nothing is written";
+            ASSERT_TRUE(file.open());
+            EXPECT_TRUE(folder_.has("note"));
+            EXPECT_TRUE(file.commit());
+        }
+        EXPECT_TRUE(folder_.has("note")) << "the next one is told of already";
+        EXPECT_TRUE(WholeFile(folder_.wide("other")).open());
+    }
+    EXPECT_FALSE(folder_.has("note"));
+    EXPECT_TRUE(WholeFile(folder_.wide("file")).open());
+    EXPECT_FALSE(folder_.has("note")) << "nobody is to be told";
+}
+
+TEST_F(WholeFiles, NoteOfAKilledLaunchStaysUntilItIsSettled) {
+    folder_.write("note", "");
+    {
+        UnfinishedNote note(folder_.narrow("note"));
+        EXPECT_TRUE(note.isLeft());
+        EXPECT_TRUE(WholeFile(folder_.wide("file")).open());
+    }
+    EXPECT_TRUE(folder_.has("note"));
+    const UnfinishedNote note(folder_.narrow("note"));
+    note.settle();
+    EXPECT_FALSE(note.isLeft());
+}
+
+TEST_F(WholeFiles, NoteThatCannotBeMadeStopsNobody) {
+    UnfinishedNote note(folder_.narrow("missing/note"));
+    EXPECT_FALSE(note.isLeft());
+    EXPECT_TRUE(WholeFile(folder_.wide("file")).open());
 }
 
 TEST_F(WholeFiles, FailureSaysWhy) {

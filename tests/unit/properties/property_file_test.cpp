@@ -1,6 +1,7 @@
 // The reader of property files. "\\" below is one backslash of the file.
 #include "launcher/properties/property_file.h"
 
+#include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "tests/unit/launch_pieces.h"
 #include "tests/unit/records.h"
@@ -284,6 +285,24 @@ TEST_F(PropertyFile, FileThatNeedNotBeThereMayBeMissingButNotBeNoFile) {
     folder_.write("there", "key=value\n");
     EXPECT_TRUE(getPropertiesIfThere(folder_.wide("there"), list));
     EXPECT_EQ(*findProperty(Key(L"key"), list), L"value");
+}
+
+int opensMade = 0;
+
+TEST_F(PropertyFile, OneThatIsThereAndCouldNotBeOpenedOnceEndsTheLaunch) {
+    folder_.write("there", "key=value\n");
+    PropertyList list;
+    EXPECT_FATAL(
+        {
+            SystemCalls failing = systemCalls;
+            failing.open = [](const char* path, int flags, mode_t mode) {
+                errno = EIO;
+                return opensMade++ == 0 ? -1 : kSystemsOwnCalls.open(path, flags, mode);
+            };
+            const InstalledCalls installed(failing);
+            getPropertiesIfThere(folder_.wide("there"), list);
+        },
+        "ZYPRA0096E: Unable to load .*there file! : Input/output error\n");
 }
 
 #ifdef __linux__

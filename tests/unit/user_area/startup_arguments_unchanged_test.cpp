@@ -27,5 +27,13 @@ TEST_F(UnchangedStartupArguments, AreNotWrittenAgain) {
               "com.ovr.rcp.core.internal.librarypath=\n");
 }
 
+TEST_F(UnchangedStartupArguments, AreKnownWithoutAnotherLook) {
+    const auto record = [this] {
+        return writeStartupArgs({L"rcplauncher"}, configuration(), L"/r/exe", {}, L"/opt/i");
+    };
+    EXPECT_EQ(record(), std::nullopt) << "written: whether it can be read is another matter";
+    EXPECT_EQ(record(), own("args.properties"));
+}
+
 }  // namespace
 }  // namespace rcp::test
