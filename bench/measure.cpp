@@ -9,8 +9,8 @@
 //                   one. It is not removed: a file system is slower right after files were.
 //
 // Writes JSON for each program: the median time and the median of the processor time in
-// microseconds, the median and the quartiles of its ratios to the first program, and its peak
-// memory in KiB. The processor time is that of the started process alone and says what a busy
+// microseconds, the median and the quartiles of its ratios to the first program, those of the processor
+// times, its peak memory in KiB, and the least peak and the least number of page faults. The processor time is that of the started process alone and says what a busy
 // machine hides.
 #include <fcntl.h>
 #include <spawn.h>
@@ -43,7 +43,8 @@ struct Contender {
     std::vector<char*> command;
     std::vector<double> times;           // microseconds, one a round
     std::vector<double> processorTimes;  // the same
-    long peak = 0;
+    std::vector<long> peaks;             // KiB
+    std::vector<long> faults;
 };
 
 [[noreturn]] void fail(const std::string& what) {
@@ -124,7 +125,8 @@ void launch(Contender& contender, bool untilFirstLine) {
     }
     contender.times.push_back(end - start);
     contender.processorTimes.push_back(microseconds(usage.ru_utime) + microseconds(usage.ru_stime));
-    contender.peak = std::max(contender.peak, usage.ru_maxrss);
+    contender.peaks.push_back(usage.ru_maxrss);
+    contender.faults.push_back(usage.ru_minflt + usage.ru_majflt);
 }
 
 double quantile(std::vector<double> values, double share) {
@@ -136,10 +138,12 @@ double quantile(std::vector<double> values, double share) {
            (position - static_cast<double>(below)) * (values[above] - values[below]);
 }
 
-std::vector<double> ratios(const Contender& contender, const Contender& reference) {
+using Times = std::vector<double> Contender::*;
+
+std::vector<double> ratios(const Contender& contender, const Contender& reference, Times kind) {
     std::vector<double> result;
     for (std::size_t i = 0; i < contender.times.size(); ++i) {
-        result.push_back(contender.times[i] / reference.times[i]);
+        result.push_back((contender.*kind)[i] / (reference.*kind)[i]);
     }
     return result;
 }
@@ -191,6 +195,8 @@ void forget(std::vector<Contender>& contenders) {
     for (Contender& contender : contenders) {
         contender.times.clear();
         contender.processorTimes.clear();
+        contender.peaks.clear();
+        contender.faults.clear();
     }
 }
 
@@ -198,13 +204,19 @@ void print(const std::vector<Contender>& contenders) {
     (void)std::printf("{");
     const char* separator = "\n";
     for (const Contender& contender : contenders) {
-        const std::vector<double> ratio = ratios(contender, contenders.front());
+        const std::vector<double> ratio = ratios(contender, contenders.front(), &Contender::times);
+        const std::vector<double> processor =
+            ratios(contender, contenders.front(), &Contender::processorTimes);
+        const auto [leastPeak, peak] =
+            std::minmax_element(contender.peaks.begin(), contender.peaks.end());
         (void)std::printf(
             "%s  \"%s\": {\"median_us\": %.1f, \"processor_us\": %.1f, \"lower_quartile\": %.4f, "
-            "\"ratio\": %.4f, \"upper_quartile\": %.4f, \"peak_kib\": %ld}",
+            "\"ratio\": %.4f, \"upper_quartile\": %.4f, \"processor_ratio\": %.4f, "
+            "\"peak_kib\": %ld, \"least_peak_kib\": %ld, \"least_faults\": %ld}",
             separator, contender.name.c_str(), quantile(contender.times, 0.5),
             quantile(contender.processorTimes, 0.5), quantile(ratio, 0.25), quantile(ratio, 0.5),
-            quantile(ratio, 0.75), contender.peak);
+            quantile(ratio, 0.75), quantile(processor, 0.5), *peak, *leastPeak,
+            *std::min_element(contender.faults.begin(), contender.faults.end()));
         separator = ",\n";
     }
     (void)std::printf("\n}\n");

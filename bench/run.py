@@ -22,6 +22,9 @@ import sys
 import tempfile
 import time
 
+sys.dont_write_bytecode = True  # beside the sources
+import recorded_calls
+
 ROUNDS = 600
 JVM_ROUNDS = 100
 WINDOW_ROUNDS = 20
@@ -107,7 +110,45 @@ def whole_launches():
     at_most("later launch / floor, processor time",
             figures["later launch"]["processor_us"] / floor["processor_us"], 1.5)
     at_most("later launch, peak memory (MiB)", figures["later launch"]["peak_kib"] / 1024, 6)
+    against_their_calls(launcher)
     counts(launcher)
+
+
+def record(launcher, name, home, launches):
+    """Builds the program that makes the calls of a launch in that home, after `launches` others."""
+    home.mkdir()
+    for _ in range(launches):
+        run(launcher, "-config", "sample", home=home)
+    traces = work / ("traces-" + name)
+    traces.mkdir()
+    if not launches:
+        home.rmdir()
+    run("strace", "-ff", "-s", 1 << 16, "-o", traces / "trace", launcher, "-config", "sample", home=home)
+    calls = build / f"bench/recorded/{name}.inc"
+    calls.parent.mkdir(exist_ok=True)
+    calls.write_text(recorded_calls.source_of(traces))
+    subprocess.run(["cmake", "--build", build, "--target", "bench_recorded_" + name], check=True,
+                   stdout=subprocess.DEVNULL)
+    return [build / ("bench/bench_recorded_" + name), *launched(home)]
+
+
+def against_their_calls(launcher):
+    """Launches against programs that make their system calls and compute nothing."""
+    homes = {name: work / ("recorded-" + name) for name in ("later", "first")}
+    floors = {name: record(launcher, name, homes[name], 3 if name == "later" else 0) for name in homes}
+    mine = work / "first-beside-its-calls"
+    both = {
+        "later": {"calls alone": floors["later"], "launch": [launcher, "-config", "sample"]},
+        "first": {"calls alone": ["--aside", homes["first"], *floors["first"]],
+                  "launch": ["--aside", mine, f"HOME={mine}", launcher, "-config", "sample"]},
+    }
+    for name, limit in (("later", 1.15), ("first", 1.25)):
+        figures = measure(ROUNDS, both[name])
+        results[f"{name} launch and its calls alone"] = figures
+        row(f"calls of a {name} launch alone", f"{figures['calls alone']['median_us'] / 1000:.2f} ms")
+        at_most(f"{name} launch / its calls alone", figures["launch"]["ratio"], limit)
+        at_most(f"{name} launch / its calls alone, processor time", figures["launch"]["processor_ratio"],
+                limit)
 
 
 def counts(launcher):
