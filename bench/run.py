@@ -9,6 +9,7 @@ whole launch is told in processor time, of which there is too little to be seen 
 import atexit
 import datetime
 import json
+import math
 import os
 import pathlib
 import platform
@@ -31,8 +32,10 @@ WINDOW_ROUNDS = 20
 WINDOW_TITLE = "Velmo Sample"
 PATIENCE = 300  # seconds, for a window
 GROWTH_WORK = 1_000_000  # entries a comparison goes through
+INSPECTION_WORK = 100_000  # properties that are read for one size
 REMOVAL_WORK = 30_000  # files that are made and removed for one size
 FILES_PER_FOLDER = 100
+SORTING = ("sortVmArguments",)
 SIZES = [10, 100, 1000, 10_000, 100_000]
 
 source = pathlib.Path(__file__).resolve().parent.parent
@@ -158,7 +161,7 @@ def counts(launcher):
     calls = [line for line in trace.read_text().splitlines() if re.match(r"\w+\(", line)]
     hand_off = [i for i, line in enumerate(calls) if line.startswith("execve(")][1]
     results["system calls"] = hand_off
-    at_most("later launch, system calls", hand_off, 178, "{:d}")
+    at_most("later launch, system calls", hand_off, 125, "{:d}")
     profile = work / "callgrind.out"
     run("valgrind", "--tool=callgrind", "--dump-before=execve", f"--callgrind-out-file={profile}",
         launcher, "-config", "sample", stderr=subprocess.DEVNULL)
@@ -223,6 +226,12 @@ def first_line_of_java():
     results["first line of Java"] = figures
     row("java -cp, first line of main", f"{figures['java -cp']['median_us'] / 1000:.1f} ms")
     at_most("launcher / java -cp", figures["launcher"]["ratio"], 1.03)
+    # What the platform's own program does: it loads the launcher library and calls it.
+    figures = measure(JVM_ROUNDS, {"bare host": command, "launcher": contenders["launcher"]},
+                      "--first-line", home=home)
+    results["bare host"] = figures
+    row("launcher / bare host of the library", f"{figures['launcher']['ratio']:.3f}")
+    at_most("launcher / bare host, processor time", figures["launcher"]["processor_ratio"], 1.01, "{:.3f}")
     image = make_jpackage_image(jdk, jar, options)
     if image is None:
         row("jpackage / launcher", "left out: no jpackage")
@@ -341,12 +350,13 @@ def window():
         return
     screen = Screen()
     command = [launcher, "-nosplash", "-config", "sample"]
-    homes = {"java": work / "window/java", "launcher": work / "window/launcher"}
+    homes = {name: work / "window" / name for name in ("java", "bare host", "launcher")}
     for home in homes.values():
         home.mkdir()
         first_start(command, home, screen)
     jar = launcher.parent / "eclipse/plugins/com.ovr.rcp.base/startup.jar"
-    commands = {"java": plain_java(homes["java"], jar), "launcher": command}
+    commands = {"java": plain_java(homes["java"], jar), "bare host": launched(homes["bare host"]),
+                "launcher": command}
     taken = {name: [] for name in commands}
     for i in range(-1, WINDOW_ROUNDS):  # The first round is not counted.
         for name in sorted(commands, reverse=i % 2 == 0):
@@ -356,16 +366,18 @@ def window():
     results["window"] = taken
     for column, kind in enumerate(("whole time", "processor time")):
         times = {name: [both[column] for both in all_times] for name, all_times in taken.items()}
-        for name, unit in (("java", "java -jar"), ("launcher", "launcher")):
-            row(f"{unit} to the window, {kind}", f"{statistics.median(times[name]):.0f} ms")
-        # Of each round, so that what else the machine does falls on both.
-        ratios = [mine / other for mine, other in zip(times["launcher"], times["java"])]
-        lower, ratio, upper = statistics.quantiles(ratios, n=4, method="inclusive")
-        if kind == "processor time":
-            at_most(f"launcher / java -jar, {kind}", ratio, 1.01, "{:.3f}")
-        else:
-            row(f"launcher / java -jar, {kind}", f"{ratio:.3f}")
-        row("    half of the rounds", f"{lower:.3f} to {upper:.3f}")
+        for name, all_times in times.items():
+            row(f"{name} to the window, {kind}", f"{statistics.median(all_times):.0f} ms")
+        for other in ("bare host", "java"):
+            # Of each round, so that what else the machine does falls on both.
+            ratios = [mine / its for mine, its in zip(times["launcher"], times[other])]
+            lower, ratio, upper = statistics.quantiles(ratios, n=4, method="inclusive")
+            name = f"launcher / {other}, {kind}"
+            if (other, kind) == ("bare host", "processor time"):
+                at_most(name, ratio, 1.01, "{:.3f}")
+            else:
+                row(name, f"{ratio:.3f}")
+            row("    half of the rounds", f"{lower:.3f} to {upper:.3f}")
 
 
 # --- Growth ----------------------------------------------------------------------------------------
@@ -389,12 +401,12 @@ def grown_installation(kind, size):
     return [f"HOME={folder.parent}", launcher, *arguments]
 
 
-def processor_time(command, home):
-    """One launch, in microseconds."""
+def processor_time(command, home, statuses=(0,)):
+    """One program, in microseconds."""
     null = [(os.POSIX_SPAWN_OPEN, descriptor, "/dev/null", os.O_RDWR, 0) for descriptor in range(3)]
     process = os.posix_spawn(command[0], command, environment(home), file_actions=null)
     _, status, usage = os.wait4(process, 0)
-    if status != 0:
+    if os.waitstatus_to_exitcode(status) not in statuses:
         sys.exit(f"{command} ended with wait status {status}")
     return (usage.ru_utime + usage.ru_stime) * 1e6
 
@@ -422,12 +434,36 @@ def removal_times(launcher):
 
 
 def per_entry_row(name, times):
-    """`times`: nanoseconds an entry by size. Small sizes are the fixed part and do not count."""
-    counted = [time for size, time in times.items() if size >= 100]
+    """`times`: nanoseconds an entry by size. Small sizes are the fixed part and do not count. What sorts is
+    allowed the logarithm of the size."""
+    sorts = name in SORTING
+    counted = [time / (math.log2(size) if sorts else 1) for size, time in times.items() if size >= 100]
     factor = max(counted) / min(counted) if min(counted) > 0 else float("inf")
     results.setdefault("nanoseconds per entry", {})[name] = times
     row(name, "  ".join(f"{time:7.0f}" for time in times.values()) + f"   x{factor:.1f}",
-        "at most x2.0", factor <= 2)
+        "at most x2.0" + (" log n" if sorts else ""), factor <= 2)
+
+
+def inspection_rows():
+    """What rcpinspect takes for each property of an installation."""
+    program = build / "inspect/rcpinspect"
+    if not program.exists():
+        row("rcpinspect", "left out: it is not built")
+        return
+    page = str(work / "page.html")
+    for name, words in {"explain": ["explain"], "check": ["check"],
+                        "page": ["explain", "--format", "html", page]}.items():
+        times = {}
+        for size in SIZES:
+            taken = {0: [], size: []}
+            for _ in range(max(3, min(60, INSPECTION_WORK // size))):
+                for count in taken:
+                    launcher = work / f"growth/properties/{count}/Velmo/rcp/rcplauncher"
+                    command = [str(program), words[0], "--launcher", str(launcher), *words[1:]]
+                    taken[count].append(processor_time(command, work / "home", (0, 1)))
+            added = statistics.median(taken[size]) - statistics.median(taken[0])
+            times[size] = added * 1000 / size
+        per_entry_row(f"rcpinspect: {name}", times)
 
 
 def growth():
@@ -441,6 +477,7 @@ def growth():
             added = figures["all"]["processor_us"] - figures["nothing"]["processor_us"]
             times[size] = added * 1000 / size
         per_entry_row("launch: " + kind, times)
+    inspection_rows()
     launcher = make_installation(work / "growth/removal/Velmo", "--mode", "exec",
                                  "--stand-in", build / "tests/standin")
     per_entry_row("launch: files to remove", removal_times(launcher))
@@ -453,6 +490,16 @@ def growth():
         functions.setdefault(name, {})[int(size)] = entry["per_entry"] * 1e9
     for name, times in functions.items():
         per_entry_row(name, times)
+
+
+def print_history():
+    """One line a release, and this run's figures as far as it has them."""
+    history = (source / "bench/history.csv").read_text().splitlines()
+    value = {name.replace(",", ":"): text for name, text, _, _ in rows}
+    now = ["now", results["date"], *(value.get(name, "") for name in history[0].split(",")[2:])]
+    print("\nBy release:")
+    for line in [*history, ",".join(now)]:
+        print("  " + line)
 
 
 def machine():
@@ -477,6 +524,7 @@ def main():
     widths = [max(len(cells[column]) for cells in rows) for column in range(3)]
     for name, text, goal, reached in rows:
         print(f"{name:{widths[0]}}  {text:>{widths[1]}}  {goal:{widths[2]}}  {reached}".rstrip())
+    print_history()
 
 
 main()

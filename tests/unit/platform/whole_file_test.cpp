@@ -108,8 +108,8 @@ TEST_F(WholeFiles, WhatAKilledLaunchLeftIsRemovedUnlessItIsBeingWritten) {
 }
 
 TEST_F(WholeFiles, PipeOrSocketUnderTheTemporaryNameIsReplaced) {
-    for (const mode_t kind : {S_IFIFO, S_IFSOCK}) {
-        ASSERT_EQ(mknod(folder_.narrow("file.tmp").c_str(), kind | 0600, 0), 0);
+    for (const mode_t kind : {mode_t{S_IFIFO}, mode_t{S_IFSOCK}}) {
+        ASSERT_EQ(mknod(folder_.narrow("file.tmp").c_str(), kind | mode_t{0600}, 0), 0);
         WholeFile file(folder_.wide("file"));
         EXPECT_TRUE(file.open());
         EXPECT_TRUE(file.write("text"));
