@@ -74,7 +74,8 @@ UniqueFd openToRead(const std::string& path) {
 // A file is read to the size that it had, without a read that finds nothing more; one that tells no size,
 // as those of the process file system, to its end.
 void readInto(FileText& text, int descriptor, std::size_t size) {
-    constexpr std::size_t kAtOnce = std::size_t{1} << 20;  // a size is a claim: memory follows what comes
+    constexpr std::size_t kAtOnce = std::size_t{1}
+                                    << 20;  // a size is a claim: memory follows what comes
     constexpr std::size_t kUnknown = 4096;
     std::size_t done = 0;
     while (size == 0 || done < size) {
