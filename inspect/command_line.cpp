@@ -4,6 +4,7 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
+#include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -36,6 +37,12 @@ struct Command {
 };
 
 const std::vector<Command> kCommands{
+    {"doctor", "what is right and wrong, on one screen", doctor, {"text", "json"}},
+    {"why",
+     "the chain that leads to one option, key, variable, path or message",
+     why,
+     {"text", "json"}},
+    {"config", "every property with its value and where it comes from", config, {"text", "json"}},
     {"explain", "what a launch would do, and why", explain, {"text", "json", "html"}},
     {"check", "what is wrong with an installation", check, {"text", "json", "sarif", "html"}},
     {"status", "the state of a workspace", status, {"text", "json"}},
@@ -86,6 +93,42 @@ bool mayColor() {
     return (off == nullptr || *off == '\0') && isatty(STDOUT_FILENO) != 0;
 }
 
+// What why is asked about, which may look like an option.
+std::string takeSubject(std::vector<std::string>& own) {
+    if (own.front() != "why") {
+        return {};
+    }
+    for (std::size_t i = 1; i < own.size(); ++i) {
+        const std::string& word = own[i];
+        if (word == "--install" || word == "--launcher" || word == "--format") {
+            ++i;
+        } else if (word != "-h" && word != "--help" &&
+                   !(word.starts_with("--") && word.find('=') != std::string::npos)) {
+            std::string subject = word;
+            own.erase(own.begin() + static_cast<std::ptrdiff_t>(i));
+            return subject;
+        }
+    }
+    return {};
+}
+
+CommandWords commandWords(const CLI::App& app) {
+    CommandWords known;
+    for (const Command& command : kCommands) {
+        known.commands.emplace_back(command.name);
+    }
+    for (const CLI::App* sub : app.get_subcommands()) {
+        known.hasCommand = true;
+        for (const CLI::Option* option : sub->get_options()) {
+            known.options.push_back(option->get_name());
+            if (option->get_expected_max() > 0) {
+                known.valued.push_back(option->get_name());
+            }
+        }
+    }
+    return known;
+}
+
 // --format FORMAT, or "--format html FILE": the page needs a name.
 std::optional<std::string> settleFormat(const std::vector<std::string>& given,
                                         const Command& command, Options& options) {
@@ -130,6 +173,12 @@ int run(int argc, char** argv) {
     app.set_version_flag("--version", RCP_VERSION);
     app.require_subcommand(1);
     app.footer("What stands behind \"--\" are the launcher's own arguments.");
+    if (own.empty() ||
+        (own.front().starts_with("--") && own.front() != "--help" && own.front() != "--version")) {
+        own.insert(own.begin(), "doctor");
+    }
+    options.subject = takeSubject(own);
+    const std::vector<std::string> words = own;
     std::vector<std::string> format;
     std::string installation;
     std::string launcher;
@@ -142,7 +191,12 @@ int run(int argc, char** argv) {
             ->expected(1, 2);
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
-    for (const char* name : {"check", "diff"}) {
+    app.get_subcommand("why")->footer(
+        "WHAT: an option, a key, a variable, a path, or a number such as "
+        "ZYPRA0088E or RI601. It may begin with \"-\".");
+    app.get_subcommand("config")->add_flag("--files", options.isFiles,
+                                           "the files as they stand, every line with its place");
+    for (const char* name : {"explain", "check", "diff"}) {
         app.get_subcommand(name)->add_flag("--all", options.isAll, "lists in full");
     }
     app.get_subcommand("status")->add_flag("--watch", options.isWatching,
@@ -157,7 +211,8 @@ int run(int argc, char** argv) {
     } catch (const CLI::Success& success) {
         return app.exit(success);
     } catch (const CLI::ParseError& error) {
-        return wrongUse(error.what());
+        const std::string wrong = wrongWord(words, commandWords(app));
+        return wrongUse(wrong.empty() ? error.what() : wrong);
     }
     const std::string chosen = app.get_subcommands().front()->get_name();
     const auto command = std::find_if(kCommands.begin(), kCommands.end(),
@@ -174,10 +229,15 @@ int run(int argc, char** argv) {
         installation = ".";
     }
     options.launcher = launcherPath(launcher, installation, command->carryOut == check);
-    if (options.launcher.empty()) {
-        return wrongUse("no launcher at " + (launcher.empty() ? installation : launcher));
+    const bool needsLauncher = command->carryOut != why || needsLaunch(options.subject);
+    if (options.launcher.empty() && needsLauncher) {
+        return wrongUse(
+            "no launcher at " + (launcher.empty() ? installation : launcher) +
+            "; give --install DIR, where DIR holds rcp/rcplauncher or is an application "
+            "bundle, or --launcher FILE");
     }
-    options.installation = installationOf(options.launcher);
+    options.installation =
+        options.launcher.empty() ? std::string() : installationOf(options.launcher);
     if (options.installation.empty()) {  // the bundle's, of which the launcher is missing
         options.installation = contentsAround(options.launcher);
     }

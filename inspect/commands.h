@@ -12,6 +12,14 @@ int explain(const Options& options);
 int check(const Options& options);
 /// The state of one workspace.
 int status(const Options& options);
+/// One answer a question, on one screen: status 0 all is good, 1 something is odd, 2 something is bad.
+int doctor(const Options& options);
+/// What is known of one option, key, variable, path, message or finding: status 1 when nothing is.
+int why(const Options& options);
+/// Whether why has to rehearse a launch to tell of that: the numbers of messages and findings need none.
+bool needsLaunch(const std::string& subject);
+/// Every property with its value and where it comes from.
+int config(const Options& options);
 /// What two installations, or one and its last launch, would do differently.
 int diff(const Options& options);
 

@@ -18,8 +18,16 @@ struct Options {
     bool isStrict = false;               // check: warnings count as errors
     bool isWatching = false;             // status: goes on until interrupted
     bool isSinceLast = false;            // diff: against the recorded last launch
-    std::string other;                   // diff: the second installation
+    std::string other;                   // diff: the older installation
+    bool isFiles = false;                // config: the files as they stand
+    std::string subject;                 // why: what is asked about
     std::vector<std::string> arguments;  // the launcher's, program name not included
+};
+
+/// How a text is written for people.
+struct TextForm {
+    bool isColored = false;
+    bool isWhole = false;  // lists in full, however long they are
 };
 
 /// The installation directory that a launcher at this path finds.
@@ -28,6 +36,7 @@ std::string installationOf(const std::string& launcher);
 /// Exit statuses that every command shares; `check` says more with its own.
 inline constexpr int kSuccess = 0;
 inline constexpr int kDifferent = 1;      // diff, as diff(1)
+inline constexpr int kUnknown = 1;        // why: nothing is known of it
 inline constexpr int kFailure = 70;       // sysexits(3) EX_SOFTWARE, and a record says what
 inline constexpr int kWrongUse = 64;      // sysexits(3) EX_USAGE
 inline constexpr int kCannotCreate = 73;  // sysexits(3) EX_CANTCREAT: the page or the output

@@ -9,11 +9,6 @@
 
 namespace rcp::inspect {
 
-struct TextForm {
-    bool isColored = false;
-    bool isWhole = false;  // every finding, however many there are of its kind
-};
-
 /// For people, grouped by file and kind.
 std::string textReport(const Examination& examination, const Findings& findings,
                        const TextForm& form);

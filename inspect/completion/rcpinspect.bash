@@ -6,7 +6,7 @@ _rcpinspect() {
     for ((index = 1; index < COMP_CWORD; index++)); do
         case ${COMP_WORDS[index]} in
             --) isLaunchers=1 && break ;;
-            explain | check | status | diff) [[ -n $command ]] || command=${COMP_WORDS[index]} ;;
+            doctor | why | config | explain | check | status | diff) [[ -n $command ]] || command=${COMP_WORDS[index]} ;;
         esac
     done
 
@@ -16,7 +16,8 @@ _rcpinspect() {
     fi
     local formats="text json" options="--install --launcher --format --help"
     case $command in
-        explain) formats+=" html" ;;
+        config) options+=" --files" ;;
+        explain) formats+=" html" options+=" --all" ;;
         check) formats+=" sarif html" options+=" --strict --all" ;;
         status) options+=" --watch" ;;
         diff) formats+=" html" options+=" --with --since-last --all" ;;
@@ -41,7 +42,7 @@ _rcpinspect() {
             if [[ -z $command && $current == -* ]]; then
                 options="--help --version"
             elif [[ -z $command ]]; then
-                options="explain check status diff"
+                options="doctor why config explain check status diff"
             fi
             mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
             ;;

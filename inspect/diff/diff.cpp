@@ -48,7 +48,7 @@ int diff(const Options& options) {
                 return kCannotCreate;
             }
         } else {
-            std::cout << differenceText(result, options.isAll, options.isColored);
+            std::cout << differenceText(result, {options.isColored, options.isAll});
         }
         return result["isDifferent"] == true ? kDifferent : kSuccess;
     } catch (const std::exception& problem) {

@@ -11,22 +11,22 @@ constexpr std::size_t kShown = 20;
 
 class Page {
   public:
-    explicit Page(bool isWhole, bool isColored) : isWhole_(isWhole), isColored_(isColored) {}
+    explicit Page(const TextForm& form) : form_(form) {}
 
     void line(const std::string& text) { text_ += text + "\n"; }
     void changed(const std::string& change, const std::string& text) {
         const bool isAdded = change == "added";
         const char* sign = isAdded ? "+ " : change == "removed" ? "- " : "~ ";
         const char* color = isAdded ? "\033[32m" : change == "removed" ? "\033[31m" : "\033[33m";
-        line(isColored_ ? color + (sign + text) + "\033[0m" : sign + text);
+        line(form_.isColored ? color + (sign + text) + "\033[0m" : sign + text);
     }
     template <typename Text>
     void part(const std::string& title, const json& differences, Text textOf) {
         if (differences.empty()) {
             return;
         }
-        line("\n" + (isColored_ ? "\033[1m" + title + "\033[0m" : title));
-        const bool isWhole = isWhole_ || differences.size() <= kShown + 1;
+        line("\n" + (form_.isColored ? "\033[1m" + title + "\033[0m" : title));
+        const bool isWhole = form_.isWhole || differences.size() <= kShown + 1;
         for (std::size_t i = 0; i < (isWhole ? differences.size() : kShown); ++i) {
             changed(differences[i]["change"], textOf(differences[i]));
         }
@@ -38,8 +38,7 @@ class Page {
     [[nodiscard]] const std::string& text() const { return text_; }
 
   private:
-    bool isWhole_;
-    bool isColored_;
+    TextForm form_;
     std::string text_;
 };
 
@@ -103,11 +102,11 @@ std::string findingText(const json& finding) {
 
 }  // namespace
 
-std::string differenceText(const json& result, bool isWhole, bool isColored) {
+std::string differenceText(const json& result, const TextForm& form) {
     if (result["isDifferent"] == false) {
         return "no difference\n";
     }
-    Page page(isWhole, isColored);
+    Page page(form);
     const json& first = result["first"];
     const json& second = result["second"];
     page.changed("removed", sideText(first));

@@ -25,7 +25,7 @@ int explain(const Options& options) {
                 return kCannotCreate;
             }
         } else {
-            std::cout << explanationText(explanation, options.isColored);
+            std::cout << explanationText(explanation, {options.isColored, options.isAll});
         }
     } catch (const std::exception& problem) {
         std::cerr << "rcpinspect: " << problem.what() << '\n';

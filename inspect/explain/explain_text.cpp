@@ -1,6 +1,10 @@
 #include "inspect/explain/explain_text.h"
 
+#include <stdlib.h>
+
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace rcp::inspect {
 namespace {
@@ -77,9 +81,25 @@ void addOutcome(Page& page, const json& explanation) {
     }
 }
 
-// Some placeholders are told with what encloses them, others by their names.
-std::string placeholderText(const std::string& name) {
-    return name.starts_with("${") ? name : "${" + name + "}";
+// The variable whose default an expanded placeholder is; empty of others.
+std::string variableWithoutValue(const json& placeholder) {
+    constexpr std::string_view kVariable = "env.";
+    const std::string name = placeholder["name"];
+    const std::size_t begin = name.find(kVariable);
+    const std::size_t comma = name.find(',');
+    if (begin == std::string::npos || begin > 2 || comma == std::string::npos) {
+        return {};
+    }
+    const std::string variable =
+        name.substr(begin + kVariable.size(), comma - begin - kVariable.size());
+    return getenv(variable.c_str()) == nullptr ? variable : std::string();
+}
+
+void addLosers(Page& page, const json& element) {
+    for (const json& loser : element["instead"]) {
+        page.aside("        not " + loser["text"].get<std::string>() + " (" +
+                   sourceText(loser["source"]) + "): " + loser["why"].get<std::string>());
+    }
 }
 
 void addElements(Page& page, const json& elements) {
@@ -95,13 +115,47 @@ void addElements(Page& page, const json& elements) {
         page.aside("        " + element["rule"].get<std::string>() + " (" +
                    sourceText(element["source"]) + ")");
         for (const json& placeholder : element["placeholders"]) {
-            page.aside("        " + placeholderText(placeholder["name"]) + " = " +
-                       placeholder["value"].get<std::string>());
+            page.aside("        " + placeholderText(placeholder));
         }
-        for (const json& loser : element["instead"]) {
-            page.aside("        not " + loser["text"].get<std::string>() + " (" +
-                       sourceText(loser["source"]) + "): " + loser["why"].get<std::string>());
+        addLosers(page, element);
+    }
+}
+
+std::string inColumn(std::size_t number) {
+    const std::string text = std::to_string(number);
+    return std::string(text.size() < 4 ? 4 - text.size() : 0, ' ') + text + "  ";
+}
+
+// "    (rcplauncher.properties:12 vm)"; nothing of what the launcher makes itself.
+std::string sourceBehind(const json& source) {
+    return source["kind"] == "computed" ? std::string() : "    (" + sourceText(source) + ")";
+}
+
+bool isOption(const json& element) {
+    return element["text"].get_ref<const std::string&>().starts_with('-');
+}
+
+// An option that the launcher has put in front of its value is told with it.
+void addFoldedElements(Page& page, const json& elements) {
+    if (elements.empty()) {
+        return;
+    }
+    page.heading("The command line");
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        const bool isPair = isOption(elements[i]) && i + 1 < elements.size() &&
+                            !isOption(elements[i + 1]) &&
+                            elements[i]["source"]["kind"] == "computed";
+        const std::string front =
+            inColumn(i) + (isPair ? elements[i]["text"].get<std::string>() + " " : std::string());
+        i += isPair ? 1 : 0;
+        const json& element = elements[i];
+        page.line(front + element["text"].get<std::string>() + sourceBehind(element["source"]));
+        for (const json& placeholder : element["placeholders"]) {
+            if (!variableWithoutValue(placeholder).empty()) {
+                page.aside("        " + placeholderText(placeholder));
+            }
         }
+        addLosers(page, element);
     }
 }
 
@@ -132,6 +186,17 @@ void addEnvironment(Page& page, const json& environment) {
     }
 }
 
+void addFoldedEnvironment(Page& page, const json& environment) {
+    if (environment.empty()) {
+        return;
+    }
+    page.heading("The environment");
+    for (const json& variable : environment) {
+        page.line("  " + variable["name"].get<std::string>() + "=" +
+                  variableText(variable["after"]) + sourceBehind(variable["source"]));
+    }
+}
+
 void addChanges(Page& page, const json& changes) {
     if (changes.empty()) {
         return;
@@ -141,6 +206,47 @@ void addChanges(Page& page, const json& changes) {
         page.pair(change["change"].get<std::string>() + " " + change["kind"].get<std::string>(),
                   change["path"].get<std::string>() +
                       (change.contains("to") ? " -> " + change["to"].get<std::string>() : ""));
+    }
+}
+
+// "made 9 files", of each kind of change.
+void addFoldedChanges(Page& page, const json& changes) {
+    constexpr std::size_t kFew = 6;
+    if (changes.size() <= kFew) {
+        addChanges(page, changes);
+        return;
+    }
+    page.heading("Files and directories");
+    std::vector<std::pair<std::string, std::vector<std::string>>> kinds;
+    for (const json& change : changes) {
+        const std::string kind =
+            change["change"].get<std::string>() + " " + change["kind"].get<std::string>();
+        const auto same = std::find_if(kinds.begin(), kinds.end(),
+                                       [&](const auto& one) { return one.first == kind; });
+        auto& paths = same == kinds.end()
+                          ? kinds.emplace_back(kind, std::vector<std::string>()).second
+                          : same->second;
+        paths.push_back(change["path"]);
+    }
+    for (const auto& [kind, paths] : kinds) {
+        const std::size_t others = paths.size() - 1;
+        page.pair(kind,
+                  paths.front() + (others == 0 ? "" : " and " + std::to_string(others) + " more"));
+    }
+}
+
+void addFoldedFiles(Page& page, const json& files) {
+    if (files.empty()) {
+        return;
+    }
+    page.heading("Property files");
+    for (const json& file : files) {
+        const auto unused =
+            std::count_if(file["entries"].begin(), file["entries"].end(),
+                          [](const json& entry) { return entry["state"] != "used"; });
+        page.line("  " + file["path"].get<std::string>() + ": " +
+                  std::to_string(file["entries"].size()) + " entries, " + std::to_string(unused) +
+                  " of them without effect");
     }
 }
 
@@ -182,15 +288,31 @@ std::string sourceText(const json& source) {
     return kind == "environment" ? "variable " + source["name"].get<std::string>() : "the launcher";
 }
 
-std::string explanationText(const json& explanation, bool isColored) {
-    Page page(isColored);
+// Some placeholders are told with what encloses them, others by their names.
+std::string placeholderText(const json& placeholder) {
+    const std::string name = placeholder["name"];
+    const std::string variable = variableWithoutValue(placeholder);
+    return (name.starts_with("${") ? name : "${" + name + "}") + " = " +
+           placeholder["value"].get<std::string>() +
+           (variable.empty() ? "" : ": " + variable + " is not set, its default is used");
+}
+
+std::string explanationText(const json& explanation, const TextForm& form) {
+    Page page(form.isColored);
     addOutcome(page, explanation);
-    addElements(page, explanation["elements"]);
+    form.isWhole ? addElements(page, explanation["elements"])
+                 : addFoldedElements(page, explanation["elements"]);
     addDropped(page, explanation["dropped"]);
-    addEnvironment(page, explanation["environment"]);
-    addChanges(page, explanation["changes"]);
+    form.isWhole ? addEnvironment(page, explanation["environment"])
+                 : addFoldedEnvironment(page, explanation["environment"]);
+    form.isWhole ? addChanges(page, explanation["changes"])
+                 : addFoldedChanges(page, explanation["changes"]);
     addCopies(page, explanation.value("copies", json::array()));
-    addFiles(page, explanation["files"]);
+    form.isWhole ? addFiles(page, explanation["files"])
+                 : addFoldedFiles(page, explanation["files"]);
+    if (!form.isWhole) {
+        page.aside("\n--all tells every element with its rule, every change and every property.");
+    }
     return page.text();
 }
 

@@ -1,12 +1,19 @@
 // An explanation for people.
 #pragma once
 
+#include "inspect/options.h"
+
 #include <nlohmann/json.hpp>
 #include <string>
 
 namespace rcp::inspect {
 
-std::string explanationText(const nlohmann::json& explanation, bool isColored);
+/// On one screen: the command line with origins, and how much of the rest there is; whole: every element with its
+/// rule and everything that is known of it, every change and every property.
+std::string explanationText(const nlohmann::json& explanation, const TextForm& form);
+
+/// "${env.USER,nobody} = nobody, the default: USER is not set".
+std::string placeholderText(const nlohmann::json& placeholder);
 
 /// A SOURCE of the layout in a few words: "rcplauncher.properties:12 vm".
 std::string sourceText(const nlohmann::json& source);

@@ -35,8 +35,8 @@ Json ExplainTest::explain(const Words& arguments) const {
     return Json::parse(output);
 }
 
-std::string ExplainTest::explainText(const Words& arguments) const {
-    Program program(explainWords(arguments), launchEnvironment());
+std::string ExplainTest::explainText(const Words& arguments, const Words& options) const {
+    Program program(explainWords(arguments, options), launchEnvironment());
     std::string output = program.rest();
     EXPECT_EQ(program.wait(), 0);
     return output;

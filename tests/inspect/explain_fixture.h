@@ -18,7 +18,8 @@ class ExplainTest : public StatusTest {
     [[nodiscard]] Words launchEnvironment() const;
     [[nodiscard]] Words explainWords(const Words& arguments, const Words& options = {}) const;
     [[nodiscard]] Json explain(const Words& arguments = {}) const;
-    [[nodiscard]] std::string explainText(const Words& arguments = {}) const;
+    [[nodiscard]] std::string explainText(const Words& arguments = {},
+                                          const Words& options = {"--all"}) const;
 
     /// The one element of that text, the last of several; fails the test without one.
     static Json element(const Json& explanation, const std::string& text);

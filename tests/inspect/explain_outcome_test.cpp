@@ -206,6 +206,22 @@ TEST_F(ExplainAsText, TellsTheRecordAndTheRemedyOfALaunchThatCannotBe) {
     EXPECT_NE(text.find("\n  remedy         "), std::string::npos) << text;
 }
 
+TEST_F(ExplainAsText, FitsOneScreenUnlessAllIsAskedFor) {
+    const std::string text = portable(explainText({"-application", "other"}, {}));
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 60) << text;
+    const std::string place = std::to_string(lineOf("rcp.data="));
+    for (const std::string& line :
+         {"   4  -data home/workspace/ann    (rcplauncher.properties:" + place + " rcp.data)",
+          std::string(
+              "        ${env.SAMPLE_GREETING,hello} = hello: SAMPLE_GREETING is not set, its "
+              "default is used"),
+          "        not sample.report (rcplauncher.properties:" +
+              std::to_string(lineOf("application=")) + " application): the command line wins",
+          std::string("  made directory home/workspace and 8 more")}) {
+        EXPECT_TRUE(hasLine(text, line)) << line << " is not in\n" << text;
+    }
+}
+
 TEST_F(ExplainAsText, IsWrongUseWithoutAnInstallation) {
     Program program({seen(INSPECT_PROGRAM), "explain", "--install", folder_.narrow("nowhere")},
                     environment());

@@ -24,12 +24,14 @@ nlohmann::json smallExplanation() {
 }
 
 TEST(ExplanationText, IsColouredOnlyWhenAsked) {
-    EXPECT_EQ(explanationText(smallExplanation(), false).find('\033'), std::string::npos);
-    EXPECT_NE(explanationText(smallExplanation(), true).find('\033'), std::string::npos);
+    EXPECT_EQ(explanationText(smallExplanation(), {.isWhole = true}).find('\033'),
+              std::string::npos);
+    EXPECT_NE(explanationText(smallExplanation(), {.isColored = true}).find('\033'),
+              std::string::npos);
 }
 
 TEST(ExplanationText, LeavesOutHeadingsOfNothing) {
-    EXPECT_EQ(explanationText(smallExplanation(), false),
+    EXPECT_EQ(explanationText(smallExplanation(), {.isWhole = true}),
               "What a launch would do\n"
               "  end            it becomes /p\n"
               "  role           main\n"

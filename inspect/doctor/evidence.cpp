@@ -1,0 +1,83 @@
+#include "inspect/doctor/evidence.h"
+
+#include "inspect/check/groups.h"
+#include "inspect/explain/rehearse_launch.h"
+
+#include <algorithm>
+
+namespace rcp::inspect {
+namespace {
+
+bool standsAt(const Finding& finding, const Examination& examination, Key key) {
+    const Origin origin = examination.originOf(key);
+    return origin.file && finding.line == origin.line && finding.file == examination.nameOf(origin);
+}
+
+// What is missing belongs to what the entry is about that leads there.
+Subject subjectOfPath(const Finding& finding, const Examination& examination) {
+    return standsAt(finding, examination, keys::kBaseLocation)  ? Subject::kBase
+           : standsAt(finding, examination, keys::kJvmLocation) ? Subject::kJvm
+                                                                : Subject::kInstallation;
+}
+
+Subject subjectOf(const Finding& finding, const Examination& examination) {
+    const std::string_view code = finding.rule->code;
+    if (code == "RI607") {
+        return Subject::kArea;
+    }
+    if (code == "RI603" || code == "RI606") {
+        return Subject::kBase;
+    }
+    if (code.starts_with("RI6")) {
+        return subjectOfPath(finding, examination);
+    }
+    if (code.starts_with("RI7")) {
+        return Subject::kInstallation;
+    }
+    const PropertyFile* jvms = examination.file(kJvmFile);
+    if (jvms != nullptr && finding.file == jvms->name) {
+        return Subject::kJvmProperties;
+    }
+    return code.starts_with("RI4") ? Subject::kJvm : Subject::kSettings;
+}
+
+}  // namespace
+
+std::vector<Problem> Evidence::problemsOf(Subject subject) const {
+    std::vector<Problem> problems;
+    for (const Finding& finding : findings) {
+        if (subjectOf(finding, examination) == subject) {
+            const std::string line = finding.line == 0 ? "" : ":" + std::to_string(finding.line);
+            problems.push_back({finding.rule->level == Level::kError ? Mark::kBad : Mark::kOdd,
+                                std::string(finding.rule->code) + " " + finding.message,
+                                finding.file + line, finding.rule->remedy});
+        }
+    }
+    std::stable_sort(
+        problems.begin(), problems.end(),
+        [](const Problem& left, const Problem& right) { return left.mark > right.mark; });
+    return problems;
+}
+
+std::string Evidence::jvm() const {
+    const nlohmann::json& elements = explanation["elements"];
+    for (std::size_t i = 0; i + 1 < elements.size() && elements[i]["text"] != "-vmargs"; ++i) {
+        if (elements[i]["text"] == "-vm") {
+            return elements[i + 1]["text"];
+        }
+    }
+    return examination.inputs.traits.isDirectJavaShape()
+               ? explanation["outcome"].value("program", "")
+               : std::string();
+}
+
+Evidence gather(const Options& options) {
+    Evidence evidence{.explanation = explainLaunch(options),
+                      .state = WorkspaceWatch(options).look(),
+                      .examination = examine(options),
+                      .findings = {}};
+    evidence.findings = findEverything(evidence.examination).sorted();
+    return evidence;
+}
+
+}  // namespace rcp::inspect

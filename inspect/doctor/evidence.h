@@ -1,0 +1,30 @@
+// What doctor's answers are given from.
+#pragma once
+
+#include "inspect/check/examination.h"
+#include "inspect/check/finding.h"
+#include "inspect/doctor/answers.h"
+#include "inspect/status/workspace_state.h"
+
+#include <nlohmann/json.hpp>
+
+namespace rcp::inspect {
+
+/// Which answer a finding belongs to.
+enum class Subject { kInstallation, kSettings, kBase, kJvm, kJvmProperties, kArea };
+
+struct Evidence {
+    nlohmann::json explanation;
+    WorkspaceState state;
+    Examination examination;
+    std::vector<Finding> findings;
+
+    /// The worst first.
+    [[nodiscard]] std::vector<Problem> problemsOf(Subject subject) const;
+    /// The JVM that the launch names; empty when it comes to no command line.
+    [[nodiscard]] std::string jvm() const;
+};
+
+Evidence gather(const Options& options);
+
+}  // namespace rcp::inspect

@@ -1,0 +1,121 @@
+#include "tests/inspect/paths.h"
+#include "tests/inspect/status_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace rcp::inspect::test {
+namespace {
+
+class DoctorTest : public StatusTest {
+  protected:
+    Words variables_;
+
+    std::string run(const Words& options, int status) const {
+        Words all{seen(INSPECT_PROGRAM), "doctor", "--install", installation()};
+        all.insert(all.end(), options.begin(), options.end());
+        Words environment = this->environment();
+        environment.insert(environment.end(), variables_.begin(), variables_.end());
+        Program program(all, environment);
+        std::string output = program.rest();
+        EXPECT_EQ(program.wait(), status) << output;
+        return output;
+    }
+    [[nodiscard]] Json answer(const std::string& question, int status) const {
+        const Json told = Json::parse(run({"--format", "json"}, status));
+        for (const Json& answer : told["answers"]) {
+            if (answer["question"] == question) {
+                return answer;
+            }
+        }
+        ADD_FAILURE() << question << " is not asked";
+        return {};
+    }
+    // The one problem of an answer, and that all others are good.
+    [[nodiscard]] Json onlyProblem(const std::string& question, int status) const {
+        const Json told = Json::parse(run({"--format", "json"}, status));
+        Json found;
+        for (const Json& answer : told["answers"]) {
+            if (answer["question"] == question) {
+                EXPECT_EQ(answer["problems"].size(), 1U) << answer.dump(1);
+                found = answer["problems"][0];
+            } else {
+                EXPECT_EQ(answer["mark"], "good") << answer.dump(1);
+            }
+        }
+        return found;
+    }
+};
+
+TEST_F(DoctorTest, OfASoundInstallationEveryAnswerIsGoodAndOneLine) {
+    const std::string text = run({}, 0);
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 24) << text;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_TRUE(line.starts_with("✓ ")) << line;
+    }
+}
+
+TEST_F(DoctorTest, IsWhatHappensWithoutACommand) {
+    Program program(
+        {"/bin/sh", "-c", "cd '" + installation() + "' && exec '" + seen(INSPECT_PROGRAM) + "'"},
+        environment());
+    EXPECT_EQ(program.rest(), run({}, 0));
+    EXPECT_EQ(program.wait(), 0);
+}
+
+TEST_F(DoctorTest, AWarningIsOddAndComesWithItsPlaceAndRemedy) {
+    append(kProperties, "colour=red\n");
+    const Json problem = onlyProblem("settings", 1);
+    EXPECT_EQ(problem["mark"], "odd");
+    EXPECT_EQ(problem["cause"], "RI202 nothing looks at \"colour\"");
+    EXPECT_TRUE(problem["place"].get<std::string>().starts_with("rcp/rcplauncher.properties:"));
+    EXPECT_EQ(problem["remedy"], "Correct its name, or take the entry out.");
+    EXPECT_NE(run({}, 1).find("\n    -> Correct its name, or take the entry out.\n"),
+              std::string::npos);
+}
+
+TEST_F(DoctorTest, OfManyProblemsTheWorstAreShown) {
+    append(kProperties, "a.b=1\na.c=1\na.d=1\nvmarg.x=${prop.nothing}\n");
+    const std::string text = run({}, 2);
+    EXPECT_NE(text.find("RI301"), std::string::npos) << text;
+    EXPECT_NE(text.find("… and 2 more; rcpinspect check lists them"), std::string::npos) << text;
+}
+
+TEST_F(DoctorTest, ALaunchThatEndsIsBadWithItsRecordAndRemedy) {
+    std::filesystem::remove(folder_.path() / "client/rcp/plugin_customization.ini");
+    const Json answered = answer("launch", 2);
+    EXPECT_EQ(answered["mark"], "bad");
+    EXPECT_TRUE(answered["problems"][0]["cause"].get<std::string>().starts_with("ZYPRA0050E"));
+    EXPECT_NE(answered["problems"][0]["remedy"], "");
+    EXPECT_EQ(launch(), 255);
+}
+
+TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
+    variables_ = {"JAVA_TOOL_OPTIONS=-Xmx1m"};
+    const Json problem = onlyProblem("environment", 1);
+    EXPECT_TRUE(problem["cause"].get<std::string>().starts_with("JAVA_TOOL_OPTIONS is \"-Xmx1m\""));
+}
+
+TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "permissions do not count for root";
+    }
+    std::filesystem::permissions(folder_.path() / "home", std::filesystem::perms::owner_read |
+                                                              std::filesystem::perms::owner_exec);
+    EXPECT_EQ(answer("space and permissions", 2)["mark"], "bad");
+}
+
+TEST_F(DoctorTest, ARunningPlatformAndAFailedStartAreTold) {
+    std::unique_ptr<Program> platform;
+    startPlatform(platform);
+    EXPECT_EQ(answer("lock and platform", 0)["text"],
+              "process " + std::to_string(platform->id()) + " is the running platform");
+    EXPECT_EQ(answer("launch", 0)["text"], "passes its arguments on to the running platform");
+    EXPECT_NE(answer("last start", 0)["text"].get<std::string>().find(", handed off"),
+              std::string::npos);
+}
+
+}  // namespace
+}  // namespace rcp::inspect::test

@@ -1,0 +1,109 @@
+#include "tests/inspect/explain_fixture.h"
+#include "tests/inspect/paths.h"
+
+#include <gtest/gtest.h>
+
+namespace rcp::inspect::test {
+namespace {
+
+class WhyTest : public ExplainTest {
+  protected:
+    [[nodiscard]] std::string why(const std::string& subject, int status = 0,
+                                  const Words& arguments = {}) const {
+        Words all{seen(INSPECT_PROGRAM), "why", subject, "--install", installation(), "--"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        Program program(all, launchEnvironment());
+        std::string output = program.rest();
+        EXPECT_EQ(program.wait(), status) << output;
+        return portable(output);
+    }
+    [[nodiscard]] std::string placeOf(const std::string& beginning) const {
+        return "rcplauncher.properties:" + std::to_string(lineOf(beginning));
+    }
+};
+
+TEST_F(WhyTest, AnOptionIsFollowedToItsPlaceAndRule) {
+    EXPECT_TRUE(why("-Xmx").starts_with(
+        "element 20: -Xmx128m\n  from      " + placeOf("vmarg.sample.heap=") +
+        " vmarg.sample.heap\n  rule      JVM argument sample.heap"));
+}
+
+TEST_F(WhyTest, OfTwoJvmOptionsTheOneIsNamedThatTheJvmTakes) {
+    append(kProperties, "-Xmx5m\n");
+    EXPECT_NE(
+        why("-Xmx").find("\nthe JVM takes -Xmx5m\n  rule      of several it takes the last\n"),
+        std::string::npos);
+    EXPECT_EQ(why("-Dsample").find("the JVM takes"), std::string::npos);
+}
+
+TEST_F(WhyTest, AnOptionWithAValueIsToldWithItAndWithWhatLost) {
+    const std::string text = why("-application", 0, {"-application", "other"});
+    EXPECT_NE(text.find("-application other\n  from      argument 2\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n  not       sample.report (" + placeOf("application=") +
+                        " application): the command line wins\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST_F(WhyTest, AnArgumentThatIsNotPassedOnIsSaidToBeDropped) {
+    const std::string text = why("-config", 0, {"-config", "sample"});
+    EXPECT_NE(text.find("argument 1: -config, not passed on\n"), std::string::npos) << text;
+}
+
+TEST_F(WhyTest, AKeyIsToldWithItsEntryItsUseAndWhereItCounts) {
+    EXPECT_EQ(why("rcp.data"),
+              "rcp.data=${env.HOME}/workspace/${env.USER,nobody}\n  at        client/rcp/" +
+                  placeOf("rcp.data=") +
+                  "\n  used      element 3, 5, 25\n\nrcp.data is a key\n"
+                  "  read as   the workspace when -data is not given\n"
+                  "  counts in rcplauncher.properties\n");
+    EXPECT_TRUE(why("eclipse.name").starts_with("eclipse.name is not set\n  read as   "));
+}
+
+TEST_F(WhyTest, OfAKeyThatNothingReadsTheNearOneIsNamed) {
+    EXPECT_EQ(why("rcp.instal.id"),
+              "nothing reads a key rcp.instal.id\n  did you mean rcp.install.id?\n");
+}
+
+TEST_F(WhyTest, AVariableIsToldWithWhatReadsAndWhatSetsIt) {
+    EXPECT_EQ(why("SAMPLE_GREETING"),
+              "SAMPLE_GREETING is not set\n  read by   vmarg.sample.greeting=-Dsample.greeting="
+              "${env.SAMPLE_GREETING,hello}\n  at        client/rcp/" +
+                  placeOf("vmarg.sample.greeting=") + "\n");
+    EXPECT_EQ(why("SAMPLE_SET"), "SAMPLE_SET=set by the launcher\n  from      " +
+                                     placeOf("env.set.SAMPLE_SET=") +
+                                     " env.set.SAMPLE_SET\n  before    not set\n");
+}
+
+TEST_F(WhyTest, APathIsToldWithWhatTheLaunchDoesToIt) {
+    EXPECT_EQ(why(folder_.narrow("home/workspace/ann/.rcp.lock")),
+              "home/workspace/ann/.rcp.lock\n  changed   file made by the launch\n");
+    EXPECT_EQ(why(folder_.narrow(kProperties)).substr(0, 6), "client");
+}
+
+TEST_F(WhyTest, WhatNothingHasToDoWithIsStatusOne) {
+    EXPECT_EQ(why("foo.bar", 1), "nothing of a launch has to do with \"foo.bar\"\n");
+}
+
+TEST_F(WhyTest, MessagesAndFindingsNeedNoInstallation) {
+    for (const auto& [number, text] : {std::pair{"ZYPRA0050E", "ZYPRA0050E: "},
+                                       {"RI601", "RI601 missing-file, of check: error\n"},
+                                       {"missing-file", "RI601 missing-file, of check: error\n"}}) {
+        Program program(
+            {seen(INSPECT_PROGRAM), "why", number, "--install", folder_.narrow("nowhere")},
+            environment());
+        const std::string output = program.rest();
+        EXPECT_TRUE(output.starts_with(text)) << output;
+        EXPECT_NE(output.find("\n  remedy    "), std::string::npos) << output;
+        EXPECT_EQ(program.wait(), 0);
+    }
+}
+
+TEST_F(WhyTest, WithoutASubjectItIsWrongUse) {
+    Program program({seen(INSPECT_PROGRAM), "why", "--install", installation()}, environment());
+    EXPECT_EQ(program.rest(), "");
+    EXPECT_EQ(program.wait(), 64);
+}
+
+}  // namespace
+}  // namespace rcp::inspect::test
