@@ -23,6 +23,12 @@ constexpr std::size_t kBufferLimit = std::size_t{64} * 1024;
 // What tells of the temporary names of this process, if anything does.
 constinit UnfinishedNote* unfinishedNote = nullptr;
 
+void keepNote() {
+    if (unfinishedNote != nullptr) {
+        unfinishedNote->keep();
+    }
+}
+
 // Opens the temporary file. What stands under its name may be no file that can be written, or not with
 // these permissions; the name is ours, so it goes.
 UniqueFd openTemporary(const char* path) {
@@ -68,6 +74,9 @@ UniqueFd openAndLock(const char* path) {
             return opened;
         }
         if (result == TakeOver::kFailed) {
+            if (opened) {
+                keepNote();  // the file is there, perhaps of our making
+            }
             return {};
         }
     }
@@ -77,7 +86,9 @@ UniqueFd openAndLock(const char* path) {
 
 void TemporaryName::remove() {
     if (isClaimed_) {
-        calls::unlink(path_.c_str());
+        if (calls::unlink(path_.c_str()) != 0 && errno != ENOENT) {
+            keepNote();
+        }
         release();
     }
 }
@@ -105,6 +116,10 @@ void UnfinishedNote::leave() {
         file_.claim();
     }
     isTold_ = true;
+}
+
+void UnfinishedNote::keep() {
+    file_.release();
 }
 
 bool holdsText(const std::wstring& path, std::string_view text) {

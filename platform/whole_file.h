@@ -61,6 +61,8 @@ class UnfinishedNote {
     /// Makes the file unless it stands. Failure is nobody's concern: a name that is left then goes when the
     /// same file is written again.
     void leave();
+    /// The file stays for the next launch: a name could be neither used nor removed.
+    void keep();
 
   private:
     TemporaryName file_;

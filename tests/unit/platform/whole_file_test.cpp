@@ -1,5 +1,6 @@
 #include "platform/whole_file.h"
 
+#include "base/system_calls.h"
 #include "tests/unit/child_process.h"
 #include "tests/unit/fixture.h"
 
@@ -149,6 +150,35 @@ TEST_F(WholeFiles, NoteOfAKilledLaunchStaysUntilItIsSettled) {
     const UnfinishedNote note(folder_.narrow("note"));
     note.settle();
     EXPECT_FALSE(note.isLeft());
+}
+
+TEST_F(WholeFiles, NoteStaysWithATemporaryNameThatStays) {
+    SystemCalls unlocked = systemCalls;
+    unlocked.flock = [](int, int) {
+        errno = ENOMEM;
+        return -1;
+    };
+    SystemCalls unknown = systemCalls;
+    unknown.fstat = [](int, struct stat*) {
+        errno = EACCES;
+        return -1;
+    };
+    SystemCalls kept = systemCalls;
+    kept.unlink = [](const char* path) {
+        errno = EIO;
+        return std::string_view(path).ends_with(".tmp") ? -1 : kSystemsOwnCalls.unlink(path);
+    };
+    for (const SystemCalls& calls : {unlocked, unknown, kept}) {
+        {
+            const InstalledCalls installed(calls);
+            const UnfinishedNote note(folder_.narrow("note"));
+            EXPECT_EQ(WholeFile(folder_.wide("file")).open(), calls.unlink == kept.unlink);
+        }
+        EXPECT_TRUE(folder_.has("file.tmp"));
+        EXPECT_TRUE(folder_.has("note"));
+        fs::remove(folder_.path() / "file.tmp");
+        fs::remove(folder_.path() / "note");
+    }
 }
 
 TEST_F(WholeFiles, NoteThatCannotBeMadeStopsNobody) {
