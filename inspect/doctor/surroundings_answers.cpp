@@ -107,6 +107,7 @@ Answer answerSpace(const Evidence& evidence) {
         answer.text += ", for whom permissions do not count: others may get other answers";
     }
     if (workspace.empty()) {
+        answer.text += "; not looked at, for the launch ends before its workspace is known";
         return answer;
     }
     const std::string folder = nearestFolder(workspace);

@@ -99,12 +99,16 @@ TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
 }
 
 TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "permissions do not count for root";
-    }
-    std::filesystem::permissions(folder_.path() / "home", std::filesystem::perms::owner_read |
-                                                              std::filesystem::perms::owner_exec);
-    EXPECT_EQ(answer("space and permissions", 2)["mark"], "bad");
+    // Nobody makes a folder there, whatever permissions say.
+    EXPECT_NE(run({"--", "-data", "/proc/ws"}, 2).find("✗ "), std::string::npos);
+}
+
+TEST_F(DoctorTest, SpaceIsNotLookedAtWithoutAWorkspace) {
+    std::filesystem::remove(folder_.path() / "client/rcp/rcplauncher.properties");
+    const std::string told = answer("space and permissions", 2)["text"];
+    EXPECT_TRUE(
+        told.ends_with("; not looked at, for the launch ends before its workspace is known"))
+        << told;
 }
 
 TEST_F(DoctorTest, ARunningPlatformAndAFailedStartAreTold) {
