@@ -207,9 +207,7 @@ void switchToInitialConfiguration(LaunchInputs& inputs) {
 // Decides who this launcher is in its workspace. False for a launch that has to begin anew.
 bool takeLock(Launch& launch) {
     LaunchInputs& inputs = launch.inputs;
-    launch.marker = {.mainProcessName = getMainProcessName(inputs.traits, inputs.properties),
-                     .platformExecutable = executedProgram(inputs).text,
-                     .invokeDylib = inputs.traits.invokeDylib};
+    launch.marker = markerOf(inputs);
     launch.lock =
         PlatformLock::take(inputs.workspace, *launch.marker, oldPlatform(inputs.arguments));
     if (launch.lock) {

@@ -1,6 +1,7 @@
 #include "launcher/stages.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/command_line/assembly.h"
 #include "launcher/command_line/config_extensions.h"
 #include "launcher/inputs/debug_file.h"
 #include "launcher/properties/placeholders.h"
@@ -38,6 +39,12 @@ void settleWorkspace(LaunchInputs& inputs) {
     inputs.workspace = osPath(workspace.text);
     inputs.workspaceOrigin = workspace.origin;
     inputs.configuration = osPath(getConfigurationLocation(inputs));
+}
+
+ProcessMarker markerOf(const LaunchInputs& inputs) {
+    return {.mainProcessName = getMainProcessName(inputs.traits, inputs.properties),
+            .platformExecutable = executedProgram(inputs).text,
+            .invokeDylib = inputs.traits.invokeDylib};
 }
 
 void applyUserProperties(LaunchInputs& inputs) {

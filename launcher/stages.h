@@ -5,6 +5,7 @@
 #pragma once
 
 #include "launcher/inputs/launch_inputs.h"
+#include "launcher/instance/process_check.h"
 
 #include <string>
 
@@ -22,6 +23,9 @@ std::wstring settleBaseLocation(LaunchInputs& inputs);
 
 /// Where the workspace and the configuration area are.
 void settleWorkspace(LaunchInputs& inputs);
+
+/// How the platform of this installation is told from other processes.
+ProcessMarker markerOf(const LaunchInputs& inputs);
 
 /// What follows from the user's properties: they and the installation's name the workspace, and their
 /// JVM arguments count.

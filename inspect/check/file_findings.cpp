@@ -10,6 +10,7 @@
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/instance/process_check.h"
 #include "launcher/properties/placeholders.h"
+#include "launcher/stages.h"
 #include "launcher/user_area/reset.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
@@ -70,12 +71,8 @@ void findInBase(const Examination& examination, Findings& findings) {
     }
     // The process of a script runs the interpreter, so only its listing can tell what it is.
     const std::string path = toNarrow(line.arguments().front().text);
-    const Traits& traits = examination.inputs.traits;
-    const ProcessMarker marker{.mainProcessName = getMainProcessName(traits, properties),
-                               .platformExecutable = line.arguments().front().text,
-                               .invokeDylib = traits.invokeDylib};
-    if (!traits.invokeDylib && readQuietly(path, 2) == "#!" &&
-        !listingShowsPlatform(path, marker)) {
+    if (!examination.inputs.traits.invokeDylib && readQuietly(path, 2) == "#!" &&
+        !listingShowsPlatform(path, markerOf(examination.inputs))) {
         findings.add("RI603", examination.nameOf(origin), origin.line,
                      quoted(line.arguments().front().text) + " is not recognised");
     }

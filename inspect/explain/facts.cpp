@@ -7,6 +7,7 @@
 #include "launcher/instance/provisioning.h"
 #include "launcher/instance/running_provisioning.h"
 #include "launcher/properties/property_file.h"
+#include "launcher/stages.h"
 #include "launcher/user_area/install_id.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
@@ -130,12 +131,21 @@ std::string areaState(const Account& account, const json& facts, const json& tol
     return isInUse ? "in use" : "kept";
 }
 
+// A launch that ended before it looked for the platform would have looked for this one.
+bool isPlatform(long process, const Launch& launch) {
+    bool is = false;
+    endOf([&] {
+        is = isPlatformProcess(process, launch.marker ? *launch.marker : markerOf(launch.inputs));
+    });
+    return is;
+}
+
 json describeRecordedProcess(const Launch& launch) {
     const LockFile lock = lookAtLockFile(toNarrow(getLockFilePath(launch.inputs.workspace)));
     if (lock.content != LockFile::Content::kProcess) {
         return {};
     }
-    return {{"id", lock.process}, {"isPlatform", isPlatformProcess(lock.process, *launch.marker)}};
+    return {{"id", lock.process}, {"isPlatform", isPlatform(lock.process, launch)}};
 }
 
 json lockHolder(const Launch& launch) {
@@ -250,7 +260,7 @@ json describeFacts(const Account& account, const json& told) {
     const LaunchInputs& inputs = account.launch.inputs;
     json facts{{"firstLaunch", inputs.userFirstLaunch}};
     facts["installConfiguration"] = jsonText(installConfigurationName(inputs.traits.eConfig));
-    if (account.launch.marker) {
+    if (!inputs.workspace.empty()) {
         describeWorkspace(account, told, facts);
     }
     facts["waits"] = describeWaits(account, facts);

@@ -207,6 +207,17 @@ TEST_F(StatusOfTheNextLaunch, EveryEarlyEndIsTheLaunchsOwn) {
     EXPECT_EQ(idOfEnd(), "ZYPRA0096E");
 }
 
+TEST_F(StatusOfTheNextLaunch, RefusedForItsArgumentsStillHasAWorkspaceAndItsPlatform) {
+    std::unique_ptr<Program> platform;
+    startPlatform(platform);
+    const Words refused = {"-name=\"x\""};
+    EXPECT_EQ(idOfEnd(refused), "ZYPRA0089E");
+    const Json state = status(refused);
+    EXPECT_EQ(state["workspace"], folder_.narrow("home/workspace/ann"));
+    EXPECT_EQ(state["lock"]["isPlatform"], true);
+    EXPECT_EQ(state["lock"]["process"], platform->id());
+}
+
 TEST_F(StatusOfTheNextLaunch, AFileThatIsMissingLateEndsItToo) {
     const std::string program = "client/rcp/eclipse/plugins/com.ovr.rcp.base/macosx/x86/eclipse";
     std::filesystem::remove(folder_.path() / program);

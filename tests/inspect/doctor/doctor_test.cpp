@@ -22,8 +22,11 @@ class DoctorTest : public StatusTest {
         EXPECT_EQ(program.wait(), status) << output;
         return output;
     }
-    [[nodiscard]] Json answer(const std::string& question, int status) const {
-        const Json told = Json::parse(run({"--format", "json"}, status));
+    [[nodiscard]] Json answer(const std::string& question, int status,
+                              const Words& arguments = {}) const {
+        Words options{"--format", "json", "--"};
+        options.insert(options.end(), arguments.begin(), arguments.end());
+        const Json told = Json::parse(run(options, status));
         for (const Json& answer : told["answers"]) {
             if (answer["question"] == question) {
                 return answer;
@@ -100,7 +103,19 @@ TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
 
 TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
     // Nobody makes a folder there, whatever permissions say.
-    EXPECT_NE(run({"--", "-data", "/proc/ws"}, 2).find("✗ "), std::string::npos);
+    const Json space = answer("space and permissions", 2, {"-data", "/proc/ws"});
+    EXPECT_EQ(space["mark"], "bad") << space.dump(1);
+    EXPECT_EQ(answer("user's area", 2, {"-data", "/proc/ws"})["text"], "/proc/ws, new");
+    EXPECT_EQ(launch({"-data", "/proc/ws"}), 255);
+}
+
+TEST_F(DoctorTest, AWorkspaceWithoutPermissionsIsBad) {
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "permissions do not count for root";
+    }
+    std::filesystem::permissions(folder_.path() / "home", std::filesystem::perms::owner_read |
+                                                              std::filesystem::perms::owner_exec);
+    EXPECT_EQ(answer("space and permissions", 2)["mark"], "bad");
 }
 
 TEST_F(DoctorTest, SpaceIsNotLookedAtWithoutAWorkspace) {
