@@ -4,11 +4,9 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
-#include "inspect/page/page.h"
+#include "inspect/making.h"
 #include "launcher/process_entry.h"
 
-#include <cerrno>
-#include <cstring>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -60,10 +58,10 @@ int check(const Options& options) {
             std::cout << dump(sarifReport(examination, findings));
             break;
         case Format::kHtml:
-            if (!writePage(nlohmann::json::parse(dump(jsonReport(examination, findings))),
-                           options.page)) {
-                std::cerr << "rcpinspect: " << options.page << ": " << std::strerror(errno) << '\n';
-                return kCannotCreate;
+            if (const int status = leavePage(
+                    nlohmann::json::parse(dump(jsonReport(examination, findings))), options);
+                status != kSuccess) {
+                return status;
             }
             break;
     }

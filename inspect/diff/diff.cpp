@@ -1,9 +1,6 @@
 #include "inspect/commands.h"
 #include "inspect/diff/compare.h"
-#include "inspect/page/page.h"
-
-#include <errno.h>
-#include <string.h>
+#include "inspect/making.h"
 
 #include <exception>
 #include <iostream>
@@ -43,9 +40,8 @@ int diff(const Options& options) {
         if (options.format == Format::kJson) {
             std::cout << result.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
         } else if (options.format == Format::kHtml) {
-            if (!writePage(result, options.page)) {
-                std::cerr << "rcpinspect: " << options.page << ": " << strerror(errno) << '\n';
-                return kCannotCreate;
+            if (const int status = leavePage(result, options); status != kSuccess) {
+                return status;
             }
         } else {
             std::cout << differenceText(result, {options.isColored, options.isAll});

@@ -1,12 +1,10 @@
 #include "inspect/doctor/answers.h"
 
 #include "inspect/doctor/surroundings_answers.h"
+#include "inspect/making.h"
 #include "inspect/messages.h"
 
-#include <time.h>
-
 #include <algorithm>
-#include <array>
 
 namespace rcp::inspect {
 namespace {
@@ -102,19 +100,12 @@ Answer answerLock(const Evidence& evidence) {
     return answer;
 }
 
-std::string timeOf(time_t time) {
-    std::array<char, 32> text{};
-    tm parts{};
-    gmtime_r(&time, &parts);
-    return {text.data(), strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", &parts)};
-}
-
 Answer answerLastStart(const Evidence& evidence) {
     const auto& last = evidence.state.last;
     if (!last) {
         return {"last start", "none is recorded"};
     }
-    Answer answer{"last start", timeOf(last->time.tv_sec) + ", " +
+    Answer answer{"last start", dateAndTime(last->time.tv_sec) + ", " +
                                     (last->outcome == Outcome::kHandedOff     ? "handed off"
                                      : last->outcome == Outcome::kProvisioned ? "provisioned"
                                      : last->outcome == Outcome::kFailed      ? "failed"

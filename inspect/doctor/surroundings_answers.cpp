@@ -1,10 +1,10 @@
 #include "inspect/doctor/surroundings_answers.h"
 
+#include "inspect/making.h"
 #include "inspect/quiet_read.h"
 #include "platform/files.h"
 
 #include <langinfo.h>
-#include <pwd.h>
 #include <stdlib.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -41,11 +41,6 @@ std::string valueIn(const std::string& release, const std::string& key) {
         }
     }
     return {};
-}
-
-std::string userName() {
-    const passwd* user = getpwuid(geteuid());
-    return user == nullptr ? std::to_string(geteuid()) : std::string(user->pw_name);
 }
 
 // The folder itself, or the nearest above it that is there.
@@ -102,7 +97,7 @@ Answer answerJvm(const Evidence& evidence) {
 
 Answer answerSpace(const Evidence& evidence) {
     const std::string& workspace = evidence.state.workspace;
-    Answer answer{"space and permissions", "of user " + userName()};
+    Answer answer{"space and permissions", "of user " + effectiveUser()};
     if (geteuid() == 0) {
         answer.text += ", for whom permissions do not count: others may get other answers";
     }

@@ -2,13 +2,11 @@
 #include "inspect/copies/describe_copies.h"
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
-#include "inspect/page/page.h"
-
-#include <errno.h>
-#include <string.h>
+#include "inspect/making.h"
 
 #include <exception>
 #include <iostream>
+#include <utility>
 
 namespace rcp::inspect {
 
@@ -20,10 +18,7 @@ int explain(const Options& options) {
             std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';
         } else if (options.format == Format::kHtml) {
-            if (!writePage(explanation, options.page)) {
-                std::cerr << "rcpinspect: " << options.page << ": " << strerror(errno) << '\n';
-                return kCannotCreate;
-            }
+            return leavePage(std::move(explanation), options);
         } else {
             std::cout << explanationText(explanation, {options.isColored, options.isAll});
         }
