@@ -61,9 +61,8 @@ void printOptions() {
 }
 
 // In which files a key counts.
-std::string filesOf(rcp::Key key) {
+std::string filesOf(unsigned files) {
     std::string names;
-    const unsigned files = rcp::propertyKey(key).files;
     for (const auto& [file, name] :
          {std::pair{rcp::kLauncherFile, "launcher"}, std::pair{rcp::kArgsFile, "args"},
           std::pair{rcp::kJvmFile, "jvm"}, std::pair{rcp::kUserFile, "user"}}) {
@@ -76,15 +75,15 @@ std::string filesOf(rcp::Key key) {
 
 void printKeys(rcp::KeySection section) {
     std::cout << "\n| key | in | meaning, default |\n|---|---|---|\n";
-    for (const rcp::KeyWords& words : rcp::keyWords()) {
-        if (words.section != section) {
+    for (const rcp::PropertyKey& key : rcp::propertyKeys()) {
+        if (key.section != section) {
             continue;
         }
         const std::string otherwise =
-            words.otherwise == nullptr ? std::string() : rcp::toUtf8(words.otherwise);
+            key.otherwise == nullptr ? std::string() : rcp::toUtf8(key.otherwise);
         const rcp::FormatArgument arguments[] = {std::string_view(otherwise)};
-        std::cout << "| " << code(words.key) << " | " << filesOf(words.key) << " | "
-                  << rcp::expandFormat(words.meaning, arguments) << " |\n";
+        std::cout << "| " << code(key.key) << " | " << filesOf(key.files) << " | "
+                  << rcp::expandFormat(key.meaning, arguments) << " |\n";
     }
 }
 

@@ -1,99 +1,10 @@
 #include "launcher/vocabulary/configuration_words.h"
 
-#include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
 #include "launcher/vocabulary/variables.h"
 
 namespace rcp {
 namespace {
-
-constexpr KeyWords kKeyWords[] = {
-    {keys::kInstallId, KeySection::kInstallation,
-     "required; which installation this is. \"userpb\" makes one when it is missing"},
-    {keys::kBaseLocation, KeySection::kInstallation,
-     "required; the folder with the platform's program, jars and master files. `${rcp.home}` is "
-     "replaced. Must contain \"rcp.base\" when that program is a script: the process check looks "
-     "for it"},
-    {keys::kInstallConfiguration, KeySection::kInstallation,
-     "\"%s\" (default), \"multiuser\", \"lockdown\", \"serial.multiuser\", \"userpb\", or "
-     "\"service\" (plain Java command line, user area in the installation)",
-     defaults::kInstallConfiguration},
-    {keys::kInvokeEclipseDylib, KeySection::kInstallation,
-     "\"1\": hand off through the launcher library in this process; anything else: `execv`; "
-     "without it only macOS 10.15 hands off in-process. An executable that is not named "
-     "\"rcplauncher\" always does"},
-    {keys::kEclipseName, KeySection::kInstallation, "file name of the platform's program, \"%s\"",
-     defaults::kEclipseName},
-    {keys::kData, KeySection::kInstallation,
-     "the workspace, when `-data` is not given. Default: HOME`/OVR/RCP/`id`/`user. Example: "
-     "`rcp.data=${env.HOME}/workspace`"},
-    {keys::kApplication, KeySection::kInstallation, "the platform application"},
-    {keys::kProduct, KeySection::kInstallation,
-     "the product; the user's `rcpinstall.properties` wins"},
-    {keys::kPersonality, KeySection::kInstallation, "the personality"},
-    {keys::kPluginCustomization, KeySection::kInstallation,
-     "file with plug-in preferences; required unless the option is given"},
-    {keys::kClassPath, KeySection::kInstallation, "class path behind `-cp`"},
-    {keys::kUpdatePolicyManaged, KeySection::kInstallation,
-     "\"false\": no per-user `platform.xml` is made"},
-    {keys::kLocale, KeySection::kInstallation, "copied into the user's `rcpinstall.properties`"},
-    {keys::kBidi, KeySection::kInstallation, "copied into the user's `rcpinstall.properties`"},
-    {keys::kExtension, KeySection::kInstallation,
-     "NAME.n: the n-th argument of configuration extension NAME; NAME.restartExe.macosx: the "
-     "program to restart with. Example: `config.kiosk.1=-nosplash`"},
-    {keys::kInitial, KeySection::kInstallation,
-     "n: the arguments of the initial configuration. One is `-initialCompleteFlag`, the next names "
-     "the property of the user's file that is \"true\" once it is complete"},
-    {keys::kJvmLocation, KeySection::kJvm, "where the installation's JVM is; \"%s\"",
-     defaults::kJvmLocation},
-    {keys::kJvmLibPath, KeySection::kJvm, "what `-vm` names below it; \"%s\"",
-     defaults::kJvmLibPath},
-    {keys::kJvmExtPath, KeySection::kJvm, "its extension folder; \"%s\"", defaults::kJvmExtPath},
-    {keys::kVm, KeySection::kJvm, "the JVM when `-vm` is not given"},
-    {keys::kVmarg, KeySection::kJvm,
-     "NAME: a JVM argument. An empty value keeps later ones of that name out. Example: "
-     "`vmarg.Xmx=-Xmx512m`"},
-    {keys::kSystemProperty, KeySection::kJvm, "NAME: a system property. Example: `-Dmy.key=value`"},
-    {keys::kJvmOption, KeySection::kJvm,
-     "OPTION: a JVM option with what stands behind its name. Example: `-Xmx512m`"},
-    {keys::kBootClassPathPrepend, KeySection::kJvm, "`-Xbootclasspath/p:` and the value"},
-    {keys::kBootClassPathAppend, KeySection::kJvm, "`-Xbootclasspath/a:` and the value"},
-    {keys::kConsoleFix, KeySection::kJvm,
-     "a JVM argument for launches without `-console`; `${workspace.location}` is replaced"},
-    {keys::kJavaHome, KeySection::kJvm,
-     "the Java home; corrected when the JVM's path shows another"},
-    {keys::kJvmLibraryPath, KeySection::kJvm,
-     "library path of the JVM; elements become relative to the Java home"},
-    {keys::kJvmRoot, KeySection::kJvm, "the folder in which `jvm.properties` was looked for"},
-    {keys::kFeatureId, KeySection::kJvm, "for `${jvm.feature.id}` in `platform.xml`"},
-    {keys::kFeatureVersion, KeySection::kJvm, "for `${jvm.feature.version}` in `platform.xml`"},
-    {keys::kParentFeatureId, KeySection::kJvm, "for `${jvm.parent.feature.id}` in `platform.xml`"},
-    {keys::kParentFeatureVersion, KeySection::kJvm,
-     "for `${jvm.parent.feature.version}` in `platform.xml`"},
-    {keys::kSplashPath, KeySection::kJvm, "passed on as a system property"},
-    {keys::kSharedClassesPath, KeySection::kJvm,
-     "directory of shared classes, emptied at a new provisioning level"},
-    {keys::kResetDir, KeySection::kJvm,
-     "NAME: a directory below `.metadata/.plugins` that `-resetconfig` removes"},
-    {keys::kWorkspaceLocation, KeySection::kJvm, "the workspace"},
-    {keys::kEnvSet, KeySection::kEnvironment,
-     ".NAME: sets variable NAME. Example: `env.set.LANG=C.UTF-8`"},
-    {keys::kEnvUnset, KeySection::kEnvironment, ".NAME: removes variable NAME, before any is set"},
-    {keys::kJavaHighZipFds, KeySection::kEnvironment, "value of `JAVA_HIGH_ZIPFDS`, \"%s\"",
-     defaults::kJavaHighZipFds},
-    {keys::kLibraryPathPrepend, KeySection::kEnvironment, "first part of `DYLD_LIBRARY_PATH`"},
-    {keys::kInternalLibraryPath, KeySection::kEnvironment,
-     "its middle part; `args.properties` holds it"},
-    {keys::kLibraryPathAppend, KeySection::kEnvironment, "its last part"},
-    {keys::kLibraryPreload, KeySection::kEnvironment,
-     "library for `LD_PRELOAD`; one whose path has a blank is linked under `/tmp`"},
-    {keys::kProvisioning, KeySection::kProvisioning, "\"true\": provisioning is enabled"},
-    {keys::kProvisioningLevel, KeySection::kProvisioning,
-     "the level; provisioning is due when the user's differs"},
-    {keys::kProvisioningApplication, KeySection::kProvisioning, "the application that provisions"},
-    {keys::kSharedClassesOption, KeySection::kProvisioning,
-     "the shared classes option; `-Xshareclasses=none` while provisioning"},
-};
 
 constexpr OptionWords kOptionWords[] = {
     {options::kData, "DIR",
@@ -203,10 +114,6 @@ constexpr VariableWords kVariables[] = {
 };
 
 }  // namespace
-
-std::span<const KeyWords> keyWords() {
-    return kKeyWords;
-}
 
 std::span<const OptionWords> optionWords() {
     return kOptionWords;

@@ -1,4 +1,5 @@
-// What docs/configuration.md says of the vocabulary. No launch uses it.
+// What docs/configuration.md says of options, placeholders and variables. No launch uses it; the
+// words of the keys are in their table.
 #pragma once
 
 #include "launcher/vocabulary/name.h"
@@ -6,15 +7,6 @@
 #include <span>
 
 namespace rcp {
-
-enum class KeySection { kInstallation, kJvm, kEnvironment, kProvisioning };
-
-struct KeyWords {
-    Key key;
-    KeySection section;
-    const char* meaning;  // "%s" stands for what the launcher takes when the key is missing
-    const wchar_t* otherwise = nullptr;
-};
 
 /// Who writes an option, and so where it is told: whoever starts the launcher at a terminal finds
 /// his in the manual page and completed by the shell.
@@ -46,7 +38,6 @@ struct VariableWords {
 };
 
 // In the order of the document.
-std::span<const KeyWords> keyWords();
 std::span<const OptionWords> optionWords();
 std::span<const WrittenOptionWords> writtenOptionWords();
 std::span<const PlaceholderWords> placeholderWords();

@@ -1,5 +1,5 @@
 // The options of the command line and the rules about them, one row an option. What they mean tells
-// document.cpp.
+// configuration_words.cpp.
 #pragma once
 
 #include "launcher/vocabulary/name.h"

@@ -1,4 +1,5 @@
-// Every property key that the launcher looks at: in which files it counts and what it is used for.
+// Every property key that the launcher looks at: in which files it counts, what it is used for and
+// what docs/configuration.md says of it.
 #pragma once
 
 #include "launcher/vocabulary/keys.h"
@@ -37,20 +38,23 @@ enum class Expansion {
     kAll,
 };
 
+/// The parts of docs/configuration.md.
+enum class KeySection { kInstallation, kJvm, kEnvironment, kProvisioning };
+
 struct PropertyKey {
     Key key;
+    KeySection section;
     KeyTail tail;
     unsigned files;  // of KeyFile; none for what the launcher computes
     Expansion expansion;
-    bool isRequired;    // a launch without it fails
-    const char* usage;  // "the workspace when -data is not given"
+    bool isRequired;                     // a launch without it fails
+    const char* usage;                   // "the workspace when -data is not given"
+    const char* meaning;                 // for docs/configuration.md; "%s" stands for `otherwise`
+    const wchar_t* otherwise = nullptr;  // what the launcher takes when the key is missing
 };
 
 /// In the order of docs/configuration.md.
 std::span<const PropertyKey> propertyKeys();
-
-/// The entry of a key of the vocabulary.
-const PropertyKey& propertyKey(Key key);
 
 /// What looks at `key` in `file`; null when nothing does. The most exact entry is returned.
 const PropertyKey* findPropertyKey(std::wstring_view key, KeyFile file);

@@ -1,4 +1,5 @@
-// Environment variables, and what stands for something in values. The words are in document.cpp.
+// Environment variables, and what stands for something in values. What they mean tells
+// configuration_words.cpp.
 #pragma once
 
 #include "launcher/vocabulary/name.h"

@@ -49,7 +49,7 @@ TEST_F(InspectInItsInstallation, AnEmptyPathIsNotTheCurrentDirectory) {
 }
 
 TEST_F(InspectInItsInstallation, OutputThatCannotBeWrittenIsAFailure) {
-    for (const char* command : {"explain", "check --format sarif", "status"}) {
+    for (const char* command : {"explain", "check --format sarif", "status", "diff --with ."}) {
         EXPECT_EQ(statusOf(command), 0) << command;
         EXPECT_EQ(statusOf(std::string(command) + " >/dev/full"), 73) << command;
     }

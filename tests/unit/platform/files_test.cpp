@@ -238,61 +238,61 @@ TEST_F(Files, TextIsAllOfAFile) {
     }
 }
 
+using Read = decltype(SystemCalls::read);
+
 int readsMade = 0;
 
-TEST_F(Files, TextTakesNoReadThatOnlyFindsTheEnd) {
-    folder_.write("file", "text");
-    SystemCalls counting = systemCalls;
-    counting.read = [](int descriptor, void* buffer, std::size_t size) {
-        ++readsMade;
-        return kSystemsOwnCalls.read(descriptor, buffer, size);
-    };
-    const InstalledCalls installed(counting);
-    readsMade = 0;
-    EXPECT_EQ(readText(folder_.wide("file"))->bytes, "text");
+class FilesWithReads : public Files {
+  protected:
+    /// What is told of a file with "text" where the system reads it in this way.
+    [[nodiscard]] std::optional<FileText> textReadBy(Read read) const {
+        folder_.write("file", "text");
+        SystemCalls calls = systemCalls;
+        calls.read = read;
+        const InstalledCalls installed(calls);
+        readsMade = 0;
+        return readText(folder_.wide("file"));
+    }
+};
+
+TEST_F(FilesWithReads, NoneOnlyFindsTheEnd) {
+    const std::optional<FileText> text =
+        textReadBy([](int descriptor, void* buffer, std::size_t size) {
+            ++readsMade;
+            return kSystemsOwnCalls.read(descriptor, buffer, size);
+        });
+    EXPECT_EQ(text->bytes, "text");
     EXPECT_EQ(readsMade, 1);
 }
 
-TEST_F(Files, TextIsReadOnAfterShortAndInterruptedReads) {
-    folder_.write("file", "text");
-    SystemCalls little = systemCalls;
-    little.read = [](int descriptor, void* buffer, std::size_t size) {
-        if (readsMade++ == 1) {
-            errno = EINTR;
-            return ssize_t{-1};
-        }
-        return kSystemsOwnCalls.read(descriptor, buffer, size == 0 ? 0 : 1);
-    };
-    const InstalledCalls installed(little);
-    readsMade = 0;
-    const std::optional<FileText> text = readText(folder_.wide("file"));
+TEST_F(FilesWithReads, ShortAndInterruptedOnesAreGoneOnWith) {
+    const std::optional<FileText> text =
+        textReadBy([](int descriptor, void* buffer, std::size_t size) {
+            if (readsMade++ == 1) {
+                errno = EINTR;
+                return ssize_t{-1};
+            }
+            return kSystemsOwnCalls.read(descriptor, buffer, size == 0 ? 0 : 1);
+        });
     EXPECT_EQ(text->bytes, "text");
     EXPECT_EQ(text->error, 0);
 }
 
-TEST_F(Files, TextOfAFileThatShrinksEndsThere) {
-    folder_.write("file", "text");
-    SystemCalls shrinking = systemCalls;
-    shrinking.read = [](int descriptor, void* buffer, std::size_t /*size*/) {
-        return readsMade++ == 0 ? kSystemsOwnCalls.read(descriptor, buffer, 2) : ssize_t{0};
-    };
-    const InstalledCalls installed(shrinking);
-    readsMade = 0;
-    const std::optional<FileText> text = readText(folder_.wide("file"));
+TEST_F(FilesWithReads, FileThatShrinksEndsThere) {
+    const std::optional<FileText> text =
+        textReadBy([](int descriptor, void* buffer, std::size_t /*size*/) {
+            return readsMade++ == 0 ? kSystemsOwnCalls.read(descriptor, buffer, 2) : ssize_t{0};
+        });
     EXPECT_EQ(text->bytes, "te");
     EXPECT_EQ(text->error, 0);
 }
 
-TEST_F(Files, FailedReadIsToldBesideWhatCameBeforeIt) {
-    folder_.write("file", "text");
-    SystemCalls failing = systemCalls;
-    failing.read = [](int descriptor, void* buffer, std::size_t /*size*/) {
-        errno = EIO;
-        return readsMade++ == 0 ? kSystemsOwnCalls.read(descriptor, buffer, 2) : ssize_t{-1};
-    };
-    const InstalledCalls installed(failing);
-    readsMade = 0;
-    const std::optional<FileText> text = readText(folder_.wide("file"));
+TEST_F(FilesWithReads, FailedOneIsToldBesideWhatCameBeforeIt) {
+    const std::optional<FileText> text =
+        textReadBy([](int descriptor, void* buffer, std::size_t /*size*/) {
+            errno = EIO;
+            return readsMade++ == 0 ? kSystemsOwnCalls.read(descriptor, buffer, 2) : ssize_t{-1};
+        });
     EXPECT_EQ(text->bytes, "te");
     EXPECT_EQ(text->error, EIO);
 }

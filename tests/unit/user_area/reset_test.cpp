@@ -145,36 +145,39 @@ int noteName(const char* source, const char* target) {
     return kSystemsOwnCalls.rename(source, target);
 }
 
-TEST_F(Reset, FirstNumberIsChosenWhenAllWereTaken) {
-    writeArea();
-    folder_.write("ws/.configbak/f", "older");
-    for (const char* number : {"1", "2", "3", "4", "5"}) {
-        folder_.write(std::string("ws/.configbakdeleteme000") + number + "/f", "left");
-    }
-    SystemCalls calls = systemCalls;
-    calls.rename = &noteName;
-    const InstalledCalls installed(calls);
-    namesGiven.clear();
-    reset();
-    EXPECT_THAT(namesGiven, testing::Contains(folder_.narrow("ws/.configbakdeleteme0001")));
+int findBusy(int /*folder*/, const char* /*name*/, int /*flags*/) {
+    errno = EBUSY;
+    return -1;
 }
 
-TEST_F(Reset, NumbersGoOnWhenNoneOfTheFirstBecomesFree) {
-    writeArea();
-    folder_.write("ws/.configbak/f", "older");
-    for (const char* number : {"1", "2", "3", "4", "5"}) {
-        folder_.write(std::string("ws/.configbakdeleteme000") + number + "/f", "left");
+class ResetWithTakenNumbers : public Reset {
+  protected:
+    /// The names that a reset gives where the numbers up to five are taken and `unlinkat` removes.
+    [[nodiscard]] const std::vector<std::string>& namesGivenWith(
+        decltype(SystemCalls::unlinkat) unlinkat) const {
+        writeArea();
+        folder_.write("ws/.configbak/f", "older");
+        for (const char* number : {"1", "2", "3", "4", "5"}) {
+            folder_.write(std::string("ws/.configbakdeleteme000") + number + "/f", "left");
+        }
+        SystemCalls calls = systemCalls;
+        calls.rename = &noteName;
+        calls.unlinkat = unlinkat;
+        const InstalledCalls installed(calls);
+        namesGiven.clear();
+        reset();
+        return namesGiven;
     }
-    SystemCalls calls = systemCalls;
-    calls.rename = &noteName;
-    calls.unlinkat = [](int, const char*, int) {
-        errno = EBUSY;
-        return -1;
-    };
-    const InstalledCalls installed(calls);
-    namesGiven.clear();
-    reset();
-    EXPECT_THAT(namesGiven, testing::Contains(folder_.narrow("ws/.configbakdeleteme0006")));
+};
+
+TEST_F(ResetWithTakenNumbers, FirstIsChosenOnceItIsFree) {
+    EXPECT_THAT(namesGivenWith(kSystemsOwnCalls.unlinkat),
+                testing::Contains(folder_.narrow("ws/.configbakdeleteme0001")));
+}
+
+TEST_F(ResetWithTakenNumbers, NextIsChosenWhenNoneBecomesFree) {
+    EXPECT_THAT(namesGivenWith(&findBusy),
+                testing::Contains(folder_.narrow("ws/.configbakdeleteme0006")));
 }
 
 TEST_F(Reset, SmallestFreeNumberIsChosenForTheRemoval) {

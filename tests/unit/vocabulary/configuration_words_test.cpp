@@ -1,14 +1,12 @@
-// Every row of the vocabulary has its words, in one order.
+// Every option has its words, in one order.
 #include "launcher/vocabulary/configuration_words.h"
 
 #include "launcher/vocabulary/options.h"
-#include "launcher/vocabulary/property_keys.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace rcp {
@@ -20,10 +18,6 @@ std::vector<std::wstring> namesOf(const auto& rows, auto name) {
         names.emplace_back(row.*name);
     }
     return names;
-}
-
-TEST(ConfigurationWords, TellEveryKeyInItsOrder) {
-    EXPECT_EQ(namesOf(keyWords(), &KeyWords::key), namesOf(propertyKeys(), &PropertyKey::key));
 }
 
 TEST(ConfigurationWords, TellEveryOptionInItsOrder) {
@@ -44,13 +38,6 @@ TEST(ConfigurationWords, SayOfNoDroppedOptionThatItIsPassedOn) {
             EXPECT_THAT(words.isPassedOn, testing::Not(testing::StartsWith("yes")))
                 << words.meaning;
         }
-    }
-}
-
-TEST(ConfigurationWords, NameTheDefaultWhereThereIsOne) {
-    for (const KeyWords& words : keyWords()) {
-        const bool isNamed = std::string_view(words.meaning).find("%s") != std::string_view::npos;
-        EXPECT_EQ(isNamed, words.otherwise != nullptr) << words.meaning;
     }
 }
 

@@ -1,6 +1,9 @@
 #include "launcher/vocabulary/property_keys.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <string_view>
 
 namespace rcp {
 namespace {
@@ -22,6 +25,20 @@ TEST(PropertyKeys, MatchWhatMayStandBehindThem) {
     EXPECT_EQ(findPropertyKey(L"env.set"), nullptr);
     EXPECT_EQ(findPropertyKey(L"env.set.A")->key, L"env.set");
     EXPECT_EQ(findPropertyKey(L"cpx"), nullptr);
+}
+
+TEST(PropertyKeys, SayWhatTheyAreForAndWhatTheyMean) {
+    for (const PropertyKey& key : propertyKeys()) {
+        EXPECT_THAT(key.usage, testing::Not(testing::StrEq(""))) << key.meaning;
+        EXPECT_THAT(key.meaning, testing::Not(testing::StrEq(""))) << key.usage;
+    }
+}
+
+TEST(PropertyKeys, NameTheDefaultWhereThereIsOne) {
+    for (const PropertyKey& key : propertyKeys()) {
+        const bool isNamed = std::string_view(key.meaning).find("%s") != std::string_view::npos;
+        EXPECT_EQ(isNamed, key.otherwise != nullptr) << key.meaning;
+    }
 }
 
 TEST(PropertyKeys, KnowTheirFilesByName) {
