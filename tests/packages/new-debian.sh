@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+#!/bin/bash
 # A new Debian in a folder of its own, for the tests that need one; they read this file.
 
 skip() {
