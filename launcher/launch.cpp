@@ -40,7 +40,7 @@ void ensure(LaunchInputs& inputs, const std::wstring& directory, Message<Text> m
     if (isDirectory(directory)) {
         return;
     }
-    inputs.userFirstLaunch = true;
+    inputs.completeArea();
     ensureDirectory(directory, message);
 }
 
@@ -121,9 +121,11 @@ bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
         return isThere;
     }
     if (!inputs.isMainProcess()) {
+        inputs.area = UserArea::kInUse;
         report(noReason(), messages.areaInUse, inputs.configuration);
         return isThere;
     }
+    inputs.area = isOld ? UserArea::kReused : UserArea::kReset;
     isOld ? createReusableWorkspace(inputs.workspace, inputs.configuration)
           : resetWorkspace(inputs, base);
     return false;
@@ -168,7 +170,9 @@ void readUserFiles(LaunchInputs& inputs, const std::wstring& base, bool isRead,
                    const std::optional<std::string>& recorded) {
     const bool isConfigMade = createConfigIni(inputs, base);
     const bool isUserFileMade = !isRead && createRCPInstallProps(inputs, base);
-    inputs.userFirstLaunch = inputs.userFirstLaunch || isConfigMade || isUserFileMade;
+    if (isConfigMade || isUserFileMade) {
+        inputs.completeArea();
+    }
     if (!isRead || debug) {
         inputs.userProperties = PropertyList();
         getProperties(userFileOf(inputs.configuration), inputs.userProperties);
@@ -258,9 +262,10 @@ std::optional<Plan> startup(Launch& launch, Installation installation, Start sta
     const JvmPropertyLocation jvmProperties =
         getJvmPropertyLocation(inputs.properties, inputs.arguments, inputs.installDir);
     loadJvmProperties(inputs, jvmProperties);
-    const bool isUpdateMade = createPlatformXML(
-        inputs, base, jvmProperties.isDefault ? Features::kBare : Features::kFilledIn);
-    inputs.userFirstLaunch = inputs.userFirstLaunch || isUpdateMade;
+    if (createPlatformXML(inputs, base,
+                          jvmProperties.isDefault ? Features::kBare : Features::kFilledIn)) {
+        inputs.completeArea();
+    }
     updateBundle(inputs, base);
 
     if (inputs.isMainProcess()) {

@@ -1,11 +1,11 @@
 // Keys that are missing, that nobody reads, or that lose.
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
-#include "inspect/check/launcher_end.h"
 #include "inspect/check/near_keys.h"
 #include "launcher/command_line/main_options.h"
 #include "launcher/inputs/arguments.h"
 #include "launcher/inputs/install_configuration.h"
+#include "launcher/instance/provisioning.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/properties/property_text.h"
 #include "launcher/vocabulary/keys.h"
@@ -36,11 +36,7 @@ void findMissing(const Examination& examination, Findings& findings) {
             requireKey(examination, key.key, findings);
         }
     }
-    const std::wstring* enabled = findProperty(keys::kProvisioning, inputs.properties);
-    if (enabled != nullptr && *enabled == L"true" && endOf([&] {
-            CommandLine unused;
-            addProvisioningApplication(unused, inputs.properties, LaunchKind::kUserProvisioning);
-        })) {
+    if (isProvisioningEnabled(inputs) && provisioningApplication(inputs.properties) == nullptr) {
         findings.add("RI201", examination.launcherFile(), 0,
                      "\"provisioning.application\" is missing, but provisioning is enabled");
     }

@@ -25,13 +25,7 @@ class FoundEntries : public Observer {
     FoundEntries(FoundEntries&&) = delete;
     FoundEntries& operator=(FoundEntries&&) = delete;
 
-    void propertyFileRead(const std::wstring& /*path*/, const PropertyList& /*entries*/) override {}
     void propertyFound(const Property& entry) override { all_.push_back(&entry); }
-    void lost(const std::wstring& /*text*/, const Origin& /*origin*/, const Why& /*why*/,
-              const Origin* /*winner*/) override {}
-    void placeholderReplaced(const std::wstring& /*before*/, std::wstring_view /*placeholder*/,
-                             const std::wstring& /*value*/,
-                             const std::wstring& /*after*/) override {}
     [[nodiscard]] const std::vector<const Property*>& all() const { return all_; }
 
   private:

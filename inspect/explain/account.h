@@ -27,7 +27,6 @@ struct Account {
     const CommandLine& line;  // the plan's; empty where the launch ended before it had one
     const Variables& before;  // the environment at the beginning
     int status;               // of the launch's end
-    const std::wstring& awaitedMarker;  // for whose removal it has waited; empty without one
 };
 
 /// The parts of the layout, each as its name says.
@@ -41,9 +40,8 @@ nlohmann::json describeRecords(const Rehearsal& rehearsal);
 /// How the launch ended as far as it knows itself: kind, role and program.
 nlohmann::json describeOutcome(const Launch& launch);
 
-/// The facts of the layout; `told` holds outcome, changes and records. Asked of the real tree, as
-/// the launch found it.
-nlohmann::json describeFacts(const Account& account, const nlohmann::json& told);
+/// The facts of the layout. Asked of the real tree, as the launch found it.
+nlohmann::json describeFacts(const Account& account, const nlohmann::json& outcome);
 
 /// The elements that come from there, as the reader counts them.
 std::vector<std::size_t> elementsFrom(const Origin& origin, const Account& account);

@@ -15,7 +15,6 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace rcp::inspect {
@@ -25,12 +24,6 @@ using nlohmann::json;
 
 constexpr Key kIdKey = keys::kInstallId;
 constexpr Key kLevelKey = keys::kProvisioningLevel;
-
-bool hasRecord(const json& records, const std::string& beginning) {
-    return std::any_of(records.begin(), records.end(), [&](const json& record) {
-        return record.get_ref<const std::string&>().starts_with(beginning);
-    });
-}
 
 // "execv", "in-process", "provisioning", or "ends" for a launch that did not come that far.
 std::string kindOfEnd(const Launch& launch) {
@@ -69,17 +62,17 @@ PropertyList usersStoredList(const Account& account) {
     return storedList(userFileOf(account.launch.inputs.configuration));
 }
 
-// Made by the launch: the real file, the first that it reads, does not have it yet.
-bool isIdMade(const Account& account) {
-    return findProperty(kIdKey, account.launch.inputs.properties) != nullptr &&
-           findProperty(kIdKey, storedList(account.sources.files().front().path)) == nullptr;
+// An id that the launch makes comes from no file.
+bool isIdMade(const Launch& launch) {
+    const Property* id = launch.inputs.properties.find(kIdKey);
+    return id != nullptr && id->origin.isComputed();
 }
 
 json describeInstallId(const Account& account) {
     const PropertyList stored = usersStoredList(account);
     const PropertyList& properties = account.launch.inputs.properties;
     const std::wstring* id = findProperty(kIdKey, properties);
-    return {{"installation", isIdMade(account) ? json() : valueOrNull(kIdKey, properties)},
+    return {{"installation", isIdMade(account.launch) ? json() : valueOrNull(kIdKey, properties)},
             {"area", valueOrNull(kIdKey, stored)},
             {"isOld", id != nullptr && isOldRcpInstallId(*id, stored)}};
 }
@@ -97,38 +90,6 @@ json describeProvisioning(const Account& account) {
             {"userLevel", valueOrNull(kLevelKey, usersStoredList(account))},
             {"isNew", isNewProvisioningLevel(findProperty(kLevelKey, read->entries),
                                              findProperty(kLevelKey, inputs.properties))}};
-}
-
-// Whether anything of the user's area was made. A new provisioning level makes a first launch too.
-bool isAreaMade(const json& changes, const std::string& configuration) {
-    return std::any_of(changes.begin(), changes.end(), [&](const json& change) {
-        const std::string path = change["path"];
-        return change["change"] == "made" &&
-               (change["kind"] == "directory" || path.starts_with(configuration + "/"));
-    });
-}
-
-bool isProvisioned(const json& facts) {
-    const json& provisioning = facts["provisioning"];
-    return !provisioning.is_null() && provisioning["isEnabled"] == true &&
-           provisioning["isNew"] == true;
-}
-
-// What becomes of the user's area.
-std::string areaState(const Account& account, const json& facts, const json& told) {
-    const std::string configuration = facts["configuration"];
-    for (const json& change : told["changes"]) {
-        if (change["change"] == "moved" && change["path"] == configuration) {
-            return facts["installId"]["isOld"] == true ? "reused" : "reset";
-        }
-    }
-    if (account.launch.inputs.userFirstLaunch &&
-        (!isProvisioned(facts) || isAreaMade(told["changes"], configuration))) {
-        return "new";
-    }
-    const bool isInUse =
-        hasRecord(told["records"], "Error: startup: " + configuration + " is in use");
-    return isInUse ? "in use" : "kept";
 }
 
 // A launch that ended before it looked for the platform would have looked for this one.
@@ -163,8 +124,8 @@ json provisioningProcess(const Launch& launch) {
 
 json describeWaits(const Account& account, const json& facts) {
     json waits = json::array();
-    if (!account.awaitedMarker.empty()) {
-        waits.push_back("until " + toNarrow(account.awaitedMarker) + " is removed");
+    if (const std::wstring* marker = account.witness.awaited(Wait::kDebugMarker)) {
+        waits.push_back("until " + toNarrow(*marker) + " is removed");
     }
     if (isRestart(account.launch.arguments)) {
         waits.push_back("up to 21 seconds for the old platform to end");
@@ -180,16 +141,26 @@ json describeWaits(const Account& account, const json& facts) {
     return waits;
 }
 
-void addAreaStep(json& steps, const std::string& area) {
-    constexpr std::pair<const char*, const char*> kSteps[] = {{"reused", "reuse-area"},
-                                                              {"reset", "reset-area"},
-                                                              {"in use", "leave-area-alone"},
-                                                              {"new", "make-area"}};
-    for (const auto& [state, step] : kSteps) {
-        if (area == state) {
-            steps.push_back(step);
-        }
+// What becomes of the user's area, and the step that makes it so.
+struct AreaWords {
+    const char* state;
+    const char* step;
+};
+
+AreaWords wordsOf(UserArea area) {
+    switch (area) {
+        case UserArea::kKept:
+            return {"kept", ""};
+        case UserArea::kInUse:
+            return {"in use", "leave-area-alone"};
+        case UserArea::kMade:
+            return {"new", "make-area"};
+        case UserArea::kReset:
+            return {"reset", "reset-area"};
+        case UserArea::kReused:
+            return {"reused", "reuse-area"};
     }
+    return {};
 }
 
 // Ended by a record, a launch starts nothing.
@@ -205,31 +176,29 @@ void addStart(json& steps, const json& outcome, bool isInitial) {
     }
 }
 
-json describeSteps(const Account& account, const json& told, const json& facts) {
+json describeSteps(const Account& account, const json& outcome, const json& facts) {
+    const Launch& launch = account.launch;
+    const auto waits = [&](Wait wait) { return account.witness.awaited(wait) != nullptr; };
+    const std::pair<bool, const char*> preparations[] = {
+        {isIdMade(launch), "make-install-id"},
+        {waits(Wait::kOldPlatform), "wait-for-old-platform"},
+        {!facts.value("lockHolder", json()).is_null(), "wait-for-lock"},
+        {waits(Wait::kProvisioning), "wait-for-provisioning"},
+        {waits(Wait::kDebugMarker), "wait-for-debug-marker"},
+        {launch.inputs.area != UserArea::kKept, wordsOf(launch.inputs.area).step}};
     json steps = json::array();
-    if (isIdMade(account)) {
-        steps.push_back("make-install-id");
+    for (const auto& [isDue, step] : preparations) {
+        if (isDue) {
+            steps.push_back(step);
+        }
     }
-    if (hasRecord(told["records"], "ZYPRA0013E")) {
-        steps.push_back("wait-for-old-platform");
-    }
-    if (!facts.value("lockHolder", json()).is_null()) {
-        steps.push_back("wait-for-lock");
-    }
-    if (hasRecord(told["records"], "ZYPRA0307I")) {
-        steps.push_back("wait-for-provisioning");
-    }
-    if (!account.awaitedMarker.empty()) {
-        steps.push_back("wait-for-debug-marker");
-    }
-    addAreaStep(steps, facts.value("area", ""));
     if (account.status == 0) {
-        addStart(steps, told["outcome"], account.launch.inputs.isInitial);
+        addStart(steps, outcome, launch.inputs.isInitial);
     }
     return steps;
 }
 
-void describeWorkspace(const Account& account, const json& told, json& facts) {
+void describeWorkspace(const Account& account, json& facts) {
     const LaunchInputs& inputs = account.launch.inputs;
     facts["workspace"] = toNarrow(inputs.workspace);
     facts["configuration"] = toNarrow(inputs.configuration);
@@ -240,7 +209,7 @@ void describeWorkspace(const Account& account, const json& told, json& facts) {
     facts["provisioningProcess"] = provisioningProcess(account.launch);
     facts["installId"] = describeInstallId(account);
     facts["provisioning"] = describeProvisioning(account);
-    facts["area"] = areaState(account, facts, told);
+    facts["area"] = wordsOf(inputs.area).state;
 }
 
 }  // namespace
@@ -256,15 +225,15 @@ json describeOutcome(const Launch& launch) {
     return outcome;
 }
 
-json describeFacts(const Account& account, const json& told) {
+json describeFacts(const Account& account, const json& outcome) {
     const LaunchInputs& inputs = account.launch.inputs;
     json facts{{"firstLaunch", inputs.userFirstLaunch}};
     facts["installConfiguration"] = jsonText(installConfigurationName(inputs.traits.eConfig));
     if (!inputs.workspace.empty()) {
-        describeWorkspace(account, told, facts);
+        describeWorkspace(account, facts);
     }
     facts["waits"] = describeWaits(account, facts);
-    facts["steps"] = describeSteps(account, told, facts);
+    facts["steps"] = describeSteps(account, outcome, facts);
     return facts;
 }
 

@@ -7,9 +7,7 @@
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
 #include "inspect/messages.h"
-#include "launcher/instance/running_provisioning.h"
 #include "launcher/process_entry.h"
-#include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
 
@@ -34,32 +32,32 @@ using nlohmann::json;
 
 // --- In the rehearsal's process ---------------------------------------------------------------------
 
-// What the account needs when the launch has ended wherever it does.
-struct Stage {
-    Options options;
-    std::unique_ptr<Rehearsal> rehearsal;
-    Launch launch;
-    Witness witness;
-    Variables before = environmentNow();
-    std::wstring awaitedMarker;
-    std::string lastError;  // that was recorded before a log was looked for in the end
-    int output = -1;
+// Waiting takes no time, and what is waited for is taken to have happened, but for the end of a platform.
+class PatientWitness : public Witness {
+  public:
+    explicit PatientWitness(Rehearsal& rehearsal) : rehearsal_(rehearsal) {}
+    void waits(Wait wait, const std::wstring& file) override {
+        Witness::waits(wait, file);
+        if (wait != Wait::kOldPlatform) {
+            rehearsal_.hide(toNarrow(file));
+        }
+    }
+
+  private:
+    Rehearsal& rehearsal_;
 };
 
-Stage* stage = nullptr;
+// What the account needs when the launch has ended wherever it does.
+struct Stage {
+    explicit Stage(const std::string& folder)
+        : rehearsal(std::make_unique<Rehearsal>(folder)), witness(*rehearsal) {}
 
-// Waiting takes no time, and what is waited for is taken to have happened. With the log open only
-// the marker's removal is left to wait for; before, what a record tells.
-unsigned noteWait(unsigned /*seconds*/) {
-    const auto& marker = stage->launch.inputs.debugFile;
-    if (logIsOpen() && marker && exists(*marker)) {
-        stage->awaitedMarker = *marker;
-        stage->rehearsal->hide(toNarrow(*marker));
-    } else if (logQueue().find("ZYPRA0307I") != std::string::npos) {
-        stage->rehearsal->hide(toNarrow(provisioningFileOf(stage->launch.inputs.workspace)));
-    }
-    return 0;
-}
+    std::unique_ptr<Rehearsal> rehearsal;
+    Launch launch;
+    PatientWitness witness;
+    Variables before = environmentNow();
+    std::string lastError;  // that was recorded before a log was looked for in the end
+};
 
 // Empty when there is none.
 std::string lastErrorOf(const json& records) {
@@ -73,23 +71,22 @@ std::string lastErrorOf(const json& records) {
     return last;
 }
 
-json tellAll(int status) {
+json tellAll(Stage& stage, int status) {
     observer = nullptr;
-    const Sources sources(stage->witness);
-    const Launch& launch = stage->launch;
-    const Losers losers(stage->witness, sources, launch);
+    const Sources sources(stage.witness);
+    const Launch& launch = stage.launch;
+    const Losers losers(stage.witness, sources, launch);
     const CommandLine line = launch.plan ? launch.plan->line : CommandLine();
-    const Account account{.witness = stage->witness,
+    const Account account{.witness = stage.witness,
                           .sources = sources,
                           .launch = launch,
                           .losers = losers,
                           .line = line,
-                          .before = stage->before,
-                          .status = status,
-                          .awaitedMarker = stage->awaitedMarker};
-    const json records = describeRecords(*stage->rehearsal);
+                          .before = stage.before,
+                          .status = status};
+    const json records = describeRecords(*stage.rehearsal);
     json outcome = describeOutcome(launch);
-    const std::string& last = stage->lastError;
+    const std::string& last = stage.lastError;
     outcome["record"] = last.empty() ? lastErrorOf(records) : last;
     if (outcome["kind"] == "provisioning") {
         launch.lock->record(getpid());  // the part of the parent, which the rehearsal does not play
@@ -99,45 +96,41 @@ json tellAll(int status) {
               {"dropped", describeDropped(account)},
               {"environment", describeEnvironment(account)},
               {"files", describeFiles(account)},
-              {"changes", describeChanges(*stage->rehearsal)},
+              {"changes", describeChanges(*stage.rehearsal)},
               {"records", records}};
-    stage->rehearsal.reset();
-    told["facts"] = describeFacts(account, told);
+    stage.rehearsal.reset();
+    told["facts"] = describeFacts(account, outcome);
     return told;
 }
 
-void tell(int status) {
+void tell(Stage& stage, int status, int output) {
     std::vector<std::uint8_t> text;
     try {
-        text = json::to_cbor(tellAll(status));
+        text = json::to_cbor(tellAll(stage, status));
     } catch (const std::exception& problem) {
         text = json::to_cbor(json{{"problem", problem.what()}});
     }
-    (void)writeFully(stage->output, {reinterpret_cast<const char*>(text.data()), text.size()});
+    (void)writeFully(output, {reinterpret_cast<const char*>(text.data()), text.size()});
 }
 
 // The launch up to its end, wherever that is; its exit status.
-int launchOnStage(int argc, char** argv) {
+int launchOn(Stage& stage, int argc, char** argv) {
     try {
-        run(stage->launch, argc, argv);
+        run(stage.launch, argc, argv);
         return 0;
     } catch (const LaunchEnded& end) {
         // That no log can be written either is not what the launch ends with.
-        stage->lastError = lastErrorOf(describeRecords(*stage->rehearsal));
-        stage->launch.note.reset();  // the rest of the launch is still told of
+        stage.lastError = lastErrorOf(describeRecords(*stage.rehearsal));
+        stage.launch.note.reset();  // the rest of the launch is still told of
         return endedWith(end.status);
     }
 }
 
 [[noreturn]] void rehearse(const Options& options, const std::string& folder, int output) {
-    Stage theStage;
-    stage = &theStage;
-    stage->options = options;
-    stage->output = output;
-    stage->rehearsal = std::make_unique<Rehearsal>(folder);
+    Stage stage(folder);
     setLauncherExecutable(options.launcher);
-    systemCalls.sleep = noteWait;
-    observer = &stage->witness;
+    systemCalls.sleep = [](unsigned /*seconds*/) { return 0U; };
+    observer = &stage.witness;
     std::vector<std::string> words{options.launcher};
     words.insert(words.end(), options.arguments.begin(), options.arguments.end());
     std::vector<char*> argv;
@@ -146,8 +139,8 @@ int launchOnStage(int argc, char** argv) {
         argv.push_back(word.data());
     }
     argv.push_back(nullptr);
-    const int status = launchOnStage(static_cast<int>(words.size()), argv.data());
-    tell(status);
+    const int status = launchOn(stage, static_cast<int>(words.size()), argv.data());
+    tell(stage, status, output);
     _exit(status);
 }
 

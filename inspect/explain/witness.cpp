@@ -41,6 +41,11 @@ bool Witness::wasFound(const Origin& place) const {
     return found_.contains(placeOf(place));
 }
 
+const std::wstring* Witness::awaited(Wait wait) const {
+    const auto found = waits_.find(wait);
+    return found == waits_.end() ? nullptr : &found->second;
+}
+
 std::vector<Replacement> Witness::replacementsFrom(const std::wstring& text) const {
     std::vector<Replacement> way;
     std::wstring current = text;

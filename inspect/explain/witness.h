@@ -4,6 +4,7 @@
 #include "diagnostics/observer.h"
 #include "launcher/properties/property_list.h"
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -46,6 +47,7 @@ class Witness : public Observer {
               const Origin* winner) override;
     void placeholderReplaced(const std::wstring& before, std::wstring_view placeholder,
                              const std::wstring& value, const std::wstring& after) override;
+    void waits(Wait wait, const std::wstring& file) override { waits_[wait] = file; }
 
     /// The property files in the order in which they were first read, as they were read last.
     [[nodiscard]] const std::vector<ReadFile>& files() const { return files_; }
@@ -53,6 +55,8 @@ class Witness : public Observer {
     [[nodiscard]] bool wasFound(const Origin& place) const;
     /// What was told to have lost, but for the launcher's own making.
     [[nodiscard]] const std::vector<Loser>& losers() const { return losers_; }
+    /// The file that tells when that wait is over; null when the launch did not wait.
+    [[nodiscard]] const std::wstring* awaited(Wait wait) const;
     /// What was replaced on the way from `text` to what became of it.
     [[nodiscard]] std::vector<Replacement> replacementsFrom(const std::wstring& text) const;
 
@@ -61,6 +65,7 @@ class Witness : public Observer {
     std::set<Place> found_;
     std::vector<Loser> losers_;
     std::vector<Replacement> replacements_;
+    std::map<Wait, std::wstring> waits_;
 };
 
 }  // namespace rcp::inspect

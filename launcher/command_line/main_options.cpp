@@ -156,9 +156,13 @@ void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs) 
                     arguments, whys::kPersonality);
 }
 
+const Property* provisioningApplication(const PropertyList& properties) {
+    return properties.find(keys::kProvisioningApplication);
+}
+
 void addProvisioningApplication(CommandLine& line, const PropertyList& properties,
                                 LaunchKind kind) {
-    const Property* application = properties.find(keys::kProvisioningApplication);
+    const Property* application = provisioningApplication(properties);
     if (application == nullptr) {
         fatal(noReason(), messages.provisioningApplicationMissing);
     }

@@ -12,6 +12,8 @@ namespace rcp {
 /// without "rcp.install.id" and when the plug-in customization file is missing.
 void addMainOptionsToCommandLine(CommandLine& line, const LaunchInputs& inputs);
 
+/// What provisioning starts; null when nothing names it.
+const Property* provisioningApplication(const PropertyList& properties);
 /// Appends "-application", the provisioning application and, when a user's launch asked for it,
 /// "-userProvLaunch". Ends the launch when no application is configured.
 void addProvisioningApplication(CommandLine& line, const PropertyList& properties, LaunchKind kind);

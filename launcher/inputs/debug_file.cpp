@@ -1,5 +1,6 @@
 #include "launcher/inputs/debug_file.h"
 
+#include "diagnostics/observer.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -13,6 +14,7 @@ std::optional<std::wstring> debugFile(const std::wstring& installDir) {
 
 void waitForDeletionOfDebugFile(const std::optional<std::wstring>& debugFile) {
     for (bool isThere = debugFile.has_value(); isThere; isThere = exists(*debugFile)) {
+        tellWait(Wait::kDebugMarker, *debugFile);
         sysSleep(1);
     }
 }

@@ -6,10 +6,20 @@
 #include "launcher/properties/property_list.h"
 #include "launcher/properties/vm_argument_map.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
 namespace rcp {
+
+/// What becomes of the user's area. What stands further down outweighs what stands before it.
+enum class UserArea {
+    kKept,
+    kInUse,   // it should begin anew, but a platform runs in it
+    kMade,    // or completed
+    kReset,   // as the user asked
+    kReused,  // another installation's: its configuration begins anew
+};
 
 struct LaunchInputs {
     Traits traits;
@@ -28,11 +38,18 @@ struct LaunchInputs {
     /// A directory or per-user file of the user's had to be made, or the provisioning level changed. While
     /// false, reuse and reset of the user's area are considered.
     bool userFirstLaunch = false;
+    UserArea area = UserArea::kKept;
     /// The initial configuration stands in for the user's arguments.
     bool isInitial = false;
 
     /// Whether this launcher is the main one, whose process becomes the platform. Asked from the lock on.
     [[nodiscard]] bool isMainProcess() const { return !runningPlatform; }
+
+    /// Something of the user's area is made.
+    void completeArea() {
+        userFirstLaunch = true;
+        area = std::max(area, UserArea::kMade);
+    }
 };
 
 }  // namespace rcp

@@ -2,6 +2,7 @@
 
 #include "base/system_calls.h"
 #include "base/transfer.h"
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/instance/lock_content.h"
 #include "launcher/instance/running_provisioning.h"
@@ -201,6 +202,7 @@ std::optional<long> PlatformLock::runningPlatform(const ProcessMarker& marker) c
 void PlatformLock::waitForOldPlatform(long oldPlatform, const ProcessMarker& marker) {
     sysSleep(1);
     for (int waited = 0; isThere() && runningPlatform(marker) == oldPlatform;) {
+        tellWait(Wait::kOldPlatform, path_);
         sysSleep(1);
         if (++waited == kLongestWaitSeconds) {
             giveOldPlatformUp(oldPlatform);

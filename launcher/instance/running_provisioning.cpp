@@ -3,6 +3,7 @@
 #include "base/system_calls.h"
 #include "base/transfer.h"
 #include "base/unique_fd.h"
+#include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
 #include "platform/environment.h"
 #include "platform/platform.h"
@@ -73,6 +74,7 @@ void waitForProvisioning(const std::wstring& path) {
         if (waited == kPatience) {
             report(noReason(), messages.provisioningStillRuns, std::to_wstring(*process));
         }
+        tellWait(Wait::kProvisioning, path);
         sysSleep(1);
         process = runningProvisioning(path);
     }

@@ -37,11 +37,6 @@ class LoserNotes : public Observer {
     LoserNotes& operator=(LoserNotes&&) = delete;
     ~LoserNotes() override { observer = nullptr; }
 
-    void propertyFileRead(const std::wstring& /*path*/, const PropertyList& /*entries*/) override {}
-    void propertyFound(const Property& /*entry*/) override {}
-    void placeholderReplaced(const std::wstring& /*before*/, std::wstring_view /*placeholder*/,
-                             const std::wstring& /*value*/,
-                             const std::wstring& /*after*/) override {}
     void lost(const std::wstring& text, const Origin& /*origin*/, const Why& why,
               const Origin* winner) override {
         const std::wstring place = winner == nullptr ? L"" : L" (" + placeOf(L"it", *winner) + L")";
