@@ -22,9 +22,11 @@ class Differences {
         const parts = kParts.filter(([name]) => (this.data[name] || []).length > 0);
         contents([['summary', 'Summary'],
             ...parts.map(([name, title]) => [name, title, this.data[name].length])]);
-        main.append(this.summary(), ...parts.map(([name, title, texts]) => section(name, title, null,
-            make('ul.rows', null, this.data[name].map((one) => this.row(one, title, texts(one)))))));
+        main.append(this.summary(), ...parts.map(([name, title, texts]) => rowsSection(name, title, null,
+            title.toLowerCase(), this.data[name].map((one) => this.row(one, texts(one))), this.search)));
     }
+
+    follow() {}
 
     summary() {
         const sides = [['removed', this.data.first || {}], ['added', this.data.second || {}]];
@@ -32,29 +34,31 @@ class Differences {
         return make('section.outcome', {id: 'summary', 'aria-labelledby': 'summary-title'},
             make('h1', {id: 'summary-title'}, !this.data.isDifferent ? 'No difference'
                 : ends[0] === ends[1] ? 'Both: ' + ends[0]
-                    : 'The first ' + ends[0] + '; the second ' + ends[1]),
-            make('ul.rows', null, sides.map(([change, side]) => make('li', null,
-                make('span.verb', null, kSigns[change][0]), make('div', null,
-                    code(side.log || side.installation || ''),
-                    make('div.why', null, shown([side.level ? 'level ' + side.level : null, side.date]
-                        .filter((text) => text).join(', '))))))));
+                    : sides[0][1].log ? 'The recorded launch ' + ends[0] + '; the next ' + ends[1]
+                        : 'The first ' + ends[0] + '; the second ' + ends[1]),
+            sides.map(([change, side], index) => this.side(change, side, index)), making(this.data.made));
+    }
+
+    side(change, side, index) {
+        const said = [side.level ? 'level ' + side.level : null, side.date].filter((text) => text).join(', ');
+        return make('p.side', null, make('span.verb', null, kSigns[change][0] + (index === 0 ? ' first ' : ' second ')),
+            code(side.log || side.installation || ''), said ? make('span.why', null, ' ' + shown(said)) : null);
     }
 
     end(side) {
-        const outcome = side.outcome || {kind: 'execv'};
-        return outcome.record ? 'ends with ' + shown(outcome.record)
+        const outcome = side.outcome || {};
+        return !side.outcome ? 'started the platform' : outcome.record ? 'ends with ' + shown(outcome.record)
             : {ends: 'ends', fatal: 'ends', provisioning: 'provisions first'}[outcome.kind]
                 || (outcome.role === 'daemon' ? 'passes its arguments on' : 'starts the platform');
     }
 
-    row(one, group, texts) {
+    row(one, texts) {
         const [sign, label] = kSigns[one.change] || ['?', one.change];
         const source = one.source && one.source.file
             ? shortPath(one.source.file, this.data.second.installation) + ':' + one.source.line : null;
-        const node = make('li', null, make('span.verb', {title: label}, sign + ' ' + label),
-            make('div', null, texts.map((text, index) => make(index === 0 ? 'strong' : 'div', null, code(String(text)))),
-                source ? make('div.why', null, shown(source)) : null));
-        this.search.add(group.toLowerCase(), node, [...texts.map(String), label, source]);
-        return node;
+        return {words: () => [...texts.map(String), label, source],
+            build: () => make('div.row', null, make('span.verb', {title: label}, sign + ' ' + label),
+                make('div', null, texts.map((text, index) => make(index === 0 ? 'strong' : 'div', null, code(String(text)))),
+                    source ? make('div.why', null, breakable(source)) : null))};
     }
 }

@@ -26,9 +26,25 @@ function make(name, attributes, ...children) {
     return node;
 }
 
+// Text that may be long and without a space, such as a path: lines break behind slashes or before a
+// placeholder rather than within names, and not behind the hyphen that an option begins with.
+function breakable(value) {
+    return shown(value).split(/(-+[^-\s/,;]|[/,;]+)/).filter((part) => part !== '')
+        .flatMap((part) => '/,;'.includes(part[0]) ? [part, make('wbr')]
+            : part.startsWith('-') ? [make('span.unbroken', null, part)]
+                : part.split(/(?=\$\{)/).flatMap((one) => one.startsWith('${') ? [make('wbr'), one] : [one]));
+}
+
 // A value as it stands; an empty one would leave a hole in the page.
 function code(value, name = 'code') {
-    return value === '' ? make(name + '.empty', null, 'empty') : make(name, null, shown(value));
+    return value === '' ? make(name + '.empty', null, 'empty') : make(name, null, breakable(value));
+}
+
+// Our own sentences have the names of keys and options between backticks.
+function prose(text) {
+    const parts = shown(text).split('`');
+    return parts.length % 2 === 0 ? shown(text)
+        : parts.map((part, index) => index % 2 === 1 ? code(part) : part);
 }
 
 function baseName(path) {
@@ -41,8 +57,26 @@ function shortPath(path, installation) {
         ? path.slice(installation.length + 1) : path;
 }
 
+// "10,000"
+function grouped(number) {
+    return String(number).replace(/\B(?=(\d{3})+$)/g, ',');
+}
+
 function count(number, singular, plural = singular + 's') {
-    return number + ' ' + (number === 1 ? singular : plural);
+    return grouped(number) + ' ' + (number === 1 ? singular : plural);
+}
+
+// The first of many, as nodes, and a button that brings the next ones.
+function firstOf(items, limit, render) {
+    const nodes = items.slice(0, limit).map(render);
+    const rest = items.slice(limit);
+    if (rest.length > 0) {
+        const more = make('button.jump.more', {type: 'button', onclick: () => {
+            more.replaceWith(...firstOf(rest, 10 * limit, render).flat(Infinity));
+        }}, '… and ' + grouped(rest.length) + ' more');
+        nodes.push(more);
+    }
+    return nodes;
 }
 
 function section(id, title, note, ...content) {
@@ -54,39 +88,14 @@ function contents(links) {
     const list = make('ul');
     for (const [id, title, number] of links) {
         list.append(make('li', null, make('a', {href: '#' + id}, title,
-            number === undefined ? null : make('span.number', null, String(number)))));
+            number === undefined ? null : [' ', make('span.number', null, '(' + grouped(number) + ')')])));
     }
     document.getElementById('contents').append(list);
 }
 
-// One stop of the tabulator key for a whole list: the arrow keys, Home and End go on from there.
-function roving(container, selector) {
-    const stops = () => [...container.querySelectorAll(selector)]
-        .filter((node) => node.offsetParent !== null);
-    const settle = (chosen) => {
-        for (const node of container.querySelectorAll(selector)) {
-            node.tabIndex = node === chosen ? 0 : -1;
-        }
-    };
-    container.addEventListener('focusin', (event) => {
-        const stop = event.target.closest(selector);
-        if (stop) {
-            settle(stop);
-        }
-    });
-    container.addEventListener('keydown', (event) => {
-        const all = stops();
-        const here = all.indexOf(event.target);
-        const next = {ArrowDown: here + 1, ArrowUp: here - 1, Home: 0, End: all.length - 1}[event.key];
-        if (here < 0 || next === undefined || event.altKey || event.ctrlKey || event.metaKey) {
-            return;
-        }
-        event.preventDefault();
-        all[Math.max(0, Math.min(next, all.length - 1))].focus();
-    });
-    // What was the stop may be filtered out; then the first that is left takes its place.
-    return () => {
-        const all = stops();
-        settle(all.find((node) => node.tabIndex === 0) || all[0]);
-    };
+// When, by whom and with what the page was made: it is read elsewhere, and later.
+function making({time, version, user, host, locale} = {}) {
+    const said = [time, version && 'rcpinspect ' + version, user && 'user ' + user, host && 'host ' + host,
+        locale && 'locale ' + locale].filter((one) => one);
+    return said.length === 0 ? null : make('p.made', null, said.map((one) => make('span', null, shown(one))));
 }

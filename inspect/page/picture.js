@@ -2,44 +2,52 @@
 // scrolls by itself, so that both ends of a line can be brought side by side however long the lists
 // are. A line whose other end is scrolled away leaves at the pane's edge.
 const kSvg = 'http://www.w3.org/2000/svg';
+const kMostLines = 300;
 
 class Picture {
+    // Both are lists, each in the frame that it scrolls in.
     constructor(left, right) {
         this.left = left;
         this.right = right;
-        this.links = [];      // {from, to, kind, isQuiet}: from and to are nodes of the panes
+        this.links = new Map();  // of each row its lines, {from, to, kind, isQuiet}: rows of the two lists
+        this.extra = [];         // the lines of what is chosen alone
         this.places = new Map();
-        this.chosen = null;   // the node of the right pane whose lines stand out
+        this.chosen = null;      // the row of the right list whose lines stand out
         this.hovered = null;
         this.isAsked = false;
         this.svg = document.createElementNS(kSvg, 'svg');
         this.svg.setAttribute('class', 'lines');
         this.svg.setAttribute('aria-hidden', 'true');
         const redraw = () => this.draw();
-        left.addEventListener('scroll', redraw, {passive: true});
-        right.addEventListener('scroll', redraw, {passive: true});
-        left.addEventListener('toggle', () => this.changed(), true);
+        for (const list of [left, right]) {
+            list.changed = () => this.changed();
+            list.node.parentNode.addEventListener('scroll', redraw, {passive: true});
+        }
         window.addEventListener('resize', () => this.changed());
-        right.addEventListener('pointerover', (event) => this.hover(event.target));
-        right.addEventListener('pointerleave', () => this.hover(null));
+        right.node.addEventListener('pointerover', (event) => this.hover(right.rowOf(event.target)));
+        right.node.addEventListener('pointerleave', () => this.hover(null));
     }
 
     // A line that `isQuiet` is drawn only while its result is looked at.
     link(from, to, kind, isQuiet = false) {
-        this.links.push({from, to, kind, isQuiet});
+        const link = {from, to, kind, isQuiet};
+        for (const row of [from, to]) {
+            const links = this.links.get(row) || [];
+            links.push(link);
+            this.links.set(row, links);
+        }
     }
 
-    hover(target) {
-        const node = target && target.closest('.end');
-        if (node !== this.hovered) {
-            this.hovered = node;
+    hover(row) {
+        if (row !== this.hovered) {
+            this.hovered = row;
             this.draw();
         }
     }
 
-    choose(node, extra) {
-        this.chosen = node;
-        this.links = this.links.filter((link) => link.kind === 'source').concat(extra);
+    choose(row, extra) {
+        this.chosen = row;
+        this.extra = extra;
         this.changed();
     }
 
@@ -56,22 +64,21 @@ class Picture {
         });
     }
 
-    // Where in the content of its pane the middle of a node is; null while it is hidden. An entry of
+    // Where in the content of its pane the middle of a row is; null while it is hidden. An entry of
     // a closed file is at the file.
-    place(pane, node) {
-        if (!this.places.has(node)) {
-            const closed = node.closest('details:not([open])');
-            const seen = closed ? closed.querySelector('summary') : node;
-            const box = seen.getBoundingClientRect();
-            this.places.set(node, box.height === 0 ? null
-                : box.top - pane.getBoundingClientRect().top + pane.scrollTop + box.height / 2);
+    place(pane, row) {
+        if (!this.places.has(row)) {
+            const middle = row.list.middle(row);
+            this.places.set(row, middle === null ? null
+                : middle - pane.getBoundingClientRect().top + pane.scrollTop);
         }
-        return this.places.get(node);
+        return this.places.get(row);
     }
 
     // The height at which a line meets its pane's side, and whether its end is in sight.
-    meet(pane, node, offset) {
-        const place = this.place(pane, node);
+    meet(row, offset) {
+        const pane = row.list.node.parentNode;
+        const place = this.place(pane, row);
         if (place === null) {
             return null;
         }
@@ -85,22 +92,44 @@ class Picture {
         if (frame.width === 0) {
             return;
         }
-        const offsets = [this.left, this.right].map((pane) => pane.getBoundingClientRect().top - frame.top);
+        const offset = this.left.node.parentNode.getBoundingClientRect().top - frame.top;
         const quiet = document.createDocumentFragment();
         const loud = document.createDocumentFragment();
-        for (const link of this.links) {
-            const from = this.meet(this.left, link.from, offsets[0]);
-            const to = this.meet(this.right, link.to, offsets[1]);
-            if (from === null || to === null) {
-                continue;
+        for (const link of this.linksInView()) {
+            const from = this.meet(link.from, offset);
+            const to = this.meet(link.to, offset);
+            if (from !== null && to !== null && (this.stands(link) || from.isSeen || to.isSeen)) {
+                this.curve(this.stands(link) ? loud : quiet, link.kind, from, to, frame.width, this.stands(link));
             }
-            const stands = link.to === this.chosen || link.to === this.hovered;
-            if (stands || (!link.isQuiet && (from.isSeen || to.isSeen))) {
-                this.curve(stands ? loud : quiet, link.kind, from, to, frame.width, stands);
+            if (quiet.childElementCount > 2 * kMostLines) {
+                break;
             }
         }
         this.svg.replaceChildren(quiet, loud);  // what stands out is drawn over the rest
         this.svg.classList.toggle('has-chosen', this.chosen !== null);
+    }
+
+    stands(link) {
+        return link.to === this.chosen || link.to === this.hovered;
+    }
+
+    // The lines of every row that may be in view: first those that stand out.
+    linksInView() {
+        const links = new Set(this.extra);
+        const add = (row) => (this.links.get(row) || []).filter((link) => !link.isQuiet || this.stands(link))
+            .forEach((link) => links.add(link));
+        for (const row of [this.chosen, this.hovered]) {
+            add(row);
+        }
+        for (const list of [this.right, this.left]) {
+            for (const row of list.rendered()) {
+                add(row);
+                if (row.members && !row.isOpen) {
+                    row.members.forEach(add);
+                }
+            }
+        }
+        return links;
     }
 
     curve(into, kind, from, to, width, stands) {
@@ -132,7 +161,10 @@ class Picture {
         if (this.svg.getBoundingClientRect().width === 0) {
             return;
         }
-        const wanted = result.getBoundingClientRect().top;
-        this.left.scrollTop += source.getBoundingClientRect().top - wanted;
+        this.left.open(source.head);
+        for (let round = 0; round < 3; ++round) {  // where it is, is known once its surroundings are filled
+            this.left.node.parentNode.scrollTop += this.left.middle(source) - this.right.middle(result);
+            this.left.update();
+        }
     }
 }

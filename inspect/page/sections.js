@@ -17,9 +17,8 @@ function outcomeSection(data) {
     const outcome = data.outcome || {};
     const [glyph, verb, sentence] = kOutcomes[outcome.kind] || ['?', String(outcome.kind), null];
     const isBad = outcome.kind === 'fatal';
-    const status = outcome.status === undefined ? null : ', status ' + outcome.status;
-    const program = outcome.program ? shown(baseName(outcome.program)) : null;
-    const role = outcome.role && outcome.role !== 'undecided' ? 'as ' + outcome.role : null;
+    const program = outcome.program && !isBad ? shown(baseName(outcome.program)) : null;
+    const role = outcome.role && outcome.role !== 'undecided' && !isBad ? 'as ' + outcome.role : null;
     const command = [shown(baseName(data.launcher || 'rcplauncher')),
         ...(data.arguments || []).map((argument) => ' ' + quoted(argument))].join('');
     return make('section.outcome' + (isBad ? '.is-error' : ''),
@@ -27,13 +26,13 @@ function outcomeSection(data) {
         make('p.command', null, make('code', null, command)),
         make('h1', {id: 'outcome-title'}, make('span.glyph', {'aria-hidden': 'true'}, glyph), ' ',
             verb, program ? [' ', make('span.program', null, program)] : null,
-            role ? ', ' + role : null, status),
+            role ? ', ' + role : null, outcome.status === undefined ? null : ', status ' + outcome.status),
         sentence ? make('p', null, sentence, outcome.role === 'undecided'
             ? ' Main or daemon: that depends on what happens until then.' : null) : null,
-        outcome.program ? make('p', null, code(outcome.program)) : null,
         outcome.record ? make('p.record', null, code(outcome.record)) : null,
-        outcome.cause ? make('p.cause', null, shown(outcome.cause)) : null,
-        facts(data));
+        outcome.cause ? make('p.cause', null, prose(outcome.cause)) : null,
+        outcome.program ? make('p', null, isBad ? 'It was on its way to ' : null, code(outcome.program)) : null,
+        making(data.made), facts(data));
 }
 
 // An argument as it would be typed into a shell.
@@ -53,56 +52,66 @@ function facts(data) {
         .filter(([, value]) => value !== undefined && (typeof value !== 'object' || Array.isArray(value)) && String(value) !== '')
         .map(([label, value]) => make('div', null, make('dt', null, shown(label)),
             [value].flat().map((one) => make('dd', null,
-                typeof one === 'boolean' ? (one ? 'yes' : 'no') : shown(one))))));
+                typeof one === 'boolean' ? (one ? 'yes' : 'no') : breakable(one))))));
 }
 
+// Everything else that a launch changes: each section has a list.
+const kSections = [
+    ['copies', 'The user’s copies', 'Entries of master files that the user’s copies have not, or not with this value.',
+        'copies', copyRow],
+    ['environment', 'Environment', 'Variables that the platform finds other than they are now.',
+        'variables', environmentRow],
+    ['changes', 'Files and directories', 'What the launch makes, replaces, removes or moves.', 'changes', changeRow],
+    ['dropped', 'Arguments not passed on', 'Arguments of the command line that end with the launcher.',
+        'arguments not passed on', droppedRow],
+    ['records', 'Log records', 'What the launch would write to its log.', 'records', recordRow],
+];
+
 function otherSections(data, sources, search) {
-    const made = [];
-    const add = (id, title, note, items, group, row) => {
-        if (!items || items.length === 0) {
-            return;
-        }
-        const rows = items.map((item) => {
-            const [node, words] = row(item);
-            search.add(group, node, words);
-            return node;
-        });
-        made.push({id, title, number: items.length,
-            node: section(id, title, note, make('ul.rows', null, rows))});
-    };
-    add('environment', 'Environment', 'Variables that the platform finds other than they are now.',
-        data.environment, 'variables', (one) => environmentRow(one, sources));
-    add('changes', 'Files and directories', 'What the launch makes, replaces, removes or moves.',
-        data.changes, 'changes', changeRow);
-    add('dropped', 'Arguments not passed on', 'Arguments of the command line that end with the launcher.',
-        data.dropped, 'arguments not passed on', droppedRow);
-    add('records', 'Log records', 'What the launch would write to its log.',
-        data.records, 'records', (text) => [make('li.record', null, code(text)), [text]]);
-    return made;
+    return kSections.filter(([id]) => (data[id] || []).length > 0).map(([id, title, note, name, row]) => ({
+        id, title, number: data[id].length,
+        node: rowsSection(id, title, note, name, data[id].map((one) => row(one, sources)), search)}));
+}
+
+function rowsSection(id, title, note, name, rows, search) {
+    const list = search.add(new List(name, title, rows));
+    list.node.classList.add('rows');
+    return section(id, title, note, list.node);
+}
+
+function copyRow(one) {
+    return {words: () => [one.copy, one.master, one.message], build: () => make('div.row', null,
+        make('span.verb', null, '≠ differs'), make('div', null, make('strong', null, code(one.copy ?? '')),
+            make('div', null, breakable(one.message ?? '')),
+            make('div.why', null, breakable((one.master ?? '') + (one.line ? ', line ' + one.line : '')))))};
 }
 
 function environmentRow(one, sources) {
     const gone = one.after === null || one.after === undefined;
     const isNew = one.before === null || one.before === undefined;
     const verb = gone ? '− removed' : isNew ? '+ set' : '≠ changed';
-    return [make('li', null, make('span.verb', null, verb), make('div', null,
-        make('strong', null, code(one.name)),
-        isNew ? null : make('div', null, 'from ', code(one.before)),
-        gone ? null : make('div', null, isNew ? '' : 'to ', code(one.after)),
-        one.source ? make('div.why', null, sources.name(one.source)) : null)),
-    [one.name, one.before, one.after, verb, ...sources.words(one.source)]];
+    return {words: () => [one.name, one.before, one.after, verb, ...sources.words(one.source)],
+        build: () => make('div.row', null, make('span.verb', null, verb), make('div', null,
+            make('strong', null, code(one.name)),
+            isNew ? null : make('div', null, 'from ', code(one.before)),
+            gone ? null : make('div', null, isNew ? '' : 'to ', code(one.after)),
+            one.source ? make('div.why', null, sources.name(one.source)) : null))};
 }
 
 function changeRow(one) {
     const verb = {made: '+ made', replaced: '≠ replaced', removed: '− removed', moved: '→ moved'}[one.change]
         || one.change;
-    return [make('li', null, make('span.verb', null, shown(verb)), make('div', null,
-        code(one.path), one.to ? [' → ', code(one.to)] : null,
-        make('div.why', null, shown(one.kind || '')))), [one.path, one.to, verb, one.kind]];
+    return {words: () => [one.path, one.to, verb, one.kind],
+        build: () => make('div.row', null, make('span.verb', null, shown(verb)), make('div', null,
+            code(one.path), one.to ? [' → ', code(one.to)] : null, make('div.why', null, shown(one.kind || ''))))};
 }
 
 function droppedRow(one) {
-    return [make('li', null, make('span.verb', null, '⊘ argument ' + one.position),
-        make('div', null, code(one.text), make('div.why', null, shown(one.why || '')))),
-    [one.text, one.why, 'not passed on']];
+    return {words: () => [one.text, one.why, 'not passed on'],
+        build: () => make('div.row', null, make('span.verb', null, '⊘ argument ' + one.position),
+            make('div', null, code(one.text), make('div.why', null, prose(one.why || ''))))};
+}
+
+function recordRow(text) {
+    return {words: () => [text], build: () => make('div.row.record', null, code(text))};
 }

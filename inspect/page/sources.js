@@ -5,6 +5,8 @@ const kStates = {
     overridden: ['◐', 'overridden'],
     unused: ['○', 'never looked at'],
 };
+const kBeside = 2;   // so many links to elements stand beside an entry; more stand below it
+const kLinks = 12;
 
 class Sources {
     // `elementLink` makes a link to an element, `show` brings a row into view.
@@ -13,14 +15,23 @@ class Sources {
         this.elementLink = elementLink;
         this.show = show;
         this.files = this.allFiles();
-        this.rows = new Map();   // by key(): the row of a source
+        this.byKey = new Map();  // by key(): the row of a source
         this.users = new Map();  // by key(): the elements that come from it
         this.marked = [];
-        this.cards = [];
+        this.rows = [];
         (data.elements || []).forEach((element, index) => {
             const key = this.key(element.source);
-            this.users.set(key, [...(this.users.get(key) || []), index]);
+            const users = this.users.get(key) || [];
+            users.push(index);
+            this.users.set(key, users);
         });
+        this.addCommandLine();
+        this.files.forEach((file, index) => this.addFile(file, index));
+        this.addEnvironment();
+        this.addFrame('computed', 'Computed', 'by the launcher itself', '', ['computed'], [
+            {key: 'computed', content: () => make('span.note', null, 'decided or found out while starting'),
+                words: ['computed']}]);
+        this.list = new List('lines', 'Sources', this.rows);
     }
 
     // Every source that anything names, with the value that it gave where that is known.
@@ -39,6 +50,7 @@ class Sources {
     // The files that were read, and lines of others that something nevertheless comes from.
     allFiles() {
         const files = (this.data.files || []).map((file) => ({...file, entries: [...file.entries || []]}));
+        const byPath = new Map(files.map((file) => [file.path, file]));
         const lines = new Set(files.flatMap((file) =>
             file.entries.map((entry) => this.key({kind: 'file', file: file.path, line: entry.line}))));
         for (const {source} of this.namedSources()) {
@@ -46,10 +58,11 @@ class Sources {
                 continue;
             }
             lines.add(this.key(source));
-            let file = files.find((one) => one.path === source.file);
+            let file = byPath.get(source.file);
             if (!file) {
                 file = {path: source.file, found: true, entries: []};
                 files.push(file);
+                byPath.set(file.path, file);
             }
             file.entries.push({...source, state: 'used'});
         }
@@ -80,16 +93,16 @@ class Sources {
     }
 
     row(source) {
-        return this.rows.get(this.key(source)) || this.rows.get(this.key({...source, line: 0}))
-            || this.rows.get('computed');
+        return this.byKey.get(this.key(source)) || this.byKey.get(this.key({...source, line: 0}))
+            || this.byKey.get('computed');
     }
 
-    link(source, show) {
+    link(source) {
         const full = source && source.kind === 'file'
-            ? shown(shortPath(source.file, this.data.installation)) + (source.line ? ', line ' + source.line : '')
+            ? breakable(shortPath(source.file, this.data.installation) + (source.line ? ', line ' + source.line : ''))
             : this.name(source);
-        return make('button.jump', {type: 'button', onclick: () => show(this.row(source)),
-            title: 'Show the source'}, '← ' + full);
+        return make('button.jump', {type: 'button', onclick: () => this.show(this.row(source)),
+            title: 'Show the source'}, '← ', full);
     }
 
     // The text as it was written, with its key.
@@ -106,64 +119,62 @@ class Sources {
 
     mark(source, kind) {
         const row = this.row(source);
-        const card = row.closest('details');
-        if (card && kind === 'source') {
-            card.open = true;
+        row.marks.add('is-' + kind);
+        if (row.node) {
+            row.node.classList.add('is-' + kind);
         }
-        row.classList.add('is-' + kind);
         this.marked.push(row);
         return row;
     }
 
     clearMarks() {
-        this.marked.forEach((row) => row.classList.remove('is-source', 'is-placeholder', 'is-instead'));
+        for (const row of this.marked) {
+            if (row.node) {
+                row.node.classList.remove(...row.marks);
+            }
+            row.marks.clear();
+        }
         this.marked = [];
     }
 
-    hideEmptyCards() {
-        const isSearching = document.body.classList.contains('is-searching');
-        for (const card of this.cards) {
-            card.hidden = isSearching && ![...card.querySelectorAll('.entry')].some((row) => !row.hidden);
+    // A frame and its rows, each {key, line, content, state, by, words}.
+    addFrame(kind, title, note, id, words, entries) {
+        const head = frameRow('h4', kind, id || null, title, note, words);
+        this.rows.push(head);
+        head.members = entries.map((entry) => this.entry(entry, head));
+        for (const row of head.members) {
+            this.rows.push(row);
         }
+        return head;
     }
 
-    render(search) {
-        return make('div.scroll', null, this.commandLine(search),
-            this.files.map((file, index) => this.file(file, index, search)), this.environment(search),
-            this.card('computed', 'Computed', 'by the launcher itself', [
-                this.entry('computed', '', [make('span.note', null, 'decided or found out while starting')],
-                    '', null, search, ['computed'])]));
-    }
-
-    card(kind, title, note, rows) {
-        const card = make('details.card.' + kind, {open: true},
-            make('summary', null, make('span.title', null, title), make('span.note', null, note)),
-            rows.length === 0 ? null : make('ul.entries', null, rows));
-        this.cards.push(card);
-        return card;
-    }
-
-    entry(key, line, content, state, by, search, words) {
-        const [glyph, label] = kStates[state] || ['', state];
+    entry({key, line = '', content, state = '', by = null, words}, head) {
+        const row = {head, marks: new Set(), words: () => [...words, this.label(state), by]};
         const users = this.users.get(key) || [];
+        row.enter = users.length === 0 ? null : () => this.elementLink(users[0]).click();
         const isSaid = state === '' || (users.length > 0 && state === 'used');
-        const row = make('li.entry' + (state && '.is-' + state.replace(/\W/g, '-')), {tabindex: '-1'},
-            make('span.line', null, String(line)), make('span.content', null, content),
-            make('span.users', null, users.map(this.elementLink)),
-            isSaid ? null : make('span.state', null, make('span.glyph', {'aria-hidden': 'true'}, glyph),
-                ' ', label, by ? [state === 'unused' ? ': ' : ' by ', this.user(by)] : null));
-        if (!this.rows.has(key)) {
-            this.rows.set(key, row);
+        row.build = () => make(['div.entry', ...row.marks].join('.') + (state && '.is-' + state.replace(/\W/g, '-')), null,
+            make('span.line', null, String(line)), make('span.content', null, content()),
+            users.length === 0 ? null : make('span.users' + (users.length > kBeside ? '.below' : ''), null,
+                firstOf(users, kLinks, this.elementLink)),
+            isSaid ? null : make('span.state', null,
+                make('span.glyph', {'aria-hidden': 'true'}, (kStates[state] || [''])[0]),
+                ' ', this.label(state), by ? [state === 'unused' ? ': ' : ' by ', this.user(by)] : null));
+        if (!this.byKey.has(key)) {
+            this.byKey.set(key, row);
         }
-        search.add('lines', row, [...words, label, by]);
         return row;
+    }
+
+    label(state) {
+        return (kStates[state] || ['', state])[1];
     }
 
     // What an entry is used or overridden by: elements, the line of a file, or what it was looked up for.
     user(by) {
         const elements = /^element ([\d, ]+)$/.exec(by);
         if (elements) {
-            return elements[1].split(',').map((index) => this.elementLink(Number(index)));
+            return firstOf(elements[1].split(','), kLinks, (index) => this.elementLink(Number(index)));
         }
         const line = /^(.*):(\d+)$/.exec(by);
         const source = line && {kind: 'file', file: line[1], line: Number(line[2])};
@@ -172,50 +183,48 @@ class Sources {
             : shown(by);
     }
 
-    commandLine(search) {
+    addCommandLine() {
         const dropped = new Map((this.data.dropped || []).map((one) => [one.position, one]));
         const given = this.data.arguments || [];
-        return this.card('command-line', 'Command line', count(given.length, 'argument'),
+        this.addFrame('command-line', 'Command line', count(given.length, 'argument'), '', ['command line'],
             given.map((text, index) => {
                 const key = this.key({kind: 'command line', position: index + 1});
                 const drop = dropped.get(index + 1);
-                const content = [code(text, 'span.value'),
-                    drop ? make('div.why', null, shown(drop.why || '')) : null];
-                const state = this.users.has(key) ? 'used' : drop ? 'not passed on' : 'read by the launcher';
-                return this.entry(key, index + 1, content, state, null, search,
-                    [text, 'command line', drop && drop.why]);
+                return {key, line: index + 1, words: [text, 'command line', drop && drop.why],
+                    state: this.users.has(key) ? 'used' : drop ? 'not passed on' : 'read by the launcher',
+                    content: () => [code(text, 'span.value'),
+                        drop ? make('div.why', null, shown(drop.why || '')) : null]};
             }));
     }
 
-    file(file, index, search) {
+    addFile(file, index) {
         const entries = file.entries || [];
         const path = shortPath(file.path, this.data.installation);
         const used = entries.filter((entry) => entry.state === 'used').length;
-        const card = this.card(file.found ? 'file' : 'missing', shown(path), !file.found ? 'is not there'
-            : entries.length === 0 ? 'no entries' : used + ' of ' + entries.length + ' used',
-        entries.map((entry) => {
-            const content = [code(entry.key ?? '', 'span.key'), make('span.equals', null, '='),
-                code(entry.value ?? '', 'span.value')];
-            return this.entry(this.key({kind: 'file', file: file.path, line: entry.line}), entry.line ?? '',
-                content, entry.state || 'unused', entry.by, search, [file.path, entry.key, entry.value]);
-        }));
-        card.id = 'file-' + (index + 1);
-        this.rows.set(this.key({kind: 'file', file: file.path}), card.querySelector('summary'));
-        return card;
+        const head = this.addFrame(file.found ? 'file' : 'missing', path, !file.found ? 'is not there'
+            : entries.length === 0 ? 'no entries' : grouped(used) + ' of ' + count(entries.length, 'entry', 'entries') + ' used',
+        'file-' + (index + 1), [file.path], entries.map((entry) => ({
+            key: this.key({kind: 'file', file: file.path, line: entry.line}), line: entry.line ?? '',
+            content: () => [code(entry.key ?? '', 'span.key'), make('span.equals', null, '='),
+                code(entry.value ?? '', 'span.value')],
+            state: entry.state || 'unused', by: entry.by, words: [file.path, entry.key, entry.value]})));
+        this.byKey.set(this.key({kind: 'file', file: file.path}), head);
     }
 
     // The environment variables that something came from.
-    environment(search) {
+    addEnvironment() {
         const values = new Map();
         for (const {source, value} of this.namedSources()) {
             if (source.kind === 'environment' && values.get(source.name) === undefined) {
                 values.set(source.name, value);
             }
         }
-        return values.size === 0 ? null : this.card('environment-card', 'Environment',
-            count(values.size, 'variable'), [...values].sort().map(([name, value]) => this.entry(
-                this.key({kind: 'environment', name}), '', [code(name, 'span.key'),
-                    value === undefined ? null : [make('span.equals', null, '='), code(value, 'span.value')]],
-                '', null, search, [name, value, 'environment'])));
+        if (values.size > 0) {
+            this.addFrame('environment-card', 'Environment', count(values.size, 'variable'), '', ['environment'],
+                [...values].sort().map(([name, value]) => ({key: this.key({kind: 'environment', name}),
+                    words: [name, value, 'environment'],
+                    content: () => [code(name, 'span.key'),
+                        value === undefined ? null : [make('span.equals', null, '='), code(value, 'span.value')]]})));
+        }
     }
 }

@@ -1,8 +1,27 @@
 // The page comes to life.
 {
     const data = JSON.parse(document.getElementById('data').textContent);
-    const search = new Search();
     const pages = {check: Report, diff: Differences};
-    const page = new (pages[data.command] || Explanation)(data, search);
+    const page = new (pages[data.command] || Explanation)(data, new Search());
     page.render(document.getElementById('main'));
+    // What a link leads to stops below what stays at the top.
+    const tops = document.querySelectorAll('.top, .search');
+    const settle = () => {
+        const top = [...tops].find((node) => getComputedStyle(node).position === 'sticky');
+        document.documentElement.style.scrollPaddingTop = top.offsetHeight + 8 + 'px';
+        List.updateAll();
+    };
+    settle();
+    // Both come before the next frame is painted, so nothing empty is ever seen.
+    document.addEventListener('scroll', () => List.updateAll(), {capture: true, passive: true});
+    new ResizeObserver(settle).observe(document.body);
+    window.addEventListener('resize', settle);
+    window.addEventListener('beforeprint', () => List.print(true));
+    window.addEventListener('afterprint', () => List.print(false));
+    page.follow();
+    window.addEventListener('hashchange', () => page.follow());
+    requestAnimationFrame(() => setTimeout(() => {
+        performance.mark('painted');
+        List.all.forEach((list) => list.rows.forEach((row) => list.textOf(row)));
+    }));
 }

@@ -93,6 +93,12 @@ TEST_F(Page, OnlyItsDataDependOnWhatItShows) {
               other.replace(other.find(dataOf(other)), dataOf(other).size(), ""));
 }
 
+// It goes by mail, and most of it is what it shows.
+TEST_F(Page, IsSmallWithoutItsData) {
+    constexpr std::size_t kMost = std::size_t{300} * 1024;
+    EXPECT_LT(written(explanationOf("x")).size(), kMost);
+}
+
 TEST_F(Page, NeedsNothingBesideIt) {
     const std::string page = written(explanationOf("x"));
     EXPECT_THAT(allMatches(page, R"re(\b(src|srcset|action|poster|background)=)re"), IsEmpty());

@@ -1,97 +1,7 @@
 """What the pages of rcpinspect are asked to do in a browser; check-page runs it."""
-import json
+from page_steps import details, element, expect, is_in_pane, test
 
-TESTS = []  # (name, page, function)
 BLOCKED = "http://127.0.0.1:9/"
-
-
-def test(page):
-    def add(function):
-        TESTS.append((function.__name__.replace("_", " "), page, function))
-        return function
-    return add
-
-
-def large_explanation(size):
-    """An explanation of `size` elements, every one from a line of its own."""
-    path = "/opt/velmo/rcp/jvm.properties"
-
-    def source(number):
-        return {"kind": "file", "file": path, "line": number, "key": f"vmarg.n{number:04}",
-                "value": f"-Dnumber={number}"}
-    numbers = range(1, size + 1)
-    return {
-        "layout": 1, "command": "explain", "launcher": "/opt/velmo/rcp/rcplauncher",
-        "installation": "/opt/velmo", "arguments": [],
-        "outcome": {"kind": "in-process", "program": "/opt/velmo/eclipse.so", "role": "daemon"},
-        "facts": {"workspace": "/w", "firstLaunch": True},
-        "elements": [{"text": f"-Dnumber={number}", "rule": "vmarg entries by name",
-                      "source": source(number), "placeholders": [], "instead": []}
-                     for number in numbers],
-        "dropped": [], "environment": [], "changes": [], "records": [],
-        "files": [{"path": path, "found": True, "entries": [
-            {"line": number, "key": f"vmarg.n{number:04}", "value": f"-Dnumber={number}",
-             "state": "used", "by": f"element {number - 1}"} for number in numbers]}],
-    }
-
-
-def fatal_explanation():
-    """An explanation of a launch that fails, from a file that is not among those it read."""
-    missing = {"kind": "file", "file": "/opt/velmo/Info.plist", "line": 7, "key": "Minimum", "value": "9"}
-    return {
-        "layout": 1, "command": "explain", "launcher": "/opt/velmo/rcp/rcplauncher",
-        "installation": "/opt/velmo", "arguments": ["-maxargcnt", "9"],
-        "outcome": {"kind": "fatal", "role": "undecided", "status": 255,
-                    "record": "ZYPRA0000E: a record", "cause": "Something is missing. Put it there."},
-        "facts": {"waits": ["for the platform", "for the lock"], "lockHolder": 123},
-        "elements": [], "dropped": [], "changes": [], "records": [],
-        "environment": [{"name": "X", "before": None, "after": "1", "source": missing}],
-        "files": [{"path": "/opt/velmo/rcp/rcplauncher.properties", "found": False, "entries": []}],
-    }
-
-
-def clean_report():
-    return {"layout": 1, "command": "check", "installation": "/opt/velmo", "findings": [],
-            "summary": {"errors": 0, "warnings": 0}}
-
-
-def difference():
-    """A new installation with one more option, one file less, and a finding that went."""
-    settings = {"kind": "file", "file": "/opt/new/rcp/rcplauncher.properties", "line": 9, "key": "vmarg.a", "value": "-Da=1"}
-    return {
-        "layout": 1, "command": "diff", "isDifferent": True,
-        "first": {"installation": "/opt/old", "level": "1", "date": "2026-01-01", "outcome": {"kind": "execv", "role": "main"}},
-        "second": {"installation": "/opt/new", "level": "2", "date": "2026-02-01", "outcome": {"kind": "provisioning", "role": "main"}},
-        "elements": [{"change": "added", "element": 3, "text": "-Da=1", "source": settings}],
-        "environment": [], "copies": [],
-        "properties": [{"change": "added", "name": "vmarg.a", "value": "-Da=1", "source": settings}],
-        "files": [{"change": "removed", "path": "plugins/<b>old.jar"}],
-        "findings": [{"change": "removed", "code": "RI202", "name": "unread-key", "level": "warning",
-                      "file": "rcp/rcplauncher.properties", "line": 4, "message": "nothing looks at \"x\""}],
-    }
-
-
-# What has no file of its own among the data.
-PAGES = {"large": large_explanation(1000), "fatal": fatal_explanation(), "clean": clean_report(),
-         "difference": difference()}
-
-
-def element(page, number):
-    return page.one(f"#element-{number} .head")
-
-
-def details(page, number):
-    return page.one(f"#details-{number}")
-
-
-def expect(actual, wanted):
-    assert actual == wanted, f"{actual!r} instead of {wanted!r}"
-
-
-def is_in_pane(page, node):
-    return page.run("""const pane = arguments[0].closest('.scroll').getBoundingClientRect();
-        const box = arguments[0].getBoundingClientRect();
-        return box.top >= pane.top && box.bottom <= pane.bottom;""", node)
 
 
 @test("explanation")
@@ -190,9 +100,11 @@ def search_filters_elements_lines_and_sections(page):
     expect(len(page.seen(".card")), 2)
     page.search("SAMPLE_REMOVED")
     expect(page.seen(".element"), [])
-    expect(len(page.seen("#environment li")), 1)
+    expect(len(page.seen("#environment .row")), 1)
     page.search("no such thing")
     expect(page.text("#found"), "nothing found")
+    expect([link.text for link in page.seen("#contents a")], ["Outcome"])
+    expect([section.get_attribute("id") for section in page.seen("section")], ["outcome"])
     page.one("#search").send_keys(page.keys.ESCAPE)
     expect(len(page.seen(".element")), 17)
     expect(page.text("#found"), "")
@@ -310,7 +222,7 @@ def paper_has_all_details(page):
 def a_fatal_end_comes_with_its_record_and_cause(page):
     assert "Ends with an error, status 255" in page.text("h1"), page.text("h1")
     outcome = page.text("#outcome")
-    for wanted in ("ZYPRA0000E: a record", "Something is missing. Put it there.", "for the platform", "123"):
+    for wanted in ("ZYPRA0000E: a record", "Something is missing. Put it behind -vm.", "for the platform", "123"):
         assert wanted in outcome, f"{wanted!r} is not in {outcome!r}"
     assert "None: the launch ends before" in page.text(".results")
     assert "is not there" in page.text(".card.missing")
@@ -319,7 +231,7 @@ def a_fatal_end_comes_with_its_record_and_cause(page):
 
 @test("fatal")
 def a_source_in_a_file_that_is_not_listed_has_a_line_too(page):
-    card = page.one(".sources").find_element(page.By.XPATH, ".//details[contains(., 'Info.plist')]")
+    card = page.one(".sources").find_element(page.By.XPATH, ".//div[@class='list'][contains(., 'Info.plist')]")
     assert "Minimum=9" in card.text, card.text
 
 
@@ -329,20 +241,17 @@ def nothing_found_is_said(page):
     expect(page.all(".finding"), [])
 
 
-@test("large")
-def a_thousand_elements_are_usable(page):
-    expect(len(page.all(".element")), 1000)
-    assert "Loads eclipse.so, as daemon" in page.text("h1")
-    page.open("#element-899")
-    source = page.one(".sources .is-source")
-    page.settle()
-    assert is_in_pane(page, source) and is_in_pane(page, element(page, 899))
-    drawn = len(page.all(".picture .lines path"))
-    assert 1 <= drawn < 200, f"{drawn} lines are drawn"
-    page.search("number=77")
-    expect(len(page.seen(".element")), 11)
-    page.search("")
-    page.shoot("explain-large")
+@test("fatal")
+def the_head_of_a_page_says_how_it_was_made(page):
+    made = page.text(".made")
+    for wanted in ("2026-01-02 03:04 UTC", "rcpinspect 1.2.3", "user ann", "locale de_DE.UTF-8"):
+        assert wanted in made, f"{wanted!r} is not in {made!r}"
+    assert "host" not in made
+
+
+@test("difference")
+def a_host_that_was_told_is_named(page):
+    assert "host dawn" in page.text(".made")
 
 
 @test("report")
@@ -370,6 +279,7 @@ def search_and_kinds_filter_findings(page):
     expect(len(page.seen(".card")), 1)
     expect(page.text("#found"), "2 of 6 findings")
     page.search("")
+    assert "unknown-key, 2 findings" in page.text("#codes"), page.text("#codes")
     page.one("#codes").find_element(page.By.XPATH, ".//button[.='RI0102']").click()
     expect([node.get_attribute("id") for node in page.seen(".finding")], ["finding-2", "finding-3"])
 
@@ -377,11 +287,12 @@ def search_and_kinds_filter_findings(page):
 @test("report")
 def links_lead_to_findings_and_files(page):
     page.search("chmod")
-    page.one("#codes").find_element(page.By.LINK_TEXT, "4").click()
+    page.run("location.hash = '#finding-4'")
     page.settle()
     assert page.one("#finding-4").is_displayed()
     expect(page.driver.switch_to.active_element.get_attribute("id"), "finding-4")
-    page.run("document.getElementById('file-2').open = false")
+    page.one("#file-2 button").click()
+    expect(page.all("#finding-4"), [])
     page.one("#summary").find_element(page.By.LINK_TEXT, "rcp/jvm.properties").click()
     page.settle()
     assert page.one("#finding-4").is_displayed()
@@ -408,4 +319,5 @@ def a_difference_tells_both_ends_and_each_side_of_every_part(page):
 @test("difference")
 def differences_are_searched(page):
     page.search("old.jar")
-    expect([node.is_displayed() for node in page.all(".rows li .verb[title]")], [False, False, True, False])
+    expect([node.text for node in page.seen(".list .row")], ["− only in the first\nplugins/<b>old.jar"])
+    expect([node.text for node in page.seen("h2")], ["Files"])

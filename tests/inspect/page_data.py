@@ -1,0 +1,94 @@
+"""What the pages of rcpinspect show in their tests, beside the files of data/."""
+
+
+def large_explanation(size):
+    """An explanation of `size` elements, every one from a line of its own; some are longer than a line."""
+    path = "/opt/velmo/rcp/jvm.properties"
+
+    def value(number):
+        return f"-Dnumber={number}" + (",/some/long path" * (number % 40) if number % 7 == 0 else "")
+
+    def source(number):
+        return {"kind": "file", "file": path, "line": number, "key": f"vmarg.n{number:04}", "value": value(number)}
+    numbers = range(1, size + 1)
+    return {
+        "layout": 1, "command": "explain", "launcher": "/opt/velmo/rcp/rcplauncher",
+        "installation": "/opt/velmo", "arguments": [],
+        "outcome": {"kind": "in-process", "program": "/opt/velmo/eclipse.so", "role": "daemon"},
+        "facts": {"workspace": "/w", "firstLaunch": True},
+        "elements": [{"text": value(number), "rule": "vmarg entries by name",
+                      "source": source(number), "placeholders": [], "instead": []}
+                     for number in numbers],
+        "dropped": [], "environment": [], "changes": [], "records": [],
+        "files": [{"path": path, "found": True, "entries": [
+            {"line": number, "key": f"vmarg.n{number:04}", "value": value(number),
+             "state": "used", "by": f"element {number - 1}"} for number in numbers]}],
+    }
+
+
+def fatal_explanation():
+    """An explanation of a launch that fails, from a file that is not among those it read."""
+    missing = {"kind": "file", "file": "/opt/velmo/Info.plist", "line": 7, "key": "Minimum", "value": "9"}
+    return {
+        "layout": 1, "command": "explain", "launcher": "/opt/velmo/rcp/rcplauncher",
+        "installation": "/opt/velmo", "arguments": ["-maxargcnt", "9"],
+        "outcome": {"kind": "fatal", "role": "undecided", "status": 255,
+                    "program": "/opt/velmo/rcp/eclipse/eclipse",
+                    "record": "ZYPRA0000E: a record", "cause": "Something is missing. Put it behind `-vm`."},
+        "made": {"time": "2026-01-02 03:04 UTC", "version": "1.2.3", "user": "ann", "locale": "de_DE.UTF-8"},
+        "facts": {"waits": ["for the platform", "for the lock"], "lockHolder": 123},
+        "elements": [], "dropped": [], "changes": [], "records": [],
+        "environment": [{"name": "X", "before": None, "after": "1", "source": missing}],
+        "files": [{"path": "/opt/velmo/rcp/rcplauncher.properties", "found": False, "entries": []}],
+    }
+
+
+def computed_explanation(size):
+    """An explanation whose elements all are the launcher's own; the last was given `size` times."""
+    losers = [{"text": f"-Xmx{number}m", "why": "it stands behind", "source": {"kind": "command line", "position": 1}}
+              for number in range(size)]
+    told = large_explanation(size)
+    told["files"] = []
+    told["elements"] = [{**element, "source": {"kind": "computed"}} for element in told["elements"]]
+    told["elements"][-1]["instead"] = losers
+    return told
+
+
+def report(files):
+    """A report with one finding for each of these files."""
+    return {"layout": 1, "command": "check", "installation": "/opt/velmo",
+            "findings": [{"code": "RI202", "name": "unread-key", "level": "warning", "file": file, "line": number,
+                          "message": f'nothing looks at "number{number}"', "remedy": "Remove the line."}
+                         for number, file in enumerate(files, 1)],
+            "summary": {"errors": 0, "warnings": len(files)}}
+
+
+def large_difference(size):
+    told = difference()
+    told["files"] = [{"change": "removed", "path": f"plugins/part{number}.jar"} for number in range(1, size + 1)]
+    return told
+
+
+def difference():
+    """A new installation with one more option, one file less, and a finding that went."""
+    settings = {"kind": "file", "file": "/opt/new/rcp/rcplauncher.properties", "line": 9, "key": "vmarg.a", "value": "-Da=1"}
+    return {
+        "layout": 1, "command": "diff", "isDifferent": True,
+        "made": {"time": "2026-01-02 03:04 UTC", "version": "1.2.3", "user": "ann", "host": "dawn", "locale": "C"},
+        "first": {"installation": "/opt/old", "level": "1", "date": "2026-01-01", "outcome": {"kind": "execv", "role": "main"}},
+        "second": {"installation": "/opt/new", "level": "2", "date": "2026-02-01", "outcome": {"kind": "provisioning", "role": "main"}},
+        "elements": [{"change": "added", "element": 3, "text": "-Da=1", "source": settings}],
+        "environment": [], "copies": [],
+        "properties": [{"change": "added", "name": "vmarg.a", "value": "-Da=1", "source": settings}],
+        "files": [{"change": "removed", "path": "plugins/<b>old.jar"}],
+        "findings": [{"change": "removed", "code": "RI202", "name": "unread-key", "level": "warning",
+                      "file": "rcp/rcplauncher.properties", "line": 4, "message": "nothing looks at \"x\""}],
+    }
+
+
+# What has no file of its own among the data.
+MANY = 10000
+PAGES = {"large": large_explanation(MANY), "fatal": fatal_explanation(), "clean": report([]),
+         "computed": computed_explanation(500), "difference": difference(), "large-difference": large_difference(MANY),
+         "large-report": report(["/opt/velmo/rcp/rcplauncher.properties"] * MANY),
+         "many-files": report([f"/opt/velmo/rcp/plugins/part{number}.properties" for number in range(1, MANY + 1)])}
