@@ -3,6 +3,7 @@
 #include "inspect/bundle/bundle.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
+#include "inspect/hand_out.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
 #include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
@@ -183,12 +184,17 @@ int run(int argc, char** argv) {
     std::string installation;
     std::string launcher;
     std::string other;
+    bool showsSecrets = false;
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
         sub->add_option("--install", installation, "the installation's directory");
         sub->add_option("--launcher", launcher, "the launcher's executable")->excludes("--install");
         sub->add_option("--format", format, "text, json and, of some, sarif or html FILE")
             ->expected(1, 2);
+        sub->add_flag("--redact", options.isRedacted,
+                      "secrets, names and home folders are taken out; a page needs no word for it");
+        sub->add_flag("--show-secrets", showsSecrets, "a page with secrets and all")
+            ->excludes("--redact");
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
     app.get_subcommand("why")->footer(
@@ -220,6 +226,7 @@ int run(int argc, char** argv) {
     if (const auto problem = settleFormat(format, *command, options)) {
         return wrongUse(*problem);
     }
+    options.isRedacted |= options.format == Format::kHtml && !showsSecrets;
     const CLI::App& sub = *app.get_subcommands().front();
     if ((sub.count("--install") > 0 && installation.empty()) ||
         (sub.count("--launcher") > 0 && launcher.empty())) {
@@ -247,7 +254,7 @@ int run(int argc, char** argv) {
             return wrongUse("no launcher at " + other);
         }
     }
-    const int status = command->carryOut(options);
+    const int status = handOut(command->carryOut, options);
     // What is not all there must not pass for a result.
     if (!std::cout.flush() || fflush(stdout) != 0 || ferror(stdout) != 0) {
         std::cerr << "rcpinspect: the output cannot be written\n";

@@ -1,15 +1,10 @@
 #include "inspect/making.h"
 
-#include "inspect/page/page.h"
-
-#include <errno.h>
 #include <pwd.h>
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <array>
-#include <iostream>
 #include <nlohmann/json.hpp>
 
 namespace rcp::inspect {
@@ -33,6 +28,11 @@ std::string effectiveUser() {
     return user == nullptr ? std::to_string(geteuid()) : std::string(user->pw_name);
 }
 
+std::string hostName() {
+    std::array<char, 256> name{};
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
 std::string dateAndTime(time_t time) {
     std::array<char, 32> text{};
     tm parts{};
@@ -45,15 +45,6 @@ nlohmann::json describeMaking() {
             {"version", RCP_VERSION},
             {"user", effectiveUser()},
             {"locale", localeName()}};
-}
-
-int leavePage(nlohmann::json told, const Options& options) {
-    told["made"] = describeMaking();
-    if (!writePage(told, options.page)) {
-        std::cerr << "rcpinspect: " << options.page << ": " << strerror(errno) << '\n';
-        return kCannotCreate;
-    }
-    return kSuccess;
 }
 
 }  // namespace rcp::inspect

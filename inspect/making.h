@@ -1,8 +1,6 @@
 // When, by whom and with what something was told: what somebody who gets it by mail has to know.
 #pragma once
 
-#include "inspect/options.h"
-
 #include <time.h>
 
 #include <nlohmann/json_fwd.hpp>
@@ -16,11 +14,10 @@ std::string effectiveUser();
 /// "2026-11-22 13:05 UTC".
 std::string dateAndTime(time_t time);
 
+/// The name of this machine; empty when the system does not tell.
+std::string hostName();
+
 /// The member `made` of docs/inspect-layout.md.
 nlohmann::json describeMaking();
-
-/// Writes the page of what was told, with how it was made. The exit status when that fails: its
-/// record has been written then.
-int leavePage(nlohmann::json told, const Options& options);
 
 }  // namespace rcp::inspect

@@ -13,6 +13,7 @@ struct Options {
     std::string installation;  // the directory it belongs to: where "rcp/rcplauncher" lies
     Format format = Format::kText;
     std::string page;                    // the file that Format::kHtml writes
+    bool isRedacted = false;             // secrets and who the user is are taken out of it
     bool isColored = false;              // a terminal that may be coloured reads the text
     bool isAll = false;                  // lists in full, however long they are
     bool isStrict = false;               // check: warnings count as errors

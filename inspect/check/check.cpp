@@ -4,7 +4,6 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
-#include "inspect/making.h"
 #include "launcher/process_entry.h"
 
 #include <iostream>
@@ -52,17 +51,11 @@ int check(const Options& options) {
             std::cout << textReport(examination, findings, {options.isColored, options.isAll});
             break;
         case Format::kJson:
+        case Format::kHtml:  // which is made of it
             std::cout << dump(jsonReport(examination, findings));
             break;
         case Format::kSarif:
             std::cout << dump(sarifReport(examination, findings));
-            break;
-        case Format::kHtml:
-            if (const int status = leavePage(
-                    nlohmann::json::parse(dump(jsonReport(examination, findings))), options);
-                status != kSuccess) {
-                return status;
-            }
             break;
     }
     return checkStatus(findings, options.isStrict);

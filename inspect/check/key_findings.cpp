@@ -2,6 +2,7 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/near_keys.h"
+#include "inspect/redaction/secret_names.h"
 #include "launcher/command_line/main_options.h"
 #include "launcher/inputs/arguments.h"
 #include "launcher/inputs/install_configuration.h"
@@ -214,6 +215,7 @@ std::set<std::wstring> referredKeys(const Examination& examination) {
 void findInKeys(const Examination& examination, Findings& findings) {
     const LaunchInputs& inputs = examination.inputs;
     std::set<std::wstring> looked = referredKeys(examination);
+    looked.emplace(kSecretNamesKey);
     addCompletionProperties(examination, looked);
     findMissing(examination, findings);
     for (const PropertyFile& file : examination.files) {

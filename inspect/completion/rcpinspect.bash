@@ -14,7 +14,7 @@ _rcpinspect() {
     if [[ $previous == html && ${COMP_WORDS[COMP_CWORD - 2]} == --format ]]; then
         previous="--format html"
     fi
-    local formats="text json" options="--install --launcher --format --help"
+    local formats="text json" options="--install --launcher --format --redact --show-secrets --help"
     case $command in
         config) options+=" --files" ;;
         explain) formats+=" html" options+=" --all" ;;

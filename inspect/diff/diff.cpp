@@ -1,6 +1,5 @@
 #include "inspect/commands.h"
 #include "inspect/diff/compare.h"
-#include "inspect/making.h"
 
 #include <exception>
 #include <iostream>
@@ -39,10 +38,6 @@ int diff(const Options& options) {
         const json result = compareAsAsked(options);
         if (options.format == Format::kJson) {
             std::cout << result.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
-        } else if (options.format == Format::kHtml) {
-            if (const int status = leavePage(result, options); status != kSuccess) {
-                return status;
-            }
         } else {
             std::cout << differenceText(result, {options.isColored, options.isAll});
         }

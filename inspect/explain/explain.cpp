@@ -2,7 +2,6 @@
 #include "inspect/copies/describe_copies.h"
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
-#include "inspect/making.h"
 
 #include <exception>
 #include <iostream>
@@ -17,8 +16,6 @@ int explain(const Options& options) {
         if (options.format == Format::kJson) {
             std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';
-        } else if (options.format == Format::kHtml) {
-            return leavePage(std::move(explanation), options);
         } else {
             std::cout << explanationText(explanation, {options.isColored, options.isAll});
         }

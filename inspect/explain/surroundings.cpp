@@ -1,6 +1,7 @@
 // What else a launch reads and leaves: property files, variables, changed files, its log.
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
+#include "inspect/redaction/secret_names.h"
 #include "launcher/vocabulary/property_keys.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/text.h"
@@ -61,6 +62,9 @@ Use useOfIdle(const Property& entry, const Account& account) {
     }
     if (keyFileOf(*entry.origin.file) == kArgsFile) {
         return {"unused", "kept for a restart"};
+    }
+    if (entry.key == kSecretNamesKey) {
+        return {"unused", "rcpinspect takes names of secrets from it"};
     }
     return {"unused", known == nullptr ? "nothing reads this key" : "nothing reads it there"};
 }

@@ -2,7 +2,6 @@
 #include "inspect/status/report.h"
 
 #include <signal.h>
-#include <stdio.h>
 #include <time.h>
 
 #include <exception>
@@ -61,7 +60,7 @@ std::string render(const WorkspaceState& state, const Options& options) {
 }
 
 bool print(const std::string& text) {
-    return fwrite(text.data(), 1, text.size(), stdout) == text.size() && fflush(stdout) == 0;
+    return (std::cout << text << std::flush).good();
 }
 
 // Until the user has had enough, or nobody reads any more.

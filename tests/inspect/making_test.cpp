@@ -11,7 +11,6 @@ namespace rcp::inspect {
 namespace {
 
 using test::ScopedVariable;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 class Making : public test::LauncherTest {
@@ -42,21 +41,6 @@ TEST_F(Making, TheLocaleIsTheOneThatCountsForCharacters) {
     EXPECT_EQ(describeMaking()["locale"], "C.UTF-8");
     const ScopedVariable all("LC_ALL", "");
     EXPECT_EQ(describeMaking()["locale"], "C.UTF-8");
-}
-
-TEST_F(Making, OnlyThePageOfWhatIsToldSaysIt) {
-    Options options;
-    options.page = folder_.narrow("page.html");
-    EXPECT_EQ(leavePage({{"command", "explain"}}, options), kSuccess);
-    EXPECT_THAT(folder_.read("page.html"), HasSubstr(R"("made":{"locale":"C")"));
-}
-
-TEST_F(Making, APageThatCannotBeWrittenIsSaid) {
-    Options options;
-    options.page = folder_.narrow("missing/page.html");
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(leavePage({{"command", "explain"}}, options), kCannotCreate);
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("missing/page.html: "));
 }
 
 }  // namespace

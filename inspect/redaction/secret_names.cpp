@@ -1,0 +1,129 @@
+#include "inspect/redaction/secret_names.h"
+
+#include "inspect/check/finding.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+
+namespace rcp::inspect {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// Those that are secret however a word ends in them: "dbpassword".
+constexpr std::string_view kPlainWords[] = {"password", "passwd", "passphrase", "passcode",
+                                            "secret",   "token",  "credential"};
+// Those that are only as whole words.
+constexpr std::string_view kWholeWords[] = {"pwd",  "pw",     "pass",   "key",
+                                            "keys", "apikey", "auth",   "authorization",
+                                            "jwt",  "cookie", "bearer", "privatekey"};
+// Behind such a word they say where or of which kind a secret is, and not what it is.
+constexpr std::string_view kAbout[] = {
+    "store",    "file",   "path",   "dir",     "directory", "folder",  "location",
+    "size",     "length", "type",   "map",     "mapping",   "board",   "binding",
+    "bindings", "stroke", "format", "timeout", "policy",    "through", "algorithm"};
+// Of a shell: the folder it is in.
+constexpr std::string_view kNoSecrets[] = {"PWD", "OLDPWD"};
+
+template <typename List>
+bool isOneOf(const List& list, std::string_view word) {
+    return std::find(std::begin(list), std::end(list), word) != std::end(list);
+}
+
+bool isUpper(char character) {
+    return std::isupper(static_cast<unsigned char>(character)) != 0;
+}
+bool isLower(char character) {
+    return std::islower(static_cast<unsigned char>(character)) != 0;
+}
+bool isLetter(char character) {
+    return std::isalpha(static_cast<unsigned char>(character)) != 0;
+}
+
+// "apiKey" has a word's beginning at "K", and so has "APIKey".
+bool beginsWord(std::string_view name, std::size_t at) {
+    const bool isBehindLetter = at > 0 && isLetter(name[at - 1]);
+    if (!isBehindLetter) {
+        return true;
+    }
+    return isUpper(name[at]) &&
+           (isLower(name[at - 1]) || (at + 1 < name.size() && isLower(name[at + 1])));
+}
+
+std::string_view singular(std::string_view word) {
+    return word.ends_with('s') ? word.substr(0, word.size() - 1) : word;
+}
+
+bool isPlainWord(std::string_view word) {
+    return std::any_of(std::begin(kPlainWords), std::end(kPlainWords),
+                       [&](std::string_view known) { return singular(word).ends_with(known); });
+}
+
+// "-Dkey" is the system property "key".
+bool isSecretWord(std::string_view word) {
+    return isPlainWord(word) || isOneOf(kWholeWords, word) ||
+           isOneOf(kWholeWords, singular(word)) ||
+           (word.starts_with('d') && isOneOf(kWholeWords, word.substr(1)));
+}
+
+template <typename Condition>
+bool hasSecretWord(const Words& words, Condition isSecret) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (isSecret(words[i]) && (i + 1 == words.size() || !isOneOf(kAbout, words[i + 1]))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// "unread-key: ..." is a line of check.
+bool isFinding(std::string_view name) {
+    const auto rules = findingRules();
+    return std::any_of(rules.begin(), rules.end(),
+                       [&](const FindingRule& rule) { return name == rule.name; });
+}
+
+}  // namespace
+
+std::vector<std::string> wordsOf(std::string_view name) {
+    Words words;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        if (!isLetter(name[i])) {
+            continue;
+        }
+        if (beginsWord(name, i)) {
+            words.emplace_back();
+        }
+        words.back() += static_cast<char>(std::tolower(static_cast<unsigned char>(name[i])));
+    }
+    return words;
+}
+
+void SecretNames::add(std::string_view list) {
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find(','), list.size());
+        if (Words words = wordsOf(list.substr(0, end)); !words.empty()) {
+            further_.push_back(std::move(words));
+        }
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+}
+
+bool SecretNames::isSecret(std::string_view name) const {
+    if (isOneOf(kNoSecrets, name) || isFinding(name)) {
+        return false;
+    }
+    const Words words = wordsOf(name);
+    return hasSecretWord(words, isSecretWord) ||
+           std::any_of(further_.begin(), further_.end(), [&](const Words& one) {
+               return std::search(words.begin(), words.end(), one.begin(), one.end()) !=
+                      words.end();
+           });
+}
+
+bool SecretNames::isPlainlySecret(std::string_view name) {
+    return hasSecretWord(wordsOf(name), isPlainWord);
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,32 @@
+// Which names of keys, options and variables promise a value that is nobody's business.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rcp::inspect {
+
+/// The key in rcplauncher.properties with which an installation names further secrets of its own:
+/// "badge.number, iban". The launcher itself never asks for it.
+inline constexpr std::wstring_view kSecretNamesKey = L"rcpinspect.redact";
+
+/// The words of a name in small letters: "db.apiKey", "DB_API_KEY" and "-Ddb-api-key" have the same.
+std::vector<std::string> wordsOf(std::string_view name);
+
+class SecretNames {
+  public:
+    SecretNames() = default;
+    /// With further names, separated by commas; one of several words is met where they follow each other.
+    void add(std::string_view list);
+
+    /// Whether it looks secret: by whole words, for a keyboard is no key. When in doubt it does.
+    [[nodiscard]] bool isSecret(std::string_view name) const;
+    /// The same by a word that can hardly mean anything else, so that a blank behind it separates a value.
+    [[nodiscard]] static bool isPlainlySecret(std::string_view name);
+
+  private:
+    std::vector<std::vector<std::string>> further_;
+};
+
+}  // namespace rcp::inspect

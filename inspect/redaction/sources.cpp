@@ -1,0 +1,63 @@
+#include "inspect/redaction/sources.h"
+
+#include "inspect/check/examination.h"
+#include "inspect/explain/account.h"
+#include "inspect/explain/rehearse_launch.h"
+#include "inspect/quiet_read.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace rcp::inspect {
+namespace {
+
+// First of all: what is a secret depends on them.
+void addNames(const Examination& examination, Redactor& redactor) {
+    for (const Property& entry : examination.inputs.properties.entries()) {
+        if (entry.key == kSecretNamesKey) {
+            redactor.addNames(toNarrow(entry.value));
+        }
+    }
+}
+
+void learnInstallation(const Options& options, Redactor& redactor) {
+    const Examination examination = examine(options);
+    addNames(examination, redactor);
+    for (const PropertyFile& file : examination.files) {
+        redactor.learn(file.bytes);
+        for (const Property& entry : file.entries.entries()) {
+            redactor.learn(toNarrow(entry.key), toNarrow(entry.value));
+        }
+    }
+    try {
+        const nlohmann::json explanation = explainLaunch(options);
+        for (const nlohmann::json& file : explanation["files"]) {
+            redactor.learn(readQuietly(file["path"]));
+        }
+        redactor.learnDocument(Redactor::Json(explanation));
+    } catch (const std::exception&) {
+        // The command will say so; what is known without a launch is known.
+    }
+}
+
+}  // namespace
+
+void learnFrom(const Options& options, Redactor& redactor) {
+    Options other = options;
+    other.launcher = options.other;
+    if (!options.other.empty()) {
+        other.installation = installationOf(options.other);
+        learnInstallation(other, redactor);
+    }
+    if (!options.launcher.empty()) {
+        learnInstallation(options, redactor);
+    }
+    for (const auto& [name, value] : environmentNow()) {
+        redactor.learn(name, value);
+        redactor.learn(value);
+    }
+    redactor.learnDocument(Redactor::Json(options.arguments));
+}
+
+}  // namespace rcp::inspect

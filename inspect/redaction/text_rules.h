@@ -1,0 +1,30 @@
+// Where secrets stand in a text that nobody has taken apart: a line of a file, an argument, a record, a page
+// of output.
+#pragma once
+
+#include "inspect/redaction/secret_names.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rcp::inspect {
+
+struct SecretPart {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    std::string name;  // of the value: "db.password"; of others what they are: "user-info of a URL"
+};
+
+/// What has been redacted begins so.
+inline constexpr std::string_view kMark = "<redacted:";
+
+/// In order; none overlaps another. Values of names that look secret behind "=", ":", a blank or in an element
+/// of XML, defaults of placeholders for such variables, options followed by their values, user-info of
+/// URLs, bearer tokens, PEM blocks.
+std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& names);
+
+/// Whether such a value says nothing though its name is secret: "true", "${env.TOKEN}", what is redacted.
+bool isHarmless(std::string_view value);
+
+}  // namespace rcp::inspect

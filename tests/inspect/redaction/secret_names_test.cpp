@@ -1,0 +1,103 @@
+#include "inspect/redaction/secret_names.h"
+
+#include "launcher/vocabulary/property_keys.h"
+#include "launcher/vocabulary/variables.h"
+#include "platform/text.h"
+
+#include <gtest/gtest.h>
+
+namespace rcp::inspect {
+namespace {
+
+TEST(SecretNames, AreMetByWholeWordsHoweverTheyAreWritten) {
+    const SecretNames names;
+    for (const char* name : {"password",
+                             "db.password",
+                             "db.passwd",
+                             "dbPassword",
+                             "dbpassword",
+                             "DB_PASSWORD",
+                             "-Ddb.password",
+                             "-Dpassword",
+                             "--password",
+                             "PASSWORD1",
+                             "passwords",
+                             "api.key",
+                             "apiKey",
+                             "APIKey",
+                             "apikey",
+                             "ACCESS_KEY",
+                             "-Dkey",
+                             "key",
+                             "keys",
+                             "secret",
+                             "client-secret",
+                             "clientSecret",
+                             "authToken",
+                             "accesstoken",
+                             "credentials",
+                             "proxy.auth",
+                             "Authorization",
+                             "Cookie",
+                             "session_cookie",
+                             "env.GITHUB_TOKEN",
+                             "javax.net.ssl.keyStorePassword",
+                             "vmarg.Dpassphrase",
+                             "pwd",
+                             "ssh.private.key"}) {
+        EXPECT_TRUE(names.isSecret(name)) << name;
+    }
+}
+
+TEST(SecretNames, AreNoPartsOfOtherWords) {
+    const SecretNames names;
+    for (const char* name : {"keyboard",
+                             "key.board",
+                             "monkey",
+                             "turkey.size",
+                             "hotkeys",
+                             "keyring",
+                             "author",
+                             "authority",
+                             "bypass",
+                             "passenger",
+                             "compass",
+                             "secretary",
+                             "tokenizer",
+                             "cookiecutter",
+                             "PWD",
+                             "OLDPWD",
+                             "javax.net.ssl.keyStore",
+                             "keystore",
+                             "keystore.path",
+                             "key.file",
+                             "keyFile",
+                             "password.policy",
+                             "token.type",
+                             "keyBindings",
+                             "rcpinspect.redact",
+                             ""}) {
+        EXPECT_FALSE(names.isSecret(name)) << name;
+    }
+}
+
+TEST(SecretNames, OfTheLauncherAreNone) {
+    const SecretNames names;
+    for (const PropertyKey& known : propertyKeys()) {
+        EXPECT_FALSE(names.isSecret(toNarrow(std::wstring(known.key)))) << known.usage;
+    }
+}
+
+TEST(SecretNames, OfAnInstallationAreMetAsWell) {
+    SecretNames names;
+    EXPECT_FALSE(names.isSecret("account.iban"));
+    names.add("badge.number, iban,");
+    EXPECT_TRUE(names.isSecret("account.iban"));
+    EXPECT_TRUE(names.isSecret("BADGE_NUMBER"));
+    EXPECT_TRUE(names.isSecret("staff.badgeNumber.last"));
+    EXPECT_FALSE(names.isSecret("number.badge"));
+    EXPECT_FALSE(names.isSecret("badge"));
+}
+
+}  // namespace
+}  // namespace rcp::inspect
