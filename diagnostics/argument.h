@@ -29,6 +29,10 @@ struct Origin {
     }
 };
 
+inline Origin wholeFile(std::wstring_view path) {
+    return {std::make_shared<const std::wstring>(path), 0};
+}
+
 /// A reason in words, for whoever explains a launch. There is one table of them
 /// (diagnostics/whys.h), and arguments point into it.
 struct Why {

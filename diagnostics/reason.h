@@ -1,6 +1,8 @@
 // Why something failed, as a report adds it to its text: " (place) : reason".
 #pragma once
 
+#include "diagnostics/argument.h"
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,6 +20,13 @@ class Reason {
         result.place_ = std::move(place);
         return result;
     }
+    /// The same with what has brought it about, which no record tells: for whoever explains a launch.
+    [[nodiscard]] Reason from(Origin origin) const {
+        Reason result = *this;
+        result.origin_ = std::move(origin);
+        return result;
+    }
+    [[nodiscard]] const Origin& origin() const { return origin_; }
     /// What is written behind the message's text; empty when nothing is known.
     [[nodiscard]] std::string text() const;
 
@@ -29,6 +38,7 @@ class Reason {
     int error_ = 0;
     const char* words_ = nullptr;
     std::wstring place_;
+    Origin origin_;
 };
 
 /// No system call failed for the report: its text says all.

@@ -160,11 +160,11 @@ std::string reportRecord(const Reason& reason, std::string_view format,
 
 void endWithRecord(const Reason& reason, std::string_view format,
                    std::span<const FormatArgument> arguments) {
-    throw LaunchEnded{kFatalStatus, reportRecord(reason, format, arguments)};
+    throw LaunchEnded{kFatalStatus, reportRecord(reason, format, arguments), reason.origin()};
 }
 
 void endLaunch(int status) {
-    throw LaunchEnded{status, {}};
+    throw LaunchEnded{status, {}, {}};
 }
 
 int endedWith(int status) {

@@ -107,6 +107,7 @@ requires(Message<Kinds...>::template fits<Values...>())
 struct LaunchEnded {
     int status = 0;
     std::string record;  // the fatal one; empty without
+    Origin origin;       // of the entry or argument that has brought it about, where there is one
 };
 
 /// Ends the launch.

@@ -41,7 +41,7 @@ void ensure(LaunchInputs& inputs, const std::wstring& directory, Message<Text> m
         return;
     }
     inputs.completeArea();
-    ensureDirectory(directory, message);
+    ensureDirectory(directory, message, inputs.workspaceOrigin);
 }
 
 // The installation's properties and what of the arguments decides how they are read.

@@ -26,7 +26,8 @@ void extendArguments(const Arguments& arguments, LaunchInputs& inputs) {
 std::wstring settleBaseLocation(LaunchInputs& inputs) {
     const std::wstring* property = findProperty(keys::kBaseLocation, inputs.properties);
     if (property == nullptr) {
-        fatal(noReason(), messages.baseLocationMissing, propertyFileOf(inputs.installDir));
+        const std::wstring file = propertyFileOf(inputs.installDir);
+        fatal(noReason().from(wholeFile(file)), messages.baseLocationMissing, file);
     }
     std::wstring base = *property;
     replaceEvery(base, placeholders::kRcpHome, inputs.installDir);

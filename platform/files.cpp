@@ -225,10 +225,10 @@ PathMade mkdirs(const std::wstring& path) {
     return made;
 }
 
-void ensureDirectory(const std::wstring& path, Message<Text> message) {
+void ensureDirectory(const std::wstring& path, Message<Text> message, const Origin& origin) {
     const PathMade made = mkdirs(path);
     if (!made && !isDirectory(path)) {
-        fatal(whyNoDirectory(path, made), message, path);
+        fatal(whyNoDirectory(path, made).from(origin), message, path);
     }
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/unique_fd.h"
+#include "diagnostics/argument.h"
 #include "diagnostics/message.h"
 
 #include <cstdio>
@@ -109,7 +110,7 @@ struct PathMade {
 PathMade mkdirs(const std::wstring& path);
 /// mkdirs for callers that need the directory; another process may make it meanwhile. A failure
 /// ends the launch with `message`, whose "%ls" is `path`.
-void ensureDirectory(const std::wstring& path, Message<Text> message);
+void ensureDirectory(const std::wstring& path, Message<Text> message, const Origin& origin = {});
 
 /// Copies a file byte for byte; the target is replaced as a whole. Every failure ends the launch.
 bool copyFile(const std::wstring& source, const std::wstring& destination);

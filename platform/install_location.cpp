@@ -104,12 +104,12 @@ std::wstring getInstallDir() {
     return exists(siblingPlatform) ? siblingPlatform : directory;
 }
 
-std::wstring convert_from_relative_location(const std::wstring& path) {
+std::wstring convert_from_relative_location(const std::wstring& path, const Origin& origin) {
     if (path.starts_with(L"/") || path.starts_with(L"\\\\")) {
         return path;
     }
     if (path.starts_with(placeholders::kOpening)) {
-        fatal(noReason(), messages.pathWithPlaceholder);
+        fatal(noReason().from(origin), messages.pathWithPlaceholder);
     }
     const std::string base = platform::workingDirectory();
     if (base.empty()) {
@@ -125,7 +125,7 @@ std::wstring convert_from_relative_location(const std::wstring& path) {
         joined = platform::absolutePath(base, relative);
     }
     if (!joined) {
-        fatal(noReason(), messages.relativePathNotConverted);
+        fatal(noReason().from(origin), messages.relativePathNotConverted);
     }
     return toWide(*joined);
 }

@@ -1,6 +1,8 @@
 // Where the installation is: everything is found relative to the launcher's own executable.
 #pragma once
 
+#include "diagnostics/argument.h"
+
 #include <optional>
 #include <string>
 
@@ -36,6 +38,6 @@ std::wstring getInstallDir();
 /// untouched; so are the two other forms that count as absolute, "\\?\..." and "\\...". Ends the
 /// launch for a path that still begins with a placeholder and when the system cannot form the
 /// path.
-std::wstring convert_from_relative_location(const std::wstring& path);
+std::wstring convert_from_relative_location(const std::wstring& path, const Origin& origin = {});
 
 }  // namespace rcp

@@ -63,8 +63,7 @@ std::string userCopy(const std::wstring& master) {
 
 // The user's list as a first launch makes it: the master's entries, then what the launcher appends.
 void readUserFile(LaunchInputs& inputs, const std::wstring& master) {
-    inputs.userProperties =
-        parseProperties(userCopy(master), {std::make_shared<const std::wstring>(master), 0});
+    inputs.userProperties = parseProperties(userCopy(master), wholeFile(master));
     if (const auto block = userFileBlock(inputs.properties)) {
         const PropertyList appended = parseProperties(block->lines, {});
         for (const Property& entry : appended.entries()) {

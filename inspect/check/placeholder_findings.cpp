@@ -2,6 +2,7 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
+#include "inspect/expansion.h"
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/workspace.h"
 #include "launcher/vocabulary/keys.h"
@@ -103,22 +104,6 @@ void findInWorkspace(const Examination& examination, Findings& findings) {
     }
 }
 
-void expand(Expansion expansion, const StandardLocations& locations, std::wstring& text) {
-    switch (expansion) {
-        case Expansion::kRcpHome:
-            replaceEvery(text, placeholders::kRcpHome, locations.installDir);
-            break;
-        case Expansion::kWorkspace:
-            replaceEvery(text, placeholders::kWorkspaceLocation, locations.workspace);
-            break;
-        case Expansion::kStandard:
-            replaceStdPlaceholders(locations, text);
-            break;
-        default:
-            break;
-    }
-}
-
 // The keys of the workspaces that extensions name, which go through the rule of "-data".
 std::set<std::wstring> extensionWorkspaces(const PropertyFile& file) {
     std::set<std::wstring> workspaces;
@@ -141,8 +126,7 @@ void findUnexpanded(const PropertyFile& file, const StandardLocations& locations
             referred.contains(entry.key) || workspaces.contains(entry.key)) {
             continue;
         }
-        std::wstring text = entry.value;
-        expand(known->expansion, locations, text);
+        const std::wstring text = expanded(entry.value, known->expansion, locations);
         if (const auto last = findLastPlaceholder(text, std::wstring::npos)) {
             findings.add("RI305", file.name, entry.origin.line,
                          quoted(L"${" + std::wstring(last->name) + L"}") +

@@ -1,7 +1,8 @@
 #include "inspect/commands.h"
-#include "inspect/explain/explain_text.h"
+#include "inspect/explain/elements_text.h"
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/quiet_read.h"
+#include "launcher/vocabulary/configuration_words.h"
 #include "launcher/vocabulary/property_keys.h"
 #include "platform/text.h"
 
@@ -9,6 +10,7 @@
 
 #include <exception>
 #include <iostream>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -16,10 +18,6 @@ namespace rcp::inspect {
 namespace {
 
 using nlohmann::json;
-
-std::string baseName(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);
-}
 
 // Of each key and list the entry that counts; rcpinstall.properties is the user's own list.
 json effectiveEntries(const json& explanation, std::set<std::string>& keys) {
@@ -33,6 +31,7 @@ json effectiveEntries(const json& explanation, std::set<std::string>& keys) {
             if (known.emplace(isUsers, key).second) {
                 effective.push_back({{"key", key},
                                      {"value", entry["value"]},
+                                     {"effective", entry["effective"]},
                                      {"file", file["path"]},
                                      {"line", entry["line"]},
                                      {"state", entry["state"]},
@@ -48,34 +47,51 @@ json unsetKeys(const std::set<std::string>& keys) {
     for (const PropertyKey& known : propertyKeys()) {
         const std::string key = toNarrow(std::wstring(known.key));
         if (known.tail == KeyTail::kNothing && known.files != kNoFile && !keys.contains(key)) {
-            unset.push_back({{"key", key}, {"usage", known.usage}});
+            unset.push_back(
+                {{"key", key},
+                 {"default", known.otherwise == nullptr ? json() : json(toNarrow(known.otherwise))},
+                 {"usage", known.usage}});
         }
     }
     return unset;
 }
 
-// The variables that the entries name, and those that the launch changes.
-json variables(const json& explanation, const json& entries) {
+// Which variables a launch reads, and what for: its own, and those that entries name.
+std::map<std::string, std::string> readVariables(const json& entries) {
+    std::map<std::string, std::string> read;
+    for (const VariableWords& known : variableWords()) {
+        if (*known.isRead != '\0') {
+            read.emplace(toNarrow(std::wstring(known.name)), known.isRead);
+        }
+    }
     constexpr std::string_view kOpening = "${env.";
-    std::set<std::string> names;
     for (const json& entry : entries) {
         const std::string value = entry["value"];
         for (std::size_t at = value.find(kOpening); at != std::string::npos;
              at = value.find(kOpening, at + 1)) {
             const std::size_t begin = at + kOpening.size();
-            names.insert(value.substr(begin, value.find_first_of(",}", begin) - begin));
+            std::string& usage =
+                read[value.substr(begin, value.find_first_of(",}", begin) - begin)];
+            usage += (usage.empty() ? "in " : "; in ") + entry["key"].get<std::string>();
         }
     }
+    return read;
+}
+
+// And those that it changes.
+json variables(const json& explanation, const json& entries) {
     json told = json::array();
-    for (const std::string& name : names) {
+    for (const auto& [name, usage] : readVariables(entries)) {
         const char* value = getenv(name.c_str());
-        told.push_back({{"name", name}, {"value", value == nullptr ? json() : json(value)}});
+        told.push_back(
+            {{"name", name}, {"value", value == nullptr ? json() : json(value)}, {"usage", usage}});
     }
     for (const json& change : explanation["environment"]) {
         told.push_back({{"name", change["name"]},
                         {"value", change["before"]},
                         {"after", change["after"]},
-                        {"source", change["source"]}});
+                        {"source", change["source"]},
+                        {"parts", change["parts"]}});
     }
     return told;
 }
@@ -97,26 +113,37 @@ std::string orNotSet(const json& value) {
     return value.is_null() ? "(not set)" : value.get<std::string>();
 }
 
+std::string variableText(const json& variable) {
+    std::string text =
+        "$" + variable["name"].get<std::string>() + "=" + orNotSet(variable["value"]);
+    if (!variable.contains("after")) {
+        return text + "    (" + variable["usage"].get<std::string>() + ")\n";
+    }
+    text += " becomes " + orNotSet(variable["after"]) + "    (" + sourceText(variable["source"]) +
+            ")\n";
+    for (const json& part : variable["parts"]) {
+        text += "    " + partText(part) + "\n";
+    }
+    return text;
+}
+
 std::string toText(const json& told) {
     std::string text;
     for (const json& entry : told["entries"]) {
-        text += entry["key"].get<std::string>() + "=" + entry["value"].get<std::string>() +
+        text += entry["key"].get<std::string>() + "=" + entry["effective"].get<std::string>() +
                 "    (" + baseName(entry["file"]) + ":" + entry["line"].dump() + ", " +
                 entry["state"].get<std::string>() + ")\n";
     }
     text += "\n";
     for (const json& key : told["unset"]) {
-        text += "# " + key["key"].get<std::string>() +
-                " is not set: " + key["usage"].get<std::string>() + "\n";
+        const std::string name = key["key"];
+        text += key["default"].is_null()
+                    ? "# " + name + " is not set: " + key["usage"].get<std::string>() + "\n"
+                    : name + "=" + key["default"].get<std::string>() + "    (the default)\n";
     }
     text += "\n";
     for (const json& variable : told["variables"]) {
-        text += "$" + variable["name"].get<std::string>() + "=" + orNotSet(variable["value"]);
-        if (variable.contains("after")) {
-            text += " becomes " + orNotSet(variable["after"]) + "    (" +
-                    sourceText(variable["source"]) + ")";
-        }
-        text += "\n";
+        text += variableText(variable);
     }
     return text;
 }

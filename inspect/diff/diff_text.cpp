@@ -1,5 +1,5 @@
 #include "inspect/diff/compare.h"
-#include "inspect/explain/explain_text.h"
+#include "inspect/explain/elements_text.h"
 
 namespace rcp::inspect {
 namespace {

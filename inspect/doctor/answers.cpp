@@ -1,6 +1,7 @@
 #include "inspect/doctor/answers.h"
 
 #include "inspect/doctor/surroundings_answers.h"
+#include "inspect/explain/elements_text.h"
 #include "inspect/making.h"
 #include "inspect/messages.h"
 
@@ -23,7 +24,8 @@ Answer answerLaunch(const Evidence& evidence) {
         const std::string record = outcome.value("record", "");
         return {"launch",
                 "ends with status " + outcome["status"].dump(),
-                {{Mark::kBad, record.empty() ? "it starts nothing" : record, "",
+                {{Mark::kBad, record.empty() ? "it starts nothing" : record,
+                  outcome.contains("source") ? sourceText(outcome["source"]) : std::string(),
                   outcome.value("cause", "rcpinspect explain tells how far it comes.")}}};
     }
     if (kind == "ends") {

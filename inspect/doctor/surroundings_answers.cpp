@@ -106,6 +106,12 @@ Answer answerSpace(const Evidence& evidence) {
         return answer;
     }
     const std::string folder = nearestFolder(workspace);
+    std::error_code unknown;
+    if (!files::is_directory(folder, unknown)) {
+        answer.problems.push_back(
+            {Mark::kBad, folder + " is no folder", "", "Name another workspace with -data."});
+        return answer;
+    }
     struct statvfs space {};
     if (statvfs(folder.c_str(), &space) == 0) {
         judgeSpace(space, folder, answer);

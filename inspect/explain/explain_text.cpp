@@ -1,6 +1,6 @@
 #include "inspect/explain/explain_text.h"
 
-#include <stdlib.h>
+#include "inspect/explain/elements_text.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,38 +10,6 @@ namespace rcp::inspect {
 namespace {
 
 using nlohmann::json;
-
-constexpr const char* kBold = "\033[1m";
-constexpr const char* kDim = "\033[2m";
-constexpr const char* kPlain = "\033[0m";
-
-class Page {
-  public:
-    explicit Page(bool isColored) : isColored_(isColored) {}
-
-    void heading(const std::string& title) {
-        text_ += (text_.empty() ? "" : "\n") + painted(kBold, title) + "\n";
-    }
-    void line(const std::string& text) { text_ += text + "\n"; }
-    void aside(const std::string& text) { text_ += painted(kDim, text) + "\n"; }
-    void pair(const std::string& name, const std::string& value) {
-        text_ += "  " + name + std::string(name.size() < 15 ? 15 - name.size() : 1, ' ') + value;
-        text_ += "\n";
-    }
-    [[nodiscard]] const std::string& text() const { return text_; }
-
-  private:
-    [[nodiscard]] std::string painted(const char* color, const std::string& text) const {
-        return isColored_ ? color + text + kPlain : text;
-    }
-
-    bool isColored_;
-    std::string text_;
-};
-
-std::string baseName(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);
-}
 
 std::string endText(const json& outcome) {
     const std::string kind = outcome["kind"];
@@ -58,13 +26,16 @@ std::string endText(const json& outcome) {
     return (kind == "provisioning" ? "provisioning first: " : "") + ("it becomes " + program);
 }
 
-void addOutcome(Page& page, const json& explanation) {
+void addOutcome(TextPage& page, const json& explanation) {
     const json& outcome = explanation["outcome"];
     const json& facts = explanation["facts"];
     page.heading("What a launch would do");
     page.pair("end", endText(outcome));
     if (outcome.contains("record")) {
         page.pair("record", outcome["record"]);
+    }
+    if (outcome.contains("source")) {
+        page.pair("from", sourceText(outcome["source"]));
     }
     if (outcome.contains("cause")) {
         page.pair("remedy", outcome["cause"]);
@@ -81,85 +52,7 @@ void addOutcome(Page& page, const json& explanation) {
     }
 }
 
-// The variable whose default an expanded placeholder is; empty of others.
-std::string variableWithoutValue(const json& placeholder) {
-    constexpr std::string_view kVariable = "env.";
-    const std::string name = placeholder["name"];
-    const std::size_t begin = name.find(kVariable);
-    const std::size_t comma = name.find(',');
-    if (begin == std::string::npos || begin > 2 || comma == std::string::npos) {
-        return {};
-    }
-    const std::string variable =
-        name.substr(begin + kVariable.size(), comma - begin - kVariable.size());
-    return getenv(variable.c_str()) == nullptr ? variable : std::string();
-}
-
-void addLosers(Page& page, const json& element) {
-    for (const json& loser : element["instead"]) {
-        page.aside("        not " + loser["text"].get<std::string>() + " (" +
-                   sourceText(loser["source"]) + "): " + loser["why"].get<std::string>());
-    }
-}
-
-void addElements(Page& page, const json& elements) {
-    if (elements.empty()) {
-        return;
-    }
-    page.heading("The command line, element by element");
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        const json& element = elements[i];
-        const std::string number = std::to_string(i);
-        page.line(std::string(number.size() < 4 ? 4 - number.size() : 0, ' ') + number + "  " +
-                  element["text"].get<std::string>());
-        page.aside("        " + element["rule"].get<std::string>() + " (" +
-                   sourceText(element["source"]) + ")");
-        for (const json& placeholder : element["placeholders"]) {
-            page.aside("        " + placeholderText(placeholder));
-        }
-        addLosers(page, element);
-    }
-}
-
-std::string inColumn(std::size_t number) {
-    const std::string text = std::to_string(number);
-    return std::string(text.size() < 4 ? 4 - text.size() : 0, ' ') + text + "  ";
-}
-
-// "    (rcplauncher.properties:12 vm)"; nothing of what the launcher makes itself.
-std::string sourceBehind(const json& source) {
-    return source["kind"] == "computed" ? std::string() : "    (" + sourceText(source) + ")";
-}
-
-bool isOption(const json& element) {
-    return element["text"].get_ref<const std::string&>().starts_with('-');
-}
-
-// An option that the launcher has put in front of its value is told with it.
-void addFoldedElements(Page& page, const json& elements) {
-    if (elements.empty()) {
-        return;
-    }
-    page.heading("The command line");
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        const bool isPair = isOption(elements[i]) && i + 1 < elements.size() &&
-                            !isOption(elements[i + 1]) &&
-                            elements[i]["source"]["kind"] == "computed";
-        const std::string front =
-            inColumn(i) + (isPair ? elements[i]["text"].get<std::string>() + " " : std::string());
-        i += isPair ? 1 : 0;
-        const json& element = elements[i];
-        page.line(front + element["text"].get<std::string>() + sourceBehind(element["source"]));
-        for (const json& placeholder : element["placeholders"]) {
-            if (!variableWithoutValue(placeholder).empty()) {
-                page.aside("        " + placeholderText(placeholder));
-            }
-        }
-        addLosers(page, element);
-    }
-}
-
-void addDropped(Page& page, const json& dropped) {
+void addDropped(TextPage& page, const json& dropped) {
     if (dropped.empty()) {
         return;
     }
@@ -174,7 +67,13 @@ std::string variableText(const json& value) {
     return value.is_null() ? "(not set)" : value.get<std::string>();
 }
 
-void addEnvironment(Page& page, const json& environment) {
+void addParts(TextPage& page, const json& variable) {
+    for (const json& part : variable["parts"]) {
+        page.aside("        " + partText(part));
+    }
+}
+
+void addEnvironment(TextPage& page, const json& environment) {
     if (environment.empty()) {
         return;
     }
@@ -183,21 +82,23 @@ void addEnvironment(Page& page, const json& environment) {
         page.line("  " + variable["name"].get<std::string>() + ": " +
                   variableText(variable["before"]) + " -> " + variableText(variable["after"]));
         page.aside("        " + sourceText(variable["source"]));
+        addParts(page, variable);
     }
 }
 
-void addFoldedEnvironment(Page& page, const json& environment) {
+void addFoldedEnvironment(TextPage& page, const json& environment) {
     if (environment.empty()) {
         return;
     }
     page.heading("The environment");
     for (const json& variable : environment) {
         page.line("  " + variable["name"].get<std::string>() + "=" +
-                  variableText(variable["after"]) + sourceBehind(variable["source"]));
+                  variableText(variable["after"]) + sourceInBrackets(variable["source"]));
+        addParts(page, variable);
     }
 }
 
-void addChanges(Page& page, const json& changes) {
+void addChanges(TextPage& page, const json& changes) {
     if (changes.empty()) {
         return;
     }
@@ -210,7 +111,7 @@ void addChanges(Page& page, const json& changes) {
 }
 
 // "made 9 files", of each kind of change.
-void addFoldedChanges(Page& page, const json& changes) {
+void addFoldedChanges(TextPage& page, const json& changes) {
     constexpr std::size_t kFew = 6;
     if (changes.size() <= kFew) {
         addChanges(page, changes);
@@ -235,7 +136,7 @@ void addFoldedChanges(Page& page, const json& changes) {
     }
 }
 
-void addFoldedFiles(Page& page, const json& files) {
+void addFoldedFiles(TextPage& page, const json& files) {
     if (files.empty()) {
         return;
     }
@@ -250,7 +151,7 @@ void addFoldedFiles(Page& page, const json& files) {
     }
 }
 
-void addCopies(Page& page, const json& copies) {
+void addCopies(TextPage& page, const json& copies) {
     if (copies.empty()) {
         return;
     }
@@ -261,7 +162,7 @@ void addCopies(Page& page, const json& copies) {
     }
 }
 
-void addFiles(Page& page, const json& files) {
+void addFiles(TextPage& page, const json& files) {
     for (const json& file : files) {
         page.heading("Properties of " + file["path"].get<std::string>());
         for (const json& entry : file["entries"]) {
@@ -275,30 +176,8 @@ void addFiles(Page& page, const json& files) {
 
 }  // namespace
 
-std::string sourceText(const json& source) {
-    const std::string kind = source["kind"];
-    if (kind == "file") {
-        const std::string name = baseName(source["file"]);
-        const std::string line = source["line"] == 0 ? "" : ":" + source["line"].dump();
-        return name + line + (source.contains("key") ? " " + source["key"].get<std::string>() : "");
-    }
-    if (kind == "command line") {
-        return "argument " + source["position"].dump();
-    }
-    return kind == "environment" ? "variable " + source["name"].get<std::string>() : "the launcher";
-}
-
-// Some placeholders are told with what encloses them, others by their names.
-std::string placeholderText(const json& placeholder) {
-    const std::string name = placeholder["name"];
-    const std::string variable = variableWithoutValue(placeholder);
-    return (name.starts_with("${") ? name : "${" + name + "}") + " = " +
-           placeholder["value"].get<std::string>() +
-           (variable.empty() ? "" : ": " + variable + " is not set, its default is used");
-}
-
 std::string explanationText(const json& explanation, const TextForm& form) {
-    Page page(form.isColored);
+    TextPage page(form.isColored);
     addOutcome(page, explanation);
     form.isWhole ? addElements(page, explanation["elements"])
                  : addFoldedElements(page, explanation["elements"]);

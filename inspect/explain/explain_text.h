@@ -12,10 +12,4 @@ namespace rcp::inspect {
 /// rule and everything that is known of it, every change and every property.
 std::string explanationText(const nlohmann::json& explanation, const TextForm& form);
 
-/// "${env.USER,nobody} = nobody, the default: USER is not set".
-std::string placeholderText(const nlohmann::json& placeholder);
-
-/// A SOURCE of the layout in a few words: "rcplauncher.properties:12 vm".
-std::string sourceText(const nlohmann::json& source);
-
 }  // namespace rcp::inspect

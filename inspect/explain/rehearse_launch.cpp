@@ -57,6 +57,7 @@ struct Stage {
     PatientWitness witness;
     Variables before = environmentNow();
     std::string lastError;  // that was recorded before a log was looked for in the end
+    Origin cause;           // of the end
 };
 
 // Empty when there is none.
@@ -88,6 +89,9 @@ json tellAll(Stage& stage, int status) {
     json outcome = describeOutcome(launch);
     const std::string& last = stage.lastError;
     outcome["record"] = last.empty() ? lastErrorOf(records) : last;
+    if (!stage.cause.isComputed()) {
+        outcome["source"] = sources.describe(stage.cause);
+    }
     if (outcome["kind"] == "provisioning") {
         launch.lock->record(getpid());  // the part of the parent, which the rehearsal does not play
     }
@@ -121,6 +125,7 @@ int launchOn(Stage& stage, int argc, char** argv) {
     } catch (const LaunchEnded& end) {
         // That no log can be written either is not what the launch ends with.
         stage.lastError = lastErrorOf(describeRecords(*stage.rehearsal));
+        stage.cause = end.origin;
         stage.launch.note.reset();  // the rest of the launch is still told of
         return endedWith(end.status);
     }

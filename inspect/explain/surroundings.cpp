@@ -1,5 +1,6 @@
 // What else a launch reads and leaves: property files, variables, changed files, its log.
 #include "diagnostics/svc_debug.h"
+#include "inspect/expansion.h"
 #include "inspect/explain/account.h"
 #include "inspect/redaction/secret_names.h"
 #include "launcher/vocabulary/property_keys.h"
@@ -17,17 +18,30 @@ namespace {
 
 using nlohmann::json;
 
-// What has changed a variable last.
-json variableSource(const std::string& name, const Account& account) {
-    const EnvironmentChanges none;
-    const EnvironmentChanges& changes =
-        account.launch.plan ? account.launch.plan->environment : none;
+// What has changed a variable last; null when that was no change of the plan.
+const EnvironmentChange* lastChange(const std::string& name, const Account& account) {
+    if (!account.launch.plan) {
+        return nullptr;
+    }
+    const EnvironmentChanges& changes = account.launch.plan->environment;
     const auto last =
         std::find_if(changes.rbegin(), changes.rend(), [&](const EnvironmentChange& change) {
             const bool isPreload = change.kind == EnvironmentChange::kPreload;
             return toNarrow(isPreload ? std::wstring(variables::kPreload) : change.name) == name;
         });
-    return account.sources.describe(last == changes.rend() ? Origin() : last->origin);
+    return last == changes.rend() ? nullptr : &*last;
+}
+
+// Of a value that is put together, each part with its source.
+json describeParts(const EnvironmentChange* change, const Account& account) {
+    json parts = json::array();
+    if (change != nullptr && change->parts.size() > 1) {
+        for (const Argument& part : change->parts) {
+            parts.push_back(
+                {{"text", jsonText(part.text)}, {"source", account.sources.describe(part.origin)}});
+        }
+    }
+    return parts;
 }
 
 json textOrNull(const Variables& variables, const std::string& name) {
@@ -90,6 +104,20 @@ Use useOf(const Property& entry, const Account& account) {
     return useOfIdle(entry, account);
 }
 
+// What the launch has made of an entry's value. Of one that is only a part of something it is not told.
+std::wstring effectiveValue(const Property& entry, const Account& account) {
+    if (entry.value.find(placeholders::kOpening) == std::wstring::npos) {
+        return entry.value;
+    }
+    const auto way = account.witness.replacementsFrom(entry.value);
+    const PropertyKey* known = findPropertyKey(entry.key, keyFileOf(*entry.origin.file));
+    if (!way.empty() || known == nullptr) {
+        return way.empty() ? entry.value : way.back().after;
+    }
+    const LaunchInputs& inputs = account.launch.inputs;
+    return expanded(entry.value, known->expansion, {inputs.workspace, inputs.installDir});
+}
+
 bool isLog(const std::string& path) {
     const std::string name = path.substr(path.rfind('/') + 1);
     return name.starts_with("rcplauncher") && name.ends_with(".log");
@@ -142,10 +170,13 @@ json describeEnvironment(const Account& account) {
         const json was = textOrNull(account.before, name);
         const json is = textOrNull(after, name);
         if (was != is) {
+            const EnvironmentChange* change = lastChange(name, account);
+            const Origin origin = change == nullptr ? Origin() : change->origin;
             environment.push_back({{"name", name},
                                    {"before", was},
                                    {"after", is},
-                                   {"source", variableSource(name, account)}});
+                                   {"source", account.sources.describe(origin)},
+                                   {"parts", describeParts(change, account)}});
         }
     }
     return environment;
@@ -160,6 +191,7 @@ json describeFiles(const Account& account) {
             entries.push_back({{"line", entry.origin.line},
                                {"key", jsonText(entry.key)},
                                {"value", jsonText(entry.value)},
+                               {"effective", jsonText(effectiveValue(entry, account))},
                                {"state", use.state},
                                {"by", use.by}});
         }

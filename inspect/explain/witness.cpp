@@ -34,6 +34,7 @@ void Witness::lost(const std::wstring& text, const Origin& origin, const Why& wh
 
 void Witness::placeholderReplaced(const std::wstring& before, std::wstring_view placeholder,
                                   const std::wstring& value, const std::wstring& after) {
+    byText_[before].push_back(replacements_.size());
     replacements_.push_back({before, std::wstring(placeholder), value, after});
 }
 
@@ -48,13 +49,17 @@ const std::wstring* Witness::awaited(Wait wait) const {
 
 std::vector<Replacement> Witness::replacementsFrom(const std::wstring& text) const {
     std::vector<Replacement> way;
-    std::wstring current = text;
-    for (const Replacement& replacement : replacements_) {
-        if (replacement.before == current && replacement.after != current &&
-            way.size() < kMostReplacements) {
-            way.push_back(replacement);
-            current = replacement.after;
+    std::size_t next = 0;
+    for (auto same = byText_.find(text); same != byText_.end() && way.size() < kMostReplacements;
+         same = byText_.find(way.back().after)) {
+        const auto at = std::find_if(same->second.begin(), same->second.end(), [&](std::size_t i) {
+            return i >= next && replacements_[i].after != same->first;
+        });
+        if (at == same->second.end()) {
+            break;
         }
+        way.push_back(replacements_[*at]);
+        next = *at + 1;
     }
     return way;
 }

@@ -65,6 +65,7 @@ class Witness : public Observer {
     std::set<Place> found_;
     std::vector<Loser> losers_;
     std::vector<Replacement> replacements_;
+    std::map<std::wstring, std::vector<std::size_t>> byText_;  // what was replaced in each
     std::map<Wait, std::wstring> waits_;
 };
 

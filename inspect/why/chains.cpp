@@ -2,7 +2,7 @@
 
 #include "inspect/check/jvm_options.h"
 #include "inspect/check/near_keys.h"
-#include "inspect/explain/explain_text.h"
+#include "inspect/explain/elements_text.h"
 #include "launcher/vocabulary/property_keys.h"
 #include "platform/text.h"
 
@@ -121,6 +121,9 @@ void addEntries(json& chains, const json& explanation, const std::string& subjec
             if (entry["key"] == subject) {
                 json chain = chainOf(subject + "=" + entry["value"].get<std::string>());
                 addStep(chain, "at", file["path"].get<std::string>() + ":" + entry["line"].dump());
+                if (entry["effective"] != entry["value"]) {
+                    addStep(chain, "becomes", entry["effective"]);
+                }
                 addStep(chain, entry["state"], entry["by"]);
                 chains.push_back(chain);
             }
@@ -161,6 +164,9 @@ void addVariable(json& chains, const json& explanation, const std::string& subje
             json chain = chainOf(
                 subject + (after.is_null() ? " is removed" : "=" + after.get<std::string>()));
             addStep(chain, "from", sourceText(variable["source"]));
+            for (const json& part : variable["parts"]) {
+                addStep(chain, "part", partText(part));
+            }
             const json& before = variable["before"];
             addStep(chain, "before", before.is_null() ? "not set" : before.get<std::string>());
             chains.push_back(chain);

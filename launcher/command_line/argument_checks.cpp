@@ -32,14 +32,15 @@ void validateIfUrlHandlerLaunch(const Arguments& arguments) {
     const std::size_t count = arguments.size() - (isRestart(arguments) ? 1 : 0);
     const Argument* expected = optionValue(options::kMaxArgCount, arguments);
     if ((expected == nullptr ? 0 : wcstoul(expected->text.c_str(), nullptr, 10)) != count) {
-        fatal(noReason(), messages.argumentCountWrong);
+        fatal(noReason().from(expected == nullptr ? Origin() : expected->origin),
+              messages.argumentCountWrong);
     }
 }
 
 void validateThatDoubleQuotesNotUsed(const Arguments& arguments) {
     for (const Argument& argument : arguments) {
         if (argument.text.find(L'"') != std::wstring::npos) {
-            fatal(noReason(), messages.doubleQuoteForbidden);
+            fatal(noReason().from(argument.origin), messages.doubleQuoteForbidden);
         }
     }
 }
@@ -48,7 +49,7 @@ void validateNoJavaLibraryPath(const Arguments& arguments) {
     for (const Argument& argument : arguments) {
         for (const ForbiddenText& forbidden : kForbiddenTexts) {
             if (argument.text.find(forbidden.text) != std::wstring::npos) {
-                fatal(noReason(), forbidden.message);
+                fatal(noReason().from(argument.origin), forbidden.message);
             }
         }
     }
@@ -69,8 +70,9 @@ void validateJvmArguments(const Arguments& arguments, const VmArgumentMap& vmarg
 }
 
 void validateInstallerState(const LaunchInputs& inputs) {
-    if (hasOption(options::kProvManifest, inputs.arguments) && inputs.runningPlatform) {
-        fatal(noReason(), messages.installingWhileRunning,
+    const auto manifest = findOption(options::kProvManifest, inputs.arguments);
+    if (manifest && inputs.runningPlatform) {
+        fatal(noReason().from(inputs.arguments[*manifest].origin), messages.installingWhileRunning,
               std::to_wstring(*inputs.runningPlatform));
     }
 }

@@ -93,15 +93,15 @@ Plan getUserCmdString(const LaunchInputs& inputs, LaunchKind kind) {
 void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
     const Argument program = platformProgram(properties);
     if (!isExecutable(program.text)) {
-        fatal(because(errno), messages.platformNotExecutable, program.text);
+        fatal(because(errno).from(program.origin), messages.platformNotExecutable, program.text);
     }
     line.setProgram(program, whys::kPlatformProgram);
-    const std::wstring library =
-        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties).text;
-    if (!exists(library)) {
-        fatal(because(errno), messages.libraryMissing, library);
+    const Argument library =
+        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
+    if (!exists(library.text)) {
+        fatal(because(errno).from(library.origin), messages.libraryMissing, library.text);
     }
-    line.setLibrary(library);
+    line.setLibrary(library.text);
 }
 
 Argument platformProgram(const PropertyList& properties) {

@@ -28,7 +28,7 @@ void removeRepeatedSingles(Arguments& arguments) {
 
 // In front of "-vmargs".
 void addDebugOptions(Arguments& arguments, const std::wstring& marker) {
-    const Origin origin{std::make_shared<const std::wstring>(marker)};
+    const Origin origin = wholeFile(marker);
     Arguments added;
     for (const std::wstring_view option :
          {std::wstring_view(CONSOLEARG), std::wstring_view(DEBUGARG), std::wstring_view(PB4LARG),

@@ -7,6 +7,7 @@
 #include "platform/preload.h"
 
 #include <string>
+#include <utility>
 
 namespace rcp {
 namespace {
@@ -50,7 +51,7 @@ void addEnvSetToCommandLine(EnvironmentChanges& changes, const PropertyList& pro
 }
 
 void addLibpathToCommandLine(EnvironmentChanges& changes, const PropertyList& properties) {
-    const Property* first = nullptr;
+    Arguments parts;
     std::wstring path;
     for (const Key key :
          {keys::kLibraryPathPrepend, keys::kInternalLibraryPath, keys::kLibraryPathAppend}) {
@@ -60,14 +61,16 @@ void addLibpathToCommandLine(EnvironmentChanges& changes, const PropertyList& pr
             continue;
         }
         // Behind a part that is there, even an empty one.
-        path += first == nullptr ? L"" : L":";
+        path += parts.empty() ? L"" : L":";
         path += part->value;
-        first = first == nullptr ? part : first;
+        parts.push_back(argumentFrom(*part));
     }
-    if (first != nullptr) {
+    if (!parts.empty()) {
+        const Origin first = parts.front().origin;
         changes.push_back({.name = std::wstring(variables::kLibraryPath),
                            .value = path,
-                           .origin = first->origin});
+                           .origin = first,
+                           .parts = std::move(parts)});
     }
 }
 

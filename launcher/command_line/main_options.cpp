@@ -113,7 +113,8 @@ void addPluginCustomization(CommandLine& line, const LaunchInputs& inputs) {
     if (!exists(path.text)) {
         // That it is missing the text says itself.
         const Reason reason = errno == ENOENT ? noReason() : because(errno);
-        fatal(reason.at(placeOf(std::wstring(keys::kPluginCustomization), value.origin)),
+        fatal(reason.at(placeOf(std::wstring(keys::kPluginCustomization), value.origin))
+                  .from(value.origin),
               messages.preferencesMissing, value.text);
     }
     line.add(options::kPluginCustomization, whys::kPreferences);
@@ -164,7 +165,9 @@ void addProvisioningApplication(CommandLine& line, const PropertyList& propertie
                                 LaunchKind kind) {
     const Property* application = provisioningApplication(properties);
     if (application == nullptr) {
-        fatal(noReason(), messages.provisioningApplicationMissing);
+        const Property* enabled = properties.find(keys::kProvisioning);
+        fatal(noReason().from(enabled == nullptr ? Origin() : enabled->origin),
+              messages.provisioningApplicationMissing);
     }
     line.add(options::kApplication, whys::kProvisioning);
     line.add(argumentFrom(*application));

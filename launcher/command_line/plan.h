@@ -49,6 +49,7 @@ struct EnvironmentChange {
     std::wstring name;  // of a preloaded library: the install id, which tells its link from others
     std::wstring value;
     Origin origin;
+    Arguments parts = {};  // of a value that is put together
 
     bool operator==(const EnvironmentChange&) const = default;
 };

@@ -40,7 +40,7 @@ Argument givenVm(const PropertyList& properties, const Arguments& arguments) {
 Argument chosenVm(const PropertyList& properties, const Arguments& arguments, Message<> missing) {
     Argument vm = givenVm(properties, arguments);
     if (vm.text.empty() && isVmOverride(arguments)) {
-        fatal(noReason(), missing);
+        fatal(noReason().from(vm.origin), missing);
     }
     return vm;
 }
@@ -91,7 +91,8 @@ JvmFile addVmToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     tellOtherVm(inputs, vm);
     if (vm.text.empty()) {
         if (inputs.traits.isDirectJavaShape()) {
-            fatal(noReason(), messages.noVm);  // or an option would become the program
+            fatal(noReason().from(vm.origin),
+                  messages.noVm);  // or an option would become the program
         }
         return JvmFile::kProgram;
     }

@@ -166,7 +166,7 @@ bool replaceAllPlaceholders(const StandardLocations& locations, std::wstring& te
 }
 
 void refusePlaceholders(const std::wstring& text, const std::wstring& key, const Origin& origin) {
-    fatal(noReason().at(placeOf(key, origin)), messages.substitutionInvalid, text);
+    fatal(noReason().at(placeOf(key, origin)).from(origin), messages.substitutionInvalid, text);
 }
 
 void replacePlaceholdersInRcpInstallProp(StandardLocations locations, PropertyList& properties) {

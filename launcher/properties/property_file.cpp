@@ -165,8 +165,7 @@ PropertyList parseProperties(std::string_view text, const Origin& from) {
 }
 
 void addProperties(const FileText& text, const std::wstring& path, PropertyList& list) {
-    PropertyList read =
-        parseProperties(text.bytes, {std::make_shared<const std::wstring>(path), 0});
+    PropertyList read = parseProperties(text.bytes, wholeFile(path));
     if (text.error != 0) {
         cannotLoad(path, because(text.error));
     }

@@ -26,7 +26,7 @@ void insertArguments(VmArgumentMap& map, const Arguments& arguments, Message<> i
         }
         const std::size_t equals = text.find(L'=');
         if (equals == std::wstring::npos) {
-            fatal(noReason(), invalid);
+            fatal(noReason().from(origin), invalid);
         }
         const auto [at, isNew] =
             map.try_emplace(text.substr(0, equals), text.substr(equals + 1), origin);

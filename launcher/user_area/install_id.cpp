@@ -80,7 +80,7 @@ std::wstring getInstallID(InstallConfiguration configuration, const std::wstring
         return *id;
     }
     if (configuration != InstallConfiguration::kUserpb) {
-        fatal(noReason(), messages.installIdRequired);
+        fatal(noReason().from(wholeFile(propertyFile)), messages.installIdRequired);
     }
     std::wstring id = makeInstallId(propertyFile);
     pushBackProperty(properties, kKey, id);

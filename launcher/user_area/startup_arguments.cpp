@@ -47,7 +47,7 @@ std::wstring absoluteWorkspace(const Argument& argument, const PropertyList& pro
     if (!replaceUserPlaceholders(value, properties)) {
         refusePlaceholders(before, std::wstring(options::kData), argument.origin);
     }
-    return convert_from_relative_location(value);
+    return convert_from_relative_location(value, argument.origin);
 }
 
 // The arguments to record, in order.

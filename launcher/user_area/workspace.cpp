@@ -29,27 +29,29 @@ void dropTrailingSeparator(std::wstring& path) {
     }
 }
 
-[[noreturn]] void refuse(const std::wstring& value) {
-    fatal(noReason(), messages.dataInvalid, value);
+[[noreturn]] void refuse(const std::wstring& value, const Origin& origin) {
+    fatal(noReason().from(origin), messages.dataInvalid, value);
 }
 
 // The user's area must not lie among the system's folders, whichever way leads there. What is not
 // there yet is no link.
-std::wstring notTheRoot(const std::wstring& workspace, const std::wstring& value) {
+std::wstring notTheRoot(const std::wstring& workspace, const std::wstring& value,
+                        const Origin& origin) {
     const std::string path = toNarrow(osPath(workspace));
     if (lexicalPath(path) == "/" || isRoot(path)) {
-        refuse(value);
+        refuse(value, origin);
     }
     return workspace;
 }
 
-std::wstring workspaceFromArgument(const std::wstring& argument, const PropertyList& properties,
-                                   const std::wstring& rcpHome) {
-    std::wstring value = argument;
+Argument workspaceFromArgument(const Argument& argument, const PropertyList& properties,
+                               const std::wstring& rcpHome) {
+    std::wstring value = argument.text;
     dropTrailingSeparator(value);
     replaceFirstRcpHome(value, rcpHome);
     replaceUserPlaceholders(value, properties);
-    return notTheRoot(convert_from_relative_location(value), argument);
+    const std::wstring path = convert_from_relative_location(value, argument.origin);
+    return {notTheRoot(path, argument.text, argument.origin), argument.origin};
 }
 
 // Whether "${rcp.home}" is all that is left in a text whose user placeholders were replaced.
@@ -59,20 +61,20 @@ bool onlyRcpHomeIsLeft(std::wstring text, const PropertyList& properties) {
     return replaceUserPlaceholders(text, properties);
 }
 
-std::wstring workspaceFromProperty(const std::wstring& property, const PropertyList& properties,
-                                   const std::wstring& rcpHome) {
-    std::wstring value = property;
+Argument workspaceFromProperty(const Property& property, const PropertyList& properties,
+                               const std::wstring& rcpHome) {
+    std::wstring value = property.value;
     const bool resolved = replaceUserPlaceholders(value, properties);
     const bool valid = resolved || onlyRcpHomeIsLeft(value, properties);
     std::wstring path = value;
     dropTrailingSeparator(path);
     // An empty path would put the user's area below the root of the file system.
     if (!valid || path.empty()) {
-        refuse(value);
+        refuse(value, property.origin);
     }
     replaceFirstRcpHome(path, rcpHome);
     replaceUserPlaceholders(path, properties);
-    return notTheRoot(path, value);
+    return {notTheRoot(path, value, property.origin), property.origin};
 }
 
 std::wstring defaultWorkspace(const PropertyList& properties) {
@@ -86,7 +88,7 @@ std::wstring defaultWorkspace(const PropertyList& properties) {
     }
     const std::wstring home = getUserHome();
     if (!home.starts_with(L'/')) {
-        fatal(noReason(), messages.homeInvalid, home);
+        fatal(noReason().from({nullptr, Origin::kHome}), messages.homeInvalid, home);
     }
     return home + kDefaultFolder + *installId + L"/" + *user;
 }
@@ -108,12 +110,10 @@ Argument getWorkspaceLocation(const LaunchInputs& inputs) {
             tellLoser(property->value, property->origin, whys::whyItWins(*argument),
                       &argument->origin);
         }
-        return {workspaceFromArgument(argument->text, inputs.properties, inputs.installDir),
-                argument->origin};
+        return workspaceFromArgument(*argument, inputs.properties, inputs.installDir);
     }
     if (property != nullptr) {
-        return {workspaceFromProperty(property->value, inputs.properties, inputs.installDir),
-                property->origin};
+        return workspaceFromProperty(*property, inputs.properties, inputs.installDir);
     }
     return {defaultWorkspace(inputs.properties), Origin{nullptr, Origin::kHome}};
 }

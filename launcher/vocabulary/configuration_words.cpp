@@ -105,7 +105,9 @@ constexpr PlaceholderWords kPlaceholders[] = {
 constexpr VariableWords kVariables[] = {
     {variables::kHome, "the user's home directory", ""},
     {variables::kUser, "the user's name", ""},
-    {variables::kLocale, "with LC_CTYPE and LANG: the character set; UTF-8 instead of \"C\"", ""},
+    {variables::kLocale, "the character set; UTF-8 instead of \"C\"", ""},
+    {variables::kCharacterType, "the same, without LC_ALL", ""},
+    {variables::kLanguage, "the same, without both", ""},
     {variables::kPath, "where `ps` is found", ""},
     {variables::kTemporaryFolder, "beside `/tmp` a directory that is never emptied", ""},
     {variables::kLibraryPath, "recorded in `args.properties`", "from the library path properties"},

@@ -16,6 +16,8 @@ inline constexpr VariableName kPreload{L"LD_PRELOAD"};
 inline constexpr VariableName kJavaHighZipFds{L"JAVA_HIGH_ZIPFDS"};
 // Read by the system's library.
 inline constexpr VariableName kLocale{L"LC_ALL"};
+inline constexpr VariableName kCharacterType{L"LC_CTYPE"};
+inline constexpr VariableName kLanguage{L"LANG"};
 inline constexpr VariableName kPath{L"PATH"};
 
 }  // namespace variables

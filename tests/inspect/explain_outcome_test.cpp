@@ -77,6 +77,49 @@ TEST_F(ExplainOutcome, IsTheRecordOfALaunchThatCannotBe) {
     EXPECT_FALSE(told["outcome"]["cause"].get<std::string>().empty());
 }
 
+TEST_F(ExplainOutcome, OfAnEndNamesTheArgumentThatHasBroughtItAbout) {
+    const std::pair<Words, const char*> ends[] = {
+        {{"-clean", "-data", "${env.NOT_SET_HERE}"}, "argument 3"},
+        {{"-data", ""}, "argument 2"},
+        {{"-data", "/"}, "argument 2"},
+        {{"-data", "/dev/null/ws"}, "argument 2"},
+        {{"-clean", "-name=\"x\""}, "argument 2"},
+        {{"-Djava.home=/x"}, "argument 1"},
+        {{"-maxargcnt", "1"}, "argument 2"}};
+    for (const auto& [arguments, source] : ends) {
+        const Json outcome = explain(arguments)["outcome"];
+        EXPECT_EQ(outcome["kind"], "fatal") << outcome;
+        EXPECT_EQ(sourceOf(outcome), source) << outcome;
+    }
+}
+
+TEST_F(ExplainOutcome, OfAnEndNamesTheEntryThatHasBroughtItAbout) {
+    const std::string settings = folder_.read(kProperties);
+    const std::pair<std::string, const char*> ends[] = {
+        {"vmarg.x=${prop.NOT_SET_HERE}\n", "rcplauncher.properties vmarg.x"},
+        {"config.sample.5=vmarg.x\n", "rcplauncher.properties config.sample.5"}};
+    for (const auto& [entry, source] : ends) {
+        append(kProperties, entry);
+        const Json outcome = explain({"-config", "sample"})["outcome"];
+        EXPECT_EQ(outcome["kind"], "fatal") << outcome;
+        EXPECT_EQ(sourceOf(outcome), source) << outcome;
+        folder_.write(kProperties, settings);
+    }
+    const std::pair<const char*, const char*> changed[] = {
+        {"rcp.base.location=", "rcplauncher.properties"},
+        {"rcp.install.id=", "rcplauncher.properties"}};
+    for (const auto& [key, source] : changed) {
+        replaceIn(kProperties, key, "nothing=");
+        EXPECT_EQ(sourceOf(explain()["outcome"]), source) << key;
+        folder_.write(kProperties, settings);
+    }
+    std::filesystem::remove(folder_.path() / "client/rcp/plugin_customization.ini");
+    EXPECT_EQ(sourceOf(explain()["outcome"]), "rcplauncher.properties plugincustomization");
+    const std::string line =
+        "\n  from           rcplauncher.properties:" + std::to_string(lineOf("plugincus")) + " ";
+    EXPECT_NE(explainText({}, {}).find(line), std::string::npos);
+}
+
 TEST_F(ExplainOutcome, IsTheRecordOfALaunchThatEndsBeforeItHasAWorkspace) {
     replaceIn(kProperties, "rcp.base.location=", "rcp.base.place=");
     const Json told = explain();

@@ -1,6 +1,7 @@
 // The text of an explanation by itself.
 #include "inspect/explain/explain_text.h"
 
+#include "inspect/explain/elements_text.h"
 #include "inspect/json/json.h"
 
 #include <gtest/gtest.h>
@@ -41,6 +42,36 @@ TEST(ExplanationText, LeavesOutHeadingsOfNothing) {
               "The command line, element by element\n"
               "   0  /p\n"
               "        what is started (the launcher)\n");
+}
+
+nlohmann::json element(const std::string& text, const nlohmann::json& source) {
+    return {{"text", text},
+            {"rule", "some"},
+            {"source", source},
+            {"placeholders", {{{"name", "${env.NOT_SET_HERE,x}"}, {"value", "x"}, {"after", "x"}}}},
+            {"instead", nlohmann::json::array()}};
+}
+
+TEST(ExplanationText, TellsEachSourceAndEachMissingVariableOnce) {
+    const nlohmann::json computed = {{"kind", "computed"}};
+    const nlohmann::json place = {{"kind", "file"}, {"file", "/a/b"}, {"line", 4}, {"key", "vm"}};
+    const nlohmann::json other = {{"kind", "file"}, {"file", "/a/b"}, {"line", 5}, {"key", "cp"}};
+    nlohmann::json explanation = smallExplanation();
+    explanation["elements"] = {element("/p", place),
+                               element("-data", computed),
+                               element("/ws", other),
+                               element("-startup", computed),
+                               element("/p/launcher.jar", place),
+                               element("-vmargs", computed)};
+    const std::string text = explanationText(explanation, {});
+    const std::size_t line = text.find("The command line\n");
+    ASSERT_NE(line, std::string::npos) << text;
+    EXPECT_EQ(text.substr(line, text.find("\n\n", line) - line),
+              "The command line\n"
+              "   0  /p    (b:4 vm)\n"
+              "        ${env.NOT_SET_HERE,x} = x: NOT_SET_HERE is not set, its default is used\n"
+              "   1  -data /ws    (b:5 cp)\n"
+              "      and 3 that the launcher always writes, or makes of the same entries");
 }
 
 TEST(ExplanationText, NamesSourcesInShort) {

@@ -109,6 +109,19 @@ TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
     EXPECT_EQ(launch({"-data", "/proc/ws"}), 255);
 }
 
+TEST_F(DoctorTest, AWorkspaceBelowAFileIsBadAndTheArgumentIsNamed) {
+    folder_.write("home/file", "");
+    const std::string file = folder_.narrow("home/file");
+    const Words arguments = {"-clean", "-data", file + "/ws"};
+    EXPECT_EQ(answer("user's area", 2, arguments)["text"], file + "/ws, new");
+    EXPECT_EQ(answer("space and permissions", 2, arguments)["problems"][0]["cause"],
+              file + " is no folder");
+    const Json problem = answer("launch", 2, arguments)["problems"][0];
+    EXPECT_TRUE(problem["cause"].get<std::string>().starts_with("ZYPRA0083E")) << problem;
+    EXPECT_EQ(problem["place"], "argument 3");
+    EXPECT_EQ(launch(arguments), 255);
+}
+
 TEST_F(DoctorTest, AWorkspaceWithoutPermissionsIsBad) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "permissions do not count for root";

@@ -51,12 +51,13 @@ TEST_F(WhyTest, AnArgumentThatIsNotPassedOnIsSaidToBeDropped) {
 }
 
 TEST_F(WhyTest, AKeyIsToldWithItsEntryItsUseAndWhereItCounts) {
-    EXPECT_EQ(why("rcp.data"),
-              "rcp.data=${env.HOME}/workspace/${env.USER,nobody}\n  at        client/rcp/" +
-                  placeOf("rcp.data=") +
-                  "\n  used      element 3, 5, 25\n\nrcp.data is a key\n"
-                  "  read as   the workspace when -data is not given\n"
-                  "  counts in rcplauncher.properties\n");
+    EXPECT_EQ(
+        why("rcp.data"),
+        "rcp.data=${env.HOME}/workspace/${env.USER,nobody}\n  at        client/rcp/" +
+            placeOf("rcp.data=") +
+            "\n  becomes   home/workspace/ann\n  used      element 3, 5, 25\n\nrcp.data is a key\n"
+            "  read as   the workspace when -data is not given\n"
+            "  counts in rcplauncher.properties\n");
     EXPECT_TRUE(why("eclipse.name").starts_with("eclipse.name is not set\n  read as   "));
 }
 
