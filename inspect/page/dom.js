@@ -85,12 +85,13 @@ function section(id, title, note, ...content) {
 }
 
 function contents(links) {
-    const list = make('ul');
+    const all = document.getElementById('contents');
+    const list = all.firstElementChild || make('ul');
     for (const [id, title, number] of links) {
         list.append(make('li', null, make('a', {href: '#' + id}, title,
             number === undefined ? null : [' ', make('span.number', null, '(' + grouped(number) + ')')])));
     }
-    document.getElementById('contents').append(list);
+    all.append(list);
 }
 
 // When, by whom and with what the page was made: it is read elsewhere, and later.

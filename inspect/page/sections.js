@@ -1,4 +1,5 @@
 // What the page of "explain" says besides the picture: the outcome, and everything a launch changes.
+const kStarts = ['execv', 'in-process', 'provisioning'];
 const kOutcomes = {
     'execv': ['➜', 'Becomes', 'The launcher replaces itself with this program.'],
     'in-process': ['➜', 'Loads', 'The launcher runs the platform through this library in its own process.'],
@@ -6,6 +7,8 @@ const kOutcomes = {
     'fatal': ['✖', 'Ends with an error', null],
     'ends': ['■', 'Ends', null],
 };
+
+const kFaults = 10;
 
 const kFacts = {
     installation: 'Installation', workspace: 'Workspace', configuration: 'Configuration area', installConfiguration: 'Installed for',
@@ -16,9 +19,10 @@ const kFacts = {
 function outcomeSection(data) {
     const outcome = data.outcome || {};
     const [glyph, verb, sentence] = kOutcomes[outcome.kind] || ['?', String(outcome.kind), null];
-    const isBad = outcome.kind === 'fatal';
-    const program = outcome.program && !isBad ? shown(baseName(outcome.program)) : null;
-    const role = outcome.role && outcome.role !== 'undecided' && !isBad ? 'as ' + outcome.role : null;
+    const isStart = kStarts.includes(outcome.kind);
+    const isBad = outcome.kind === 'fatal' || (!isStart && Boolean(outcome.record));
+    const program = outcome.program && isStart ? shown(baseName(outcome.program)) : null;
+    const role = outcome.role && outcome.role !== 'undecided' && isStart ? 'as ' + outcome.role : null;
     const command = [shown(baseName(data.launcher || 'rcplauncher')),
         ...(data.arguments || []).map((argument) => ' ' + quoted(argument))].join('');
     return make('section.outcome' + (isBad ? '.is-error' : ''),
@@ -31,7 +35,8 @@ function outcomeSection(data) {
             ? ' Main or daemon: that depends on what happens until then.' : null) : null,
         outcome.record ? make('p.record', null, code(outcome.record)) : null,
         outcome.cause ? make('p.cause', null, prose(outcome.cause)) : null,
-        outcome.program ? make('p', null, isBad ? 'It was on its way to ' : null, code(outcome.program)) : null,
+        outcome.program ? make('p', null, isStart ? null : 'It was on its way to ', code(outcome.program)) : null,
+        outcome.beyond ? make('p.note', null, breakable(outcome.beyond)) : null,
         making(data.made), facts(data));
 }
 
@@ -59,6 +64,8 @@ function facts(data) {
 const kSections = [
     ['copies', 'The user’s copies', 'Entries of master files that the user’s copies have not, or not with this value.',
         'copies', copyRow],
+    ['handOff', 'What it hands off to', 'The files that the next program will use, examined; nothing of them was started.',
+        'files of the hand-off', handOffRow],
     ['environment', 'Environment', 'Variables that the platform finds other than they are now.',
         'variables', environmentRow],
     ['changes', 'Files and directories', 'What the launch makes, replaces, removes or moves.', 'changes', changeRow],
@@ -73,6 +80,16 @@ function otherSections(data, sources, search) {
         node: rowsSection(id, title, note, name, data[id].map((one) => row(one, sources)), search)}));
 }
 
+// What was taken out of the data before they got here, on every page.
+function redactedSection(data, search) {
+    return (data.redacted || []).length === 0 ? null : rowsSection('redacted', 'Redacted',
+        'What was taken out of this page. Equal values have equal digests.', 'redacted values', data.redacted.map((one) => ({
+            words: () => [one.name, one.digest],
+            build: () => make('div.row', null, make('span.verb', null, count(one.count ?? 1, 'time')),
+                make('div', null, make('strong', null, breakable(one.name ?? '')), ' ',
+                    one.digest ? make('code', null, '<redacted:' + shown(one.digest) + '>') : null))})), search);
+}
+
 function rowsSection(id, title, note, name, rows, search) {
     const list = search.add(new List(name, title, rows));
     list.node.classList.add('rows');
@@ -84,6 +101,16 @@ function copyRow(one) {
         make('span.verb', null, '≠ differs'), make('div', null, make('strong', null, code(one.copy ?? '')),
             make('div', null, breakable(one.message ?? '')),
             make('div.why', null, breakable((one.master ?? '') + (one.line ? ', line ' + one.line : '')))))};
+}
+
+function handOffRow({what, path, faults = []}) {
+    const verb = faults.length === 0 ? '✔ usable' : '✖ ' + count(faults.length, 'fault');
+    return {words: () => [what, path, verb, ...faults.flatMap((fault) => [fault.code, fault.file, fault.message])],
+        build: () => make('div.row' + (faults.length === 0 ? '' : '.is-error'), null, make('span.verb', null, verb),
+            make('div', null, make('strong', null, shown(what ?? '')), ' ', code(String(path ?? '')),
+                firstOf(faults, kFaults, (fault) => make('div', null, make('code', null, shown(fault.code ?? '')), ' ',
+                    breakable(fault.message ?? ''), make('div.why', null, breakable(fault.file ?? ''),
+                        fault.line ? ', line ' + fault.line : null)))))};
 }
 
 function environmentRow(one, sources) {

@@ -2,8 +2,15 @@
 {
     const data = JSON.parse(document.getElementById('data').textContent);
     const pages = {check: Report, diff: Differences};
-    const page = new (pages[data.command] || Explanation)(data, new Search());
-    page.render(document.getElementById('main'));
+    const search = new Search();
+    const page = new (pages[data.command] || Explanation)(data, search);
+    const main = document.getElementById('main');
+    page.render(main);
+    const redacted = redactedSection(data, search);
+    if (redacted) {
+        main.append(redacted);
+        contents([['redacted', 'Redacted', data.redacted.length]]);
+    }
     // What a link leads to stops below what stays at the top.
     const tops = document.querySelectorAll('.top, .search');
     const settle = () => {

@@ -43,12 +43,28 @@ def fatal_explanation():
     }
 
 
+def refused_explanation():
+    """An explanation of a launch whose program cannot be started; some values were taken out of it."""
+    told = fatal_explanation()
+    program = "/opt/velmo/rcp/eclipse/eclipse"
+    return {
+        **told,
+        "outcome": {"kind": "ends", "role": "main", "program": program, "record": "ZYPRA0001E: not started"},
+        "handOff": [{"what": "program", "path": program, "faults": [
+                        {"code": "RI701", "file": program, "line": 0, "message": "it is for another machine"}]},
+                    {"what": "start jar", "path": "/opt/velmo/launcher.jar", "faults": []}],
+        "redacted": [{"name": "proxy.password", "digest": "1f2e", "count": 3},
+                     {"name": "home directory", "digest": None, "count": 1}],
+    }
+
+
 def computed_explanation(size):
     """An explanation whose elements all are the launcher's own; the last was given `size` times."""
     losers = [{"text": f"-Xmx{number}m", "why": "it stands behind", "source": {"kind": "command line", "position": 1}}
               for number in range(size)]
     told = large_explanation(size)
     told["files"] = []
+    told["outcome"]["beyond"] = "handed to eclipse.so; what the platform does then is not rehearsed"
     told["elements"] = [{**element, "source": {"kind": "computed"}} for element in told["elements"]]
     told["elements"][-1]["instead"] = losers
     return told
@@ -88,7 +104,7 @@ def difference():
 
 # What has no file of its own among the data.
 MANY = 10000
-PAGES = {"large": large_explanation(MANY), "fatal": fatal_explanation(), "clean": report([]),
+PAGES = {"large": large_explanation(MANY), "fatal": fatal_explanation(), "refused": refused_explanation(), "clean": report([]),
          "computed": computed_explanation(500), "difference": difference(), "large-difference": large_difference(MANY),
          "large-report": report(["/opt/velmo/rcp/rcplauncher.properties"] * MANY),
          "many-files": report([f"/opt/velmo/rcp/plugins/part{number}.properties" for number in range(1, MANY + 1)])}

@@ -1,5 +1,5 @@
 """Lists of any length, keyboard, paper and what a screen reader is told; check-page runs it."""
-from page_steps import details, element, expect, is_in_pane, test
+from page_steps import details, element, expect, is_in_pane, is_in_window, test
 
 # A page that is drawn as a whole has a thousand nodes or two; one of 10,000 rows would have a hundred times that.
 MOST_NODES = 4000
@@ -125,6 +125,10 @@ def a_closed_file_has_no_lines_and_opens_for_what_comes_from_it(page):
     page.one("#file-1 button").click()
     expect(page.all(".sources .entry"), page.all(".sources .entry:last-child"))
     expect(page.one("#file-1 button").get_attribute("aria-expanded"), "false")
+    page.search("number=77")
+    assert len(page.all(".sources .entry")) > 10
+    page.search("")
+    page.one("#file-1 button").click()
     element(page, 0).click()
     expect(page.one("#file-1 button").get_attribute("aria-expanded"), "true")
     assert "-Dnumber=1" in page.text(".sources .is-source")
@@ -208,10 +212,12 @@ def lines_break_behind_slashes_rather_than_in_names(page):
 def what_is_found_comes_into_view_and_counts_are_told_apart(page):
     expect([link.text for link in page.seen("#contents a")][:2], ["Outcome", "Arguments (17)"])
     page.search("SAMPLE_REMOVED")
-    assert page.run("const box = document.querySelector('#environment .row').getBoundingClientRect();"
-                    "return box.top >= 0 && box.bottom <= innerHeight")
+    assert is_in_window(page, page.one("#environment .row"))
     page.search("")
     expect(len(page.seen("section")), len(page.all("section")))
+    page.width(380, 700)
+    page.search("heap")
+    assert is_in_window(page, element(page, 11))
 
 
 def spoken(page):
@@ -274,6 +280,11 @@ def findings_in_ten_thousand_files_are_drawn_and_searched(page):
 def ten_thousand_differences_are_drawn_and_searched(page):
     measure(page, "diff, 10,000 files", "part77")
     expect(page.text("#found"), "111 of 10,000 files")
+    page.search("")
+    page.run("scrollTo(0, document.documentElement.scrollHeight / 2)")
+    page.settle()
+    page.search("part77")
+    assert is_in_window(page, page.one("#files .row"))
     page.search("")
     page.one("#contents").find_element(page.By.PARTIAL_LINK_TEXT, "Findings").click()
     page.settle()

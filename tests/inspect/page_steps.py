@@ -25,3 +25,9 @@ def is_in_pane(page, node):
     return page.run("""const pane = arguments[0].closest('.scroll').getBoundingClientRect();
         const box = arguments[0].getBoundingClientRect();
         return box.top >= pane.top && box.bottom <= pane.bottom;""", node)
+
+
+def is_in_window(page, node):
+    return page.run("""const box = arguments[0].getBoundingClientRect();
+        return box.top >= 0 && box.bottom <= innerHeight && arguments[0].contains(
+            document.elementFromPoint(box.left + 9, box.top + 9));""", node)

@@ -241,6 +241,27 @@ def nothing_found_is_said(page):
     expect(page.all(".finding"), [])
 
 
+@test("refused")
+def a_program_that_cannot_be_started_is_no_outcome(page):
+    expect(page.text("h1"), "■ Ends")
+    assert "It was on its way to /opt/velmo/rcp/eclipse/eclipse" in page.text("#outcome")
+    texts = [node.text.splitlines() for node in page.all("#handOff .row")]
+    expect([text[0] for text in texts], ["✖ 1 fault", "✔ usable"])
+    assert "RI701 it is for another machine" in texts[0], texts[0]
+
+
+@test("computed")
+def where_the_rehearsal_ends_is_said(page):
+    assert "what the platform does then is not rehearsed" in page.text("#outcome")
+
+
+@test("refused")
+def what_was_taken_out_is_listed(page):
+    expect([node.text.splitlines() for node in page.all("#redacted .row")],
+           [["3 times", "proxy.password <redacted:1f2e>"], ["1 time", "home directory"]])
+    expect(page.all("#contents a")[-1].text, "Redacted (2)")
+
+
 @test("fatal")
 def the_head_of_a_page_says_how_it_was_made(page):
     made = page.text(".made")
