@@ -19,15 +19,24 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
+#include <errno.h>
+#include <string.h>
+
 namespace rcp::inspect {
 namespace {
+
+// What is said of a file that could not be opened.
+std::string lackText(const std::wstring& path, int error) {
+    return quoted(path) + (error == ENOENT || error == ENOTDIR
+                               ? " is missing"
+                               : std::string(" cannot be read: ") + strerror(error));
+}
 
 // A file that the entry at `origin` leads to.
 void needFile(const Examination& examination, const std::wstring& path, const Origin& origin,
               Findings& findings) {
     if (!exists(path)) {
-        findings.add("RI601", examination.nameOf(origin), origin.line,
-                     quoted(path) + " is missing");
+        findings.add("RI601", examination.nameOf(origin), origin.line, lackText(path, errno));
     }
 }
 
@@ -118,8 +127,7 @@ void findMasters(const Examination& examination, Findings& findings) {
     const std::wstring platform =
         getCoreFileLocation(configuration, examination.base, L"platform.xml");
     if (isManaged && configuration != InstallConfiguration::kUserpb && !exists(platform)) {
-        findings.add("RI606", examination.nameOf(origin), origin.line,
-                     quoted(platform) + " is missing");
+        findings.add("RI606", examination.nameOf(origin), origin.line, lackText(platform, errno));
     }
 }
 

@@ -58,10 +58,11 @@ json describePlaceholders(const std::wstring& written, const Witness& witness) {
 
 json describeLosers(const Argument& element, const Account& account) {
     json losers = json::array();
+    const std::wstring winner = writtenText(element.text, element.origin, account);
     for (const Loser* loser : account.losers.beatenBy(element.origin)) {
         const std::wstring written = writtenText(loser->text, loser->origin, account);
-        if (element == written) {
-            continue;  // an option's name, which says nothing
+        if (element == written || winner == written) {
+            continue;  // an option's name, or the same once more: it says nothing
         }
         losers.push_back({{"text", jsonText(withoutName(written, L""))},
                           {"source", account.sources.describe(loser->origin)},

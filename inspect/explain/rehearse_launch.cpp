@@ -7,18 +7,17 @@
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
 #include "inspect/messages.h"
+#include "inspect/rehearsal/temporary_folder.h"
 #include "launcher/process_entry.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
 
 #include <errno.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -150,30 +149,6 @@ int launchOn(Stage& stage, int argc, char** argv) {
 }
 
 // --- Around it --------------------------------------------------------------------------------------
-
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        const char* given = getenv("TMPDIR");
-        path_ = std::string(given == nullptr || *given == '\0' ? "/tmp" : given);
-        path_ += "/rcpinspect-XXXXXX";
-        if (mkdtemp(path_.data()) == nullptr) {
-            throw std::runtime_error("no folder can be made as " + path_);
-        }
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    TemporaryFolder(TemporaryFolder&&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    [[nodiscard]] const std::string& path() const { return path_; }
-
-  private:
-    std::string path_;
-};
 
 // Somebody who waits for more than a second in front of a terminal wants to know for what.
 void tellIfSlow(int descriptor) {

@@ -209,6 +209,16 @@ TEST_F(ExplainElements, ShowTheWorkspaceThatAnExtensionReplaces) {
               "configuration extension wins\n");
 }
 
+TEST_F(ExplainElements, DoNotShowTheWinnerAmongItsLosers) {
+    append(kProperties, "config.again.1=-data\nconfig.again.2=/tmp/one\n");
+    const Json told = explain({"-data", "/tmp/one", "-data", "/tmp/two", "-config", "again"});
+    for (const char* option : {"-data", "-configuration"}) {
+        const std::string losers = losersOf(valueOf(told, option));
+        EXPECT_NE(losers.find("/tmp/two from argument 4"), std::string::npos) << losers;
+        EXPECT_EQ(losers.find("/tmp/one"), std::string::npos) << losers;
+    }
+}
+
 TEST_F(ExplainElements, ShowTheJvmThatVmReplaces) {
     const Json told = explain({"-vm", "/other/java"});
     EXPECT_EQ(element(told, "/other/java")["rule"], "the JVM that the user names with -vm");

@@ -95,6 +95,17 @@ TEST_F(DoctorTest, ALaunchThatEndsIsBadWithItsRecordAndRemedy) {
     EXPECT_EQ(launch(), 255);
 }
 
+TEST_F(DoctorTest, AFileThatIsThereAndCannotBeReadIsNotCalledMissing) {
+    const std::string name = "client/rcp/plugin_customization.ini";
+    std::filesystem::remove(folder_.path() / name);
+    const auto cause = [&] {
+        return answer("installation", 2)["problems"][0]["cause"].get<std::string>();
+    };
+    EXPECT_TRUE(cause().ends_with("\" is missing")) << cause();
+    std::filesystem::create_symlink("plugin_customization.ini", folder_.path() / name);
+    EXPECT_NE(cause().find("\" cannot be read: "), std::string::npos) << cause();
+}
+
 TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
     variables_ = {"JAVA_TOOL_OPTIONS=-Xmx1m"};
     const Json problem = onlyProblem("environment", 1);
