@@ -27,6 +27,7 @@ Findings findEverything(const Examination& examination) {
         findInPlaceholders(examination, findings);
         findInJvmArguments(examination, findings);
         findInExtensions(examination, findings);
+        findInHandOff(examination, findings);
     }
     findInBundle(examination, findings);
     return findings;

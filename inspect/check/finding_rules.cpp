@@ -202,6 +202,30 @@ constexpr FindingRule kRules[] = {
      "Everything in Contents/MacOS has to be signed as code. A file that is none ends the signing "
      "of the bundle.",
      "Put the file into Contents/Resources and a link to it into Contents/MacOS."},
+    // The hand-off
+    {"RI801", "not-startable", kError,
+     "A program that the launch hands off to cannot be started here.",
+     "Install the program that is made for this machine, with the libraries that it needs."},
+    {"RI802", "not-loadable", kError,
+     "A library that the platform is started with cannot be loaded.",
+     "Install the library that is made for this machine, with those that it needs."},
+    {"RI803", "damaged-jar", kError, "A jar is no zip file, or has no manifest.", "Copy it again."},
+    {"RI804", "missing-class", kError, "The class that is started is in no jar that is named.",
+     "Name the jar of the platform's launcher."},
+    {"RI805", "missing-bundle", kError,
+     "The platform's configuration names a jar or a list that is not there.",
+     "Add the file, or correct the entry."},
+    {"RI806", "start-level", kWarning,
+     "A start level is no number from 1 on, or beyond the last level: the bundle is not started.",
+     "Correct the start level."},
+    {"RI807", "area-elsewhere", kError, "An area of the platform's is where there is no folder.",
+     "Correct the path."},
+    {"RI808", "search-folder-missing", kWarning,
+     "A folder that a search path for libraries names is not there.",
+     "Correct the path, or take the folder out of it."},
+    {"RI809", "jvm-variable", kWarning,
+     "The JVM takes options from this variable that no property file names.",
+     "Unset the variable unless it is meant."},
 };
 
 }  // namespace

@@ -17,6 +17,7 @@ void findInPlaceholders(const Examination& examination, Findings& findings);
 void findInJvmArguments(const Examination& examination, Findings& findings);
 void findInExtensions(const Examination& examination, Findings& findings);
 void findInFiles(const Examination& examination, Findings& findings);
+void findInHandOff(const Examination& examination, Findings& findings);
 void findInBundle(const Examination& examination, Findings& findings);
 
 /// All of them.

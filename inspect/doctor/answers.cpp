@@ -29,7 +29,12 @@ Answer answerLaunch(const Evidence& evidence) {
                   outcome.value("cause", "rcpinspect explain tells how far it comes.")}}};
     }
     if (kind == "ends") {
-        return {"launch", "ends without starting anything"};
+        Answer answer{"launch", "ends without starting anything"};
+        if (outcome.contains("record")) {
+            answer.problems.push_back(
+                {Mark::kBad, outcome["record"], "", outcome.value("cause", "")});
+        }
+        return answer;
     }
     const std::string program = outcome.value("program", "");
     return {"launch", kind == "provisioning" ? "provisions first, through " + program
@@ -58,6 +63,20 @@ Answer answerBase(const Evidence& evidence) {
     const std::wstring& base = evidence.examination.base;
     return {"base location", base.empty() ? "not known" : evidence.examination.nameOf(base),
             evidence.problemsOf(Subject::kBase)};
+}
+
+Answer answerLibrary(const Evidence& evidence) {
+    const std::string library = evidence.pathOf("launcher library");
+    return {"launcher library", library.empty() ? "none is needed" : library,
+            evidence.problemsOf(Subject::kLibrary)};
+}
+
+Answer answerBundles(const Evidence& evidence) {
+    const std::string framework = evidence.pathOf("framework");
+    return {
+        "bundles",
+        framework.empty() ? "not known" : evidence.pathOf("bundles") + " start with " + framework,
+        evidence.problemsOf(Subject::kBundles)};
 }
 
 Answer answerJvmProperties(const Evidence& evidence) {
@@ -134,10 +153,11 @@ Mark Answer::mark() const {
 
 std::vector<Answer> answers(const Options& options) {
     const Evidence evidence = gather(options);
-    return {answerLaunch(evidence), answerInstallation(evidence), answerSettings(evidence),
-            answerBase(evidence),   answerJvm(evidence),          answerJvmProperties(evidence),
-            answerArea(evidence),   answerLock(evidence),         answerSpace(evidence),
-            answerLocale(),         answerEnvironment(evidence),  answerLastStart(evidence)};
+    return {answerLaunch(evidence),        answerInstallation(evidence), answerSettings(evidence),
+            answerBase(evidence),          answerLibrary(evidence),      answerJvm(evidence),
+            answerJvmProperties(evidence), answerBundles(evidence),      answerArea(evidence),
+            answerLock(evidence),          answerSpace(evidence),        answerLocale(),
+            answerEnvironment(evidence),   answerLastStart(evidence)};
 }
 
 }  // namespace rcp::inspect

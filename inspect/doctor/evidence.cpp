@@ -4,6 +4,8 @@
 #include "inspect/explain/rehearse_launch.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace rcp::inspect {
 namespace {
@@ -20,7 +22,32 @@ Subject subjectOfPath(const Finding& finding, const Examination& examination) {
                                                                 : Subject::kInstallation;
 }
 
-Subject subjectOf(const Finding& finding, const Examination& examination) {
+// What was examined of the hand-off, by its name.
+constexpr std::pair<const char*, Subject> kExaminedSubjects[] = {
+    {"program", Subject::kLibrary},
+    {"launcher library", Subject::kLibrary},
+    {"JVM", Subject::kJvm},
+    {"LD_LIBRARY_PATH", Subject::kEnvironment},
+    {"DYLD_LIBRARY_PATH", Subject::kEnvironment},
+    {"variable", Subject::kEnvironment},
+};
+
+Subject subjectOfHandOff(const Finding& finding, const Evidence& evidence) {
+    for (const Examined& examined : evidence.handOff) {
+        const auto isIt = [&](const Fault& fault) { return fault.message == finding.message; };
+        if (std::none_of(examined.faults.begin(), examined.faults.end(), isIt)) {
+            continue;
+        }
+        const auto known =
+            std::find_if(std::begin(kExaminedSubjects), std::end(kExaminedSubjects),
+                         [&](const auto& one) { return one.first == examined.what; });
+        return known == std::end(kExaminedSubjects) ? Subject::kBundles : known->second;
+    }
+    return Subject::kBundles;
+}
+
+Subject subjectOf(const Finding& finding, const Evidence& evidence) {
+    const Examination& examination = evidence.examination;
     const std::string_view code = finding.rule->code;
     if (code == "RI607") {
         return Subject::kArea;
@@ -34,6 +61,9 @@ Subject subjectOf(const Finding& finding, const Examination& examination) {
     if (code.starts_with("RI7")) {
         return Subject::kInstallation;
     }
+    if (code.starts_with("RI8")) {
+        return subjectOfHandOff(finding, evidence);
+    }
     const PropertyFile* jvms = examination.file(kJvmFile);
     if (jvms != nullptr && finding.file == jvms->name) {
         return Subject::kJvmProperties;
@@ -46,7 +76,7 @@ Subject subjectOf(const Finding& finding, const Examination& examination) {
 std::vector<Problem> Evidence::problemsOf(Subject subject) const {
     std::vector<Problem> problems;
     for (const Finding& finding : findings) {
-        if (subjectOf(finding, examination) == subject) {
+        if (subjectOf(finding, *this) == subject) {
             const std::string line = finding.line == 0 ? "" : ":" + std::to_string(finding.line);
             problems.push_back({finding.rule->level == Level::kError ? Mark::kBad : Mark::kOdd,
                                 std::string(finding.rule->code) + " " + finding.message,
@@ -57,6 +87,12 @@ std::vector<Problem> Evidence::problemsOf(Subject subject) const {
         problems.begin(), problems.end(),
         [](const Problem& left, const Problem& right) { return left.mark > right.mark; });
     return problems;
+}
+
+std::string Evidence::pathOf(const std::string& what) const {
+    const auto found = std::find_if(handOff.begin(), handOff.end(),
+                                    [&](const Examined& one) { return one.what == what; });
+    return found == handOff.end() ? std::string() : found->path;
 }
 
 std::string Evidence::jvm() const {
@@ -75,8 +111,10 @@ Evidence gather(const Options& options) {
     Evidence evidence{.explanation = explainLaunch(options),
                       .state = WorkspaceWatch(options).look(),
                       .examination = examine(options),
-                      .findings = {}};
+                      .findings = {},
+                      .handOff = {}};
     evidence.findings = findEverything(evidence.examination).sorted();
+    evidence.handOff = examineHandOff(evidence.examination);
     return evidence;
 }
 

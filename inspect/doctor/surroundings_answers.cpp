@@ -136,22 +136,10 @@ Answer answerLocale() {
     return answer;
 }
 
-// Variables that change the JVM without the launcher.
 Answer answerEnvironment(const Evidence& evidence) {
     const std::size_t changed = evidence.explanation["environment"].size();
-    Answer answer{"environment",
-                  std::to_string(changed) + " variables change, of which explain tells"};
-    for (const char* name : {"JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS"}) {
-        if (const char* value = getenv(name)) {
-            answer.problems.push_back(
-                {Mark::kOdd,
-                 std::string(name) + " is \"" + value +
-                     "\": the JVM takes options from it that no property file "
-                     "names",
-                 "", std::string("Unset ") + name + " unless it is meant."});
-        }
-    }
-    return answer;
+    return {"environment", std::to_string(changed) + " variables change, of which explain tells",
+            evidence.problemsOf(Subject::kEnvironment)};
 }
 
 }  // namespace rcp::inspect

@@ -2,6 +2,7 @@
 #include "inspect/copies/describe_copies.h"
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/handoff/describe_hand_off.h"
 
 #include <exception>
 #include <iostream>
@@ -12,7 +13,9 @@ namespace rcp::inspect {
 int explain(const Options& options) {
     try {
         nlohmann::json explanation = explainLaunch(options);
-        explanation["copies"] = describeStaleCopies(examine(options));
+        const Examination examination = examine(options);
+        explanation["copies"] = describeStaleCopies(examination);
+        explanation["handOff"] = describeHandOff(examination);
         if (options.format == Format::kJson) {
             std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';

@@ -26,11 +26,32 @@ std::string endText(const json& outcome) {
     return (kind == "provisioning" ? "provisioning first: " : "") + ("it becomes " + program);
 }
 
+std::string faultText(const json& fault) {
+    return fault["code"].get<std::string>() + " " + fault["message"].get<std::string>();
+}
+
+// What is examined of the platform's files.
+void addBeyond(TextPage& page, const json& explanation) {
+    std::string names;
+    for (const json& examined : explanation.value("handOff", json::array())) {
+        for (const json& fault : examined["faults"]) {
+            page.pair("but", faultText(fault));
+        }
+        names += (names.empty() ? "" : ", ") + examined["what"].get<std::string>();
+    }
+    if (!names.empty()) {
+        page.pair("examined", names);
+    }
+}
+
 void addOutcome(TextPage& page, const json& explanation) {
     const json& outcome = explanation["outcome"];
     const json& facts = explanation["facts"];
     page.heading("What a launch would do");
-    page.pair("end", endText(outcome));
+    page.pair("end", endText(outcome) + (outcome.contains("beyond")
+                                             ? "; what the platform does then is not rehearsed"
+                                             : ""));
+    addBeyond(page, explanation);
     if (outcome.contains("record")) {
         page.pair("record", outcome["record"]);
     }
@@ -162,6 +183,18 @@ void addCopies(TextPage& page, const json& copies) {
     }
 }
 
+void addHandOff(TextPage& page, const json& handOff) {
+    if (handOff.empty()) {
+        return;
+    }
+    page.heading("What was examined of what it is handed to");
+    for (const json& examined : handOff) {
+        page.pair(examined["what"],
+                  examined["path"].get<std::string>() +
+                      (examined["faults"].empty() ? "" : ": not as it should be"));
+    }
+}
+
 void addFiles(TextPage& page, const json& files) {
     for (const json& file : files) {
         page.heading("Properties of " + file["path"].get<std::string>());
@@ -186,6 +219,9 @@ std::string explanationText(const json& explanation, const TextForm& form) {
                  : addFoldedEnvironment(page, explanation["environment"]);
     form.isWhole ? addChanges(page, explanation["changes"])
                  : addFoldedChanges(page, explanation["changes"]);
+    if (form.isWhole) {
+        addHandOff(page, explanation.value("handOff", json::array()));
+    }
     addCopies(page, explanation.value("copies", json::array()));
     form.isWhole ? addFiles(page, explanation["files"])
                  : addFoldedFiles(page, explanation["files"]);

@@ -168,7 +168,7 @@ void addStart(json& steps, const json& outcome, bool isInitial) {
     const std::string kind = outcome["kind"];
     if (kind == "provisioning") {
         steps.push_back("provision");
-    } else if (kind != "ends") {
+    } else if (kind != "ends" && kind != "fatal") {
         if (isInitial) {
             steps.push_back("initial-configuration");
         }

@@ -6,6 +6,7 @@
 #include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
+#include "inspect/handoff/describe_hand_off.h"
 #include "inspect/messages.h"
 #include "inspect/rehearsal/temporary_folder.h"
 #include "launcher/process_entry.h"
@@ -86,13 +87,18 @@ json tellAll(Stage& stage, int status) {
                           .status = status};
     const json records = describeRecords(*stage.rehearsal);
     json outcome = describeOutcome(launch);
-    const std::string& last = stage.lastError;
-    outcome["record"] = last.empty() ? lastErrorOf(records) : last;
-    if (!stage.cause.isComputed()) {
-        outcome["source"] = sources.describe(stage.cause);
-    }
     if (outcome["kind"] == "provisioning") {
         launch.lock->record(getpid());  // the part of the parent, which the rehearsal does not play
+    }
+    if (status != 0) {
+        const std::string& last = stage.lastError;
+        outcome["record"] = last.empty() ? lastErrorOf(records) : last;
+        if (!stage.cause.isComputed()) {
+            outcome["source"] = sources.describe(stage.cause);
+        }
+    } else {
+        const auto path = stage.before.find("LD_LIBRARY_PATH");
+        settleHandOff(outcome, path == stage.before.end() ? std::string() : path->second);
     }
     json told{{"outcome", outcome},
               {"elements", describeElements(account)},
@@ -184,14 +190,13 @@ std::string runRehearsal(const Options& options, int& status) {
 
 // The record that ended the launch is the last error.
 void settleRecord(json& outcome, int status) {
-    if (status == 0 || outcome["record"] == "") {
+    if (outcome.value("record", "").empty()) {
         outcome.erase("record");
     }
-    if (status == 0) {
-        return;
+    if (status != 0) {
+        outcome["kind"] = "fatal";
+        outcome["status"] = status;
     }
-    outcome["kind"] = "fatal";
-    outcome["status"] = status;
     const auto known = findMessages(outcome.value("record", ""));
     if (!known.empty()) {
         outcome["cause"] = known.front()->remedy;

@@ -1,5 +1,9 @@
 #include "bundle_fixture.h"
 
+#include "inspect/quiet_read.h"
+#include "tests/support/sandbox.h"
+#include "tests/unit/paths.h"
+
 #include <filesystem>
 #include <utility>
 
@@ -44,7 +48,10 @@ AppBundle::AppBundle() {
     writeProgram(kEclipse, code(2).bytes());
     writeProgram(kLibrary, code(6).bytes());
     writeProgram(kJvm, code(6).bytes());
-    write(kBase + "/launcher.jar", "");
+    for (const char* name : {"/launcher.jar", "/plugins/org.eclipse.osgi.jar"}) {
+        write(kBase + name,
+              readQuietly(fs::path(test::seen(STANDIN_PLATFORM)).parent_path() / "standin.jar"));
+    }
     for (const char* name : {"config.ini", "platform.xml", "rcpinstall.properties"}) {
         write(kBase + "/config/user/" + name, "");
     }

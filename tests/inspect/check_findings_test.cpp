@@ -12,7 +12,7 @@ namespace {
 std::vector<Case> allCases() {
     std::vector<Case> all;
     for (const auto& group : {lineCases(), keyCases(), valueCases(), placeholderCases(), jvmCases(),
-                              extensionCases(), fileCases()}) {
+                              extensionCases(), fileCases(), handOffCases()}) {
         all.insert(all.end(), group.begin(), group.end());
     }
     return all;
@@ -32,7 +32,10 @@ std::size_t expectedLine(const Case& one, std::size_t ownLines) {
                         : ownLines + static_cast<std::size_t>(one.line);
 }
 
-class CheckFinding : public ::testing::TestWithParam<Case> {};
+class CheckFinding : public ::testing::TestWithParam<Case> {
+  protected:
+    void TearDown() override { unsetenv("JAVA_TOOL_OPTIONS"); }  // which one of the cases sets
+};
 
 TEST(CheckFindings, NoneInAnInstallationWithoutMistakes) {
     EXPECT_EQ(shown(Maker().check()), "");

@@ -2,6 +2,8 @@
 
 #include "inspect/check/examination.h"
 #include "inspect/check/groups.h"
+#include "tests/support/sandbox.h"
+#include "tests/unit/paths.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -22,14 +24,15 @@ Maker::Maker() {
     folder_.write("rcp/rcplauncher", "");
     setExecutable("rcp/rcplauncher", true);
     folder_.write("rcp/plugins.ini", "");
-    folder_.write(kPlatform, "");
-    setExecutable(kPlatform, true);
-    folder_.write(base + "/macosx/x86/eclipse_1615.so", "");
-    folder_.write(base + "/launcher.jar", "");
+    place(kPlatform, "standin_platform");
+    place(base + "/macosx/x86/eclipse_1615.so", "standin_eclipse.so");
+    place(base + "/launcher.jar", "standin.jar");
+    place(base + "/plugins/org.eclipse.osgi_1.0.jar", "standin.jar");
     folder_.write(base + "/config/user/config.ini", "");
     folder_.write(base + "/config/user/platform.xml", "");
     folder_.write(kMaster, "product=mine\n");
-    folder_.write("jre/lib/libjvm.so", "");
+    place("jre/lib/libjvm.so", "standin_jvm.so");
+    setExecutable("jre/lib/libjvm.so", false);
     folder_.write(kJvmProperties, "jvm.feature.id=feature\n");
     folder_.write(kLauncherProperties,
                   "rcp.install.id=test\n"
@@ -42,6 +45,13 @@ Maker::Maker() {
                       "jvm.libpath=/lib/libjvm.so\n"
                       "plugincustomization=" +
                       folder_.narrow("rcp/plugins.ini") + "\n");
+}
+
+void Maker::place(const std::string& file, const std::string& standIn) const {
+    const fs::path target = folder_.path() / file;
+    fs::create_directories(target.parent_path());
+    fs::copy_file(fs::path(test::seen(STANDIN_PLATFORM)).parent_path() / standIn, target,
+                  fs::copy_options::overwrite_existing);
 }
 
 void Maker::append(const std::string& file, const std::string& text) const {
@@ -106,6 +116,10 @@ Change differs(const std::string& file, const std::string& from, const std::stri
 
 Change isNotExecutable(const std::string& file) {
     return [=](const Maker& maker) { maker.setExecutable(file, false); };
+}
+
+Change isStandIn(const std::string& file, const std::string& standIn) {
+    return [=](const Maker& maker) { maker.place(file, standIn); };
 }
 
 Change both(const Change& first, const Change& second) {

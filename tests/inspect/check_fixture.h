@@ -22,6 +22,8 @@ inline constexpr char kMaster[] =
 class Maker {
   public:
     Maker();
+    /// One of the files that the stand-in platform is made of.
+    void place(const std::string& file, const std::string& standIn) const;
     void append(const std::string& file, const std::string& text) const;
     void replace(const std::string& file, const std::string& from, const std::string& to) const;
     void remove(const std::string& file) const;
@@ -46,6 +48,7 @@ Change has(const std::string& file, const std::string& text);
 Change lacks(const std::string& file);
 Change differs(const std::string& file, const std::string& from, const std::string& to);
 Change isNotExecutable(const std::string& file);
+Change isStandIn(const std::string& file, const std::string& standIn);
 Change both(const Change& first, const Change& second);
 void nothingChanges(const Maker& maker);
 
@@ -72,5 +75,6 @@ std::vector<Case> placeholderCases();
 std::vector<Case> jvmCases();
 std::vector<Case> extensionCases();
 std::vector<Case> fileCases();
+std::vector<Case> handOffCases();
 
 }  // namespace rcp::inspect

@@ -273,7 +273,7 @@ TEST(Check, ChangesNothing) {
 
 TEST(Check, TakesTheJvmFromTheLaunchersArguments) {
     const Maker maker;
-    has("other/lib/libjvm.so", "")(maker);
+    maker.place("other/lib/libjvm.so", "standin_jvm.so");
     has("other/jvm.properties", "colour=red\n")(maker);
     Options options = maker.options();
     EXPECT_EQ(checkOf(options).status, 0);

@@ -109,7 +109,8 @@ TEST_F(DoctorTest, AFileThatIsThereAndCannotBeReadIsNotCalledMissing) {
 TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
     variables_ = {"JAVA_TOOL_OPTIONS=-Xmx1m"};
     const Json problem = onlyProblem("environment", 1);
-    EXPECT_TRUE(problem["cause"].get<std::string>().starts_with("JAVA_TOOL_OPTIONS is \"-Xmx1m\""));
+    EXPECT_TRUE(
+        problem["cause"].get<std::string>().starts_with("RI809 JAVA_TOOL_OPTIONS is \"-Xmx1m\""));
 }
 
 TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {

@@ -1,0 +1,51 @@
+// What a launch hands off to, examined as the next program will use it: nothing is started, and what the
+// platform makes of it all is not known here.
+#pragma once
+
+#include "inspect/check/examination.h"
+#include "inspect/check/finding.h"
+#include "launcher/command_line/plan.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace rcp::inspect {
+
+/// What the launcher calls of its library.
+inline constexpr const char* kPlatformEntryPoints[] = {"setInitialArgs", "run"};
+
+/// A finding-to-be; `code` is one of the table's.
+struct Fault {
+    const char* code;
+    std::string file;
+    std::size_t line = 0;
+    std::string message;
+};
+
+struct Examined {
+    std::string what;  // "JVM"
+    std::string path;  // or how many there are
+    std::vector<Fault> faults = {};
+};
+
+/// The plan of a launch with the examination's arguments; none when that ends before it has one.
+std::optional<Plan> planOf(const Examination& examination);
+
+/// In the order in which they are used; nothing where there is no plan.
+std::vector<Examined> examineHandOff(const Examination& examination);
+
+/// The same where the platform's own configuration leads: framework, bundles, areas.
+std::vector<Examined> examineConfiguration(const Examination& examination, const Plan& plan);
+
+/// A fault at the place where an argument or property was written.
+Fault faultAt(const Examination& examination, const char* code, const Origin& origin,
+              const std::string& message);
+/// What is the matter with a jar that is there; nothing when it can be read and has a manifest.
+std::optional<std::string> jarFault(const std::string& path);
+/// The JVM's path: behind "-vm", or the program that is started; empty without one.
+Argument jvmOf(const Examination& examination, const Plan& plan);
+/// What a variable holds for whoever is handed to; empty when it is not set.
+std::string variableAfter(const std::string& name, const EnvironmentChanges& changes);
+
+}  // namespace rcp::inspect

@@ -1,0 +1,118 @@
+#include "inspect/handoff/jar.h"
+
+#include "base/unique_fd.h"
+#include "inspect/bundle/bytes.h"
+#include "inspect/quiet_read.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+namespace rcp::inspect {
+namespace {
+
+// The records of a zip file: what they begin with and how long they are without names and comments.
+constexpr std::uint32_t kEnd = 0x06054b50;
+constexpr std::uint64_t kEndSize = 22;
+constexpr std::uint32_t kEndPlace = 0x07064b50;  // of the end in files beyond 32 bits
+constexpr std::uint64_t kEndPlaceSize = 20;
+constexpr std::uint32_t kLargeEnd = 0x06064b50;
+constexpr std::uint64_t kLargeEndSize = 56;
+constexpr std::uint32_t kEntry = 0x02014b50;
+constexpr std::uint64_t kEntrySize = 46;
+constexpr std::uint64_t kInLargeEnd = 0xFFFFFFFF;
+constexpr std::uint64_t kLongestTail = 65535 + kEndSize + kEndPlaceSize;
+constexpr std::uint64_t kLongestDirectory = std::uint64_t{1} << 26U;
+
+// Parts of a regular file; of one that cannot be read, and of what lies beyond its end, nothing.
+class File {
+  public:
+    explicit File(const std::string& path)
+        : file_(openQuietly(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
+        struct stat status {};
+        if (file_ && fstat(file_.get(), &status) == 0 && S_ISREG(status.st_mode)) {
+            size_ = static_cast<std::uint64_t>(status.st_size);
+        }
+    }
+    [[nodiscard]] std::uint64_t size() const { return size_; }
+    [[nodiscard]] std::string part(std::uint64_t begin, std::uint64_t size) const {
+        if (begin > size_ || size > size_ - begin || size > kLongestDirectory) {
+            return {};
+        }
+        std::string bytes(static_cast<std::size_t>(size), '\0');
+        std::size_t done = 0;
+        for (ssize_t length = 1; length > 0 && done < bytes.size();) {
+            length = pread(file_.get(), bytes.data() + done, bytes.size() - done,
+                           static_cast<off_t>(begin + done));
+            done += length > 0 ? static_cast<std::size_t>(length) : 0;
+        }
+        bytes.resize(done);
+        return bytes;
+    }
+
+  private:
+    UniqueFd file_;
+    std::uint64_t size_ = 0;
+};
+
+// Where in the file's last bytes the record stands with which it ends, but for a comment.
+std::optional<std::uint64_t> findEnd(const std::string& tail) {
+    Bytes bytes(tail, ByteOrder::kLittle);
+    for (std::uint64_t rest = kEndSize; rest <= tail.size(); ++rest) {
+        const std::uint64_t at = tail.size() - rest;
+        if (bytes.word(at) == kEnd && kEndSize + bytes.number(at + 20, 2) == rest) {
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> readDirectory(const File& file) {
+    const std::uint64_t tailSize = std::min(file.size(), kLongestTail);
+    const std::uint64_t tailBegin = file.size() - tailSize;
+    const std::string tail = file.part(tailBegin, tailSize);
+    const std::optional<std::uint64_t> end = findEnd(tail);
+    if (!end) {
+        return std::nullopt;
+    }
+    Bytes bytes(tail, ByteOrder::kLittle);
+    std::uint64_t size = bytes.word(*end + 12);
+    // The directory ends where its end begins; something may stand in front of the zip file.
+    std::uint64_t begin = tailBegin + *end - std::min(size, tailBegin + *end);
+    if ((size == kInLargeEnd || bytes.word(*end + 16) == kInLargeEnd) && *end >= kEndPlaceSize &&
+        bytes.word(*end - kEndPlaceSize) == kEndPlace) {
+        const std::string large =
+            file.part(bytes.number(*end - kEndPlaceSize + 8, 8), kLargeEndSize);
+        Bytes record(large, ByteOrder::kLittle);
+        size = record.number(40, 8);
+        begin = record.number(48, 8);
+        if (record.word(0) != kLargeEnd) {
+            return std::nullopt;
+        }
+    }
+    std::string directory = file.part(begin, size);
+    return directory.size() == size ? std::optional(directory) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::set<std::string>> jarEntries(const std::string& path) {
+    const std::optional<std::string> directory = readDirectory(File(path));
+    if (!directory) {
+        return std::nullopt;
+    }
+    Bytes bytes(*directory, ByteOrder::kLittle);
+    std::set<std::string> names;
+    for (std::uint64_t at = 0; at < directory->size() && !bytes.isDamaged();) {
+        if (bytes.word(at) != kEntry) {
+            return std::nullopt;
+        }
+        const std::uint64_t name = bytes.number(at + 28, 2);
+        names.emplace(bytes.part(at + kEntrySize, name));
+        at += kEntrySize + name + bytes.number(at + 30, 2) + bytes.number(at + 32, 2);
+    }
+    return bytes.isDamaged() ? std::nullopt : std::optional(names);
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,341 @@
+// The platform's own configuration, config.ini: the framework, the bundles and the areas that it names.
+#include "inspect/check/launcher_end.h"
+#include "inspect/handoff/hand_off.h"
+#include "inspect/quiet_read.h"
+#include "launcher/properties/property_file.h"
+#include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/options.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace rcp::inspect {
+namespace {
+
+namespace files = std::filesystem;
+
+constexpr char kFrameworkName[] = "org.eclipse.osgi";
+constexpr char kConfigurator[] = "org.eclipse.equinox.simpleconfigurator";
+constexpr int kUsualStartLevel =
+    6;  // up to which the framework starts bundles unless told otherwise
+
+bool isFolder(const std::string& path) {
+    std::error_code unknown;
+    return files::is_directory(path, unknown);
+}
+
+bool isThere(const std::string& path) {
+    std::error_code unknown;
+    return files::exists(path, unknown);
+}
+
+std::string trimmed(const std::string& text) {
+    constexpr char kBlanks[] = " \t\r\n";
+    const std::size_t begin = text.find_first_not_of(kBlanks);
+    return begin == std::string::npos
+               ? std::string()
+               : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+std::vector<std::string> splitAt(char separator, const std::string& text) {
+    std::vector<std::string> parts;
+    std::istringstream all(text);
+    for (std::string part; std::getline(all, part, separator);) {
+        parts.push_back(trimmed(part));
+    }
+    return parts;
+}
+
+// Takes `start` off; whether it was there.
+bool take(const std::string& start, std::string& text) {
+    const bool isThere = text.starts_with(start);
+    text.erase(0, isThere ? start.size() : 0);
+    return isThere;
+}
+
+std::string withoutScheme(std::string text) {
+    if (take("file:", text)) {
+        text.erase(0, text.find_first_not_of('/') == 0 || text.empty()
+                          ? 0
+                          : std::min(text.find_first_not_of('/'), text.size()) - 1);
+    }
+    return text;
+}
+
+// What the platform replaces itself, or what stands for a folder of its own choice.
+bool isUnknown(const std::string& text) {
+    return text.empty() || text.starts_with('@') || text.find('$') != std::string::npos;
+}
+
+std::optional<int> startLevel(const std::string& text) {
+    int level = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, level);
+    return read.ec == std::errc() && read.ptr == end && level > 0 ? std::optional(level)
+                                                                  : std::nullopt;
+}
+
+std::string joined(const std::string& folder, const std::string& path) {
+    return files::path(path).is_absolute() ? path : folder + "/" + path;
+}
+
+// The names of a folder's entries are asked for as often as there are bundles.
+class Folders {
+  public:
+    /// A bundle by the beginning of its file's name: alone, with ".jar", or with a version.
+    std::string find(const std::string& path) {
+        const files::path whole(path);
+        const std::string folder = whole.parent_path();
+        const std::string name = whole.filename();
+        for (auto entry = namesIn(folder).lower_bound(name); entry != namesIn(folder).end();
+             ++entry) {
+            if (!entry->starts_with(name)) {
+                break;
+            }
+            const std::string rest = entry->substr(name.size());
+            if (rest.empty() || rest == ".jar" || rest.front() == '_' || rest.front() == '-') {
+                return folder + "/" + *entry;
+            }
+        }
+        return {};
+    }
+
+  private:
+    const std::set<std::string>& namesIn(const std::string& folder) {
+        const auto [known, isNew] = names_.try_emplace(folder);
+        std::error_code unknown;
+        for (files::directory_iterator entry(folder, unknown), end;
+             isNew && !unknown && entry != end; entry.increment(unknown)) {
+            known->second.insert(entry->path().filename());
+        }
+        return known->second;
+    }
+    std::map<std::string, std::set<std::string>> names_;
+};
+
+class Configuration {
+  public:
+    Configuration(const Examination& examination, const Plan& plan)
+        : examination_(examination), plan_(plan) {
+        const LaunchInputs& inputs = examination.inputs;
+        const std::wstring own = osPath(inputs.configuration + L"/config.ini");
+        file_ = exists(own)
+                    ? own
+                    : getCoreFileLocation(inputs.traits.eConfig, examination.base, L"config.ini");
+        endOf([&] { getPropertiesIfThere(file_, entries_); });
+    }
+
+    std::vector<Examined> examine() {
+        if (!exists(file_)) {
+            return {};  // told with the installation's files
+        }
+        all_.push_back({.what = "configuration", .path = toNarrow(file_)});
+        examineLevels();
+        if (examineInstallArea()) {
+            examineFramework();
+            examineBundles();
+        }
+        return std::move(all_);
+    }
+
+  private:
+    void addFault(const char* code, const Origin& origin, const std::string& message) {
+        all_.back().faults.push_back(faultAt(examination_, code, origin, message));
+    }
+
+    struct Value {
+        std::string text;
+        Origin origin;
+    };
+
+    // A system property wins over the file; the JVM takes the last of its name.
+    [[nodiscard]] Value valueOf(const std::string& key) const {
+        const std::wstring option = toWide("-D" + key + "=");
+        const Arguments& all = plan_.line.arguments();
+        const auto given = std::find_if(all.rbegin(), all.rend(), [&](const Argument& argument) {
+            return argument.text.starts_with(option);
+        });
+        if (given != all.rend()) {
+            return {toNarrow(given->text.substr(option.size())), given->origin};
+        }
+        const Property* entry = entries_.find(toWide(key));
+        return entry == nullptr ? Value() : Value{trimmed(toNarrow(entry->value)), entry->origin};
+    }
+
+    // The main class takes the folder of its own jar, or what holds that one's folder "plugins".
+    [[nodiscard]] std::string usualInstallArea() const {
+        const Arguments& all = plan_.line.arguments();
+        const bool isJava = examination_.inputs.traits.isDirectJavaShape();
+        const auto option =
+            std::find(all.begin(), all.end(), isJava ? options::kClassPath : options::kStartup);
+        if (option == all.end() || option + 1 == all.end()) {
+            return {};
+        }
+        const std::string jars = toNarrow((option + 1)->text);
+        const files::path folder = files::path(jars.substr(0, jars.find(':'))).parent_path();
+        return folder.filename() == "plugins" ? folder.parent_path() : folder;
+    }
+
+    // False when there is nothing below which anything could be looked for.
+    bool examineInstallArea() {
+        const Value given = valueOf("osgi.install.area");
+        installArea_ = given.text.empty() ? usualInstallArea() : withoutScheme(given.text);
+        all_.push_back({.what = "install area", .path = installArea_});
+        if (isUnknown(installArea_) || isFolder(installArea_)) {
+            return !isUnknown(installArea_);
+        }
+        addFault("RI807", given.origin, "osgi.install.area: \"" + installArea_ + "\" is no folder");
+        return false;
+    }
+
+    void examineLevels() {
+        for (const char* key : {"osgi.startLevel", "osgi.bundles.defaultStartLevel"}) {
+            const Value value = valueOf(key);
+            if (!value.text.empty() && !startLevel(value.text)) {
+                addFault("RI806", value.origin, std::string(key) + " is \"" + value.text + "\"");
+            }
+        }
+        for (const char* key : {"osgi.sharedConfiguration.area", "osgi.syspath"}) {
+            const Value value = valueOf(key);
+            const std::string folder = withoutScheme(value.text);
+            if (!isUnknown(folder) && files::path(folder).is_absolute() && !isFolder(folder)) {
+                addFault("RI807", value.origin,
+                         std::string(key) + ": \"" + folder + "\" is no folder");
+            }
+        }
+        lastLevel_ = startLevel(valueOf("osgi.startLevel").text).value_or(kUsualStartLevel);
+    }
+
+    void examineFramework() {
+        const Value given = valueOf("osgi.framework");
+        std::string name = given.text;
+        const bool isExact = take("file:", name) || !name.empty();
+        framework_ = isExact ? joined(installArea_, withoutScheme("file:" + name))
+                             : folders_.find(installArea_ + "/plugins/" + kFrameworkName);
+        all_.push_back({.what = "framework", .path = framework_});
+        if (framework_.empty()) {
+            addFault("RI805", {std::make_shared<const std::wstring>(file_)},
+                     std::string(kFrameworkName) + " is not in \"" + installArea_ + "/plugins\"");
+        } else if (!isUnknown(given.text + "x")) {
+            judgeBundle(given.origin, "osgi.framework: ", framework_);
+        }
+    }
+
+    void judgeBundle(const Origin& origin, const std::string& front, const std::string& path) {
+        if (!isThere(path)) {
+            addFault("RI805", origin, front + "\"" + path + "\" is missing");
+        } else if (const auto fault = isFolder(path) ? std::nullopt : jarFault(path)) {
+            addFault("RI803", origin, front + "\"" + path + "\" " + *fault);
+        }
+    }
+
+    // "NAME@4:start"
+    void judgeLevels(const std::string& bundle, const std::string& levels, const Origin& origin) {
+        for (const std::string& part : splitAt(':', levels)) {
+            const std::optional<int> level = startLevel(part);
+            if (!level && !part.empty() && part != "start") {
+                addFault("RI806", origin,
+                         "\"" + bundle + "\" has the start level \"" + part + "\"");
+            } else if (level && *level > lastLevel_) {
+                addFault("RI806", origin,
+                         "\"" + bundle + "\" has the start level " + part +
+                             ", the framework goes to " + std::to_string(lastLevel_));
+            }
+        }
+    }
+
+    void judgeListed(const std::string& listed, const Origin& origin) {
+        const std::size_t at = listed.rfind('@');
+        std::string name = listed.substr(0, at);
+        if (at != std::string::npos && at > 0) {
+            judgeLevels(name, listed.substr(at + 1), origin);
+        }
+        hasConfigurator_ = hasConfigurator_ || name.find(kConfigurator) != std::string::npos;
+        const bool isReference = take("reference:", name);
+        const bool isFile = take("file:", name);
+        if (isUnknown(name) || (!isFile && name.find(':') != std::string::npos)) {
+            return;
+        }
+        const std::string path =
+            joined(files::path(framework_).parent_path(), withoutScheme("file:" + name));
+        const std::string found = isFile && !isReference ? path : folders_.find(path);
+        judgeBundle(origin, "", found.empty() ? path : found);
+    }
+
+    void examineBundles() {
+        const Value given = valueOf("osgi.bundles");
+        const std::vector<std::string> bundles = splitAt(',', given.text);
+        all_.push_back({.what = "bundles", .path = std::to_string(bundles.size())});
+        for (const std::string& bundle : bundles) {
+            if (!bundle.empty()) {
+                judgeListed(bundle, given.origin);
+            }
+        }
+        if (hasConfigurator_) {
+            examineList();
+        }
+    }
+
+    // The user's own list, or the installation's that the user's configuration inherits from.
+    [[nodiscard]] std::string listOfBundles() const {
+        const std::string url = valueOf(std::string(kConfigurator) + ".configUrl").text;
+        const std::string name =
+            url.empty() ? std::string(kConfigurator) + "/bundles.info" : withoutScheme(url);
+        const std::string own = toNarrow(examination_.inputs.configuration) + "/" + name;
+        return files::path(name).is_absolute() ? name
+               : isThere(own)                  ? own
+                                               : installArea_ + "/configuration/" + name;
+    }
+
+    void examineList() {
+        const std::string path = listOfBundles();
+        all_.push_back({.what = "list of bundles", .path = path});
+        if (isUnknown(path)) {
+            return;
+        }
+        const auto file = std::make_shared<const std::wstring>(toWide(path));
+        if (!isThere(path)) {
+            addFault("RI805", {std::make_shared<const std::wstring>(file_)},
+                     "\"" + path + "\" is missing");
+            return;
+        }
+        std::istringstream lines(readQuietly(path));
+        std::size_t number = 0;
+        for (std::string line; std::getline(lines, line);) {
+            ++number;
+            const std::vector<std::string> fields = splitAt(',', line);
+            if (line.starts_with('#') || fields.size() < 4) {
+                continue;
+            }
+            judgeLevels(fields[0], fields[3], {file, number});
+            if (!isUnknown(fields[2])) {
+                judgeBundle({file, number}, "", joined(installArea_, withoutScheme(fields[2])));
+            }
+        }
+    }
+
+    const Examination& examination_;
+    const Plan& plan_;
+    std::wstring file_;
+    PropertyList entries_;
+    std::string installArea_;
+    std::string framework_;
+    int lastLevel_ = kUsualStartLevel;
+    bool hasConfigurator_ = false;
+    Folders folders_;
+    std::vector<Examined> all_;
+};
+
+}  // namespace
+
+std::vector<Examined> examineConfiguration(const Examination& examination, const Plan& plan) {
+    return Configuration(examination, plan).examine();
+}
+
+}  // namespace rcp::inspect

@@ -1,0 +1,145 @@
+#include "check_fixture.h"
+
+#include <filesystem>
+
+namespace rcp::inspect {
+namespace {
+
+const std::string kBase = kBaseFolder;
+const std::string kProgram = kBase + "/macosx/x86/eclipse";
+const std::string kLibrary = kBase + "/macosx/x86/eclipse_1615.so";
+const std::string kJvm = "jre/lib/libjvm.so";
+const std::string kJar = kBase + "/launcher.jar";
+const std::string kFramework = kBase + "/plugins/org.eclipse.osgi_1.0.jar";
+constexpr char kConfigIni[] = "rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini";
+constexpr char kList[] = "rcp/eclipse/plugins/com.ovr.rcp.base/configuration/bundles.info";
+
+// What is there becomes another text, a program that stays one.
+Change becomes(const std::string& file, const std::string& text) {
+    return [=](const Maker& maker) { maker.folder().write(file, text); };
+}
+
+Change isCut(const std::string& file) {
+    return [=](const Maker& maker) {
+        const auto path = maker.folder().path() / file;
+        std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+    };
+}
+
+Change configHas(const std::string& text) {
+    return has(kConfigIni, text);
+}
+
+Change isService() {
+    return [](const Maker& maker) {
+        maker.place("jre/lib/libjvm.so", "standin_platform");
+        maker.append(kLauncherProperties, "install.configuration=service\n");
+        maker.append("rcp/eclipse/plugins/com.ovr.rcp.base/config/config.ini", "");
+        maker.append(kLauncherProperties, "cp=" + maker.folder().narrow(kJar) + "\n");
+    };
+}
+
+std::vector<Case> codeCases() {
+    return {
+        {"RI801", "ProgramThatIsText", becomes(kProgram, "no program"), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI801", "ProgramWithoutInterpreter", becomes(kProgram, "#!/no/such/shell\n"),
+         becomes(kProgram, "#!/bin/sh\n"), kLauncherProperties, inAll(2)},
+        {"RI801", "ProgramThatWasCut", isCut(kProgram), nothingChanges, kLauncherProperties,
+         inAll(2)},
+        {"RI801", "JvmOfAServiceThatIsText", both(isService(), becomes(kJvm, "no program")),
+         isService(), kLauncherProperties, inAll(5)},
+        {"RI802", "EmptyLauncherLibrary", becomes(kLibrary, ""), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI802", "LauncherLibraryThatWasCut", isCut(kLibrary), nothingChanges, kLauncherProperties,
+         inAll(2)},
+        {"RI802", "LauncherLibraryWithoutEntryPoint", isStandIn(kLibrary, "standin_without_run.so"),
+         nothingChanges, kLauncherProperties, inAll(2)},
+        {"RI802", "JvmThatIsText", becomes(kJvm, "no library"), nothingChanges, kLauncherProperties,
+         inAll(5)},
+        {"RI802", "JvmThatIsAnotherLibrary", isStandIn(kJvm, "standin_eclipse.so"), nothingChanges,
+         kLauncherProperties, inAll(5)},
+        {"RI802", "JvmThatIsAProgramByAnotherName", isStandIn(kJvm, "standin_platform"),
+         nothingChanges, kLauncherProperties, inAll(5)},
+    };
+}
+
+std::vector<Case> jarCases() {
+    return {
+        {"RI803", "EmptyStartupJar", becomes(kJar, ""), nothingChanges, kLauncherProperties,
+         inAll(2)},
+        {"RI803", "StartupJarThatWasCut", isCut(kJar), nothingChanges, kLauncherProperties,
+         inAll(2)},
+        {"RI803", "JarWithoutManifest",
+         // The record with which a zip file without entries ends.
+         becomes(kJar, std::string("PK\x05\x06").append(18, '\0')), nothingChanges,
+         kLauncherProperties, inAll(2)},
+        {"RI803", "EmptyFramework",
+         both(configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"),
+              becomes(kFramework, "")),
+         configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"), kConfigIni, inAll(1)},
+        {"RI804", "ClassPathWithoutTheMainClass",
+         both(isService(), differs(kLauncherProperties, "/launcher.jar", "/config")), isService(),
+         kLauncherProperties, 2},
+    };
+}
+
+std::vector<Case> configurationCases() {
+    const Change hasBundle = isStandIn(kBase + "/plugins/a.bundle_1.2.jar", "standin.jar");
+    const std::string configurator =
+        "osgi.bundles=reference:file:org.eclipse.equinox."
+        "simpleconfigurator.jar@1:start\norg.eclipse.equinox."
+        "simpleconfigurator.configUrl=file:bundles.info\n";
+    const Change hasList = both(
+        isStandIn(kBase + "/plugins/org.eclipse.equinox.simpleconfigurator.jar", "standin.jar"),
+        both(configHas(configurator), hasBundle));
+    return {
+        {"RI805", "NoFramework", lacks(kFramework), nothingChanges, kConfigIni, inAll(0)},
+        {"RI805", "NoFrameworkAsItIsNamed", configHas("a=b\nosgi.framework=file:nothing.jar\n"),
+         configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"), kConfigIni, inAll(2)},
+        {"RI805", "NoBundleOfThatName", both(hasBundle, configHas("osgi.bundles=a.bundl@start\n")),
+         both(hasBundle, configHas("osgi.bundles=a.bundle@start\n")), kConfigIni, inAll(1)},
+        {"RI805", "NoBundleOfThatPath",
+         both(hasBundle, configHas("osgi.bundles=a.bundle, file:a.bundle.jar\n")),
+         both(hasBundle, configHas("osgi.bundles=a.bundle, file:a.bundle_1.2.jar\n")), kConfigIni,
+         inAll(1)},
+        {"RI805", "NoListOfBundles", hasList, both(hasList, has(kList, "# none\n")), kConfigIni,
+         inAll(0)},
+        {"RI805", "NoBundleOfTheList",
+         both(hasList, has(kList, "# of two\na,1,plugins/nothing.jar,4,false\n")),
+         both(hasList, has(kList, "# of two\na,1,plugins/a.bundle_1.2.jar,4,false\n")), kList,
+         inAll(2)},
+        {"RI806", "StartLevelThatIsNoNumber",
+         both(hasBundle, configHas("osgi.bundles=a.bundle@4x:start\n")),
+         both(hasBundle, configHas("osgi.bundles=a.bundle@4:start\n")), kConfigIni, inAll(1)},
+        {"RI806", "StartLevelBeyondTheLast",
+         both(hasBundle, configHas("osgi.bundles=a.bundle@7:start\n")),
+         both(hasBundle, configHas("osgi.bundles=a.bundle@7:start\nosgi.startLevel=7\n")),
+         kConfigIni, inAll(1)},
+        {"RI806", "UsualStartLevelThatIsNone", configHas("osgi.bundles.defaultStartLevel=0\n"),
+         configHas("osgi.bundles.defaultStartLevel=1\n"), kConfigIni, inAll(1)},
+        {"RI807", "InstallAreaThatIsNoFolder", launcherHas("-Dosgi.install.area=/no/such\n"),
+         launcherHas("-Dosgi.install.area=@none\n")},
+        {"RI807", "SharedConfigurationThatIsNoFolder",
+         configHas("osgi.sharedConfiguration.area=file:/no/such\n"),
+         configHas("osgi.sharedConfiguration.area=file:/\n"), kConfigIni, inAll(1)},
+    };
+}
+
+}  // namespace
+
+std::vector<Case> handOffCases() {
+    std::vector<Case> all = codeCases();
+    for (const auto& group : {jarCases(), configurationCases()}) {
+        all.insert(all.end(), group.begin(), group.end());
+    }
+    all.push_back({"RI808", "SearchedFolderThatIsNotThere",
+                   launcherHas("env.set.LD_LIBRARY_PATH=/:/no/such\n"),
+                   launcherHas("env.set.LD_LIBRARY_PATH=/::/usr\n")});
+    all.push_back({"RI809", "VariableThatTheJvmReads",
+                   [](const Maker&) { setenv("JAVA_TOOL_OPTIONS", "-Da=b", 1); },
+                   launcherHas("env.unset.JAVA_TOOL_OPTIONS=\n"), kLauncherProperties, inAll(0)});
+    return all;
+}
+
+}  // namespace rcp::inspect
