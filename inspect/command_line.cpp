@@ -51,6 +51,7 @@ const std::vector<Command> kCommands{
      "what two installations, or one since its last launch, do differently",
      diff,
      {"text", "json", "html"}},
+    {"report", "all of that in an archive that can be mailed", report, {"text"}},
 };
 
 // An application bundle is an installation too.
@@ -192,8 +193,8 @@ int run(int argc, char** argv) {
         sub->add_option("--format", format, "text, json and, of some, sarif or html FILE")
             ->expected(1, 2);
         sub->add_flag("--redact", options.isRedacted,
-                      "secrets, names and home folders are taken out; a page needs no word for it");
-        sub->add_flag("--show-secrets", showsSecrets, "a page with secrets and all")
+                      "secrets, names and home folders are taken out; of pages and reports always");
+        sub->add_flag("--show-secrets", showsSecrets, "a page or report with secrets and all")
             ->excludes("--redact");
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
@@ -209,6 +210,10 @@ int run(int argc, char** argv) {
                                            "goes on until interrupted");
     app.get_subcommand("diff")->add_flag("--since-last", options.isSinceLast,
                                          "against the recorded last launch");
+    app.get_subcommand("report")->add_option("-o,--output", options.output,
+                                             "the archive to write; the default name has the date");
+    app.get_subcommand("report")->add_flag("--host", options.isWithHost,
+                                           "the name of this machine too");
     app.get_subcommand("diff")->add_option("--with", other,
                                            "the installation to compare with: the older one");
     try {
@@ -226,7 +231,8 @@ int run(int argc, char** argv) {
     if (const auto problem = settleFormat(format, *command, options)) {
         return wrongUse(*problem);
     }
-    options.isRedacted |= options.format == Format::kHtml && !showsSecrets;
+    const bool isMailed = options.format == Format::kHtml || command->carryOut == report;
+    options.isRedacted |= isMailed && !showsSecrets;
     const CLI::App& sub = *app.get_subcommands().front();
     if ((sub.count("--install") > 0 && installation.empty()) ||
         (sub.count("--launcher") > 0 && launcher.empty())) {
@@ -254,7 +260,8 @@ int run(int argc, char** argv) {
             return wrongUse("no launcher at " + other);
         }
     }
-    const int status = handOut(command->carryOut, options);
+    const int status =
+        command->carryOut == report ? report(options) : handOut(command->carryOut, options);
     // What is not all there must not pass for a result.
     if (!std::cout.flush() || fflush(stdout) != 0 || ferror(stdout) != 0) {
         std::cerr << "rcpinspect: the output cannot be written\n";

@@ -20,6 +20,8 @@ int why(const Options& options);
 bool needsLaunch(const std::string& subject);
 /// Every property with its value and where it comes from.
 int config(const Options& options);
+/// All of that, and the last logs, in an archive that can be mailed.
+int report(const Options& options);
 /// What two installations, or one and its last launch, would do differently.
 int diff(const Options& options);
 

@@ -21,6 +21,8 @@ struct Options {
     bool isSinceLast = false;            // diff: against the recorded last launch
     std::string other;                   // diff: the older installation
     bool isFiles = false;                // config: the files as they stand
+    std::string output;                  // report: the archive; empty for a name with the date
+    bool isWithHost = false;             // report: names this machine
     std::string subject;                 // why: what is asked about
     std::vector<std::string> arguments;  // the launcher's, program name not included
 };

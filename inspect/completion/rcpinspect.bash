@@ -6,7 +6,7 @@ _rcpinspect() {
     for ((index = 1; index < COMP_CWORD; index++)); do
         case ${COMP_WORDS[index]} in
             --) isLaunchers=1 && break ;;
-            doctor | why | config | explain | check | status | diff) [[ -n $command ]] || command=${COMP_WORDS[index]} ;;
+            doctor | why | config | explain | check | status | diff | report) [[ -n $command ]] || command=${COMP_WORDS[index]} ;;
         esac
     done
 
@@ -15,12 +15,14 @@ _rcpinspect() {
         previous="--format html"
     fi
     local formats="text json" options="--install --launcher --format --redact --show-secrets --help"
+    [[ $command != report ]] || formats=text
     case $command in
         config) options+=" --files" ;;
         explain) formats+=" html" options+=" --all" ;;
         check) formats+=" sarif html" options+=" --strict --all" ;;
         status) options+=" --watch" ;;
         diff) formats+=" html" options+=" --with --since-last --all" ;;
+        report) options+=" --output --host" ;;
     esac
 
     COMPREPLY=()
@@ -29,7 +31,7 @@ _rcpinspect() {
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             ;;
-        1:-vm | 1:-plugincustomization | ":--format html" | :--launcher)
+        1:-vm | 1:-plugincustomization | ":--format html" | :--launcher | :--output | :-o)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             ;;
@@ -42,7 +44,7 @@ _rcpinspect() {
             if [[ -z $command && $current == -* ]]; then
                 options="--help --version"
             elif [[ -z $command ]]; then
-                options="doctor why config explain check status diff"
+                options="doctor why config explain check status diff report"
             fi
             mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
             ;;

@@ -87,7 +87,7 @@ class PlantedSecrets : public ExplainTest {
 
     // All that it writes, errors and pages included.
     [[nodiscard]] std::string told(const Words& command) const {
-        const std::string page = folder_.narrow("page.html");
+        const std::string page = folder_.narrow("page.html");  // or archive
         std::filesystem::remove(page);
         Words words{"/bin/sh", "-c", "exec \"$@\" 2>&1", "sh", seen(INSPECT_PROGRAM)};
         for (const std::string& word : command) {
@@ -174,6 +174,12 @@ TEST_F(PlantedSecrets, AreInNoPage) {
     for (const char* command : {"explain", "check"}) {
         expectNoneIn({command, "--format", "html", "PAGE"});
     }
+}
+
+TEST_F(PlantedSecrets, AreInNoReport) {
+    expectNoneIn({"report", "-o", "PAGE"});
+    EXPECT_THAT(leaksOf(told({"report", "-o", "PAGE", "--show-secrets"})),
+                ::testing::SizeIs(::testing::Ge(38U)));
 }
 
 TEST_F(PlantedSecrets, AreInNoDifference) {

@@ -1,0 +1,78 @@
+#include "inspect/report/last_logs.h"
+
+#include "inspect/quiet_read.h"
+#include "inspect/status/last_launch.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <nlohmann/json.hpp>
+
+namespace rcp::inspect {
+namespace {
+
+namespace files = std::filesystem;
+
+constexpr std::size_t kMost = 3;
+constexpr std::size_t kLongest = std::size_t{1} << 20U;
+
+using Paths = std::vector<files::path>;
+
+// The newest files in the folder that `isLog`.
+Paths newestIn(const files::path& folder, const std::function<bool(const std::string&)>& isLog) {
+    std::vector<std::pair<files::file_time_type, files::path>> found;
+    std::error_code failed;
+    for (files::directory_iterator at(folder, failed), end; !failed && at != end;
+         at.increment(failed)) {
+        std::error_code gone;
+        if (isLog(at->path().filename()) && files::is_regular_file(at->symlink_status(gone))) {
+            found.emplace_back(at->last_write_time(gone), at->path());
+        }
+    }
+    std::sort(found.begin(), found.end(), std::greater<>());
+    found.resize(std::min(found.size(), kMost));
+    Paths paths;
+    for (auto& [time, path] : found) {
+        paths.push_back(std::move(path));
+    }
+    return paths;
+}
+
+// From a line's beginning on.
+std::string endOf(std::string text) {
+    if (text.size() > kLongest) {
+        text.erase(0, text.find('\n', text.size() - kLongest) + 1);
+    }
+    return text;
+}
+
+bool isLaunchersLog(const std::string& name) {
+    return name.starts_with("rcplauncher") && name.ends_with(".log");
+}
+
+bool isPlatformsLog(const std::string& name) {
+    return name == ".log" ||
+           (name.ends_with(".log") && name.find_first_not_of("0123456789") == name.size() - 4);
+}
+
+}  // namespace
+
+std::vector<Log> lastLogs(const nlohmann::json& facts, const Options& options) {
+    const std::string logs = facts.value("logs", "");
+    Paths paths = newestIn(logs, isLaunchersLog);
+    if (const auto last = lastLaunch(logs, options.launcher); last && last->isTemporary) {
+        paths.emplace_back(last->log);
+    }
+    for (const std::string& folder :
+         {facts.value("workspace", "") + "/.metadata", facts.value("configuration", "")}) {
+        const Paths more = newestIn(folder, isPlatformsLog);
+        paths.insert(paths.end(), more.begin(), more.end());
+    }
+    std::vector<Log> result;
+    for (const files::path& path : paths) {
+        result.push_back({path, endOf(readQuietly(path))});
+    }
+    return result;
+}
+
+}  // namespace rcp::inspect
