@@ -23,21 +23,34 @@ alone() {
     fi
 }
 
-# fetch_debian ARCHIVE RELEASE WHAT...: keeps in ARCHIVE a Debian with what mmdebstrap is asked for. Only without
-# a network, or where that is too slow, is the test skipped: a Debian that cannot be made is a failure.
+# keep_debian FOLDER NAME RELEASE WHAT...: a Debian with what mmdebstrap is asked for lies in the archive `kept` in
+# FOLDER, called NAME and a sum of the question; the archives of other questions under that NAME go.
+keep_debian() {
+    local question=(--mode=root --variant=minbase --format=tar "${@:4}" "$3" -) sum file
+    sum=$(printf '%s\n' "${question[@]}" | sha256sum | cut -c 1-16)
+    kept=$1/$2-$sum.tar
+    [[ -e $kept ]] || fetch_debian "$kept" "${question[@]}"
+    for file in "$1/$2"-*.tar{,.log}; do
+        if [[ -e $file && ${file#"$1/$2-"} =~ ^[0-9a-f]{16}\.tar(\.log)?$ && $file != "$kept"* ]]; then
+            rm -f -- "$file"
+        fi
+    done
+}
+
+# fetch_debian ARCHIVE QUESTION...: makes it. Only without a network, or where that is too slow, is the test skipped:
+# a Debian that cannot be made is a failure.
 fetch_debian() {
-    local archive=$1 release=$2 new status=0
+    local archive=$1 new status=0
     new=$(mktemp "$archive.XXXXXX")
     # shellcheck disable=SC2064  # this name, and not a later one's
     trap "rm -f -- '$new'" EXIT
-    timeout 1500 mmdebstrap --mode=root --variant=minbase --format=tar "${@:3}" "$release" - \
-        >"$new" 2>"$archive.log" || status=$?
+    timeout 1500 mmdebstrap "${@:2}" >"$new" 2>"$archive.log" || status=$?
     if ((status != 0)); then
         grep '^E:' "$archive.log" >&2 || true
         ((status != 124)) || skip "Debian's packages were not fetched in 25 minutes"
         ! grep -qE 'Could not resolve|Could not connect|Unable to connect|Temporary failure|Failed to fetch' \
             "$archive.log" || skip "Debian's packages cannot be fetched"
-        fail "no Debian $release can be made with ${*:3}"
+        fail "mmdebstrap ${*:2} makes no Debian"
     fi
     mv -- "$new" "$archive"
 }
