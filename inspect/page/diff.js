@@ -36,6 +36,8 @@ class Differences {
                 : ends[0] === ends[1] ? 'Both: ' + ends[0]
                     : sides[0][1].log ? 'The recorded launch ' + ends[0] + '; the next ' + ends[1]
                         : 'The first ' + ends[0] + '; the second ' + ends[1]),
+            sides.map(([, side]) => side.outcome && side.outcome.record
+                ? make('p.record', null, code(side.outcome.record)) : null),
             sides.map(([change, side], index) => this.side(change, side, index)), making(this.data.made));
     }
 
@@ -47,15 +49,16 @@ class Differences {
 
     end(side) {
         const outcome = side.outcome || {};
-        return !side.outcome ? 'started the platform' : outcome.record ? 'ends with ' + shown(outcome.record)
+        return !side.outcome ? 'started the platform' : outcome.record ? 'ends with ' + shown(/^\w+/.exec(outcome.record) || 'an error')
             : {ends: 'ends', fatal: 'ends', provisioning: 'provisions first'}[outcome.kind]
                 || (outcome.role === 'daemon' ? 'passes its arguments on' : 'starts the platform');
     }
 
     row(one, texts) {
         const [sign, label] = kSigns[one.change] || ['?', one.change];
+        const side = one.change === 'removed' ? this.data.first : this.data.second;
         const source = one.source && one.source.file
-            ? shortPath(one.source.file, this.data.second.installation) + ':' + one.source.line : null;
+            ? shortPath(one.source.file, side.installation) + ':' + one.source.line : null;
         return {words: () => [...texts.map(String), label, source],
             build: () => make('div.row', null, make('span.verb', {title: label}, sign + ' ' + label),
                 make('div', null, texts.map((text, index) => make(index === 0 ? 'strong' : 'div', null, code(String(text)))),

@@ -19,7 +19,7 @@ class Explanation {
         const others = otherSections(data, this.sources, this.search);
         contents([['outcome', 'Outcome'], ['picture', 'Arguments', this.elements.length],
             ...others.map(({id, title, number}) => [id, title, number])]);
-        main.append(outcomeSection(data), picture, ...others.map((one) => one.node));
+        main.append(outcomeSection(data, this.sources), picture, ...others.map((one) => one.node));
         document.addEventListener('keydown', (event) => {
             if (event.key === 'Escape' && !(event.target instanceof HTMLInputElement)) {
                 this.choose(-1);

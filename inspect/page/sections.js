@@ -8,7 +8,7 @@ const kOutcomes = {
     'ends': ['■', 'Ends', null],
 };
 
-const kFaults = 10;
+const kInside = 10;
 
 const kFacts = {
     installation: 'Installation', workspace: 'Workspace', configuration: 'Configuration area', installConfiguration: 'Installed for',
@@ -16,7 +16,7 @@ const kFacts = {
     lockFile: 'Lock file', logs: 'Logs', steps: 'Steps',
 };
 
-function outcomeSection(data) {
+function outcomeSection(data, sources) {
     const outcome = data.outcome || {};
     const [glyph, verb, sentence] = kOutcomes[outcome.kind] || ['?', String(outcome.kind), null];
     const isStart = kStarts.includes(outcome.kind);
@@ -34,6 +34,8 @@ function outcomeSection(data) {
         sentence ? make('p', null, sentence, outcome.role === 'undecided'
             ? ' Main or daemon: that depends on what happens until then.' : null) : null,
         outcome.record ? make('p.record', null, code(outcome.record)) : null,
+        outcome.source ? make('p', null, 'Brought about by ', sources.link(outcome.source),
+            sources.written(outcome.source)) : null,
         outcome.cause ? make('p.cause', null, prose(outcome.cause)) : null,
         outcome.program ? make('p', null, isStart ? null : 'It was on its way to ', code(outcome.program)) : null,
         outcome.beyond ? make('p.note', null, breakable(outcome.beyond)) : null,
@@ -108,7 +110,7 @@ function handOffRow({what, path, faults = []}) {
     return {words: () => [what, path, verb, ...faults.flatMap((fault) => [fault.code, fault.file, fault.message])],
         build: () => make('div.row' + (faults.length === 0 ? '' : '.is-error'), null, make('span.verb', null, verb),
             make('div', null, make('strong', null, shown(what ?? '')), ' ', code(String(path ?? '')),
-                firstOf(faults, kFaults, (fault) => make('div', null, make('code', null, shown(fault.code ?? '')), ' ',
+                firstOf(faults, kInside, (fault) => make('div', null, make('code', null, shown(fault.code ?? '')), ' ',
                     breakable(fault.message ?? ''), make('div.why', null, breakable(fault.file ?? ''),
                         fault.line ? ', line ' + fault.line : null)))))};
 }
@@ -117,12 +119,15 @@ function environmentRow(one, sources) {
     const gone = one.after === null || one.after === undefined;
     const isNew = one.before === null || one.before === undefined;
     const verb = gone ? '− removed' : isNew ? '+ set' : '≠ changed';
-    return {words: () => [one.name, one.before, one.after, verb, ...sources.words(one.source)],
+    return {words: () => [one.name, one.before, one.after, verb, ...sources.words(one.source),
+        ...(one.parts || []).map((part) => sources.name(part.source))],
         build: () => make('div.row', null, make('span.verb', null, verb), make('div', null,
             make('strong', null, code(one.name)),
             isNew ? null : make('div', null, 'from ', code(one.before)),
             gone ? null : make('div', null, isNew ? '' : 'to ', code(one.after)),
-            one.source ? make('div.why', null, sources.name(one.source)) : null))};
+            (one.parts || []).length > 0 ? firstOf(one.parts, kInside, (part) => make('div.why', null,
+                code(part.text ?? ''), ' ', sources.name(part.source)))
+                : one.source ? make('div.why', null, sources.name(one.source)) : null))};
 }
 
 function changeRow(one) {

@@ -43,7 +43,8 @@ class Sources {
             (element.placeholders || []).forEach((one) => add(one.source, one.value));
             (element.instead || []).forEach((one) => add(one.source));
         }
-        (this.data.environment || []).forEach((one) => add(one.source));
+        (this.data.environment || []).flatMap((one) => [one, ...one.parts || []]).forEach((one) => add(one.source));
+        add((this.data.outcome || {}).source);
         return named;
     }
 
@@ -71,9 +72,9 @@ class Sources {
 
     key(source) {
         switch (source && source.kind) {
-        case 'file': return JSON.stringify(['file', source.file, source.line ?? 0]);
-        case 'command line': return JSON.stringify(['argument', source.position]);
-        case 'environment': return JSON.stringify(['environment', source.name]);
+        case 'file': return 'file ' + (source.line ?? 0) + ' ' + source.file;
+        case 'command line': return 'argument ' + source.position;
+        case 'environment': return 'environment ' + source.name;
         default: return 'computed';
         }
     }
@@ -206,8 +207,9 @@ class Sources {
         'file-' + (index + 1), [file.path], entries.map((entry) => ({
             key: this.key({kind: 'file', file: file.path, line: entry.line}), line: entry.line ?? '',
             content: () => [code(entry.key ?? '', 'span.key'), make('span.equals', null, '='),
-                code(entry.value ?? '', 'span.value')],
-            state: entry.state || 'unused', by: entry.by, words: [file.path, entry.key, entry.value]})));
+                code(entry.value ?? '', 'span.value'), isExpanded(entry)
+                    ? make('div.effective', null, 'becomes ', code(entry.effective, 'span.value')) : null],
+            state: entry.state || 'unused', by: entry.by, words: [file.path, entry.key, entry.value, entry.effective]})));
         this.byKey.set(this.key({kind: 'file', file: file.path}), head);
     }
 
@@ -227,4 +229,9 @@ class Sources {
                         value === undefined ? null : [make('span.equals', null, '='), code(value, 'span.value')]]})));
         }
     }
+}
+
+// Whether a launch makes something else of an entry's value than what stands there.
+function isExpanded(entry) {
+    return entry.effective !== undefined && entry.effective !== null && entry.effective !== entry.value;
 }

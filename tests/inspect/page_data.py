@@ -33,13 +33,17 @@ def fatal_explanation():
         "layout": 1, "command": "explain", "launcher": "/opt/velmo/rcp/rcplauncher",
         "installation": "/opt/velmo", "arguments": ["-maxargcnt", "9"],
         "outcome": {"kind": "fatal", "role": "undecided", "status": 255,
-                    "program": "/opt/velmo/rcp/eclipse/eclipse",
+                    "program": "/opt/velmo/rcp/eclipse/eclipse", "source": missing,
                     "record": "ZYPRA0000E: a record", "cause": "Something is missing. Put it behind `-vm`."},
         "made": {"time": "2026-01-02 03:04 UTC", "version": "1.2.3", "user": "ann", "locale": "de_DE.UTF-8"},
         "facts": {"waits": ["for the platform", "for the lock"], "lockHolder": 123},
         "elements": [], "dropped": [], "changes": [], "records": [],
-        "environment": [{"name": "X", "before": None, "after": "1", "source": missing}],
-        "files": [{"path": "/opt/velmo/rcp/rcplauncher.properties", "found": False, "entries": []}],
+        "environment": [{"name": "X", "before": None, "after": "1:2", "source": missing, "parts": [
+            {"text": "1", "source": missing}, {"text": "2", "source": {"kind": "environment", "name": "Y"}}]}],
+        "files": [{"path": "/opt/velmo/rcp/rcplauncher.properties", "found": False, "entries": []},
+                  {"path": "/opt/velmo/rcp/jvm.properties", "found": True, "entries": [
+                      {"line": 1, "key": "a", "value": "${rcp.home}/a", "effective": "/opt/velmo/a", "state": "used"},
+                      {"line": 2, "key": "b", "value": "b", "effective": "b", "state": "used"}]}],
     }
 
 
@@ -91,7 +95,8 @@ def difference():
     return {
         "layout": 1, "command": "diff", "isDifferent": True,
         "made": {"time": "2026-01-02 03:04 UTC", "version": "1.2.3", "user": "ann", "host": "dawn", "locale": "C"},
-        "first": {"installation": "/opt/old", "level": "1", "date": "2026-01-01", "outcome": {"kind": "execv", "role": "main"}},
+        "first": {"installation": "/opt/old", "level": "1", "date": "2026-01-01",
+                  "outcome": {"kind": "fatal", "role": "main", "record": "ZYPRA0016E: missing (x, /opt/old/y, line 3)"}},
         "second": {"installation": "/opt/new", "level": "2", "date": "2026-02-01", "outcome": {"kind": "provisioning", "role": "main"}},
         "elements": [{"change": "added", "element": 3, "text": "-Da=1", "source": settings}],
         "environment": [], "copies": [],

@@ -263,6 +263,25 @@ def what_was_taken_out_is_listed(page):
 
 
 @test("fatal")
+def what_brought_an_end_about_is_linked(page):
+    page.one("#outcome .jump").click()
+    assert "Minimum=9" in page.driver.switch_to.active_element.text
+
+
+@test("fatal")
+def a_path_that_is_put_together_names_the_source_of_each_part(page):
+    text = page.text("#environment .row")
+    assert "1 Info.plist:7" in text and "2 environment Y" in text, text
+
+
+@test("fatal")
+def what_a_launch_makes_of_a_value_stands_below_it(page):
+    expect([node.text for node in page.all(".sources .effective")], ["becomes /opt/velmo/a"])
+    page.search("velmo/a")
+    expect(page.text("#found"), "1 of 7 lines")
+
+
+@test("fatal")
 def the_head_of_a_page_says_how_it_was_made(page):
     made = page.text(".made")
     for wanted in ("2026-01-02 03:04 UTC", "rcpinspect 1.2.3", "user ann", "locale de_DE.UTF-8"):
@@ -328,7 +347,8 @@ def hostile_findings_stay_texts(page):
 
 @test("difference")
 def a_difference_tells_both_ends_and_each_side_of_every_part(page):
-    assert "The first starts the platform; the second provisions first" in page.text("h1"), page.text("h1")
+    expect(page.text("h1"), "The first ends with ZYPRA0016E; the second provisions first")
+    expect(page.text("#summary .record"), "ZYPRA0016E: missing (x, /opt/old/y, line 3)")
     expect([node.text for node in page.all("h2")],
            ["Command line", "Properties", "Files", "Findings of the check"])
     assert "+ only in the second" in page.text("#elements")
