@@ -1,14 +1,14 @@
 // The page of "diff": how two launches and installations differ.
 const kSigns = {removed: ['−', 'only in the first'], added: ['+', 'only in the second'], changed: ['≠', 'changed']};
 
-// The parts in their order: member, heading, and the texts of one difference.
+// The parts in their order: member, heading, what its differences are called, and the texts of one difference.
 const kParts = [
-    ['elements', 'Command line', (one) => [one.text]],
-    ['environment', 'Environment', (one) => [one.name, one.value ?? 'not set']],
-    ['properties', 'Properties', (one) => [one.name, one.value]],
-    ['copies', 'The user’s copies of master files', (one) => [one.copy, one.message]],
-    ['files', 'Files', (one) => [one.path]],
-    ['findings', 'Findings of the check', (one) => [one.code + ' ' + one.file + (one.line ? ':' + one.line : ''), one.message]],
+    ['elements', 'Command line', 'arguments', (one) => [one.text]],
+    ['environment', 'Environment', 'variables', (one) => [one.name, one.value ?? 'not set']],
+    ['properties', 'Properties', 'properties', (one) => [one.name, one.value]],
+    ['copies', 'The user’s copies of master files', 'copies', (one) => [one.copy, one.message]],
+    ['files', 'Files', 'files', (one) => [one.path]],
+    ['findings', 'Findings of the check', 'findings', (one) => [one.code + ' ' + one.file + (one.line ? ':' + one.line : ''), one.message]],
 ];
 
 class Differences {
@@ -22,8 +22,8 @@ class Differences {
         const parts = kParts.filter(([name]) => (this.data[name] || []).length > 0);
         contents([['summary', 'Summary'],
             ...parts.map(([name, title]) => [name, title, this.data[name].length])]);
-        main.append(this.summary(), ...parts.map(([name, title, texts]) => rowsSection(name, title, null,
-            title.toLowerCase(), this.data[name].map((one) => this.row(one, texts(one))), this.search)));
+        main.append(this.summary(), ...parts.map(([name, title, group, texts]) => rowsSection(name, title, null,
+            group, this.data[name].map((one) => this.row(one, texts(one))), this.search)));
     }
 
     follow() {}

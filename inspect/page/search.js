@@ -32,8 +32,16 @@ class Search {
         this.found.textContent = words.length === 0 ? '' : counts.join(', ') || 'nothing found';
         this.hideEmptySections(words.length > 0);
         if (words.length > 0) {
+            this.settleTop();
             this.show();
         }
+    }
+
+    // What is brought into view stops below what stays at the top.
+    settleTop() {
+        const top = [...document.querySelectorAll('.top, .search')]
+            .find((node) => getComputedStyle(node).position === 'sticky');
+        document.documentElement.style.scrollPaddingTop = top.offsetHeight + 8 + 'px';
     }
 
     hideEmptySections(isSearching) {

@@ -11,11 +11,8 @@
         main.append(redacted);
         contents([['redacted', 'Redacted', data.redacted.length]]);
     }
-    // What a link leads to stops below what stays at the top.
-    const tops = document.querySelectorAll('.top, .search');
     const settle = () => {
-        const top = [...tops].find((node) => getComputedStyle(node).position === 'sticky');
-        document.documentElement.style.scrollPaddingTop = top.offsetHeight + 8 + 'px';
+        search.settleTop();
         List.updateAll();
     };
     settle();
