@@ -4,6 +4,7 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
 #include "inspect/hand_out.h"
+#include "inspect/other_user.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
 #include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
@@ -95,6 +96,10 @@ bool mayColor() {
     return (off == nullptr || *off == '\0') && isatty(STDOUT_FILENO) != 0;
 }
 
+bool isOneOf(std::initializer_list<std::string_view> words, std::string_view word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
 // What why is asked about, which may look like an option.
 std::string takeSubject(std::vector<std::string>& own) {
     if (own.front() != "why") {
@@ -102,7 +107,9 @@ std::string takeSubject(std::vector<std::string>& own) {
     }
     for (std::size_t i = 1; i < own.size(); ++i) {
         const std::string& word = own[i];
-        if (word == "--install" || word == "--launcher" || word == "--format") {
+        if (isOneOf({"--install", "--launcher", "--format", "--home", "--user", "--locale",
+                     "--env-file"},
+                    word)) {
             ++i;
         } else if (word != "-h" && word != "--help" &&
                    !(word.starts_with("--") && word.find('=') != std::string::npos)) {
@@ -129,6 +136,13 @@ CommandWords commandWords(const CLI::App& app) {
         }
     }
     return known;
+}
+
+void addUser(CLI::App& sub, OtherUser& user) {
+    sub.add_option("--home", user.home, "the home folder of the user to rehearse");
+    sub.add_option("--user", user.name, "his name");
+    sub.add_option("--locale", user.locale, "his locale");
+    sub.add_option("--env-file", user.environmentFile, "his variables, as env prints them");
 }
 
 // --format FORMAT, or "--format html FILE": the page needs a name.
@@ -186,6 +200,7 @@ int run(int argc, char** argv) {
     std::string launcher;
     std::string other;
     bool showsSecrets = false;
+    OtherUser user;
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
         sub->add_option("--install", installation, "the installation's directory");
@@ -196,6 +211,7 @@ int run(int argc, char** argv) {
                       "secrets, names and home folders are taken out; of pages and reports always");
         sub->add_flag("--show-secrets", showsSecrets, "a page or report with secrets and all")
             ->excludes("--redact");
+        addUser(*sub, user);
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
     app.get_subcommand("why")->footer(
@@ -238,6 +254,10 @@ int run(int argc, char** argv) {
         (sub.count("--launcher") > 0 && launcher.empty())) {
         return wrongUse("an empty path names no launcher");  // a variable that is not set
     }
+    if (const std::string problem = become(user); !problem.empty()) {
+        return wrongUse(problem);
+    }
+    endOf(setCharacterLocale);
     if (launcher.empty() && installation.empty()) {
         installation = ".";
     }

@@ -18,7 +18,7 @@ constexpr std::string_view kFixed[] = {"layout", "command", "kind", "state", "ch
 constexpr std::string_view kSentences[] = {"rule", "usage", "meaning", "remedy",
                                            "why",  "by",    "cause",   "step"};
 constexpr std::string_view kNames[] = {"key", "name"};
-constexpr std::string_view kValues[] = {"value", "before", "after"};
+constexpr std::string_view kValues[] = {"value", "effective", "before", "after"};
 
 template <typename List>
 bool isOneOf(const List& list, std::string_view word) {

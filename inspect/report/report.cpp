@@ -125,7 +125,8 @@ std::string dateOf(time_t time) {
 std::string fileFor(const Options& options, const std::string& folder) {
     std::string name = options.output.empty() ? folder + ".zip" : options.output;
     for (int i = 2; options.output.empty() && existsA(name); ++i) {
-        name = folder + "-" + std::to_string(i) + ".zip";
+        name = folder;
+        name.append("-").append(std::to_string(i)).append(".zip");
     }
     return name;
 }

@@ -1,0 +1,101 @@
+#include "inspect/other_user.h"
+
+#include "inspect/quiet_read.h"
+#include "platform/files.h"
+
+#include <locale.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+extern char** environ;  // environ(7)
+
+namespace rcp::inspect {
+namespace {
+
+using Variables = std::vector<std::pair<std::string, std::string>>;
+
+bool isName(const std::string& name) {
+    return !name.empty() && std::isdigit(static_cast<unsigned char>(name.front())) == 0 &&
+           std::all_of(name.begin(), name.end(), [](unsigned char character) {
+               return std::isalnum(character) != 0 || character == '_';
+           });
+}
+
+// A line without a name goes on with the value in front of it. False when there is none.
+bool addLine(const std::string& line, Variables& variables) {
+    const std::size_t equals = line.find('=');
+    if (equals != std::string::npos && isName(line.substr(0, equals))) {
+        variables.emplace_back(line.substr(0, equals), line.substr(equals + 1));
+        return true;
+    }
+    if (variables.empty()) {
+        return line.empty() || line.starts_with('#');
+    }
+    if (!line.empty() && !line.starts_with('#')) {
+        variables.back().second += "\n" + line;
+    }
+    return true;
+}
+
+void clearEnvironment() {
+    while (*environ != nullptr) {
+        const std::string variable = *environ;
+        if (unsetenv(variable.substr(0, variable.find('=')).c_str()) != 0) {
+            ++environ;  // without a name nobody can ask for it
+        }
+    }
+}
+
+std::string takeFile(const std::string& path) {
+    if (!existsA(path)) {
+        return "no file " + path;
+    }
+    Variables variables;
+    std::istringstream lines(readQuietly(path));
+    for (std::string line; std::getline(lines, line);) {
+        if (!addLine(line, variables)) {
+            return path + ": \"" + line + "\" is not NAME=VALUE";
+        }
+    }
+    clearEnvironment();
+    for (const auto& [name, value] : variables) {
+        setenv(name.c_str(), value.c_str(), 1);
+    }
+    return {};
+}
+
+bool isLocale(const std::string& name) {
+    const locale_t locale = newlocale(LC_CTYPE_MASK, name.c_str(), nullptr);
+    if (locale != nullptr) {
+        freelocale(locale);
+    }
+    return locale != nullptr;
+}
+
+}  // namespace
+
+std::string become(const OtherUser& user) {
+    if (!user.locale.empty() && !isLocale(user.locale)) {
+        return "no locale " + user.locale + " on this machine";
+    }
+    if (!user.environmentFile.empty()) {
+        if (std::string problem = takeFile(user.environmentFile); !problem.empty()) {
+            return problem;
+        }
+    }
+    const std::pair<const char*, const std::string&> settings[] = {
+        {"HOME", user.home}, {"USER", user.name}, {"LOGNAME", user.name}, {"LC_ALL", user.locale}};
+    for (const auto& [name, value] : settings) {
+        if (!value.empty()) {
+            setenv(name, value.c_str(), 1);
+        }
+    }
+    return {};
+}
+
+}  // namespace rcp::inspect
