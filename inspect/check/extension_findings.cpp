@@ -2,12 +2,14 @@
 #include "diagnostics/format.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
+#include "inspect/suggestions.h"
 #include "launcher/command_line/argument_checks.h"
 #include "launcher/command_line/config_extensions.h"
 #include "launcher/command_line/initial_configuration.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <map>
 
@@ -58,6 +60,24 @@ void findRefused(const Examination& examination, const Arguments& arguments, Fin
             findings.add("RI503", examination.nameOf(argument.origin), argument.origin.line,
                          "\"" + toUtf8(argument.text) + "\": " + *record);
         }
+    }
+}
+
+// "-config NAME" without any entry adds nothing, and nobody says so.
+void findUnknown(const Examination& examination, Findings& findings) {
+    const Argument* name = optionValue(options::kConfig, examination.arguments);
+    if (name == nullptr || name->text.empty()) {
+        return;
+    }
+    std::vector<std::string> known;
+    for (const std::wstring& one : extensionNames(examination)) {
+        known.push_back(toUtf8(one));
+    }
+    const std::string given = toUtf8(name->text);
+    if (std::find(known.begin(), known.end(), given) == known.end()) {
+        findings.add("RI504", examination.launcherFile(), 0,
+                     "\"-config " + given + "\" has no entry \"config." + given + ".1\"" +
+                         suggestion(given, known));
     }
 }
 
@@ -130,6 +150,7 @@ void findInExtensions(const Examination& examination, Findings& findings) {
         findInExtension(examination, name, entries, findings);
     }
     findInInitial(examination, findings);
+    findUnknown(examination, findings);
 }
 
 }  // namespace rcp::inspect

@@ -136,6 +136,9 @@ void findStaleCopies(const Examination& examination, Findings& findings) {
         findings.add("RI607", examination.nameOf(entry.master), entry.line,
                      entry.message() + " (" + toNarrow(entry.copy) + ")");
     }
+    for (const IncompleteCopy& copy : incompleteCopies(examination)) {
+        findings.add("RI608", examination.nameOf(copy.file), 0, copy.message);
+    }
 }
 
 void findNamedFiles(const Examination& examination, Findings& findings) {

@@ -136,6 +136,9 @@ constexpr FindingRule kRules[] = {
      "Add -initialCompleteFlag and behind it, as the next number, the property's name."},
     {"RI503", "refused-argument", kError, "The launcher refuses to start with this argument.",
      "Take out what the message names."},
+    {"RI504", "unknown-extension", kError,
+     "\"-config\" names an extension of which there is no entry. It adds nothing to the launch.",
+     "Correct the name, or add the entries."},
     // Files
     {"RI601", "missing-file", kError, "A file that a launch needs is missing or cannot be read.",
      "Add the file, or correct the path."},
@@ -157,6 +160,10 @@ constexpr FindingRule kRules[] = {
      "copy "
      "once, so the user keeps the former entry.",
      "Start once with -resetconfig, or change the user's copy."},
+    {"RI608", "incomplete-copy", kWarning,
+     "A file of the user's is not whole: what made it was interrupted, and no launch makes it "
+     "again.",
+     "Start once with -resetconfig, or remove the file."},
     // Application bundles
     {"RI701", "bundle-incomplete", kError,
      "The application bundle lacks something without which it does not start.",

@@ -21,7 +21,10 @@ void compare(const std::wstring& copy, const std::wstring& master, const Propert
     const PropertyList users = entriesOf(copy);
     for (const Property& entry : masters.entries()) {
         const Property* own = users.find(entry.key);
-        if (masters.find(entry.key) == &entry && (own == nullptr || own->value != entry.value)) {
+        // What the user has emptied is meant.
+        const bool isSwitchedOff = own != nullptr && own->value.empty();
+        if (masters.find(entry.key) == &entry && !isSwitchedOff &&
+            (own == nullptr || own->value != entry.value)) {
             stale.push_back({copy, master, entry.origin.line, entry.key, entry.value,
                              own == nullptr ? std::nullopt : std::optional(own->value)});
         }
@@ -38,6 +41,26 @@ PropertyList copiedEntries(const Examination& examination) {
         }
     }
     return copied;
+}
+
+bool isEmpty(const std::wstring& file) {
+    return exists(file) && readQuietly(toNarrow(file), 1).empty();
+}
+
+// The first key of what the launcher appends to the user's file that is not in it.
+std::wstring missingOfBlock(const std::wstring& file, const PropertyList& properties) {
+    const auto block = userFileBlock(properties);
+    if (!exists(file) || !block) {
+        return {};
+    }
+    const PropertyList entries = entriesOf(file);
+    const PropertyList appended = parseProperties(block->lines, {});
+    for (const Property& entry : appended.entries()) {
+        if (entries.find(entry.key) == nullptr) {
+            return entry.key;
+        }
+    }
+    return {};
 }
 
 }  // namespace
@@ -69,6 +92,32 @@ std::vector<StaleEntry> staleEntries(const Examination& examination) {
         compare(own, masterOf(L"rcpinstall.properties"), copiedEntries(examination), stale);
     }
     return stale;
+}
+
+std::vector<IncompleteCopy> incompleteCopies(const Examination& examination) {
+    const std::wstring& configuration = examination.inputs.configuration;
+    std::vector<IncompleteCopy> incomplete;
+    const std::wstring settings = osPath(configuration + L"/config.ini");
+    const std::wstring master =
+        getCoreFileLocation(examination.inputs.traits.eConfig, examination.base, L"config.ini");
+    if (isEmpty(settings) && !isEmpty(master)) {
+        incomplete.push_back({settings, "it is empty, its master is not"});
+    }
+    const std::wstring own = userFileOf(configuration);
+    if (const std::wstring key = missingOfBlock(own, examination.inputs.properties); !key.empty()) {
+        incomplete.push_back(
+            {own, inspect::quoted(key) + " is missing, which a launch writes at its end"});
+    }
+    const std::wstring updates = osPath(configuration + L"/org.eclipse.update/platform.xml");
+    constexpr char kEnd[] = "</config>";
+    if (exists(updates) && readQuietly(toNarrow(updates)).find(kEnd) == std::string::npos) {
+        incomplete.push_back({updates, std::string("it has no \"") + kEnd + "\""});
+    }
+    const std::wstring arguments = osPath(configuration + L"/args.properties");
+    if (exists(arguments) && entriesOf(arguments).find(keys::kArgumentCount) == nullptr) {
+        incomplete.push_back({arguments, inspect::quoted(keys::kArgumentCount) + " is missing"});
+    }
+    return incomplete;
 }
 
 }  // namespace rcp::inspect

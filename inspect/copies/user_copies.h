@@ -27,4 +27,11 @@ struct StaleEntry {
 /// master's entries is the user's own.
 std::vector<StaleEntry> staleEntries(const Examination& examination);
 
+/// A file of the user's that a launch has begun to make and not ended.
+struct IncompleteCopy {
+    std::wstring file;
+    std::string message;
+};
+std::vector<IncompleteCopy> incompleteCopies(const Examination& examination);
+
 }  // namespace rcp::inspect

@@ -49,7 +49,7 @@ Subject subjectOfHandOff(const Finding& finding, const Evidence& evidence) {
 Subject subjectOf(const Finding& finding, const Evidence& evidence) {
     const Examination& examination = evidence.examination;
     const std::string_view code = finding.rule->code;
-    if (code == "RI607") {
+    if (code == "RI607" || code == "RI608") {
         return Subject::kArea;
     }
     if (code == "RI603" || code == "RI606") {

@@ -55,7 +55,7 @@ std::string foreign(const OwnCode& code) {
 }  // namespace
 
 std::optional<StartFault> startFault(const std::string& path) {
-    if (const auto fault = fileFault(path)) {
+    if (auto fault = fileFault(path)) {
         return fault;
     }
     if (access(path.c_str(), R_OK) != 0) {

@@ -124,8 +124,9 @@ class Examiner {
         const char* const path = getenv("PATH");
         std::istringstream folders(path == nullptr ? "" : path);
         for (std::string folder; std::getline(folders, folder, ':');) {
-            if (!startFault(folder + "/" + name)) {
-                return folder + "/" + name;
+            folder.append("/").append(name);
+            if (!startFault(folder)) {
+                return folder;
             }
         }
         return name;

@@ -239,13 +239,14 @@ class Configuration {
     void judgeLevels(const std::string& bundle, const std::string& levels, const Origin& origin) {
         for (const std::string& part : splitAt(':', levels)) {
             const std::optional<int> level = startLevel(part);
-            if (!level && !part.empty() && part != "start") {
+            const bool isBeyond = level.value_or(0) > lastLevel_;
+            if (isBeyond || (!level && !part.empty() && part != "start")) {
+                std::string message = "\"" + bundle;
+                message.append("\" has the start level \"").append(part).append("\"");
                 addFault("RI806", origin,
-                         "\"" + bundle + "\" has the start level \"" + part + "\"");
-            } else if (level && *level > lastLevel_) {
-                addFault("RI806", origin,
-                         "\"" + bundle + "\" has the start level " + part +
-                             ", the framework goes to " + std::to_string(lastLevel_));
+                         isBeyond
+                             ? message + ", the framework goes to " + std::to_string(lastLevel_)
+                             : message);
             }
         }
     }

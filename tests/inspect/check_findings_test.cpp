@@ -77,8 +77,9 @@ TEST(CheckFindings, EveryOneHasATest) {
     }
     std::set<std::string> known;
     for (const FindingRule& rule : findingRules()) {
-        const bool isBundles = std::string_view(rule.code).starts_with("RI7");
-        if (!isBundles) {  // check_bundle_test.cpp has these
+        const std::string_view code = rule.code;
+        // check_bundle_test.cpp and check_report_test.cpp have these.
+        if (!code.starts_with("RI7") && code != "RI504") {
             known.insert(rule.code);
         }
     }

@@ -35,8 +35,11 @@ std::vector<Case> jvmCases() {
          both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.a=-Da=c\n")),
          both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.b=-Db=c\n")), kJvmProperties},
         {"RI405", "JvmArgumentOfTheUsersThatNeverCounts",
-         both(launcherHas("vmarg.a=\n"), masterHas("vmarg.a=-Da=c\n")),
+         both(launcherHas("vmarg.a=-Da=b\n"), masterHas("vmarg.a=-Da=c\n")),
          masterHas("vmarg.a=-Da=c\n"), kMaster},
+        {"RI405", "JvmArgumentThatIsNotSwitchedOff",
+         both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.a=-Da=c\n")),
+         both(launcherHas("vmarg.a=\n"), jvmHas("vmarg.a=-Da=c\n")), kJvmProperties},
     };
 }
 
@@ -139,6 +142,23 @@ std::vector<Case> fileCases() {
               has("workspace/.config/rcpinstall.properties",
                   "product=former\nprovisioning.manifest.version=1\n")),
          has("workspace/.config/rcpinstall.properties", "product=mine\n"), kMaster, inAll(1)},
+        {"RI607", "MasterPropertiesThatTheUserHasNotSwitchedOff",
+         has("workspace/.config/rcpinstall.properties", "product=former\n"),
+         has("workspace/.config/rcpinstall.properties", "product=\n"), kMaster, inAll(1)},
+        {"RI608", "CopyOfConfigIniWithoutAnything",
+         both(has(settings, "a=1\n"), has("workspace/.config/config.ini", "")),
+         has("workspace/.config/config.ini", ""), "workspace/.config/config.ini", inAll(0)},
+        {"RI608", "UsersPropertiesWithoutWhatTheLauncherAppends",
+         has("workspace/.config/rcpinstall.properties", "product=mine\n"), nothingChanges,
+         "workspace/.config/rcpinstall.properties", inAll(0)},
+        {"RI608", "PlatformXmlThatEndsEarly",
+         has("workspace/.config/org.eclipse.update/platform.xml", "<config>\n"),
+         has("workspace/.config/org.eclipse.update/platform.xml", "<config>\n</config>\n"),
+         "workspace/.config/org.eclipse.update/platform.xml", inAll(0)},
+        {"RI608", "ArgumentsWithoutTheirNumber",
+         has("workspace/.config/args.properties", "arg0=a\n"),
+         has("workspace/.config/args.properties", "arg0=a\nargc=1\n"),
+         "workspace/.config/args.properties", inAll(0)},
     };
 }
 

@@ -1,6 +1,7 @@
 // What check hands out: exit statuses, and the layouts of its forms.
 #include "check_fixture.h"
 #include "inspect/check/check.h"
+#include "inspect/check/groups.h"
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
 #include "inspect/json/json.h"
@@ -279,6 +280,20 @@ TEST(Check, TakesTheJvmFromTheLaunchersArguments) {
     EXPECT_EQ(checkOf(options).status, 0);
     options.arguments = {"-vm", maker.folder().narrow("other/lib/libjvm.so")};
     EXPECT_EQ(checkOf(options).status, 1);
+}
+
+TEST(Check, TellsOfAnExtensionThatIsNotThereAndWhichMayBeMeant) {
+    const Maker maker;
+    launcherHas("config.sample.1=-nosplash\n")(maker);
+    Options options = maker.options();
+    options.arguments = {"-config", "sampel"};
+    const std::vector<Finding> findings = findEverything(examine(options)).sorted();
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_STREQ(findings[0].rule->code, "RI504");
+    EXPECT_EQ(findings[0].message,
+              "\"-config sampel\" has no entry \"config.sampel.1\"; did you mean sample?");
+    options.arguments = {"-config", "sample"};
+    EXPECT_TRUE(findEverything(examine(options)).sorted().empty());
 }
 
 TEST(Check, ReadsTheInstallationsOwnJvmPropertiesToo) {
