@@ -38,4 +38,9 @@ std::string readQuietly(const std::string& path, std::size_t limit) {
     return text;
 }
 
+bool isFolder(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 }  // namespace rcp::inspect

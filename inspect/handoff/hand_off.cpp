@@ -5,6 +5,7 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/handoff/code_faults.h"
 #include "inspect/handoff/jar.h"
+#include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
 #include "launcher/vocabulary/options.h"
 #include "launcher/vocabulary/variables.h"
@@ -12,7 +13,6 @@
 #include "platform/text.h"
 
 #include <stdlib.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -30,11 +30,6 @@ constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS"
 
 std::string inQuotes(const std::string& text) {
     return "\"" + text + "\"";
-}
-
-bool isFolder(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 // The value behind an option, in front of "-vmargs" or in a command line of Java's.

@@ -25,7 +25,7 @@ bool isEmulated(const std::string& machine) {
            access(("/proc/sys/fs/binfmt_misc/qemu-" + machine).c_str(), F_OK) == 0;
 }
 
-bool isThere(const std::string& path) {
+bool isReadable(const std::string& path) {
     return access(path.c_str(), R_OK) == 0;
 }
 
@@ -46,7 +46,7 @@ std::string findAlong(const std::string& folders, const std::string& name) {
     std::istringstream all(folders);
     for (std::string folder; std::getline(all, folder, ':');) {
         std::string path = (folder.empty() ? "." : folder) + "/" + name;
-        if (isThere(path)) {
+        if (isReadable(path)) {
             return path;
         }
     }
@@ -85,7 +85,7 @@ std::optional<OwnCode> readOwnCode(std::string_view file) {
 std::string findLibrary(const std::string& name, const OwnCode& loader, const std::string& path,
                         const std::string& variable) {
     if (name.find('/') != std::string::npos) {
-        return isThere(name) ? name : std::string();
+        return isReadable(name) ? name : std::string();
     }
     std::string folders = variable.empty() ? std::string() : variable + ":";
     for (const std::string& paths : loader.searchPaths) {

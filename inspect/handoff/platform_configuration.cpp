@@ -25,11 +25,6 @@ constexpr char kConfigurator[] = "org.eclipse.equinox.simpleconfigurator";
 constexpr int kUsualStartLevel =
     6;  // up to which the framework starts bundles unless told otherwise
 
-bool isFolder(const std::string& path) {
-    std::error_code unknown;
-    return files::is_directory(path, unknown);
-}
-
 bool isThere(const std::string& path) {
     std::error_code unknown;
     return files::exists(path, unknown);

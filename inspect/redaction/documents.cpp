@@ -20,11 +20,6 @@ constexpr std::string_view kSentences[] = {"rule", "usage", "meaning", "remedy",
 constexpr std::string_view kNames[] = {"key", "name"};
 constexpr std::string_view kValues[] = {"value", "effective", "before", "after"};
 
-template <typename List>
-bool isOneOf(const List& list, std::string_view word) {
-    return std::find(std::begin(list), std::end(list), word) != std::end(list);
-}
-
 // "env.TOKEN,none" and "${env.TOKEN,none}" are about "env.TOKEN".
 std::string bareName(std::string name) {
     name.erase(0, name.starts_with("${") ? 2 : 0);

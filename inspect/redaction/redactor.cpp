@@ -17,7 +17,6 @@
 namespace rcp::inspect {
 namespace {
 
-constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::size_t kShortest = 4;  // what is shorter is redacted in its own place alone
 constexpr std::size_t kOwnWord = 8;   // what is shorter must stand as a word
 constexpr std::string_view kHomes[] = {"/home/", "/Users/"};

@@ -26,11 +26,6 @@ constexpr std::string_view kAbout[] = {
 // Of a shell: the folder it is in.
 constexpr std::string_view kNoSecrets[] = {"PWD", "OLDPWD"};
 
-template <typename List>
-bool isOneOf(const List& list, std::string_view word) {
-    return std::find(std::begin(list), std::end(list), word) != std::end(list);
-}
-
 bool isUpper(char character) {
     return std::isupper(static_cast<unsigned char>(character)) != 0;
 }

@@ -7,7 +7,6 @@
 namespace rcp::inspect {
 namespace {
 
-constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kRecord = "ZYPRA";
 constexpr std::string_view kOriginBehind = "    (";  // as the texts of rcpinspect write it

@@ -16,6 +16,8 @@ struct SecretPart {
     std::string name;  // of the value: "db.password"; of others what they are: "user-info of a URL"
 };
 
+inline constexpr std::size_t kNone = std::string_view::npos;
+
 /// What has been redacted begins so.
 inline constexpr std::string_view kMark = "<redacted:";
 

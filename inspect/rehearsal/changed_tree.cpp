@@ -17,11 +17,6 @@ std::string parentOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
 }
 
-bool isBelow(const std::string& path, const std::string& directory) {
-    return path.starts_with(directory) && path.size() > directory.size() &&
-           path[directory.size()] == '/';
-}
-
 bool linkStatus(const std::string& place, struct stat& status) {
     return !place.empty() && lstat(place.c_str(), &status) == 0;
 }
@@ -50,6 +45,11 @@ bool isSame(const std::string& now, const std::string& before) {
 }
 
 }  // namespace
+
+bool isBelow(const std::string& path, const std::string& directory) {
+    return path.starts_with(directory) && path.size() > directory.size() &&
+           path[directory.size()] == '/';
+}
 
 // --- Looking ----------------------------------------------------------------------------------------
 

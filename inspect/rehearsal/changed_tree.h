@@ -20,6 +20,8 @@
 
 namespace rcp::inspect {
 
+bool isBelow(const std::string& path, const std::string& directory);
+
 /// Of all changes of one launch: what is removed goes first, then what moves is moved, each by the
 /// longest path that it has a move for, then the rest is made or replaced.
 struct FileChange {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMostLinks = 40;  // path_resolution(7)
 
-std::nullopt_t failWith(int error) {
+std::nullopt_t noPath(int error) {
     errno = error;
     return std::nullopt;
 }
@@ -104,7 +104,7 @@ bool follow(const std::string& place, Way& way, bool& hasSlash) {
 
 std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) const {
     if (name.empty() || name.size() >= PATH_MAX) {
-        return failWith(name.empty() ? ENOENT : ENAMETOOLONG);
+        return noPath(name.empty() ? ENOENT : ENAMETOOLONG);
     }
     const Elements all = split(name);
     Found found;
@@ -122,7 +122,7 @@ std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) c
             continue;
         }
         if (element.size() > NAME_MAX) {
-            return failWith(ENAMETOOLONG);
+            return noPath(ENAMETOOLONG);
         }
         std::string child = way.at;
         child.append("/").append(element);
@@ -142,7 +142,7 @@ std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) c
                 return std::nullopt;
             }
         } else if (!isLast && !S_ISDIR(status.st_mode)) {
-            return failWith(ENOTDIR);
+            return noPath(ENOTDIR);
         } else {
             way.at = child;
         }
@@ -154,7 +154,7 @@ std::optional<Found> ChangedTree::find(const std::string& name, LastLink last) c
         return std::nullopt;
     }
     if (found.hasSlash && last == LastLink::kFollowed && !found.isDirectory()) {
-        return failWith(ENOTDIR);
+        return noPath(ENOTDIR);
     }
     found.name = way.isLastFollowed ? way.at : readableName(name, all, way.at);
     return found;

@@ -19,10 +19,6 @@ bool refuse(int error) {
     return false;
 }
 
-bool isBelow(const std::string& path, const std::string& directory) {
-    return path.starts_with(directory + "/");
-}
-
 }  // namespace
 
 Rehearsal* currentRehearsal() {

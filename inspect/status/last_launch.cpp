@@ -57,7 +57,6 @@ bool isLater(const LogFile& left, const LogFile& right) {
 }
 
 // A log is short; what a foreign file of the name holds beyond this is not worth reading.
-constexpr std::size_t kLongestLog = std::size_t{16} << 20U;
 
 bool isRecord(std::string_view line) {
     return line.starts_with("ZYPRA") || line.starts_with("Error: ");

@@ -24,7 +24,6 @@ constexpr std::string_view kError = "4";  // the severity
 
 constexpr std::size_t kMostErrors = 3;
 constexpr std::size_t kLongestLine = 400;  // some exceptions list all that there is
-constexpr std::size_t kLongestLog = std::size_t{16} << 20U;  // the platform begins anew at one MiB
 
 std::string_view nextLine(std::string_view& text) {
     const std::size_t end = std::min(text.find('\n'), text.size());

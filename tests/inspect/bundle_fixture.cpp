@@ -49,8 +49,8 @@ AppBundle::AppBundle() {
     writeProgram(kLibrary, code(6).bytes());
     writeProgram(kJvm, code(6).bytes());
     for (const char* name : {"/launcher.jar", "/plugins/org.eclipse.osgi.jar"}) {
-        write(kBase + name,
-              readQuietly(fs::path(test::seen(STANDIN_PLATFORM)).parent_path() / "standin.jar"));
+        write(kBase + name, readQuietly(fs::path(rcp::test::seen(STANDIN_PLATFORM)).parent_path() /
+                                        "standin.jar"));
     }
     for (const char* name : {"config.ini", "platform.xml", "rcpinstall.properties"}) {
         write(kBase + "/config/user/" + name, "");

@@ -39,10 +39,10 @@ class AppBundle {
     void forbidExecution(const std::string& name) const;
 
     [[nodiscard]] Options options() const;
-    [[nodiscard]] const test::TestFolder& folder() const { return folder_; }
+    [[nodiscard]] const rcp::test::TestFolder& folder() const { return folder_; }
 
   private:
-    test::TestFolder folder_;
+    rcp::test::TestFolder folder_;
 };
 
 }  // namespace rcp::inspect

@@ -425,7 +425,7 @@ TEST(CheckBundle, IsFoundByItsFolder) {
 TEST(CheckBundle, IsCheckedByTheProgramEvenWithoutLauncher) {
     const AppBundle bundle;
     const auto statusOf = [&](const std::string& command) {
-        const std::string line = "'" + test::seen(INSPECT_PROGRAM) + "' " + command +
+        const std::string line = "'" + rcp::test::seen(INSPECT_PROGRAM) + "' " + command +
                                  " --install '" + bundle.folder().narrow("Velmo.app") + "' >'" +
                                  bundle.folder().narrow("out") + "' 2>&1 </dev/null";
         const int status = std::system(line.c_str());

@@ -24,7 +24,7 @@ std::string trimmed(const std::string& text) {
 // The cells of every table row of a document between two headings.
 std::vector<std::vector<std::string>> rows(const std::string& document, const std::string& from,
                                            const std::string& to) {
-    std::ifstream stream(test::seen(INSPECT_SOURCES "/docs/" + document));
+    std::ifstream stream(rcp::test::seen(INSPECT_SOURCES "/docs/" + document));
     std::vector<std::vector<std::string>> found;
     bool isInside = false;
     for (std::string line; std::getline(stream, line);) {

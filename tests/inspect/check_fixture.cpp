@@ -50,7 +50,7 @@ Maker::Maker() {
 void Maker::place(const std::string& file, const std::string& standIn) const {
     const fs::path target = folder_.path() / file;
     fs::create_directories(target.parent_path());
-    fs::copy_file(fs::path(test::seen(STANDIN_PLATFORM)).parent_path() / standIn, target,
+    fs::copy_file(fs::path(rcp::test::seen(STANDIN_PLATFORM)).parent_path() / standIn, target,
                   fs::copy_options::overwrite_existing);
 }
 

@@ -30,12 +30,12 @@ class Maker {
     void setExecutable(const std::string& file, bool isExecutable) const;
     [[nodiscard]] std::vector<Finding> check() const;
     [[nodiscard]] Options options() const;
-    [[nodiscard]] const test::TestFolder& folder() const { return folder_; }
+    [[nodiscard]] const rcp::test::TestFolder& folder() const { return folder_; }
     /// The number of lines of a file.
     [[nodiscard]] std::size_t lineCount(const std::string& file) const;
 
   private:
-    test::TestFolder folder_;
+    rcp::test::TestFolder folder_;
 };
 
 using Change = std::function<void(const Maker&)>;

@@ -14,20 +14,21 @@ namespace {
 
 class SampleCheck : public ::testing::TestWithParam<const char*> {
   protected:
-    test::TestFolder folder_;
+    rcp::test::TestFolder folder_;
 };
 
 TEST_P(SampleCheck, FindsNothing) {
     // A launcher recognises its platform by the name in the folder.
     const std::string installation = folder_.narrow("Velmo");
-    const std::string standIn = std::filesystem::path(test::seen(STANDIN_PLATFORM)).parent_path();
-    const auto made =
-        runProgram({test::seen(INSPECT_SOURCES "/scripts/make-sample"), installation,
-                    test::seen(INSPECT_LAUNCHER), "--mode", GetParam(), "--stand-in", standIn});
+    const std::string standIn =
+        std::filesystem::path(rcp::test::seen(STANDIN_PLATFORM)).parent_path();
+    const auto made = runProgram({rcp::test::seen(INSPECT_SOURCES "/scripts/make-sample"),
+                                  installation, rcp::test::seen(INSPECT_LAUNCHER), "--mode",
+                                  GetParam(), "--stand-in", standIn});
     ASSERT_TRUE(made && made->succeeded);
-    const auto checked =
-        runProgram({"env", "HOME=" + folder_.narrow("home"), "USER=ann",
-                    test::seen(INSPECT_PROGRAM), "check", "--install", installation, "--strict"});
+    const auto checked = runProgram({"env", "HOME=" + folder_.narrow("home"), "USER=ann",
+                                     rcp::test::seen(INSPECT_PROGRAM), "check", "--install",
+                                     installation, "--strict"});
     ASSERT_TRUE(checked);
     EXPECT_TRUE(checked->succeeded) << checked->output;
     EXPECT_EQ(checked->output, installation + ": nothing found\n");

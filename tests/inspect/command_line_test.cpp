@@ -34,8 +34,8 @@ class InspectInItsInstallation : public test::StatusTest {
   protected:
     // Of a shell in the installation.
     [[nodiscard]] int statusOf(const std::string& command) const {
-        const std::string line =
-            "cd '" + installation() + "' && exec '" + test::seen(INSPECT_PROGRAM) + "' " + command;
+        const std::string line = "cd '" + installation() + "' && exec '" +
+                                 rcp::test::seen(INSPECT_PROGRAM) + "' " + command;
         test::Program program({"/bin/sh", "-c", line}, environment());
         (void)program.rest();
         return program.wait();

@@ -35,7 +35,7 @@ int fail(const Options& /*options*/) {
     return kFailure;
 }
 
-class HandOut : public test::LauncherTest {
+class HandOut : public rcp::test::LauncherTest {
   protected:
     HandOut() { CaptureStderr(); }
     ~HandOut() override { (void)GetCapturedStderr(); }

@@ -70,7 +70,7 @@ TEST(MachOReader, KnowsItsFilesByTheirStart) {
 
 // What is signed is what is checked: the script that signs is asked the same (tests/packages/check-signing).
 TEST(MachOReader, KnowsTheKindsThatAreSigned) {
-    std::ifstream table(test::seen(UNIT_DATA "/code_files.txt"));
+    std::ifstream table(rcp::test::seen(UNIT_DATA "/code_files.txt"));
     std::map<std::string, int> kinds;
     for (std::string line; std::getline(table, line);) {
         if (line.starts_with('#')) {

@@ -10,10 +10,10 @@
 namespace rcp::inspect {
 namespace {
 
-using test::ScopedVariable;
+using rcp::test::ScopedVariable;
 using testing::MatchesRegex;
 
-class Making : public test::LauncherTest {
+class Making : public rcp::test::LauncherTest {
   protected:
     const ScopedVariable all_{"LC_ALL"};
     const ScopedVariable characters_{"LC_CTYPE"};

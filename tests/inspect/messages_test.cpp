@@ -23,7 +23,7 @@ std::string firstStep(const std::string& record) {
 }
 
 TEST(Messages, EveryRowOfThePageIsInTheTable) {
-    std::ifstream page(test::seen(INSPECT_SOURCES "/docs/messages.md"));
+    std::ifstream page(rcp::test::seen(INSPECT_SOURCES "/docs/messages.md"));
     std::size_t rows = 0;
     for (std::string line; std::getline(page, line);) {
         rows += line.starts_with("| ZYPRA") || line.starts_with("| Error: ") ? 1 : 0;

@@ -42,7 +42,7 @@ std::vector<std::string> allMatches(const std::string& text, const std::string& 
     return found;
 }
 
-class Page : public test::LauncherTest {
+class Page : public rcp::test::LauncherTest {
   protected:
     std::string written(const json& data) {
         EXPECT_TRUE(writePage(data, folder_.narrow("page.html")));

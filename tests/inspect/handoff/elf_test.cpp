@@ -15,7 +15,7 @@ using ::testing::Contains;
 using ::testing::Not;
 
 std::string library() {
-    return readQuietly(test::seen(STANDIN_LIBRARY));
+    return readQuietly(rcp::test::seen(STANDIN_LIBRARY));
 }
 
 TEST(Elf, OfALibraryTellsMachineNeedsAndSymbols) {

@@ -16,13 +16,14 @@ namespace {
 class Jar : public ::testing::Test {
   protected:
     Jar()
-        : bytes_(readQuietly(std::filesystem::path(test::seen(STANDIN_PLATFORM)).parent_path() /
-                             "standin.jar")) {}
+        : bytes_(
+              readQuietly(std::filesystem::path(rcp::test::seen(STANDIN_PLATFORM)).parent_path() /
+                          "standin.jar")) {}
     [[nodiscard]] std::optional<std::set<std::string>> entriesOf(const std::string& bytes) const {
         folder_.write("a.jar", bytes);
         return jarEntries(folder_.narrow("a.jar"));
     }
-    test::TestFolder folder_;
+    rcp::test::TestFolder folder_;
     std::string bytes_;
 };
 
