@@ -42,6 +42,7 @@ import time
 LIMIT_SECONDS = 60  # ends what hangs; a launch is over in a moment
 SKIPPED = 77
 KEPT = ("registry", "bookmarks.xml")
+TEMPORARY = (".tmp", ".new", "/.rcp.unfinished")
 USER = "ann"
 
 # What each call can really answer. "+" is a failure that stays: one that is over with the next call
@@ -286,7 +287,7 @@ def own_calls(trace):
         main = main or process
         counts[process, name] += 1
         if process == main:
-            started = started or name == "poll"
+            started = started or name in ("poll", "ppoll")
             handed_off = handed_off or '"/dev/fd"' in text
         elif process not in children:
             children.add(process)
@@ -395,7 +396,7 @@ def next_launch(kind, call):
         if is_of_interest(path) and not moved and now.get(path) != content:
             problems.append(f"after the next launch {path} is not as always")
     for path in now:
-        if path.endswith((".tmp", ".new")) and call.name not in ("unlink", "rename"):
+        if path.endswith(TEMPORARY) and call.name not in ("unlink", "rename"):
             problems.append(f"{path} was left behind")
     return problems
 
