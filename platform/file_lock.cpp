@@ -27,9 +27,13 @@ bool isSame(const struct stat& left, const struct stat& right) {
 
 bool isNamed(int descriptor, const std::string& path) {
     struct stat opened {};
+    return calls::fstat(descriptor, &opened) == 0 && isNamed(opened, path);
+}
+
+std::optional<struct stat> isNamed(const struct stat& file, const std::string& path) {
     struct stat named {};
-    return calls::fstat(descriptor, &opened) == 0 && calls::lstat(path.c_str(), &named) == 0 &&
-           isSame(opened, named);
+    const bool isIt = calls::lstat(path.c_str(), &named) == 0 && isSame(file, named);
+    return isIt ? std::optional(named) : std::nullopt;
 }
 
 std::optional<struct stat> isLedTo(const struct stat& file, const std::string& path) {

@@ -15,9 +15,10 @@ bool lockExclusively(int descriptor);
 /// Whether the open file is still the one called `path`. Whoever waited for a lock must ask: the
 /// former holder may have renamed or removed the file meanwhile. Links are not followed.
 bool isNamed(int descriptor, const std::string& path);
+/// The same of the file with that status: its status now, none when it is another file.
+std::optional<struct stat> isNamed(const struct stat& file, const std::string& path);
 
-/// The same of the file with that status where `path` may be a link to it: its status now, none when it is
-/// another file.
+/// The same where `path` may be a link to the file.
 std::optional<struct stat> isLedTo(const struct stat& file, const std::string& path);
 
 }  // namespace rcp

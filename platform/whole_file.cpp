@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <optional>
 #include <utility>
 
 namespace rcp {
@@ -35,7 +36,8 @@ UniqueFd openTemporary(const char* path) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     UniqueFd opened(calls::open(path, kFlags, 0666));
     const int error = errno;
-    if (!opened && (error == EACCES || error == ELOOP || error == ENXIO)) {
+    const bool isSocket = error == ENXIO || error == EOPNOTSUPP;  // as Linux and macOS say it
+    if (!opened && (error == EACCES || error == ELOOP || isSocket)) {
         if (calls::unlink(path) == 0) {
             opened.reset(calls::open(path, kFlags, 0666));
         } else {
@@ -47,20 +49,25 @@ UniqueFd openTemporary(const char* path) {
 
 enum class TakeOver { kOurs, kFailed, kLostItsName };
 
-// Empties the locked file unless it has lost its name meanwhile: the former holder of the lock renames
-// or removes it. Failure leaves errno set.
+// Locks the file and empties it unless it has lost its name meanwhile: the former holder of the lock renames
+// or removes it, or has been killed and left it as long as it had become. Failure leaves errno set.
 TakeOver takeOver(int descriptor, const char* path) {
     struct stat status {};
-    if (!lockExclusively(descriptor) || calls::fstat(descriptor, &status) != 0) {
+    if (calls::fstat(descriptor, &status) != 0) {
         return TakeOver::kFailed;
     }
-    if (!isNamed(descriptor, path)) {
+    if (!S_ISREG(status.st_mode)) {  // a pipe: can be opened like a file, but not locked everywhere
+        const bool isGone = !isNamed(status, path) || calls::unlink(path) == 0;
+        return isGone ? TakeOver::kLostItsName : TakeOver::kFailed;
+    }
+    if (!lockExclusively(descriptor)) {
+        return TakeOver::kFailed;
+    }
+    const std::optional<struct stat> locked = isNamed(status, path);
+    if (!locked) {
         return TakeOver::kLostItsName;
     }
-    if (!S_ISREG(status.st_mode)) {  // a pipe, which can be opened like a file
-        return calls::unlink(path) == 0 ? TakeOver::kLostItsName : TakeOver::kFailed;
-    }
-    const bool isEmpty = status.st_size == 0 || calls::ftruncate(descriptor, 0) == 0;
+    const bool isEmpty = locked->st_size == 0 || calls::ftruncate(descriptor, 0) == 0;
     return isEmpty ? TakeOver::kOurs : TakeOver::kFailed;
 }
 

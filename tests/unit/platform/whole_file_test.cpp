@@ -7,7 +7,9 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace rcp {
@@ -21,6 +23,26 @@ class WholeFiles : public test::LauncherTest {
         struct stat status {};
         EXPECT_EQ(stat(folder_.narrow(name).c_str(), &status), 0);
         return status.st_mode & 07777U;
+    }
+    void replacesWhatIsThere() const {
+        WholeFile file(folder_.wide("file"));
+        EXPECT_TRUE(file.open());
+        EXPECT_TRUE(file.write("text"));
+        EXPECT_TRUE(file.commit());
+        EXPECT_EQ(folder_.read("file"), "text");
+        EXPECT_FALSE(folder_.has("file.tmp"));
+    }
+    /// By a relative name: an address holds a short one only.
+    void bindSocket(const std::string& name) const {
+        const fs::path before = fs::current_path();
+        fs::current_path(folder_.path());
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        name.copy(address.sun_path, sizeof address.sun_path - 1);
+        const UniqueFd bound(socket(AF_UNIX, SOCK_STREAM, 0));
+        EXPECT_EQ(bind(bound.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+        fs::current_path(before);
     }
 };
 
@@ -108,16 +130,54 @@ TEST_F(WholeFiles, WhatAKilledLaunchLeftIsRemovedUnlessItIsBeingWritten) {
     EXPECT_TRUE(folder_.has("file.tmp"));
 }
 
-TEST_F(WholeFiles, PipeOrSocketUnderTheTemporaryNameIsReplaced) {
-    for (const mode_t kind : {mode_t{S_IFIFO}, mode_t{S_IFSOCK}}) {
-        ASSERT_EQ(mknod(folder_.narrow("file.tmp").c_str(), kind | mode_t{0600}, 0), 0);
-        WholeFile file(folder_.wide("file"));
-        EXPECT_TRUE(file.open());
-        EXPECT_TRUE(file.write("text"));
-        EXPECT_TRUE(file.commit());
-        EXPECT_EQ(folder_.read("file"), "text");
-        EXPECT_FALSE(folder_.has("file.tmp"));
-    }
+TEST_F(WholeFiles, PipeUnderTheTemporaryNameIsReplaced) {
+    ASSERT_EQ(mkfifo(folder_.narrow("file.tmp").c_str(), 0600), 0);
+    replacesWhatIsThere();
+}
+
+TEST_F(WholeFiles, SocketUnderTheTemporaryNameIsReplaced) {
+    bindSocket("file.tmp");
+    replacesWhatIsThere();
+}
+
+bool isOfKind(int descriptor, mode_t kind) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && (status.st_mode & S_IFMT) == kind;
+}
+
+// As on a Mac.
+TEST_F(WholeFiles, PipeThatCannotBeLockedIsReplaced) {
+    SystemCalls calls = systemCalls;
+    calls.flock = [](int descriptor, int operation) {
+        errno = ENOTSUP;
+        return isOfKind(descriptor, S_IFIFO) ? -1 : kSystemsOwnCalls.flock(descriptor, operation);
+    };
+    const InstalledCalls installed(calls);
+    ASSERT_EQ(mkfifo(folder_.narrow("file.tmp").c_str(), 0600), 0);
+    replacesWhatIsThere();
+}
+
+// As on a Mac.
+TEST_F(WholeFiles, SocketThatTheSystemCallsUnsupportedIsReplaced) {
+    SystemCalls calls = systemCalls;
+    calls.open = [](const char* path, int flags, mode_t mode) {
+        const int opened = kSystemsOwnCalls.open(path, flags, mode);
+        errno = opened < 0 && errno == ENXIO ? EOPNOTSUPP : errno;
+        return opened;
+    };
+    const InstalledCalls installed(calls);
+    bindSocket("file.tmp");
+    replacesWhatIsThere();
+}
+
+TEST_F(WholeFiles, WhatAKilledWriterLeftWhileItsLockWasWaitedForIsEmptied) {
+    SystemCalls calls = systemCalls;
+    calls.flock = [](int descriptor, int operation) {
+        EXPECT_EQ(pwrite(descriptor, "much more", 9, 0), 9);
+        return kSystemsOwnCalls.flock(descriptor, operation);
+    };
+    const InstalledCalls installed(calls);
+    replacesWhatIsThere();
 }
 
 TEST_F(WholeFiles, NoteStandsFromTheFirstTemporaryNameOn) {
