@@ -94,10 +94,11 @@ void settleUnfinishedFiles(Launch& launch, const std::wstring& base) {
     const LaunchInputs& inputs = launch.inputs;
     launch.note = std::make_unique<UnfinishedNote>(toNarrow(unfinishedNoteOf(inputs.workspace)));
     if (inputs.isMainProcess() && launch.note->isLeft()) {
-        removeUnfinishedFiles(inputs.workspace, inputs.configuration);
+        const bool areUsersGone = removeUnfinishedFiles(inputs.workspace, inputs.configuration);
         // May be another workspace's at work, unlike the user's own files.
-        removeUnfinished(bundleListOf(inputs, base));
-        launch.note->settle();
+        if (removeUnfinished(bundleListOf(inputs, base)) && areUsersGone) {
+            launch.note->settle();
+        }
     }
 }
 

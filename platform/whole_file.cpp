@@ -138,12 +138,20 @@ bool holdsText(const std::wstring& path, std::string_view text) {
            readBeginning(file.get(), text.size()) == text;
 }
 
-void removeUnfinished(const std::wstring& target) {
+bool removeUnfinished(const std::wstring& target) {
     const std::string path = toNarrow(target + L".tmp");
     const UniqueFd file(calls::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (file && calls::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && isNamed(file.get(), path)) {
+    if (!file) {
+        return errno == ENOENT;
+    }
+    if (calls::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+        return errno == EWOULDBLOCK;
+    }
+    errno = 0;  // and stays so where the name is another file's by now
+    if (isNamed(file.get(), path)) {
         calls::unlink(path.c_str());
     }
+    return errno == 0 || errno == ENOENT;
 }
 
 WholeFile::WholeFile(std::wstring target, const std::wstring& suffix)

@@ -73,9 +73,9 @@ class UnfinishedNote {
 /// already need not be written again: replacing a file is the dearest thing a launch does.
 bool holdsText(const std::wstring& path, std::string_view text);
 
-/// Removes what a killed launch left under the temporary name of `target`, unless another launcher
-/// is writing it just now.
-void removeUnfinished(const std::wstring& target);
+/// Removes what a killed launch left under the temporary name of `target`. True when it is gone, or the
+/// name is that of another launcher, which is writing just now.
+bool removeUnfinished(const std::wstring& target);
 
 class WholeFile {
   public:

@@ -3,6 +3,8 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
+#include <errno.h>
+
 namespace rcp {
 namespace {
 
@@ -20,6 +22,10 @@ constexpr const wchar_t* kInConfiguration[] = {
     L"/rcpinstall.properties.new", L"/org.eclipse.update/platform.xml.tmp",
 };
 
+bool isGone(const std::wstring& path) {
+    return deleteFile(path) || errno == ENOENT;
+}
+
 }  // namespace
 
 std::wstring unfinishedNoteOf(const std::wstring& workspace) {
@@ -27,13 +33,15 @@ std::wstring unfinishedNoteOf(const std::wstring& workspace) {
 }
 
 // By name, not by pattern: a file of the user's that only looks like one of these stays.
-void removeUnfinishedFiles(const std::wstring& workspace, const std::wstring& configuration) {
+bool removeUnfinishedFiles(const std::wstring& workspace, const std::wstring& configuration) {
+    bool areGone = true;
     for (const wchar_t* name : kInWorkspace) {
-        deleteFile(osPath(workspace + name));
+        areGone &= isGone(osPath(workspace + name));
     }
     for (const wchar_t* name : kInConfiguration) {
-        deleteFile(osPath(configuration + name));
+        areGone &= isGone(osPath(configuration + name));
     }
+    return areGone;
 }
 
 }  // namespace rcp

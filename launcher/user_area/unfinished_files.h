@@ -9,7 +9,8 @@ namespace rcp {
 std::wstring unfinishedNoteOf(const std::wstring& workspace);
 
 /// Removes the temporary names of every file that a launch writes into the user's area. Only the
-/// main launcher may do so: no other launch of the same workspace is at work meanwhile.
-void removeUnfinishedFiles(const std::wstring& workspace, const std::wstring& configuration);
+/// main launcher may do so: no other launch of the same workspace is at work meanwhile. Whether all are
+/// gone.
+bool removeUnfinishedFiles(const std::wstring& workspace, const std::wstring& configuration);
 
 }  // namespace rcp

@@ -2,10 +2,12 @@
 // together. Each runs in a process of its own.
 #include "launcher/launch.h"
 
+#include "base/system_calls.h"
 #include "launcher/command_line/plan.h"
 #include "tests/unit/launch_pieces.h"
 #include "tests/unit/probe.h"
 
+#include <errno.h>
 #include <stdio.h>
 
 #include <algorithm>
@@ -19,14 +21,18 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-// The launch arguments that come of it, one a line.
-const test::Probe kStartup("start-up sequence", [](const std::vector<std::string>& texts) {
+std::optional<Plan> planOf(const std::vector<std::string>& texts) {
     Launch launch;
     for (const std::string& text : texts) {
         launch.arguments.emplace_back(toWide(text));
     }
     const Start start = isRestart(launch.arguments) ? Start::kRestart : Start::kOrdinary;
-    const std::optional<Plan> plan = startup(launch, readInstallation(), start);
+    return startup(launch, readInstallation(), start);
+}
+
+// The launch arguments that come of it, one a line.
+const test::Probe kStartup("start-up sequence", [](const std::vector<std::string>& texts) {
+    const std::optional<Plan> plan = planOf(texts);
     if (!plan) {
         return 1;
     }
@@ -35,6 +41,19 @@ const test::Probe kStartup("start-up sequence", [](const std::vector<std::string
     }
     return 0;
 });
+
+std::string namedLast;
+
+// The same where the file that is named last cannot be removed.
+const test::Probe kHeld("start-up sequence with a held file",
+                        [](const std::vector<std::string>& texts) {
+                            namedLast = texts.back();
+                            systemCalls.unlink = [](const char* path) {
+                                errno = EBUSY;
+                                return path == namedLast ? -1 : kSystemsOwnCalls.unlink(path);
+                            };
+                            return planOf({texts.begin(), texts.end() - 1}) ? 0 : 1;
+                        });
 
 using Texts = std::vector<std::string>;
 
@@ -61,12 +80,13 @@ class Startup : public test::LauncherTest {
                       "plugincustomization=" +
                           root_ + "/base/plugin_customization.ini\n" + more);
     }
-    [[nodiscard]] test::ProbeResult run(const Texts& options) const {
+    [[nodiscard]] test::ProbeResult run(const Texts& options,
+                                        const std::string& probe = "start-up sequence") const {
         const test::ScopedVariable home("HOME", root_ + "/home");
         const test::ScopedVariable user("USER", "ann");
         Texts arguments = {program_};
         arguments.insert(arguments.end(), options.begin(), options.end());
-        return test::runProbe("start-up sequence", arguments, program_);
+        return test::runProbe(probe, arguments, program_);
     }
     /// The launch arguments of a sequence that comes to its end.
     [[nodiscard]] Texts start(const Texts& options = {}) const {
@@ -118,6 +138,24 @@ TEST_F(Startup, LaterOneKeepsTheUsersFiles) {
     static_cast<void>(start());
     EXPECT_EQ(own(".config/org.eclipse.update/bookmarks.xml"), "mine");
     EXPECT_FALSE(hasOwn(".configbak"));
+}
+
+TEST_F(Startup, NoteOfAKilledOneStaysUntilAllThatItLeftIsGone) {
+    static_cast<void>(start());
+    const std::string bundle = "base/macosx/x86/Info.plist.tmp";
+    const std::string users = kWorkspace + ".config/config.ini.tmp";
+    for (const std::string& held : {bundle, users}) {
+        for (const std::string& left : {bundle, users, kWorkspace + ".rcp.unfinished"}) {
+            folder_.write(left, "");
+        }
+        EXPECT_EQ(run({root_ + "/" + held}, "start-up sequence with a held file").status, 0);
+        EXPECT_EQ(folder_.has(bundle), held == bundle);
+        EXPECT_EQ(folder_.has(users), held == users);
+        EXPECT_TRUE(hasOwn(".rcp.unfinished")) << held;
+        static_cast<void>(start());
+        EXPECT_FALSE(folder_.has(held));
+        EXPECT_FALSE(hasOwn(".rcp.unfinished")) << held;
+    }
 }
 
 TEST_F(Startup, ResetMovesTheConfigurationAwayButNotThatOfAFirstLaunch) {

@@ -120,14 +120,69 @@ TEST_F(WholeFiles, LinkUnderTheTemporaryNameIsReplacedAndNotFollowed) {
 
 TEST_F(WholeFiles, WhatAKilledLaunchLeftIsRemovedUnlessItIsBeingWritten) {
     folder_.write("file.tmp", "half");
-    removeUnfinished(folder_.wide("file"));
+    EXPECT_TRUE(removeUnfinished(folder_.wide("file")));
     EXPECT_FALSE(folder_.has("file.tmp"));
-    removeUnfinished(folder_.wide("file"));  // nothing there is fine
+    EXPECT_TRUE(removeUnfinished(folder_.wide("file"))) << "nothing there is fine";
 
     WholeFile file(folder_.wide("file"));
     ASSERT_TRUE(file.open());
-    removeUnfinished(folder_.wide("file"));
+    EXPECT_TRUE(removeUnfinished(folder_.wide("file"))) << "the other one will";
     EXPECT_TRUE(folder_.has("file.tmp"));
+}
+
+TEST_F(WholeFiles, WhatAKilledLaunchLeftIsToldToStay) {
+    SystemCalls unopened = systemCalls;
+    unopened.open = [](const char*, int, mode_t) {
+        errno = EACCES;
+        return -1;
+    };
+    SystemCalls unlocked = systemCalls;
+    unlocked.flock = [](int, int) {
+        errno = EIO;
+        return -1;
+    };
+    SystemCalls unknown = systemCalls;
+    unknown.lstat = [](const char*, struct stat*) {
+        errno = EIO;
+        return -1;
+    };
+    SystemCalls kept = systemCalls;
+    kept.unlink = [](const char*) {
+        errno = EBUSY;
+        return -1;
+    };
+    folder_.write("file.tmp", "half");
+    for (const SystemCalls& calls : {unopened, unlocked, unknown, kept}) {
+        const InstalledCalls installed(calls);
+        EXPECT_FALSE(removeUnfinished(folder_.wide("file")));
+    }
+    EXPECT_TRUE(folder_.has("file.tmp"));
+}
+
+// By its writer, between the look at it and the lock.
+TEST_F(WholeFiles, NameThatGoesOrIsAnotherFilesIsNoLongerTheKilledLaunchs) {
+    static std::string name;
+    static std::string target;
+    name = folder_.narrow("file.tmp");
+    target = folder_.narrow("file");
+    SystemCalls renamed = systemCalls;
+    renamed.flock = [](int, int) { return ::rename(name.c_str(), target.c_str()); };
+    SystemCalls replaced = systemCalls;
+    replaced.flock = [](int, int) {
+        const UniqueFd made(kSystemsOwnCalls.open(target.c_str(), O_WRONLY | O_CREAT, 0600));
+        return ::rename(target.c_str(), name.c_str());
+    };
+    SystemCalls removed = systemCalls;
+    removed.unlink = [](const char* path) {
+        kSystemsOwnCalls.unlink(path);
+        return kSystemsOwnCalls.unlink(path);
+    };
+    for (const SystemCalls& calls : {renamed, replaced, removed}) {
+        folder_.write("file.tmp", "half");
+        const InstalledCalls installed(calls);
+        EXPECT_TRUE(removeUnfinished(folder_.wide("file")));
+    }
+    EXPECT_FALSE(folder_.has("file.tmp"));
 }
 
 TEST_F(WholeFiles, PipeUnderTheTemporaryNameIsReplaced) {

@@ -1,9 +1,16 @@
 #include "launcher/user_area/unfinished_files.h"
 
+#include "base/system_calls.h"
 #include "tests/unit/user_area/user_area_fixture.h"
+
+#include <errno.h>
 
 namespace rcp::test {
 namespace {
+
+namespace fs = std::filesystem;
+
+std::string_view stays;
 
 class UnfinishedFiles : public UserAreaTest {};
 
@@ -16,7 +23,7 @@ TEST_F(UnfinishedFiles, OfAKilledLaunchGo) {
           ".config/org.eclipse.update/platform.xml.tmp"}) {
         folder_.write(std::string("ws/") + name, "half");
     }
-    removeUnfinishedFiles(workspace(), configuration());
+    EXPECT_TRUE(removeUnfinishedFiles(workspace(), configuration()));
     EXPECT_FALSE(hasTemporaryName());
 }
 
@@ -26,15 +33,35 @@ TEST_F(UnfinishedFiles, ThatAreTheUsersStay) {
     for (const std::string& name : names) {
         folder_.write(name, "kept");
     }
-    removeUnfinishedFiles(workspace(), configuration());
+    EXPECT_TRUE(removeUnfinishedFiles(workspace(), configuration()));
     for (const std::string& name : names) {
         EXPECT_EQ(folder_.read(name), "kept");
     }
 }
 
 TEST_F(UnfinishedFiles, MayBeNone) {
-    removeUnfinishedFiles(folder_.wide("none"), folder_.wide("none/.config"));
+    EXPECT_TRUE(removeUnfinishedFiles(folder_.wide("none"), folder_.wide("none/.config")));
     EXPECT_FALSE(folder_.has("none"));
+}
+
+TEST_F(UnfinishedFiles, ThatCannotBeRemovedAreToldAndTheOthersGo) {
+    SystemCalls calls = systemCalls;
+    calls.unlink = [](const char* path) {
+        errno = EIO;
+        return std::string_view(path).ends_with(stays) ? -1 : kSystemsOwnCalls.unlink(path);
+    };
+    const InstalledCalls installed(calls);
+    for (const char* name :
+         {"ws/platform.xml.old.tmp", "ws/.config/org.eclipse.update/platform.xml.tmp"}) {
+        stays = name;
+        folder_.write("ws/registry.old.tmp", "half");
+        folder_.write("ws/.config/config.ini.tmp", "half");
+        folder_.write(name, "half");
+        EXPECT_FALSE(removeUnfinishedFiles(workspace(), configuration())) << name;
+        EXPECT_TRUE(folder_.has(name));
+        fs::remove(folder_.path() / name);
+        EXPECT_FALSE(hasTemporaryName());
+    }
 }
 
 }  // namespace
