@@ -21,14 +21,15 @@ namespace {
 // The name carries the version of the interface that the header, found by the build, describes.
 constexpr const char* kLibraryName = RCP_LIBPLIST;
 
-/// The calls used here, each with the type that the library's header gives it. None may be made
-/// unless all were found.
+/// The calls used here, each with the type that the library's header gives it, or gave it. None may be
+/// made unless all were found.
 struct Library {
     decltype(&::plist_from_xml) fromXml = nullptr;
     decltype(&::plist_from_bin) fromBinary = nullptr;
     decltype(&::plist_to_xml) toXml = nullptr;
-    // Its name is another one in newer libraries, and their headers do not have the older one.
-    void (*freeXml)(void*) = nullptr;
+    // One of them: newer libraries have the first, whose header lacks the second, older ones that alone.
+    void (*freeMemory)(void*) = nullptr;
+    void (*freeXml)(char*) = nullptr;
     decltype(&::plist_get_node_type) nodeType = nullptr;
     decltype(&::plist_dict_get_item) item = nullptr;
     decltype(&::plist_dict_set_item) setItem = nullptr;
@@ -51,7 +52,7 @@ Library load() {
     library.complete = handle != nullptr && resolve(handle, "plist_from_xml", library.fromXml) &&
                        resolve(handle, "plist_from_bin", library.fromBinary) &&
                        resolve(handle, "plist_to_xml", library.toXml) &&
-                       (resolve(handle, "plist_mem_free", library.freeXml) ||
+                       (resolve(handle, "plist_mem_free", library.freeMemory) ||
                         resolve(handle, "plist_to_xml_free", library.freeXml)) &&
                        resolve(handle, "plist_get_node_type", library.nodeType) &&
                        resolve(handle, "plist_dict_get_item", library.item) &&
@@ -75,6 +76,13 @@ const Library& loadedLibrary() {
 struct FreeNode {
     const Library* library;
     void operator()(plist_t node) const { library->free(node); }
+};
+
+struct FreeXml {
+    const Library* library;
+    void operator()(char* xml) const {
+        library->freeMemory != nullptr ? library->freeMemory(xml) : library->freeXml(xml);
+    }
 };
 
 /// An owned node with everything below it.
@@ -148,7 +156,7 @@ std::string PropertyListDocument::toXml() const {
     if (bytes == nullptr) {
         return {};
     }
-    const std::unique_ptr<char, void (*)(void*)> owner(bytes, native_->library->freeXml);
+    const std::unique_ptr<char, FreeXml> owner(bytes, FreeXml{native_->library});
     return {bytes, length};
 }
 
