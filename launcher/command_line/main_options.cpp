@@ -35,20 +35,35 @@ constexpr DroppedOption kDroppedOptions[] = {
     {options::kResetConfig, &whys::kReset, nullptr},
 };
 
+constexpr const DroppedOption* findDropped(OptionName option) {
+    const auto* const found =
+        std::find_if(std::begin(kDroppedOptions), std::end(kDroppedOptions),
+                     [&](const DroppedOption& one) { return one.option == option; });
+    return found == std::end(kDroppedOptions) ? nullptr : found;
+}
+
+// Every option that is dropped says why, and of its value where that goes with it.
+static_assert(std::all_of(std::begin(kOptions), std::end(kOptions), [](const Option& option) {
+    const DroppedOption* const row = findDropped(option.name);
+    const bool takesValue = option.rule == CopyRule::kDropWithValue;
+    return row == nullptr ? option.rule != CopyRule::kDrop && !takesValue
+                          : (takesValue || option.rule == CopyRule::kDrop) &&
+                                (row->whyValue != nullptr) == takesValue;
+}));
+
 // The JVM and the workspace are those that are named first.
 bool isRepeated(const Arguments& arguments, std::size_t index) {
     const bool isNamedOnce = arguments[index] == options::kData || arguments[index] == options::kVm;
     return isNamedOnce && findOption(OptionName(arguments[index].text), arguments) != index;
 }
 
-void tellOption(const Arguments& arguments, std::size_t index, bool hasValue) {
-    const auto* const dropped =
-        std::find_if(std::begin(kDroppedOptions), std::end(kDroppedOptions),
-                     [&](const DroppedOption& one) { return arguments[index] == one.option; });
+// `count`: of the option and, where it has one, its value.
+void tellOption(const Arguments& arguments, std::size_t index, std::size_t count) {
+    const DroppedOption* const dropped = findDropped(arguments[index].text);
     const bool takesValue = dropped->whyValue != nullptr;
     if (isRepeated(arguments, index)) {
-        tellRepeated(arguments, index, hasValue ? 2 : 1, whys::kRepeats);
-    } else if (takesValue && !hasValue) {
+        tellRepeated(arguments, index, count, whys::kRepeats);
+    } else if (takesValue && count == 1) {
         tellDropped(arguments, index, 1, whys::kLacksValue);
     } else {
         tellDropped(arguments, index, 1, *dropped->why);
@@ -62,23 +77,23 @@ void tellOption(const Arguments& arguments, std::size_t index, bool hasValue) {
 void copyUserOptions(CommandLine& line, const Arguments& arguments) {
     const std::size_t end = endOfOptions(arguments);
     for (std::size_t i = 1; i < end; ++i) {
-        const bool hasValue = i + 1 < end && canBeValue(arguments[i + 1]);
+        const std::size_t count = i + 1 < end && canBeValue(arguments[i + 1]) ? 2 : 1;
         switch (copyRuleFor(arguments[i].text)) {
             case CopyRule::kCopy:
                 line.add(arguments[i], whys::kUsersArgument);
                 break;
             case CopyRule::kCopyWithValue:
                 line.add(arguments[i], whys::kUsersArgument);
-                if (hasValue) {
+                if (count == 2) {
                     line.add(arguments[++i], whys::kUsersArgument);
                 }
                 break;
             case CopyRule::kDrop:
-                tellOption(arguments, i, false);
+                tellOption(arguments, i, 1);
                 break;
             case CopyRule::kDropWithValue:
-                tellOption(arguments, i, hasValue);
-                i += hasValue ? 1 : 0;
+                tellOption(arguments, i, count);
+                i += count - 1;
                 break;
         }
     }
