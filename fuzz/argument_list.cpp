@@ -13,7 +13,9 @@
 #include "launcher/vocabulary/options.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <string_view>
 
 namespace {
 
@@ -42,10 +44,18 @@ bool isSubsequence(const Arguments& part, const Arguments& whole) {
     return true;
 }
 
-// Options of which a repetition may go, with or without the argument behind it.
+// Of these a repetition may go, the first ones' with the argument behind it. Written down here: the
+// launcher's own lists are what is examined.
+constexpr std::wstring_view kStandOnce[] = {
+    L"-vm",          L"-data",    L"-plugincustomization",
+    L"-application", L"-product", L"-personality",
+    L"-nl",          L"-dir",     L"-console",
+    L"-debug",       L"-pb4l",
+};
+
 bool mayHaveRepetitions(const Arguments& arguments) {
-    return std::any_of(arguments.begin(), arguments.end(), [&](const Argument& one) {
-        return isUnique(one.text) && std::count(arguments.begin(), arguments.end(), one) > 1;
+    return std::any_of(std::begin(kStandOnce), std::end(kStandOnce), [&](std::wstring_view one) {
+        return std::count(arguments.begin(), arguments.end(), one) > 1;
     });
 }
 

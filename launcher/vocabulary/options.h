@@ -143,19 +143,4 @@ constexpr bool takesValue(std::wstring_view argument) {
     return option != nullptr && option->value == OptionValue::kTaken;
 }
 
-/// Whether of an option's repetitions one may go.
-constexpr bool isUnique(std::wstring_view argument) {
-    for (const OptionName option : kUniquePairs) {
-        if (option == argument) {
-            return true;
-        }
-    }
-    for (const OptionName option : kUniqueSingles) {
-        if (option == argument) {
-            return true;
-        }
-    }
-    return false;
-}
-
 }  // namespace rcp

@@ -21,14 +21,6 @@ TEST(Options, MissOnlyTheValuesThatTheLauncherReads) {
     EXPECT_FALSE(takesValue(L"data"));
 }
 
-TEST(Options, SomeStandOnce) {
-    EXPECT_TRUE(isUnique(L"-vm"));
-    EXPECT_TRUE(isUnique(L"-dir"));
-    EXPECT_TRUE(isUnique(L"-pb4l"));
-    EXPECT_FALSE(isUnique(L"-perfJar"));
-    EXPECT_FALSE(isUnique(L"-configuration"));
-}
-
 TEST(Names, AreComparedAndJoinedAsTexts) {
     EXPECT_EQ(options::kData, L"-data");
     EXPECT_EQ(options::kRcpData + L"=/ws", L"-Drcp.data=/ws");
