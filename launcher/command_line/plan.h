@@ -12,6 +12,7 @@ namespace rcp {
 /// File name of the Eclipse launcher library.
 inline constexpr wchar_t ECLIPSE_SO_NAME_DEFAULT[] = L"eclipse_1615.so";
 
+// What the rest of the system knows these options by.
 inline constexpr OptionName CONSOLEARG = options::kConsole;
 inline constexpr OptionName DEBUGARG = options::kDebug;
 inline constexpr OptionName PB4LARG = options::kPb4l;

@@ -9,7 +9,7 @@ namespace rcp {
 namespace {
 
 bool isAppendedVm(const Argument& argument) {
-    return argument == options::kVm && !argument.origin.file && argument.origin.line == 0;
+    return argument == options::kVm && argument.origin.isComputed();
 }
 
 }  // namespace
