@@ -3,6 +3,7 @@
 #include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
 #include "launcher/instance/running_provisioning.h"
+#include "launcher/vocabulary/options.h"
 #include "platform/signals.h"
 #include "platform/text.h"
 
@@ -40,7 +41,7 @@ void watchHandOff(const Launch& launch, const NarrowArguments& launchArguments, 
     launch.lock->record(parent);
     gate.wait();
     launch.lock->release();
-    if (isWaitMode(launch.arguments) || haveLaunchOption("-console", launchArguments.texts())) {
+    if (isWaitMode(launch.arguments) || haveLaunchOption(CONSOLEARG, launchArguments.texts())) {
         // Asked for by those who wait for the platform. The parent is no child of this process, so
         // the answer comes at once; the callers have come to rely on that.
         waitpid(parent, nullptr, 0);
@@ -137,8 +138,9 @@ void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& argume
 char** parseArgs(int& argc, char** argv) {
     argv[argc] = nullptr;
     char** const end = argv + argc;
-    char** const separator =
-        std::find_if(argv, end, [](const char* text) { return strcasecmp(text, "-vmargs") == 0; });
+    const std::string option = toNarrow(std::wstring(options::kVmargs));
+    char** const separator = std::find_if(
+        argv, end, [&](const char* text) { return strcasecmp(text, option.c_str()) == 0; });
     if (separator == end) {
         return nullptr;
     }
@@ -147,8 +149,9 @@ char** parseArgs(int& argc, char** argv) {
     return separator + 1;
 }
 
-bool haveLaunchOption(const std::string& option, const std::vector<std::string>& arguments) {
-    return std::find(arguments.begin(), arguments.end(), option) != arguments.end();
+bool haveLaunchOption(OptionName option, const std::vector<std::string>& arguments) {
+    const std::string text = toNarrow(std::wstring(option));
+    return std::find(arguments.begin(), arguments.end(), text) != arguments.end();
 }
 
 }  // namespace rcp

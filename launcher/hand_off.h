@@ -12,6 +12,7 @@
 
 #include "launcher/hand_off_tools.h"
 #include "launcher/launch.h"
+#include "launcher/vocabulary/name.h"
 
 #include <string>
 #include <vector>
@@ -39,6 +40,6 @@ void invokeEclipseDylib(const std::wstring& libraryPath, NarrowArguments& argume
 char** parseArgs(int& argc, char** argv);
 
 /// Whether some argument equals `option` exactly.
-bool haveLaunchOption(const std::string& option, const std::vector<std::string>& arguments);
+bool haveLaunchOption(OptionName option, const std::vector<std::string>& arguments);
 
 }  // namespace rcp

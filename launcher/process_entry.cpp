@@ -82,8 +82,8 @@ void dumpArguments(const Arguments& arguments) {
 // All that comes before the hand-off. False for a launch that has to begin anew.
 bool prepareLaunch(Launch& launch, int argc, char** argv) {
     launch.arguments = wideArguments(argc, argv);
-    const Start start =
-        haveLaunchOption("-restart", {argv, argv + argc}) ? Start::kRestart : Start::kOrdinary;
+    const Start start = haveLaunchOption(options::kRestart, {argv, argv + argc}) ? Start::kRestart
+                                                                                 : Start::kOrdinary;
     Installation installation = readInstallation();
     applyProperties(launch.arguments, installation.properties, start);
     setDebug(isDebug(launch.arguments));

@@ -15,7 +15,6 @@
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
-#include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -153,8 +152,8 @@ void findNamedFiles(const Examination& examination, Findings& findings) {
             getRestartExe({Argument(L"rcplauncher"), Argument(options::kConfig), Argument(name)},
                           properties, examination.inputs.installDir);
         if (program && !program->empty()) {
-            needProgram(examination, *program,
-                        examination.originOf(keys::restartExecutable(name, getOS())), findings);
+            needProgram(examination, *program, examination.originOf(keys::restartExecutable(name)),
+                        findings);
         }
     }
 }

@@ -19,7 +19,7 @@ struct ForbiddenText {
 // The search paths of the JVM decide which code runs; only the installation may set them.
 constexpr ForbiddenText kForbiddenTexts[] = {
     {keys::kJvmLibraryPath, messages.jvmLibraryPathForbidden},
-    {L"java.library.path", messages.javaLibraryPathForbidden},
+    {keys::kJavaLibraryPath, messages.javaLibraryPathForbidden},
     {keys::kJavaHome, messages.javaHomeForbidden},
 };
 

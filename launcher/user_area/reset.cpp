@@ -7,7 +7,6 @@
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
-#include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/removal.h"
 #include "platform/text.h"
@@ -232,7 +231,7 @@ std::optional<std::wstring> getRestartExe(const Arguments& arguments,
     if (name == nullptr) {
         return std::nullopt;
     }
-    const std::wstring key = keys::restartExecutable(name->text, getOS());
+    const std::wstring key = keys::restartExecutable(name->text);
     const std::wstring* value = findProperty(key, properties);
     if (value == nullptr) {
         return std::nullopt;

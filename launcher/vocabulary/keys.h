@@ -35,6 +35,7 @@ inline constexpr Key kBootClassPathPrepend{L"Xbootclasspath.prepend"};
 inline constexpr Key kBootClassPathAppend{L"Xbootclasspath.append"};
 inline constexpr Key kConsoleFix{L"vmfix.noconsole"};
 inline constexpr Key kJavaHome{L"java.home"};
+inline constexpr Key kJavaLibraryPath{L"java.library.path"};  // the JVM's own
 inline constexpr Key kJvmLibraryPath{L"jvm.library.path"};
 inline constexpr Key kJvmRoot{L"jvm.root"};
 inline constexpr Key kFeatureId{L"jvm.feature.id"};
@@ -68,15 +69,19 @@ inline constexpr Key kArgumentCount{L"argc"};
 
 // Parts of keys.
 inline constexpr std::wstring_view kFix = L"vmfix.";
-inline constexpr std::wstring_view kRestartExecutable = L".restartExe.";
+inline constexpr std::wstring_view kRestartExecutable = L".restartExe.macosx";
+
+// Of property lists.
+inline constexpr char kLauncherPath[] = "mlauncher.path";
+inline constexpr char kBundleIdentifier[] = "CFBundleIdentifier";
 
 /// The n-th argument of configuration extension `name`.
 inline std::wstring extensionArgument(std::wstring_view name, std::size_t number) {
     return kExtension + name + L"." + std::to_wstring(number);
 }
 /// The program that a launch with configuration extension `name` is restarted with.
-inline std::wstring restartExecutable(std::wstring_view name, std::wstring_view system) {
-    return (kExtension + name).append(kRestartExecutable).append(system);
+inline std::wstring restartExecutable(std::wstring_view name) {
+    return (kExtension + name).append(kRestartExecutable);
 }
 
 }  // namespace keys

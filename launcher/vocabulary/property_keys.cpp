@@ -154,7 +154,7 @@ bool isNumber(std::wstring_view text) {
 }
 
 bool isExtensionKey(std::wstring_view tail) {
-    if (tail.ends_with(L".restartExe.macosx")) {
+    if (tail.ends_with(keys::kRestartExecutable)) {
         return true;
     }
     const std::size_t dot = tail.rfind(L'.');

@@ -88,10 +88,10 @@ TEST_F(HandOff, WithoutVmargsOnlyTheEndIsSet) {
 }
 
 TEST_F(HandOff, LaunchOptionIsAnyWholeArgumentTheFirstToo) {
-    EXPECT_TRUE(haveLaunchOption("-console", {"-console"}));
-    EXPECT_TRUE(haveLaunchOption("-console", {"p", "x", "-console"}));
-    EXPECT_FALSE(haveLaunchOption("-console", {"p", "-Console", "-consoleLog", "-cons"}));
-    EXPECT_FALSE(haveLaunchOption("-console", {}));
+    EXPECT_TRUE(haveLaunchOption(options::kConsole, {"-console"}));
+    EXPECT_TRUE(haveLaunchOption(options::kConsole, {"p", "x", "-console"}));
+    EXPECT_FALSE(haveLaunchOption(options::kConsole, {"p", "-Console", "-consoleLog", "-cons"}));
+    EXPECT_FALSE(haveLaunchOption(options::kConsole, {}));
 }
 
 // --- The library --------------------------------------------------------------------------------
