@@ -1,42 +1,23 @@
 #include "platform/bundle_metadata.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/files.h"
 #include "platform/whole_file.h"
 
 #include <errno.h>
-#include <stdio.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 
 namespace rcp {
 namespace {
 
-constexpr char kIdentifierKey[] = "CFBundleIdentifier";
-// Bundle metadata is a few kilobytes. A file beyond this is none.
-constexpr std::size_t kLargestList = std::size_t{4} * 1024 * 1024;
-
-std::optional<std::string> readBytes(const std::wstring& path) {
-    const Stream stream = open_file(path, L"rb");
-    if (!stream) {
-        return std::nullopt;
-    }
-    std::string bytes;
-    std::array<char, 16384> buffer;
-    std::size_t length = 0;
-    while ((length = fread(buffer.data(), 1, buffer.size(), stream.get())) > 0) {
-        bytes.append(buffer.data(), length);
-        if (bytes.size() > kLargestList) {
-            return std::nullopt;
-        }
-    }
-    if (ferror(stream.get()) != 0) {
-        return std::nullopt;
-    }
-    return bytes;
+// What a list may have, and the byte with which it is refused. What is there is a claim: a disk image in
+// the list's place is not read whole.
+std::optional<FileText> textOfList(const std::wstring& path) {
+    return readText(path, platform::kMaxPropertyListBytes + 1);
 }
 
 // In every locale, unlike toNarrow: a property list is UTF-8. What is no character becomes bytes
@@ -65,10 +46,10 @@ bool isXmlText(const std::wstring& text) {
 
 // The list as XML, which reads back with the identifier that it got; empty when that cannot be.
 std::string withIdentifier(platform::PropertyListDocument& list, const std::string& identifier) {
-    list.setString(kIdentifierKey, identifier);
+    list.setString(keys::kBundleIdentifier, identifier);
     std::string xml = list.toXml();
     const auto again = platform::parsePropertyList(xml);
-    const bool isSet = again && again->stringForKey(kIdentifierKey) == identifier;
+    const bool isSet = again && again->stringForKey(keys::kBundleIdentifier) == identifier;
     return isSet ? xml : std::string();
 }
 
@@ -81,23 +62,26 @@ bool writeInPlace(const std::wstring& path, const std::string& text) {
 
 std::optional<platform::PropertyListDocument> createPropertiesListFromFile(
     const std::wstring& path) {
-    const std::optional<std::string> bytes = readBytes(path);
-    if (!bytes) {
-        return std::nullopt;
-    }
-    return platform::parsePropertyList(*bytes);
+    const std::optional<FileText> text = textOfList(path);
+    return text && text->error == 0 ? platform::parsePropertyList(text->bytes) : std::nullopt;
 }
 
 void updateInfoPlist(const std::wstring& path, const std::wstring& identifier) {
-    std::optional<platform::PropertyListDocument> list = createPropertiesListFromFile(path);
-    if (!list && exists(path)) {
-        report(noReason(), messages.bundleNotRead, path);
+    const std::optional<FileText> text = textOfList(path);
+    const int error = text ? text->error : errno;
+    if (!text && error == ENOENT) {
+        return;
     }
-    if (!list || !list->isDictionary()) {
+    auto list = error == 0 ? platform::parsePropertyList(text->bytes) : std::nullopt;
+    if (!list) {
+        report(because(error), messages.bundleNotRead, path);
+        return;
+    }
+    if (!list->isDictionary()) {
         return;
     }
     const std::string wanted = utf8Of(identifier);
-    const std::optional<std::string> current = list->stringForKey(kIdentifierKey);
+    const std::optional<std::string> current = list->stringForKey(keys::kBundleIdentifier);
     if (current && platform::equalIgnoringCase(*current, wanted)) {
         return;
     }

@@ -73,13 +73,15 @@ UniqueFd openToRead(const std::string& path) {
 
 // A file is read to the size that it had, without a read that finds nothing more; one that tells no size,
 // as those of the process file system, to its end.
-void readInto(FileText& text, int descriptor, std::size_t size) {
+void readInto(FileText& text, int descriptor, std::size_t size, std::size_t most) {
     constexpr std::size_t kAtOnce = std::size_t{1}
                                     << 20;  // a size is a claim: memory follows what comes
     constexpr std::size_t kUnknown = 4096;
+    const std::size_t atOnce = size == 0 ? kUnknown : kAtOnce;
+    const std::size_t end = size == 0 ? most : std::min(size, most);
     std::size_t done = 0;
-    while (size == 0 || done < size) {
-        text.bytes.resize(done + (size == 0 ? kUnknown : std::min(size - done, kAtOnce)));
+    while (done < end) {
+        text.bytes.resize(done + std::min(end - done, atOnce));
         const ssize_t length =
             calls::read(descriptor, text.bytes.data() + done, text.bytes.size() - done);
         if (length == 0 || (length < 0 && errno != EINTR)) {
@@ -186,19 +188,19 @@ Stream open_file(const std::wstring& path, const std::wstring& mode) {
     return stream;
 }
 
-std::optional<FileText> textOf(const UniqueFd& file) {
+std::optional<FileText> textOf(const UniqueFd& file, std::size_t most) {
     const std::optional<std::size_t> size = regularSize(file.get());
     if (!size) {
         return std::nullopt;
     }
     FileText text;
-    readInto(text, file.get(), *size);
+    readInto(text, file.get(), *size, most);
     return text;
 }
 
-std::optional<FileText> readText(const std::wstring& path) {
+std::optional<FileText> readText(const std::wstring& path, std::size_t most) {
     const UniqueFd file = openExisting(path);
-    return file ? textOf(file) : std::nullopt;
+    return file ? textOf(file, most) : std::nullopt;
 }
 
 bool createDirectory(const std::wstring& path) {

@@ -7,6 +7,7 @@
 #include "diagnostics/argument.h"
 #include "diagnostics/message.h"
 
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -62,10 +63,12 @@ struct FileText {
     std::string bytes;
     int error = 0;  // an errno
 };
-/// Of an opened file, from its beginning on. Empty optional, with errno set, when it is no regular file.
-std::optional<FileText> textOf(const UniqueFd& file);
+inline constexpr std::size_t kAllBytes = static_cast<std::size_t>(-1);
+/// Of an opened file, from its beginning on, no more than `most` bytes. Empty optional, with errno set, when
+/// it is no regular file.
+std::optional<FileText> textOf(const UniqueFd& file, std::size_t most = kAllBytes);
 /// Reads what open_file would open. Empty optional, with errno set, when it cannot be opened.
-std::optional<FileText> readText(const std::wstring& path);
+std::optional<FileText> readText(const std::wstring& path, std::size_t most = kAllBytes);
 
 /// A text that is taken line by line, and how far it has come.
 struct TextLines {

@@ -1,6 +1,7 @@
 #include "platform/install_location.h"
 
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
@@ -60,13 +61,11 @@ std::string read_executable_path() {
 
 std::string read_mlauncher_path() {
     const std::string plist = folderOf(executableAsStarted()) + "/rcplauncher.plist";
-    if (existsA(plist)) {
-        const auto list = createPropertiesListFromFile(toWide(plist));
-        if (list && list->isDictionary()) {
-            std::optional<std::string> configured = list->stringForKey("mlauncher.path");
-            if (configured && isExecutable(*configured)) {
-                return *std::move(configured);
-            }
+    const auto list = createPropertiesListFromFile(toWide(plist));
+    if (list && list->isDictionary()) {
+        std::optional<std::string> configured = list->stringForKey(keys::kLauncherPath);
+        if (configured && isExecutable(*configured)) {
+            return *std::move(configured);
         }
     }
     return read_executable_path();
@@ -83,7 +82,6 @@ std::wstring findCommand() {
 std::optional<std::wstring> getRCPDirectory() {
     std::wstring folder = findCommand();
     if (folder.empty()) {
-        errno = ENOENT;
         return std::nullopt;
     }
     return folder;  // a directory: a program without links in its path was started in it
@@ -92,7 +90,10 @@ std::optional<std::wstring> getRCPDirectory() {
 std::wstring getInstallDir() {
     const std::optional<std::wstring> folder = getRCPDirectory();
     if (!folder) {
-        fatal(because(errno), messages.installationNotFound);
+        const bool isInRoot = folderOf(read_executable_path()).empty();
+        fatal(because(isInRoot ? "the executable lies in the root directory"
+                               : "its folder's name is no text of this locale"),
+              messages.installationNotFound);
     }
     std::wstring directory = *folder;
     const std::wstring parent = folderOf(*folder);

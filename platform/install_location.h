@@ -24,7 +24,7 @@ std::wstring getLauncherPath();
 
 /// The folder of the executable.
 std::wstring findCommand();
-/// That folder; none, with errno set, where it is the root or its name is no text of the locale.
+/// That folder; none where it is the root or its name is no text of the locale.
 std::optional<std::wstring> getRCPDirectory();
 /// The installation directory:
 ///

@@ -4,6 +4,7 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
+#include "launcher/vocabulary/keys.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -65,7 +66,8 @@ void findInRestartPath(const Bundle& bundle, Findings& findings) {
     std::optional<std::string> path;
     endOf([&] {
         const auto list = createPropertiesListFromFile(toWide(bundle.pathOf(kRestart)));
-        path = list && list->isDictionary() ? list->stringForKey("mlauncher.path") : std::nullopt;
+        path =
+            list && list->isDictionary() ? list->stringForKey(keys::kLauncherPath) : std::nullopt;
     });
     if (!path) {
         findings.add("RI707", bundle.pathOf(kRestart), 0, "there is no mlauncher.path");

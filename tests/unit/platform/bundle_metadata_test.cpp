@@ -1,8 +1,10 @@
 #include "platform/bundle_metadata.h"
 
+#include "base/system_calls.h"
 #include "platform/text.h"
 #include "tests/unit/records.h"
 
+#include <errno.h>
 #include <locale.h>
 #include <sys/stat.h>
 
@@ -85,7 +87,43 @@ TEST_F(BundleMetadata, FolderInThePlaceOfTheListIsReported) {
     const test::Records records(folder_);
     folder_.write("Info.plist/file", "");
     updateInfoPlist(folder_.wide("Info.plist"), L"org.example");
-    EXPECT_TRUE(records.has("Info.plist is no property list that can be read.\n"));
+    EXPECT_TRUE(records.has("Info.plist is no property list that can be read. : Is a directory\n"));
+}
+
+TEST_F(BundleMetadata, FileThatMayNotBeReadIsReported) {
+    const test::Records records(folder_);
+    SystemCalls calls = systemCalls;
+    calls.open = [](const char*, int, mode_t) {
+        errno = EACCES;
+        return -1;
+    };
+    const InstalledCalls installed(calls);
+    isUntouched(withIdentifier("a"), L"b");
+    EXPECT_EQ(records.text(), "Error: updateInfoPlist: " + folder_.narrow("Info.plist") +
+                                  " is no property list that can be read. : Permission denied\n");
+}
+
+TEST_F(BundleMetadata, FailedReadIsReported) {
+    const test::Records records(folder_);
+    SystemCalls calls = systemCalls;
+    calls.read = [](int, void*, std::size_t) {
+        errno = EIO;
+        return ssize_t{-1};
+    };
+    const InstalledCalls installed(calls);
+    isUntouched(withIdentifier("a"), L"b");
+    EXPECT_EQ(records.text(), "Error: updateInfoPlist: " + folder_.narrow("Info.plist") +
+                                  " is no property list that can be read. : Input/output error\n");
+    EXPECT_FALSE(createPropertiesListFromFile(folder_.wide("Info.plist")).has_value());
+}
+
+TEST_F(BundleMetadata, ListHasABoundAndIsNotCutThere) {
+    std::string largest = withIdentifier("a");
+    largest.resize(platform::kMaxPropertyListBytes, '\n');
+    folder_.write("Info.plist", largest);
+    EXPECT_EQ(value("CFBundleIdentifier"), "a");
+    folder_.write("Info.plist", largest + "\n");
+    EXPECT_EQ(value("CFBundleIdentifier"), std::nullopt);
 }
 
 TEST_F(BundleMetadata, MissingFileIsNotMade) {

@@ -276,7 +276,24 @@ TEST_F(FilesWithReads, FailedOneIsToldBesideWhatCameBeforeIt) {
     EXPECT_EQ(text->error, EIO);
 }
 
+TEST_F(FilesWithReads, BoundIsNeverPassed) {
+    folder_.write("file", std::string(3 << 20, 'x'));
+    SystemCalls calls = systemCalls;
+    calls.read = [](int descriptor, void* buffer, std::size_t size) {
+        EXPECT_LE(size, 100U);
+        return kSystemsOwnCalls.read(descriptor, buffer, size);
+    };
+    const InstalledCalls installed(calls);
+    const std::optional<FileText> text = readText(folder_.wide("file"), 100);
+    EXPECT_EQ(text->bytes, std::string(100, 'x'));
+    EXPECT_EQ(text->error, 0);
+}
+
 #ifdef __linux__
+TEST_F(Files, TextOfAFileThatTellsNoSizeHasTheBound) {
+    EXPECT_EQ(readText(L"/proc/self/maps", 100)->bytes.size(), 100U);
+}
+
 TEST_F(Files, TextOfAFileThatTellsNoSizeIsReadToItsEnd) {
     const std::optional<FileText> text = readText(L"/proc/self/maps");
     ASSERT_TRUE(text);

@@ -8,6 +8,8 @@
 #include "tests/unit/records.h"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
+#include <locale.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -50,6 +52,20 @@ const Probe kCommand("find command", [](const std::vector<std::string>&) {
     print(toNarrow(folder));
     return getRCPDirectory() == folder ? 0 : 1;
 });
+
+// Of the program that is named; the log goes to the folder that is named behind it.
+const Probe kNamed("install dir of", [](const std::vector<std::string>& arguments) {
+    setLauncherExecutable(arguments.at(0));
+    enableLogging(toWide(arguments.at(1)));
+    return test::statusOf([] { (void)getInstallDir(); });
+});
+
+const Probe kPlainLocale("install dir in the plain locale",
+                         [](const std::vector<std::string>& arguments) {
+                             (void)setlocale(LC_CTYPE, "C");
+                             enableLogging(toWide(arguments.at(0)));
+                             return test::statusOf([] { (void)getInstallDir(); });
+                         });
 
 class InstallLocation : public test::LauncherTest {
   protected:
@@ -124,6 +140,28 @@ TEST_F(InstallLocation, PathLongerThanAnyFixedBufferWorks) {
     EXPECT_EQ(ask("install dir", real), fs::path(real).parent_path().string());
     EXPECT_EQ(ask("launcher path", real), real);
 }
+
+TEST_F(InstallLocation, ExecutableInTheRootHasNone) {
+    folder_.write("log/file", "");
+    EXPECT_EQ(runProbe("install dir of", {"/usr", root_ + "/log"}).status, 255);
+    EXPECT_THAT(folder_.read("log/rcplauncher.log"),
+                testing::EndsWith(
+                    "ZYPRA0049E: Unable to locate the platform's installation directory : the "
+                    "executable lies in the root directory\n"));
+}
+
+#ifdef __linux__
+// A Mac's plain locale has a character for every byte.
+TEST_F(InstallLocation, FolderThatIsNoTextOfTheLocaleIsNone) {
+    folder_.write("log/file", "");
+    const std::string real = program("\u00FC/prog");
+    EXPECT_EQ(runProbe("install dir in the plain locale", {root_ + "/log"}, real).status, 255);
+    EXPECT_THAT(folder_.read("log/rcplauncher.log"),
+                testing::EndsWith(
+                    "ZYPRA0049E: Unable to locate the platform's installation directory : its "
+                    "folder's name is no text of this locale\n"));
+}
+#endif
 
 TEST_F(InstallLocation, ExecutablesPathIsTraced) {
     const test::Records records(folder_);
