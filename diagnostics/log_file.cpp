@@ -4,6 +4,7 @@
 #include "base/transfer.h"
 #include "base/unique_fd.h"
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/paths.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -18,7 +19,6 @@ namespace rcp {
 namespace {
 
 constexpr wchar_t kTemporaryFolder[] = L"/tmp";
-constexpr wchar_t kLogName[] = L"/rcplauncher.log";
 
 // The log file's descriptor, -1 until enableLogging succeeds. Nobody owns it: it is close-on-exec and goes
 // with the process, for the last record may come from anywhere.
@@ -98,9 +98,9 @@ bool startLog(UniqueFd file, std::string_view text) {
 UniqueFd openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::wstring& path) {
     for (;;) {
         path = folder;
-        path += L"/rcplauncher_";
+        path += paths::kTracedLog;
         path += getTimeString();
-        path += L".log";
+        path += paths::kTracedLogEnding;
         path = withSlashes(path);
         UniqueFd opened = openLog(pathBytes(path).c_str(), inTemporaryFolder, O_EXCL);
         if (opened || errno != EEXIST) {
@@ -111,7 +111,7 @@ UniqueFd openFreshLog(const std::wstring& folder, bool inTemporaryFolder, std::w
 }
 
 bool enableLoggingIn(const std::wstring& folder, bool inTemporaryFolder) {
-    std::wstring path = withSlashes(folder + kLogName);
+    std::wstring path = withSlashes(folder + paths::kLog);
     UniqueFd file = isTracingAsked() ? openFreshLog(folder, inTemporaryFolder, path)
                                      : openLog(pathBytes(path).c_str(), inTemporaryFolder, 0);
     if (!file) {
@@ -137,7 +137,7 @@ void writeLastWords(std::string_view text) {
     if (logFILE >= 0 && writeFully(logFILE, text)) {
         return;
     }
-    UniqueFd file = openLog("/tmp/rcplauncher.log", true, 0);
+    UniqueFd file = openLog(paths::kTemporaryLog, true, 0);
     if (file) {
         (void)startLog(std::move(file), text);
     }
@@ -164,7 +164,7 @@ bool dumpLogToTempLocation() {
 }
 
 void deleteTempLog() {
-    const std::string path = pathBytes(std::wstring(kTemporaryFolder) + kLogName);
+    const std::string path = pathBytes(std::wstring(kTemporaryFolder) + paths::kLog);
     struct stat status {};
     if (calls::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
         status.st_uid == geteuid()) {

@@ -22,6 +22,7 @@
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
 #include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -84,7 +85,7 @@ void openLog(LaunchInputs& inputs) {
 }
 
 std::wstring bundleListOf(const LaunchInputs& inputs, const std::wstring& base) {
-    std::wstring path = base + L"/macosx/x86/Info.plist";
+    std::wstring path = base + paths::kBundleList;
     replaceUserPlaceholders(path, inputs.properties);
     return path;
 }
@@ -135,12 +136,12 @@ bool renewUserArea(LaunchInputs& inputs, const std::wstring& base) {
 // The folders in which the user's own extensions are installed, and the installation's link file,
 // which always wins.
 void prepareExtensions(LaunchInputs& inputs) {
-    const std::wstring applications = inputs.workspace + L"/applications/eclipse";
+    const std::wstring applications = inputs.workspace + paths::kExtensions;
     ensure(inputs, osPath(applications + L"/features"), messages.extensionFeaturesNotMade);
     ensure(inputs, osPath(applications + L"/plugins"), messages.extensionPluginsNotMade);
-    const std::wstring shared = osPath(inputs.installDir + L"/shared/eclipse/.eclipseextension");
+    const std::wstring shared = osPath(inputs.installDir + paths::kSharedExtension);
     if (const UniqueFd opened = openExisting(shared)) {
-        copyFile(opened, shared, osPath(applications + L"/.eclipseextension"));
+        copyFile(opened, shared, osPath(applications + paths::kExtensionLink));
     }
 }
 
@@ -157,7 +158,7 @@ std::optional<std::string> recordArguments(const Arguments& arguments, const Lau
 
 // The recorded arguments as properties; false without a record.
 bool readRecord(LaunchInputs& inputs, const std::optional<std::string>& recorded) {
-    const std::wstring path = osPath(inputs.configuration + L"/args.properties");
+    const std::wstring path = osPath(inputs.configuration + L"/" + paths::kArguments);
     if (!recorded) {
         return getPropertiesIfThere(path, inputs.properties);
     }

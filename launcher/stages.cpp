@@ -7,13 +7,14 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/workspace.h"
 #include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/text.h"
 
 namespace rcp {
 
 std::wstring propertyFileOf(const std::wstring& installDir) {
-    return installDir + L"/rcp/rcplauncher.properties";
+    return installDir + paths::kSettings;
 }
 
 void extendArguments(const Arguments& arguments, LaunchInputs& inputs) {

@@ -2,6 +2,7 @@
 
 #include "base/system_calls.h"
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -14,8 +15,6 @@
 
 namespace rcp {
 namespace {
-
-constexpr wchar_t kLinkPrefix[] = L"/tmp/ovr.rcp.";
 
 enum class Entry { kMissing, kOwnLink, kForeign, kOther };
 
@@ -67,7 +66,7 @@ std::wstring linkPathFor(const std::wstring& library, const std::wstring& qualif
     }
     const std::wstring fileName = library.substr(slash + 1);
     SvcDebugOutW(L"setPreload():library name = %s", fileName);
-    std::wstring path = kLinkPrefix + userName() + L"." + qualifier + L"." + fileName;
+    std::wstring path = paths::kPreloadLink + userName() + L"." + qualifier + L"." + fileName;
     SvcDebugOutW(L"setPreload():linkPath=%s", path);
     return path;
 }

@@ -2,6 +2,7 @@
 
 #include "base/system_calls.h"
 #include "base/transfer.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/file_lock.h"
 #include "platform/text.h"
 
@@ -139,7 +140,7 @@ bool holdsText(const std::wstring& path, std::string_view text) {
 }
 
 bool removeUnfinished(const std::wstring& target) {
-    const std::string path = toNarrow(target + L".tmp");
+    const std::string path = toNarrow(target + paths::kTemporary);
     const UniqueFd file(calls::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file) {
         return errno == ENOENT;

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "base/unique_fd.h"
+#include "launcher/vocabulary/paths.h"
 
 #include <string>
 #include <string_view>
@@ -79,7 +80,7 @@ bool removeUnfinished(const std::wstring& target);
 
 class WholeFile {
   public:
-    explicit WholeFile(std::wstring target, const std::wstring& suffix = L".tmp");
+    explicit WholeFile(std::wstring target, const std::wstring& suffix = paths::kTemporary);
     WholeFile(const WholeFile&) = delete;
     WholeFile& operator=(const WholeFile&) = delete;
     WholeFile(WholeFile&&) = delete;

@@ -3,6 +3,7 @@
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/inputs/option_values.h"
 #include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/platform.h"
 #include "platform/text.h"
 
@@ -97,7 +98,7 @@ void findInIdentifier(const Bundle& bundle, const Examination& examination, Find
 }
 
 void findInInstallId(const Bundle& bundle, const Examination& examination, Findings& findings) {
-    const std::wstring path = examination.inputs.installDir + L"/rcp/rcplauncher.properties";
+    const std::wstring path = examination.inputs.installDir + paths::kSettings;
     const PropertyFile* const file = examination.file(kLauncherFile);
     // Any other installation without one ends its launches.
     const bool isAppended = examination.inputs.traits.eConfig == InstallConfiguration::kUserpb;

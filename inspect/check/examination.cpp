@@ -10,6 +10,7 @@
 #include "launcher/stages.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
@@ -81,7 +82,8 @@ void readJvmProperties(Examination& examination) {
         })) {
         return;
     }
-    const std::wstring ofInstallation = inputs.installDir + L"/rcp/deploy/jvm.properties";
+    const std::wstring ofInstallation =
+        inputs.installDir + paths::kJvmFolder + paths::kJvmProperties;
     // The installation's own file counts for other JVMs even when this one has a file of its own.
     for (const std::wstring& path : {location.file, ofInstallation}) {
         const bool isRead = path == location.file;
@@ -174,7 +176,7 @@ Examination examine(const Options& options) {
     }
     if (!examination.base.empty()) {
         const std::wstring master =
-            getCoreFileLocation(inputs.traits.eConfig, examination.base, L"rcpinstall.properties");
+            getCoreFileLocation(inputs.traits.eConfig, examination.base, paths::kUserProperties);
         if (exists(master) && addFile(examination, kUserFile, master)) {
             readUserFile(inputs, master);
         }

@@ -15,6 +15,7 @@
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -117,7 +118,7 @@ void findMasters(const Examination& examination, Findings& findings) {
     const PropertyList& properties = examination.inputs.properties;
     const Origin origin = examination.originOf(keys::kBaseLocation);
     const InstallConfiguration configuration = examination.inputs.traits.eConfig;
-    for (const wchar_t* name : {L"config.ini", L"rcpinstall.properties"}) {
+    for (const wchar_t* name : {paths::kConfigIni, paths::kUserProperties}) {
         needFile(examination, getCoreFileLocation(configuration, examination.base, name), origin,
                  findings);
     }

@@ -5,6 +5,7 @@
 #include "launcher/properties/property_file.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -89,7 +90,7 @@ std::vector<StaleEntry> staleEntries(const Examination& examination) {
         compare(settings, master, entriesOf(master), stale);
     }
     if (const std::wstring own = userFileOf(inputs.configuration); exists(own)) {
-        compare(own, masterOf(L"rcpinstall.properties"), copiedEntries(examination), stale);
+        compare(own, masterOf(paths::kUserProperties), copiedEntries(examination), stale);
     }
     return stale;
 }

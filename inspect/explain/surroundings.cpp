@@ -18,18 +18,16 @@ namespace {
 
 using nlohmann::json;
 
-// What has changed a variable last; null when that was no change of the plan.
-const EnvironmentChange* lastChange(const std::string& name, const Account& account) {
-    if (!account.launch.plan) {
-        return nullptr;
-    }
-    const EnvironmentChanges& changes = account.launch.plan->environment;
-    const auto last =
-        std::find_if(changes.rbegin(), changes.rend(), [&](const EnvironmentChange& change) {
+// What has changed each variable last.
+std::map<std::string, const EnvironmentChange*> lastChanges(const Launch& launch) {
+    std::map<std::string, const EnvironmentChange*> last;
+    if (launch.plan) {
+        for (const EnvironmentChange& change : launch.plan->environment) {
             const bool isPreload = change.kind == EnvironmentChange::kPreload;
-            return toNarrow(isPreload ? std::wstring(variables::kPreload) : change.name) == name;
-        });
-    return last == changes.rend() ? nullptr : &*last;
+            last[toNarrow(isPreload ? std::wstring(variables::kPreload) : change.name)] = &change;
+        }
+    }
+    return last;
 }
 
 // Of a value that is put together, each part with its source.
@@ -162,6 +160,7 @@ Variables environmentNow() {
 }
 
 json describeEnvironment(const Account& account) {
+    const auto changes = lastChanges(account.launch);
     const Variables after = environmentNow();
     Variables all = after;
     all.insert(account.before.begin(), account.before.end());
@@ -170,7 +169,8 @@ json describeEnvironment(const Account& account) {
         const json was = textOrNull(account.before, name);
         const json is = textOrNull(after, name);
         if (was != is) {
-            const EnvironmentChange* change = lastChange(name, account);
+            const auto last = changes.find(name);
+            const EnvironmentChange* change = last == changes.end() ? nullptr : last->second;
             const Origin origin = change == nullptr ? Origin() : change->origin;
             environment.push_back({{"name", name},
                                    {"before", was},

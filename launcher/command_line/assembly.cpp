@@ -11,14 +11,13 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 
 #include <errno.h>
 
 namespace rcp {
 namespace {
-
-constexpr wchar_t kPlatformFolder[] = L"/macosx/x86/";
 
 // A file below the base location.
 Argument inBaseLocation(const std::wstring& file, const PropertyList& properties) {
@@ -97,7 +96,7 @@ void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properti
     }
     line.setProgram(program, whys::kPlatformProgram);
     const Argument library =
-        inBaseLocation(std::wstring(kPlatformFolder) + ECLIPSE_SO_NAME_DEFAULT, properties);
+        inBaseLocation(std::wstring(paths::kPrograms) + ECLIPSE_SO_NAME_DEFAULT, properties);
     if (!exists(library.text)) {
         fatal(because(errno).from(library.origin), messages.libraryMissing, library.text);
     }
@@ -105,7 +104,7 @@ void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properti
 }
 
 Argument platformProgram(const PropertyList& properties) {
-    return inBaseLocation(kPlatformFolder + getEclipseExeName(properties), properties);
+    return inBaseLocation(paths::kPrograms + getEclipseExeName(properties), properties);
 }
 
 Argument executedProgram(const LaunchInputs& inputs) {

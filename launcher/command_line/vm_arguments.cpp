@@ -8,6 +8,7 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/text.h"
 
@@ -116,7 +117,7 @@ void addDashDToCommandLine(CommandLine& line, const LaunchInputs& inputs) {
     addSystemProperty(line, options::kInstallConfig,
                       {configuration, kind == nullptr ? Origin() : kind->origin}, whys::kTellsKind);
     addPropertyDefinitions(line, inputs.properties);
-    addSystemProperty(line, options::kInstallArea, osPath(inputs.installDir + L"/rcp/eclipse"),
+    addSystemProperty(line, options::kInstallArea, osPath(inputs.installDir + paths::kPlatform),
                       whys::kTellsInstallArea);
 }
 

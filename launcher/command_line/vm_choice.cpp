@@ -8,6 +8,7 @@
 #include "launcher/properties/property_file.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -18,7 +19,6 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kFileName[] = L"jvm.properties";
 constexpr std::wstring_view kPluginFolder = L"/eclipse/plugins/";
 
 void traceAlways(Message<Text> message, std::wstring_view argument) {
@@ -128,10 +128,10 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
     }
     location.isDefault = !root;
     if (!root) {
-        root = JvmPropertyRoot{osPath(installDir + L"/rcp/deploy/"), {}};
+        root = JvmPropertyRoot{osPath(installDir + paths::kJvmFolder), {}};
     }
     pushBackProperty(properties, keys::kJvmRoot, root->path);
-    location.file = root->path + kFileName;
+    location.file = root->path + paths::kJvmProperties;
     location.opened = std::move(root->properties);
     return location;
 }
@@ -156,7 +156,7 @@ std::optional<JvmPropertyRoot> getInstallJvmPropertyRoot(const std::wstring& jvm
 }
 
 UniqueFd jvmPropExists(const std::wstring& root) {
-    return openExisting(osPath(root + kFileName));
+    return openExisting(osPath(root + paths::kJvmProperties));
 }
 
 void loadJvmProperties(LaunchInputs& inputs, const JvmPropertyLocation& location) {

@@ -1,6 +1,7 @@
 #include "launcher/inputs/debug_file.h"
 
 #include "diagnostics/observer.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -8,7 +9,7 @@
 namespace rcp {
 
 std::optional<std::wstring> debugFile(const std::wstring& installDir) {
-    const std::wstring path = osPath(installDir + L"/rcp/rcplauncher.debug");
+    const std::wstring path = osPath(installDir + paths::kDebugMarker);
     return exists(path) ? std::optional(path) : std::nullopt;
 }
 

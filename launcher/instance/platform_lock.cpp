@@ -7,6 +7,7 @@
 #include "launcher/instance/lock_content.h"
 #include "launcher/instance/running_provisioning.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/environment.h"
 #include "platform/file_lock.h"
 #include "platform/files.h"
@@ -58,11 +59,11 @@ void populateMainPidFile(const std::wstring& path, unsigned long processId) {
 }  // namespace
 
 std::wstring getLockFilePath(const std::wstring& workspace) {
-    return workspace + L"/.rcp.lock";
+    return workspace + paths::kLock;
 }
 
 std::wstring getMainPidFilePath(const std::wstring& workspace) {
-    return workspace + L"/.rcp.main";
+    return workspace + paths::kMainProcess;
 }
 
 std::optional<long> oldPlatform(const Arguments& arguments) {
@@ -96,7 +97,7 @@ std::optional<PlatformLock> PlatformLock::take(const std::wstring& workspace,
         return lock;
     }
     trace(messages.isMain);
-    const std::wstring sid = workspace + L"/.sid";
+    const std::wstring sid = workspace + paths::kSid;
     if (exists(sid)) {
         deleteFile(sid);
     }

@@ -5,6 +5,7 @@
 #include "base/unique_fd.h"
 #include "diagnostics/observer.h"
 #include "diagnostics/svc_debug.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/environment.h"
 #include "platform/platform.h"
 #include "platform/text.h"
@@ -51,7 +52,7 @@ std::optional<long> processAtWork(const std::string& content) {
 }  // namespace
 
 std::wstring provisioningFileOf(const std::wstring& workspace) {
-    return workspace + L"/.rcp.provisioning";
+    return workspace + paths::kProvisioning;
 }
 
 void recordProvisioning(const std::wstring& path) {

@@ -4,6 +4,7 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -104,11 +105,11 @@ bool createPlatformXML(const LaunchInputs& inputs, const std::wstring& base, Fea
     if (isMissing) {
         ensureDirectory(update, messages.updateFolderNotMade);
     }
-    const std::wstring target = update + L"/platform.xml";
+    const std::wstring target = update + L"/" + paths::kPlatformXml;
     const std::wstring* managed = findProperty(keys::kUpdatePolicyManaged, properties);
     if (!exists(target) && (managed == nullptr || *managed != L"false")) {
-        return writePlatformXml(getCoreFileLocation(configuration, base, L"platform.xml"), target,
-                                properties, features) ||
+        return writePlatformXml(getCoreFileLocation(configuration, base, paths::kPlatformXml),
+                                target, properties, features) ||
                isMissing;
     }
     return isMissing;

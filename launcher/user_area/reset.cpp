@@ -7,6 +7,7 @@
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 #include "platform/removal.h"
 #include "platform/text.h"
@@ -20,11 +21,8 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kUpdateFolder[] = L"/org.eclipse.update";
-constexpr const wchar_t* kKeptFiles[] = {L"registry", L"bookmarks.xml"};
-
 std::wstring updateDirectory(const std::wstring& configuration) {
-    return osPath(configuration + kUpdateFolder);
+    return osPath(configuration + paths::kUpdate);
 }
 
 std::wstring pathOf(const CopyPlace& place) {
@@ -32,7 +30,7 @@ std::wstring pathOf(const CopyPlace& place) {
 }
 
 std::wstring savedName(const std::wstring& name) {
-    return name + L".old";
+    return name + paths::kSaved;
 }
 
 void saveFile(const std::wstring& name, const std::wstring& workspace,
@@ -42,7 +40,7 @@ void saveFile(const std::wstring& name, const std::wstring& workspace,
 }
 
 void saveKeptFiles(const std::wstring& workspace, const std::wstring& configuration) {
-    for (const wchar_t* name : kKeptFiles) {
+    for (const wchar_t* name : paths::kKeptByReset) {
         saveFile(name, workspace, configuration);
     }
 }
@@ -51,16 +49,16 @@ void saveKeptFiles(const std::wstring& workspace, const std::wstring& configurat
 void rebuildConfiguration(const std::wstring& workspace, const std::wstring& configuration,
                           Message<Text> message) {
     const std::wstring path = osPath(configuration);
-    handleDirMove(path + L"bak", path, Need::kRequired);
+    handleDirMove(path + paths::kReplaced, path, Need::kRequired);
     const std::wstring update = updateDirectory(configuration);
     ensureDirectory(update, message);
-    for (const wchar_t* name : kKeptFiles) {
+    for (const wchar_t* name : paths::kKeptByReset) {
         handleFileMove({update, name}, {workspace, savedName(name)}, Need::kOptional);
     }
 }
 
 std::wstring numberedName(const std::wstring& path, std::uint32_t number) {
-    std::wstring name = path + L"deleteme";
+    std::wstring name = path + paths::kDeleted;
     addHexDigits(name, number);
     return name;
 }
@@ -119,7 +117,7 @@ std::wstring resetPropertiesFile(const LaunchInputs& inputs, const std::wstring&
         return ownFile;
     }
     std::wstring coreFile =
-        getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties");
+        getCoreFileLocation(inputs.traits.eConfig, base, paths::kUserProperties);
     if (!exists(coreFile)) {
         fatal(because(errno), messages.masterFileMissing, coreFile);
     }
@@ -176,7 +174,7 @@ void removePluginDirectory(const std::wstring& plugins, const std::wstring& valu
 }  // namespace
 
 void createReusableWorkspace(const std::wstring& workspace, const std::wstring& configuration) {
-    saveFile(L"platform.xml", workspace, configuration);
+    saveFile(paths::kPlatformXml, workspace, configuration);
     saveKeptFiles(workspace, configuration);
     rebuildConfiguration(workspace, configuration, messages.reuseFolderNotMade);
 }
@@ -190,7 +188,7 @@ void resetWorkspace(const LaunchInputs& inputs, const std::wstring& base) {
 void resetMetaDataDirs(const LaunchInputs& inputs, const std::wstring& base) {
     PropertyList properties;
     getProperties(resetPropertiesFile(inputs, base), properties);
-    const std::wstring plugins = osPath(inputs.workspace + L"/.metadata/.plugins");
+    const std::wstring plugins = osPath(inputs.workspace + paths::kPlugInData);
     for (const Property* property : findProperties(keys::kResetDir, properties)) {
         removePluginDirectory(plugins, property->value);
     }

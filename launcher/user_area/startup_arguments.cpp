@@ -6,6 +6,7 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/install_location.h"
@@ -107,7 +108,7 @@ std::optional<std::string> writeStartupArgs(const Arguments& arguments,
                                             const std::optional<std::wstring>& restartExe,
                                             const PropertyList& properties,
                                             const std::wstring& installDir) {
-    const std::wstring path = osPath(configuration + L"/args.properties");
+    const std::wstring path = osPath(configuration + L"/" + paths::kArguments);
     const std::vector<Line> lines =
         makeLines(recordedArguments(arguments, restartExe, properties, installDir));
     if (std::string text = textOf(lines); holdsText(path, text)) {

@@ -4,6 +4,7 @@
 #include "launcher/properties/java_properties.h"
 #include "launcher/properties/property_text.h"
 #include "launcher/vocabulary/keys.h"
+#include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/whole_file.h"
@@ -107,7 +108,7 @@ class UserFileFilter {
 
 std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
                                  const std::wstring& name) {
-    std::wstring candidate = base + L"/config/";
+    std::wstring candidate = base + paths::kMasters;
     candidate += coreFileFolder(configuration);
     candidate += L"/" + name;
     convertToOsSeparator(candidate);
@@ -115,18 +116,18 @@ std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::
 }
 
 bool createConfigIni(const LaunchInputs& inputs, const std::wstring& base) {
-    const std::wstring target = osPath(inputs.configuration + L"/config.ini");
+    const std::wstring target = osPath(inputs.configuration + L"/" + paths::kConfigIni);
     if (exists(target)) {
         return false;
     }
-    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"config.ini"), target)) {
+    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, paths::kConfigIni), target)) {
         fatal(noReason(), messages.configIniNotCopied);
     }
     return true;
 }
 
 std::wstring userFileOf(const std::wstring& configuration) {
-    return osPath(configuration + L"/rcpinstall.properties");
+    return osPath(configuration + L"/" + paths::kUserProperties);
 }
 
 bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base) {
@@ -134,11 +135,10 @@ bool createRCPInstallProps(const LaunchInputs& inputs, const std::wstring& base)
     if (exists(target)) {
         return false;
     }
-    const std::wstring copy = target + L".tmp";
+    const std::wstring copy = target + paths::kTemporary;
     TemporaryName temporary(toNarrow(copy));
     temporary.claim();
-    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, L"rcpinstall.properties"),
-                  copy)) {
+    if (!copyFile(getCoreFileLocation(inputs.traits.eConfig, base, paths::kUserProperties), copy)) {
         fatal(noReason(), messages.masterNotCopied);
     }
     fixUserRCPInstallProperties(copy, target, inputs.properties);
@@ -178,7 +178,7 @@ std::optional<UserFileBlock> userFileBlock(const PropertyList& properties) {
 bool fixUserRCPInstallProperties(const std::wstring& copy, const std::wstring& target,
                                  const PropertyList& properties) {
     const std::optional<FileText> from = readText(osPath(copy));
-    WholeFile file(osPath(target), L".new");
+    WholeFile file(osPath(target), paths::kNew);
     if (!from || !file.open()) {
         report(because(errno), messages.userFileNotOpened);
         return false;

@@ -6,6 +6,7 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/paths.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -15,11 +16,6 @@
 namespace rcp {
 namespace {
 
-constexpr wchar_t kServiceWorkspace[] = L"/eclipse/.workspace";
-constexpr wchar_t kServiceConfiguration[] = L"/eclipse/.config";
-constexpr wchar_t kMuServiceWorkspace[] = L"/eclipse/.muservice";
-constexpr wchar_t kMuServiceConfiguration[] = L"/eclipse/.muservice/.config";
-constexpr wchar_t kConfiguration[] = L"/.config";
 constexpr wchar_t kDefaultFolder[] = L"/OVR/RCP/";
 
 void dropTrailingSeparator(std::wstring& path) {
@@ -98,9 +94,9 @@ std::wstring defaultWorkspace(const PropertyList& properties) {
 Argument getWorkspaceLocation(const LaunchInputs& inputs) {
     switch (inputs.traits.eConfig) {
         case InstallConfiguration::kService:
-            return inputs.installDir + kServiceWorkspace;
+            return inputs.installDir + paths::kServiceWorkspace;
         case InstallConfiguration::kMultiuserServiceInit:
-            return inputs.installDir + kMuServiceWorkspace;
+            return inputs.installDir + paths::kMuServiceWorkspace;
         default:
             break;
     }
@@ -121,16 +117,16 @@ Argument getWorkspaceLocation(const LaunchInputs& inputs) {
 std::wstring getConfigurationLocation(const LaunchInputs& inputs) {
     switch (inputs.traits.eConfig) {
         case InstallConfiguration::kService:
-            return inputs.installDir + kServiceConfiguration;
+            return inputs.installDir + paths::kServiceConfiguration;
         case InstallConfiguration::kMultiuserServiceInit:
-            return inputs.installDir + kMuServiceConfiguration;
+            return inputs.installDir + paths::kMuServiceConfiguration;
         default:
-            return inputs.workspace + kConfiguration;
+            return inputs.workspace + paths::kConfiguration;
     }
 }
 
 std::wstring getLogLocation(const std::wstring& workspace) {
-    return osPath(workspace + L"/logs");
+    return osPath(workspace + paths::kLogs);
 }
 
 }  // namespace rcp

@@ -1,5 +1,7 @@
 #include "launcher/vocabulary/property_keys.h"
 
+#include "launcher/vocabulary/paths.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -214,10 +216,10 @@ KeyFile keyFileOf(std::wstring_view path) {
         KeyFile file;
     };
     constexpr Name kNames[] = {
-        {L"rcplauncher.properties", kLauncherFile},
-        {L"jvm.properties", kJvmFile},
-        {L"rcpinstall.properties", kUserFile},
-        {L"args.properties", kArgsFile},
+        {paths::kSettingsName, kLauncherFile},
+        {paths::kJvmProperties, kJvmFile},
+        {paths::kUserProperties, kUserFile},
+        {paths::kArguments, kArgsFile},
     };
     const std::wstring_view name = path.substr(path.rfind(L'/') + 1);
     const auto* found = std::find_if(std::begin(kNames), std::end(kNames),
