@@ -213,6 +213,10 @@ int run(int argc, char** argv) {
             ->excludes("--redact");
         addUser(*sub, user);
     }
+    for (const char* name : {"doctor", "check"}) {
+        app.get_subcommand(name)->add_flag("--try-jvm", options.isTryingJvm,
+                                           "starts the JVM with the launch's options and -version");
+    }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
     app.get_subcommand("why")->footer(
         "WHAT: an option, a key, a variable, a path, or a number such as "

@@ -16,6 +16,7 @@ struct Options {
     bool isRedacted = false;             // secrets and who the user is are taken out of it
     bool isColored = false;              // a terminal that may be coloured reads the text
     bool isAll = false;                  // lists in full, however long they are
+    bool isTryingJvm = false;            // check, doctor: the JVM is started
     bool isStrict = false;               // check: warnings count as errors
     bool isWatching = false;             // status: goes on until interrupted
     bool isSinceLast = false;            // diff: against the recorded last launch

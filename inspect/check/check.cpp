@@ -4,6 +4,7 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
+#include "inspect/handoff/try_jvm.h"
 #include "launcher/process_entry.h"
 
 #include <iostream>
@@ -46,7 +47,10 @@ int checkStatus(const Findings& findings, bool isStrict) {
 int check(const Options& options) {
     endOf(&setCharacterLocale);  // texts are read as the launcher reads them
     const Examination examination = examine(options);
-    const Findings findings = findEverything(examination);
+    Findings findings = findEverything(examination);
+    if (options.isTryingJvm) {
+        addFaults(tryJvm(examination), findings);
+    }
     switch (options.format) {
         case Format::kText:
             std::cout << textReport(examination, findings, {options.isColored, options.isAll});

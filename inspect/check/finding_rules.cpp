@@ -233,6 +233,9 @@ constexpr FindingRule kRules[] = {
     {"RI809", "jvm-variable", kWarning,
      "The JVM takes options from this variable that no property file names.",
      "Unset the variable unless it is meant."},
+    {"RI810", "jvm-refuses", kError,
+     "The JVM was tried (--try-jvm) and does not start with the options of the launch.",
+     "Correct what it complains about."},
 };
 
 }  // namespace

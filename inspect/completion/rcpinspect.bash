@@ -19,7 +19,8 @@ _rcpinspect() {
     case $command in
         config) options+=" --files" ;;
         explain) formats+=" html" options+=" --all" ;;
-        check) formats+=" sarif html" options+=" --strict --all" ;;
+        doctor) options+=" --try-jvm" ;;
+        check) formats+=" sarif html" options+=" --strict --all --try-jvm" ;;
         status) options+=" --watch" ;;
         diff) formats+=" html" options+=" --with --since-last --all" ;;
         report) options+=" --output --host" ;;

@@ -2,6 +2,7 @@
 
 #include "inspect/check/groups.h"
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/handoff/try_jvm.h"
 
 #include <algorithm>
 #include <iterator>
@@ -27,6 +28,7 @@ constexpr std::pair<const char*, Subject> kExaminedSubjects[] = {
     {"program", Subject::kLibrary},
     {"launcher library", Subject::kLibrary},
     {"JVM", Subject::kJvm},
+    {"tried JVM", Subject::kJvm},
     {"LD_LIBRARY_PATH", Subject::kEnvironment},
     {"DYLD_LIBRARY_PATH", Subject::kEnvironment},
     {"variable", Subject::kEnvironment},
@@ -113,8 +115,13 @@ Evidence gather(const Options& options) {
                       .examination = examine(options),
                       .findings = {},
                       .handOff = {}};
-    evidence.findings = findEverything(evidence.examination).sorted();
+    Findings findings = findEverything(evidence.examination);
     evidence.handOff = examineHandOff(evidence.examination);
+    if (options.isTryingJvm) {
+        evidence.handOff.push_back(tryJvm(evidence.examination));
+        addFaults(evidence.handOff.back(), findings);
+    }
+    evidence.findings = findings.sorted();
     return evidence;
 }
 

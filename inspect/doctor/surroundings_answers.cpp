@@ -92,6 +92,9 @@ Answer answerJvm(const Evidence& evidence) {
             answer.text += ", " + value;
         }
     }
+    if (const std::string said = evidence.pathOf("tried JVM"); !said.empty()) {
+        answer.text += "; tried, it said: " + said;
+    }
     return answer;
 }
 

@@ -303,11 +303,15 @@ std::vector<Examined> examineHandOff(const Examination& examination) {
     return all;
 }
 
+void addFaults(const Examined& examined, Findings& findings) {
+    for (const Fault& fault : examined.faults) {
+        findings.add(fault.code, fault.file, fault.line, fault.message);
+    }
+}
+
 void findInHandOff(const Examination& examination, Findings& findings) {
     for (const Examined& examined : examineHandOff(examination)) {
-        for (const Fault& fault : examined.faults) {
-            findings.add(fault.code, fault.file, fault.line, fault.message);
-        }
+        addFaults(examined, findings);
     }
 }
 

@@ -35,6 +35,8 @@ std::optional<Plan> planOf(const Examination& examination);
 /// In the order in which they are used; nothing where there is no plan.
 std::vector<Examined> examineHandOff(const Examination& examination);
 
+void addFaults(const Examined& examined, Findings& findings);
+
 /// The same where the platform's own configuration leads: framework, bundles, areas.
 std::vector<Examined> examineConfiguration(const Examination& examination, const Plan& plan);
 

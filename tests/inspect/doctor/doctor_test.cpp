@@ -161,5 +161,27 @@ TEST_F(DoctorTest, ARunningPlatformAndAFailedStartAreTold) {
               std::string::npos);
 }
 
+// A JVM whose program writes what it was given, in the folder where it is.
+TEST_F(DoctorTest, AJvmIsStartedOnlyWhenItIsToBeTried) {
+    const std::string java = folder_.narrow("client/jre/bin/java");
+    std::filesystem::remove(java);
+    std::ofstream(java) << "#!/bin/sh\ntouch '" + folder_.narrow("started") +
+                               "'\necho version of mine; ls; echo \"$@\"\nexit ${TRIAL_STATUS-0}\n";
+    std::filesystem::permissions(java, std::filesystem::perms::owner_all);
+    (void)run({}, 0);
+    EXPECT_FALSE(folder_.has("started"));
+    const std::string text = run({"--try-jvm"}, 0);
+    EXPECT_NE(text.find("; tried, it said: version of mine\n"), std::string::npos) << text;
+    EXPECT_TRUE(folder_.has("started"));
+    variables_ = {"TRIAL_STATUS=3"};
+    const std::string refused = run({"--try-jvm"}, 2);
+    EXPECT_NE(refused.find("RI810"), std::string::npos) << refused;
+    EXPECT_NE(refused.find("ends with status 3: version of mine; "
+                           "-XX:+IgnoreUnrecognizedVMOptions -Dsample.greeting=hello"),
+              std::string::npos)
+        << refused;
+    EXPECT_NE(refused.find(" -version"), std::string::npos) << refused;
+}
+
 }  // namespace
 }  // namespace rcp::inspect::test
