@@ -61,7 +61,9 @@ std::map<std::string, std::string> readVariables(const json& entries) {
     std::map<std::string, std::string> read;
     for (const VariableWords& known : variableWords()) {
         if (*known.isRead != '\0') {
-            read.emplace(toNarrow(std::wstring(known.name)), known.isRead);
+            std::string usage = known.isRead;
+            std::erase(usage, '`');  // which are a document's
+            read.emplace(toNarrow(std::wstring(known.name)), usage);
         }
     }
     constexpr std::string_view kOpening = "${env.";

@@ -40,6 +40,7 @@ TEST_F(ConfigTest, TellsWhatIsNotSetAndTheVariables) {
     EXPECT_NE(text.find("\n$SAMPLE_GREETING=(not set)    (in vmarg.sample.greeting)\n"),
               std::string::npos)
         << text;
+    EXPECT_NE(text.find("    (where ps is found)\n"), std::string::npos) << text;
     for (const char* name : {"HOME", "LC_ALL", "LC_CTYPE", "LANG", "PATH", "TMPDIR"}) {
         EXPECT_NE(text.find("\n$" + std::string(name) + "="), std::string::npos) << name;
     }
