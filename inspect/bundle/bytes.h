@@ -34,16 +34,19 @@ class Bytes {
         }
         return data_.substr(static_cast<std::size_t>(at), static_cast<std::size_t>(size));
     }
-    /// The text at `at`, which ends at a NUL or with the data.
-    std::string text(std::uint64_t at) {
-        const std::string_view rest = part(at, at < data_.size() ? data_.size() - at : 1);
-        return std::string(rest.substr(0, rest.find('\0')));
+    /// The text at `at`, which ends at a NUL or with the data. No name is longer than `kLongestText`.
+    std::string_view textView(std::uint64_t at) {
+        const std::string_view rest =
+            part(at, at < data_.size() ? data_.size() - at : 1).substr(0, kLongestText);
+        return rest.substr(0, rest.find('\0'));
     }
+    std::string text(std::uint64_t at) { return std::string(textView(at)); }
 
     void refuse() { isDamaged_ = true; }
     [[nodiscard]] bool isDamaged() const { return isDamaged_; }
 
   private:
+    static constexpr std::size_t kLongestText = 4096;
     std::string_view data_;
     ByteOrder order_;
     bool isDamaged_ = false;

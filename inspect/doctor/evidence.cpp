@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <utility>
 
 namespace rcp::inspect {
@@ -25,7 +26,7 @@ Subject subjectOfPath(const Finding& finding, const Examination& examination) {
 
 // What was examined of the hand-off, by its name.
 constexpr std::pair<const char*, Subject> kExaminedSubjects[] = {
-    {"program", Subject::kLibrary},
+    {"program", Subject::kBase},
     {"launcher library", Subject::kLibrary},
     {"JVM", Subject::kJvm},
     {"tried JVM", Subject::kJvm},
@@ -34,18 +35,25 @@ constexpr std::pair<const char*, Subject> kExaminedSubjects[] = {
     {"variable", Subject::kEnvironment},
 };
 
-Subject subjectOfHandOff(const Finding& finding, const Evidence& evidence) {
-    for (const Examined& examined : evidence.handOff) {
-        const auto isIt = [&](const Fault& fault) { return fault.message == finding.message; };
-        if (std::none_of(examined.faults.begin(), examined.faults.end(), isIt)) {
-            continue;
-        }
+// By the message of the fault.
+std::map<std::string, Subject> subjectsOf(const std::vector<Examined>& handOff) {
+    std::map<std::string, Subject> subjects;
+    for (const Examined& examined : handOff) {
         const auto known =
             std::find_if(std::begin(kExaminedSubjects), std::end(kExaminedSubjects),
                          [&](const auto& one) { return one.first == examined.what; });
-        return known == std::end(kExaminedSubjects) ? Subject::kBundles : known->second;
+        for (const Fault& fault : examined.faults) {
+            subjects.try_emplace(fault.message, known == std::end(kExaminedSubjects)
+                                                    ? Subject::kBundles
+                                                    : known->second);
+        }
     }
-    return Subject::kBundles;
+    return subjects;
+}
+
+Subject subjectOfHandOff(const Finding& finding, const Evidence& evidence) {
+    const auto known = evidence.subjects.find(finding.message);
+    return known == evidence.subjects.end() ? Subject::kBundles : known->second;
 }
 
 Subject subjectOf(const Finding& finding, const Evidence& evidence) {
@@ -56,6 +64,9 @@ Subject subjectOf(const Finding& finding, const Evidence& evidence) {
     }
     if (code == "RI603" || code == "RI606") {
         return Subject::kBase;
+    }
+    if (code == "RI601" && subjectOfHandOff(finding, evidence) == Subject::kJvm) {
+        return Subject::kJvm;
     }
     if (code.starts_with("RI6")) {
         return subjectOfPath(finding, examination);
@@ -114,13 +125,15 @@ Evidence gather(const Options& options) {
                       .state = WorkspaceWatch(options).look(),
                       .examination = examine(options),
                       .findings = {},
-                      .handOff = {}};
+                      .handOff = {},
+                      .subjects = {}};
     Findings findings = findEverything(evidence.examination);
     evidence.handOff = examineHandOff(evidence.examination);
     if (options.isTryingJvm) {
         evidence.handOff.push_back(tryJvm(evidence.examination));
         addFaults(evidence.handOff.back(), findings);
     }
+    evidence.subjects = subjectsOf(evidence.handOff);
     evidence.findings = findings.sorted();
     return evidence;
 }

@@ -7,6 +7,7 @@
 #include "inspect/handoff/hand_off.h"
 #include "inspect/status/workspace_state.h"
 
+#include <map>
 #include <nlohmann/json.hpp>
 
 namespace rcp::inspect {
@@ -30,6 +31,7 @@ struct Evidence {
     Examination examination;
     std::vector<Finding> findings;
     std::vector<Examined> handOff;
+    std::map<std::string, Subject> subjects;  // of what the hand-off's faults say
 
     /// The worst first.
     [[nodiscard]] std::vector<Problem> problemsOf(Subject subject) const;

@@ -14,6 +14,8 @@ namespace rcp::inspect {
 namespace {
 
 constexpr std::size_t kLongestFirstLine = 256;
+// What the loader needs to know of a program or library stands far in front of that.
+constexpr std::size_t kLongestCode = std::size_t{64} << 20U;
 
 StartFault failsWith(int error, const std::string& reason = {}) {
     return {error, reason.empty() ? strerror(error) : reason};
@@ -48,6 +50,11 @@ std::optional<StartFault> interpreterFault(const std::string& interpreter) {
                : std::nullopt;
 }
 
+// Whether the answer may lie behind what was read.
+bool isNotJudged(const std::string& file, const std::optional<OwnCode>& code) {
+    return !code && file.size() == kLongestCode && looksLikeOwnCode(file);
+}
+
 std::string foreign(const OwnCode& code) {
     return "it is for " + code.machine + ", not for this machine";
 }
@@ -65,7 +72,11 @@ std::optional<StartFault> startFault(const std::string& path) {
     if (start.starts_with("#!")) {
         return interpreterFault(scriptInterpreter(start));
     }
-    const std::optional<OwnCode> code = readOwnCode(readQuietly(path));
+    const std::string file = readQuietly(path, kLongestCode);
+    const std::optional<OwnCode> code = readOwnCode(file);
+    if (isNotJudged(file, code)) {
+        return std::nullopt;
+    }
     if (!code) {
         return failsWith(ENOEXEC,
                          start.empty() ? "it is empty" : "it is no program of this system");
@@ -82,8 +93,11 @@ std::optional<std::string> loadFault(const std::string& path,
     if (access(path.c_str(), R_OK) != 0) {
         return strerror(errno);
     }
-    const std::string file = readQuietly(path);
+    const std::string file = readQuietly(path, kLongestCode);
     const std::optional<OwnCode> code = readOwnCode(file);
+    if (isNotJudged(file, code)) {
+        return std::nullopt;
+    }
     if (!code) {
         return file.empty() ? "it is empty" : "it is no library of this system, or damaged";
     }
@@ -109,7 +123,7 @@ std::optional<std::string> loadFault(const std::string& path,
 
 std::vector<std::string> missingLibraries(const std::string& path, const std::string& variable) {
     std::vector<std::string> missing;
-    const std::optional<OwnCode> code = readOwnCode(readQuietly(path));
+    const std::optional<OwnCode> code = readOwnCode(readQuietly(path, kLongestCode));
     for (const std::string& name : code ? code->libraries : std::vector<std::string>()) {
         if (findLibrary(name, *code, path, variable).empty()) {
             missing.push_back(name);

@@ -12,6 +12,7 @@ constexpr std::string_view kMagic =
     "ELF";
 constexpr std::uint64_t kHeader = 64;
 constexpr std::uint64_t kSymbol = 24;
+constexpr std::size_t kMostLibraries = 512;
 
 // Types of files, segments, sections and entries of the dynamic section.
 constexpr std::uint64_t kShared = 3;
@@ -113,10 +114,10 @@ class Reader {
         const auto texts = entries.find(kTexts);
         const std::uint64_t place = texts == entries.end() ? size_ : placeOf(texts->second);
         for (const auto& [tag, value] : entries) {
-            if (tag == kNeeded) {
+            if (tag == kNeeded && image.libraries.size() < kMostLibraries) {
                 image.libraries.push_back(bytes_.text(place + value));
             } else if (tag == kPath || tag == kOldPath) {
-                image.searchPaths.push_back(bytes_.text(place + value));
+                image.searchPaths = {bytes_.text(place + value)};  // the newer kind comes last
             }
         }
     }
@@ -125,6 +126,9 @@ class Reader {
         const std::uint64_t table = wide(40);
         const std::uint64_t step = half(58);
         const std::uint64_t count = half(60);
+        if (table > size_ || count * step > size_ - table) {
+            return;  // nobody needs it to load the file
+        }
         for (std::uint64_t i = 0; i < count && !bytes_.isDamaged(); ++i) {
             const std::uint64_t at = table + i * step;
             if (bytes_.word(at + 4) == kDynamicSymbols) {
@@ -137,12 +141,13 @@ class Reader {
 
     void addSymbols(std::uint64_t begin, std::uint64_t size, std::uint64_t texts, ElfImage& image) {
         (void)bytes_.part(begin, size);
+        image.symbols.emplace();
         for (std::uint64_t at = begin; !bytes_.isDamaged() && at + kSymbol <= begin + size;
              at += kSymbol) {
             const bool isDefined = half(at + 6) != 0;
             const bool isForOthers = bytes_.byte(at + 4) >> 4U != 0;
             if (isDefined && isForOthers) {
-                image.symbols.push_back(bytes_.text(texts + bytes_.word(at)));
+                image.symbols->push_back(bytes_.textView(texts + bytes_.word(at)));
             }
         }
     }

@@ -14,7 +14,8 @@ struct ElfImage {
     std::string interpreter;               // of a program that is linked dynamically
     std::vector<std::string> libraries{};  // that it needs
     std::vector<std::string> searchPaths{};
-    std::vector<std::string> symbols{};  // that it defines for others
+    /// That it defines for others, in the file that was read; none when it tells of none.
+    std::optional<std::vector<std::string_view>> symbols{};
 };
 
 bool looksLikeElf(std::string_view start);

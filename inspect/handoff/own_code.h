@@ -16,8 +16,12 @@ struct OwnCode {
     std::string interpreter = {};
     std::vector<std::string> libraries = {};  // that it needs
     std::vector<std::string> searchPaths = {};
-    std::optional<std::vector<std::string>> symbols = {};  // none: the file does not tell them
+    // In the file that was read; none: it does not tell them.
+    std::optional<std::vector<std::string_view>> symbols = {};
 };
+
+/// By its first bytes.
+bool looksLikeOwnCode(std::string_view start);
 
 /// None for what is no code of this system, or damaged.
 std::optional<OwnCode> readOwnCode(std::string_view file);

@@ -67,6 +67,10 @@ std::string findInCache(const std::string& name) {
 
 }  // namespace
 
+bool looksLikeOwnCode(std::string_view start) {
+    return looksLikeElf(start);
+}
+
 std::optional<OwnCode> readOwnCode(std::string_view file) {
     const std::optional<ElfImage> image = readElf(file);
     if (!image) {

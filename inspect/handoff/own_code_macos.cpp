@@ -7,6 +7,10 @@
 
 namespace rcp::inspect {
 
+bool looksLikeOwnCode(std::string_view start) {
+    return looksLikeMachO(start);
+}
+
 std::optional<OwnCode> readOwnCode(std::string_view file) {
     const auto images = looksLikeMachO(file) ? readMachO(file) : std::nullopt;
     if (!images) {

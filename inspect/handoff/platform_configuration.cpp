@@ -1,8 +1,7 @@
 // The platform's own configuration, config.ini: the framework, the bundles and the areas that it names.
-#include "inspect/check/launcher_end.h"
 #include "inspect/handoff/hand_off.h"
+#include "inspect/handoff/platform_properties.h"
 #include "inspect/quiet_read.h"
-#include "launcher/properties/property_file.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/options.h"
 #include "platform/files.h"
@@ -22,6 +21,7 @@ namespace files = std::filesystem;
 
 constexpr char kFrameworkName[] = "org.eclipse.osgi";
 constexpr char kConfigurator[] = "org.eclipse.equinox.simpleconfigurator";
+constexpr std::size_t kLongestConfiguration = std::size_t{16} << 20U;
 constexpr int kUsualStartLevel =
     6;  // up to which the framework starts bundles unless told otherwise
 
@@ -88,13 +88,15 @@ class Folders {
         const files::path whole(path);
         const std::string folder = whole.parent_path();
         const std::string name = whole.filename();
-        for (auto entry = namesIn(folder).lower_bound(name); entry != namesIn(folder).end();
-             ++entry) {
-            if (!entry->starts_with(name)) {
-                break;
+        const std::set<std::string>& names = namesIn(folder);
+        for (const std::string& alone : {name, name + ".jar"}) {
+            if (names.contains(alone)) {
+                return std::string(folder).append("/").append(alone);
             }
-            const std::string rest = entry->substr(name.size());
-            if (rest.empty() || rest == ".jar" || rest.front() == '_' || rest.front() == '-') {
+        }
+        for (const std::string& versioned : {name + "-", name + "_"}) {
+            const auto entry = names.lower_bound(versioned);
+            if (entry != names.end() && entry->starts_with(versioned)) {
                 return folder + "/" + *entry;
             }
         }
@@ -104,9 +106,12 @@ class Folders {
   private:
     const std::set<std::string>& namesIn(const std::string& folder) {
         const auto [known, isNew] = names_.try_emplace(folder);
+        if (!isNew) {
+            return known->second;
+        }
         std::error_code unknown;
-        for (files::directory_iterator entry(folder, unknown), end;
-             isNew && !unknown && entry != end; entry.increment(unknown)) {
+        for (files::directory_iterator entry(folder, unknown), end; !unknown && entry != end;
+             entry.increment(unknown)) {
             known->second.insert(entry->path().filename());
         }
         return known->second;
@@ -123,7 +128,7 @@ class Configuration {
         file_ = exists(own)
                     ? own
                     : getCoreFileLocation(inputs.traits.eConfig, examination.base, L"config.ini");
-        endOf([&] { getPropertiesIfThere(file_, entries_); });
+        entries_ = readPlatformProperties(readQuietly(toNarrow(file_), kLongestConfiguration));
     }
 
     std::vector<Examined> examine() {
@@ -159,8 +164,11 @@ class Configuration {
         if (given != all.rend()) {
             return {toNarrow(given->text.substr(option.size())), given->origin};
         }
-        const Property* entry = entries_.find(toWide(key));
-        return entry == nullptr ? Value() : Value{trimmed(toNarrow(entry->value)), entry->origin};
+        const auto entry = entries_.find(key);
+        return entry == entries_.end()
+                   ? Value()
+                   : Value{trimmed(entry->second.value),
+                           {std::make_shared<const std::wstring>(file_), entry->second.line}};
     }
 
     // The main class takes the folder of its own jar, or what holds that one's folder "plugins".
@@ -225,8 +233,14 @@ class Configuration {
     void judgeBundle(const Origin& origin, const std::string& front, const std::string& path) {
         if (!isThere(path)) {
             addFault("RI805", origin, front + "\"" + path + "\" is missing");
-        } else if (const auto fault = isFolder(path) ? std::nullopt : jarFault(path)) {
-            addFault("RI803", origin, front + "\"" + path + "\" " + *fault);
+            return;
+        }
+        const auto [judged, isNew] = jarFaults_.try_emplace(path);
+        if (isNew && !isFolder(path)) {
+            judged->second = jarFault(path);
+        }
+        if (judged->second) {
+            addFault("RI803", origin, front + "\"" + path + "\" " + *judged->second);
         }
     }
 
@@ -319,12 +333,13 @@ class Configuration {
     const Examination& examination_;
     const Plan& plan_;
     std::wstring file_;
-    PropertyList entries_;
+    PlatformProperties entries_;
     std::string installArea_;
     std::string framework_;
     int lastLevel_ = kUsualStartLevel;
     bool hasConfigurator_ = false;
     Folders folders_;
+    std::map<std::string, std::optional<std::string>> jarFaults_;
     std::vector<Examined> all_;
 };
 

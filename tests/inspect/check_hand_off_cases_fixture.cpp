@@ -53,6 +53,8 @@ std::vector<Case> codeCases() {
          kLauncherProperties, inAll(2)},
         {"RI802", "LauncherLibraryThatWasCut", isCut(kLibrary), nothingChanges, kLauncherProperties,
          inAll(2)},
+        {"RI802", "LibraryOfTextThatIsLong", becomes(kLibrary, std::string(100000, 'a')),
+         nothingChanges, kLauncherProperties, inAll(2)},
         {"RI802", "LauncherLibraryWithoutEntryPoint", isStandIn(kLibrary, "standin_without_run.so"),
          nothingChanges, kLauncherProperties, inAll(2)},
         {"RI802", "JvmThatIsText", becomes(kJvm, "no library"), nothingChanges, kLauncherProperties,
@@ -93,6 +95,10 @@ std::vector<Case> configurationCases() {
     const Change hasList = both(
         isStandIn(kBase + "/plugins/org.eclipse.equinox.simpleconfigurator.jar", "standin.jar"),
         both(configHas(configurator), hasBundle));
+    std::string manyBundles;
+    for (int i = 0; i < 1000; ++i) {
+        manyBundles += "a.bundle@start,";
+    }
     return {
         {"RI805", "NoFramework", lacks(kFramework), nothingChanges, kConfigIni, inAll(0)},
         {"RI805", "NoFrameworkAsItIsNamed", configHas("a=b\nosgi.framework=file:nothing.jar\n"),
@@ -102,6 +108,11 @@ std::vector<Case> configurationCases() {
         {"RI805", "NoBundleOfThatPath",
          both(hasBundle, configHas("osgi.bundles=a.bundle, file:a.bundle.jar\n")),
          both(hasBundle, configHas("osgi.bundles=a.bundle, file:a.bundle_1.2.jar\n")), kConfigIni,
+         inAll(1)},
+        // Its line is longer than the launcher's reader takes.
+        {"RI805", "NoBundleAtTheEndOfALongList",
+         both(hasBundle, configHas("osgi.bundles=" + manyBundles + "nothing\n")),
+         both(hasBundle, configHas("osgi.bundles=" + manyBundles + "a.bundle\n")), kConfigIni,
          inAll(1)},
         {"RI805", "NoListOfBundles", hasList, both(hasList, has(kList, "# none\n")), kConfigIni,
          inAll(0)},

@@ -113,6 +113,14 @@ TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
         problem["cause"].get<std::string>().starts_with("RI809 JAVA_TOOL_OPTIONS is \"-Xmx1m\""));
 }
 
+TEST_F(DoctorTest, AJvmThatIsNotThereIsToldOfTheJvm) {
+    const Words arguments = {"-vm", "/nowhere/java"};
+    const Json problems = answer("JVM", 2, arguments)["problems"];
+    ASSERT_EQ(problems.size(), 1U) << problems.dump(1);
+    EXPECT_TRUE(problems[0]["cause"].get<std::string>().starts_with("RI601 \"/nowhere/java\""));
+    EXPECT_EQ(answer("installation", 2, arguments)["mark"], "good");
+}
+
 TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
     // Nobody makes a folder there, whatever permissions say.
     const Json space = answer("space and permissions", 2, {"-data", "/proc/ws"});

@@ -1,5 +1,6 @@
 #include "inspect/handoff/elf.h"
 
+#include "inspect/bundle/bytes.h"
 #include "inspect/quiet_read.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/paths.h"
@@ -19,16 +20,17 @@ std::string library() {
 }
 
 TEST(Elf, OfALibraryTellsMachineNeedsAndSymbols) {
-    const auto image = readElf(library());
-    ASSERT_TRUE(image);
+    const std::string file = library();
+    const auto image = readElf(file);
+    ASSERT_TRUE(image && image->symbols);
     utsname system{};
     ASSERT_EQ(uname(&system), 0);
     EXPECT_EQ(image->machine, system.machine);
     EXPECT_TRUE(image->isShared);
     EXPECT_THAT(image->libraries, Contains("libc.so.6"));
-    EXPECT_THAT(image->symbols, Contains("setInitialArgs"));
-    EXPECT_THAT(image->symbols, Contains("run"));
-    EXPECT_THAT(image->symbols, Not(Contains("execve"))) << "it is needed, not defined";
+    EXPECT_THAT(*image->symbols, Contains("setInitialArgs"));
+    EXPECT_THAT(*image->symbols, Contains("run"));
+    EXPECT_THAT(*image->symbols, Not(Contains("execve"))) << "it is needed, not defined";
 }
 
 TEST(Elf, OfAProgramTellsTheInterpreter) {
@@ -46,7 +48,27 @@ TEST(Elf, OfAnotherMachineOnlyTheMachineIsTold) {
     const auto image = readElf(file);
     ASSERT_TRUE(image);
     EXPECT_EQ(image->machine, "arm");
-    EXPECT_TRUE(image->symbols.empty());
+    EXPECT_FALSE(image->symbols);
+}
+
+// The loader never looks at the table of sections.
+TEST(Elf, WithoutSectionsTellsNoSymbols) {
+    constexpr std::size_t kPlaceOfTable = 40;
+    for (const char byte : {'\0', '\x7f'}) {  // none, and one far beyond the end
+        std::string file = library();
+        file.replace(kPlaceOfTable, 8, 8, byte);
+        const auto image = readElf(file);
+        ASSERT_TRUE(image);
+        EXPECT_FALSE(image->symbols);
+        EXPECT_THAT(image->libraries, Contains("libc.so.6"));
+    }
+}
+
+TEST(Elf, TellsNoNameThatIsLongerThanAPath) {
+    const std::string file = library() + std::string(100000, 'a');
+    const std::string_view texts = file;
+    const std::size_t begin = file.size() - 100000;
+    EXPECT_EQ(Bytes(texts, ByteOrder::kLittle).text(begin).size(), 4096U);
 }
 
 TEST(Elf, ThatWasCutIsNone) {
