@@ -59,7 +59,7 @@ std::string takeFile(const std::string& path) {
     std::istringstream lines(readQuietly(path));
     for (std::string line; std::getline(lines, line);) {
         if (!addLine(line, variables)) {
-            return path + ": \"" + line + "\" is not NAME=VALUE";
+            return std::string(path).append(": \"").append(line).append("\" is not NAME=VALUE");
         }
     }
     clearEnvironment();

@@ -162,7 +162,7 @@ int report(const Options& options) {
     texts.emplace_back("redacted.txt", list);
     ZipArchive archive(now);
     for (const auto& [name, text] : texts) {
-        archive.add(folder + "/" + name, text);
+        archive.add(std::string(folder).append("/").append(name), text);
     }
     const std::string name = fileFor(options, folder);
     if (!write(name, archive.bytes())) {
