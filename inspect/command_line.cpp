@@ -1,16 +1,13 @@
 #include "inspect/command_line.h"
 
-#include "inspect/bundle/bundle.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
 #include "inspect/hand_out.h"
+#include "inspect/locate.h"
 #include "inspect/other_user.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
 #include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
-#include "platform/files.h"
-#include "platform/install_location.h"
-#include "platform/text.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -18,13 +15,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <map>
 #include <optional>
 
 namespace rcp::inspect {
 namespace {
+
+constexpr std::size_t kNone = std::string::npos;
 
 const std::map<std::string, Format> kFormats{{"text", Format::kText},
                                              {"json", Format::kJson},
@@ -55,27 +53,6 @@ const std::vector<Command> kCommands{
     {"report", "all of that in an archive that can be mailed", report, {"text"}},
 };
 
-// An application bundle is an installation too.
-std::string launcherIn(const std::string& installation) {
-    const std::string bundled = launcherOfBundle(installation);
-    return bundled.empty() ? installation + "/rcp/rcplauncher" : bundled;
-}
-
-// A launcher's path from either way of naming one, as it would be started: links in it count. Empty
-// when there is none; `mayBeMissing` in a bundle.
-std::string launcherPath(const std::string& launcher, const std::string& installation,
-                         bool mayBeMissing = false) {
-    const std::string path = launcher.empty() ? launcherIn(installation) : launcher;
-    std::error_code failed;
-    std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
-    if (mayBeMissing && !failed && !contentsAround(absolute).empty() && !existsA(absolute)) {
-        return absolute;
-    }
-    const bool isLauncher =
-        !failed && existsA(absolute) && !std::filesystem::is_directory(absolute, failed);
-    return isLauncher ? absolute : std::string();
-}
-
 // The arguments behind "--" are the launcher's and none of ours, whatever they look like.
 std::vector<std::string> splitLauncherArguments(int argc, char** argv,
                                                 std::vector<std::string>& own) {
@@ -100,25 +77,32 @@ bool isOneOf(std::initializer_list<std::string_view> words, std::string_view wor
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-// What why is asked about, which may look like an option.
-std::string takeSubject(std::vector<std::string>& own) {
-    if (own.front() != "why") {
-        return {};
-    }
-    for (std::size_t i = 1; i < own.size(); ++i) {
+// How many words of the command line are the values of the option at `at`: a page has a name.
+std::ptrdiff_t valuesOf(const std::vector<std::string>& own, std::size_t at) {
+    const bool isPage = own[at] == "--format" && at + 1 < own.size() && own[at + 1] == "html";
+    return isPage ? 2
+                  : isOneOf({"--install", "--launcher", "--format", "--home", "--user", "--locale",
+                             "--env-file"},
+                            own[at]);
+}
+
+// What why is asked about, which may look like an option; the installations of check.
+std::vector<std::string> takeSubjects(std::vector<std::string>& own) {
+    const bool isWhy = own.front() == "why";
+    std::vector<std::string> subjects;
+    for (std::size_t i = 1; (isWhy || own.front() == "check") && i < own.size(); ++i) {
         const std::string& word = own[i];
-        if (isOneOf({"--install", "--launcher", "--format", "--home", "--user", "--locale",
-                     "--env-file"},
-                    word)) {
-            ++i;
-        } else if (word != "-h" && word != "--help" &&
-                   !(word.starts_with("--") && word.find('=') != std::string::npos)) {
-            std::string subject = word;
-            own.erase(own.begin() + static_cast<std::ptrdiff_t>(i));
-            return subject;
+        const bool isOption = isWhy ? isOneOf({"-h", "--help"}, word) ||
+                                          (word.starts_with("--") && word.find('=') != kNone)
+                                    : word.starts_with('-');
+        if (const std::ptrdiff_t values = valuesOf(own, i); values > 0) {
+            i += static_cast<std::size_t>(values);
+        } else if (!isOption && (!isWhy || subjects.empty())) {
+            subjects.push_back(word);
+            own.erase(own.begin() + static_cast<std::ptrdiff_t>(i--));
         }
     }
-    return {};
+    return subjects;
 }
 
 CommandWords commandWords(const CLI::App& app) {
@@ -169,13 +153,6 @@ std::optional<std::string> settleFormat(const std::vector<std::string>& given,
 
 }  // namespace
 
-std::string installationOf(const std::string& launcher) {
-    setLauncherExecutable(launcher);
-    std::wstring directory;
-    endOf([&] { directory = getInstallDir(); });
-    return toNarrow(directory);
-}
-
 int run(int argc, char** argv) {
     const InstalledCalls quiet(quietCalls());
     endOf(setCharacterLocale);
@@ -193,7 +170,7 @@ int run(int argc, char** argv) {
         (own.front().starts_with("--") && own.front() != "--help" && own.front() != "--version")) {
         own.insert(own.begin(), "doctor");
     }
-    options.subject = takeSubject(own);
+    std::vector<std::string> subjects = takeSubjects(own);
     const std::vector<std::string> words = own;
     std::vector<std::string> format;
     std::string installation;
@@ -218,6 +195,7 @@ int run(int argc, char** argv) {
                                            "starts the JVM with the launch's options and -version");
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
+    app.get_subcommand("check")->footer("DIR...: installations, of several a line each.");
     app.get_subcommand("why")->footer(
         "WHAT: an option, a key, a variable, a path, or a number such as "
         "ZYPRA0088E or RI601. It may begin with \"-\".");
@@ -262,24 +240,34 @@ int run(int argc, char** argv) {
         return wrongUse(problem);
     }
     endOf(setCharacterLocale);
+    if (chosen == "check" && !subjects.empty()) {
+        if (!launcher.empty() || !installation.empty()) {
+            return wrongUse("check DIR takes neither --install nor --launcher");
+        }
+        installation = subjects.front();
+        options.roots = subjects.size() > 1 ? subjects : std::vector<std::string>();
+    } else if (!subjects.empty()) {
+        options.subject = subjects.front();
+    }
+    if (!options.roots.empty() && options.format == Format::kHtml) {
+        return wrongUse("--format html: a page is of one installation");
+    }
     if (launcher.empty() && installation.empty()) {
         installation = ".";
     }
-    options.launcher = launcherPath(launcher, installation, command->carryOut == check);
+    options.launcher =
+        launcherPath(launcher, installation,
+                     command->carryOut == check ? Launcher::kMayBeMissing : Launcher::kIsThere);
     const bool needsLauncher = command->carryOut != why || needsLaunch(options.subject);
-    if (options.launcher.empty() && needsLauncher) {
+    if (options.launcher.empty() && needsLauncher && options.roots.empty()) {
         return wrongUse(
             "no launcher at " + (launcher.empty() ? installation : launcher) +
             "; give --install DIR, where DIR holds rcp/rcplauncher or is an application "
             "bundle, or --launcher FILE");
     }
-    options.installation =
-        options.launcher.empty() ? std::string() : installationOf(options.launcher);
-    if (options.installation.empty()) {  // the bundle's, of which the launcher is missing
-        options.installation = contentsAround(options.launcher);
-    }
+    options.installation = installationOf(options.launcher);
     if (!other.empty()) {
-        options.other = launcherPath({}, other);
+        options.other = launcherPath({}, other, Launcher::kIsThere);
         if (options.other.empty()) {
             return wrongUse("no launcher at " + other);
         }

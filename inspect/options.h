@@ -20,6 +20,7 @@ struct Options {
     bool isStrict = false;               // check: warnings count as errors
     bool isWatching = false;             // status: goes on until interrupted
     bool isSinceLast = false;            // diff: against the recorded last launch
+    std::vector<std::string> roots;      // check: several installations
     std::string other;                   // diff: the older installation
     bool isFiles = false;                // config: the files as they stand
     std::string output;                  // report: the archive; empty for a name with the date
@@ -33,9 +34,6 @@ struct TextForm {
     bool isColored = false;
     bool isWhole = false;  // lists in full, however long they are
 };
-
-/// The installation directory that a launcher at this path finds.
-std::string installationOf(const std::string& launcher);
 
 /// Exit statuses that every command shares; `check` says more with its own.
 inline constexpr int kSuccess = 0;

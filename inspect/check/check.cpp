@@ -45,6 +45,9 @@ int checkStatus(const Findings& findings, bool isStrict) {
 }
 
 int check(const Options& options) {
+    if (!options.roots.empty()) {
+        return checkMany(options);
+    }
     endOf(&setCharacterLocale);  // texts are read as the launcher reads them
     const Examination examination = examine(options);
     Findings findings = findEverything(examination);

@@ -1,5 +1,6 @@
 #include "inspect/commands.h"
 #include "inspect/diff/compare.h"
+#include "inspect/locate.h"
 
 #include <exception>
 #include <iostream>

@@ -3,6 +3,7 @@
 #include "inspect/check/examination.h"
 #include "inspect/explain/account.h"
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/locate.h"
 #include "inspect/quiet_read.h"
 #include "platform/text.h"
 
@@ -52,6 +53,13 @@ void learnFrom(const Options& options, Redactor& redactor) {
     }
     if (!options.launcher.empty()) {
         learnInstallation(options, redactor);
+    }
+    for (const std::string& root : options.roots) {
+        other.launcher = launcherPath({}, root, Launcher::kIsThere);
+        if (!other.launcher.empty()) {
+            other.installation = installationOf(other.launcher);
+            learnInstallation(other, redactor);
+        }
     }
     for (const auto& [name, value] : environmentNow()) {
         redactor.learn(name, value);
