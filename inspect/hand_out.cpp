@@ -7,6 +7,7 @@
 
 #include <errno.h>
 #include <string.h>
+#include <sys/stat.h>
 
 #include <functional>
 #include <iostream>
@@ -89,7 +90,11 @@ int writeAsPage(CarryOut command, Options options) {
     } else {
         document["made"]["host"] = hostName();
     }
-    if (!writePage(nlohmann::json(document), options.page)) {
+    const mode_t former = umask(0);
+    umask(options.isRedacted ? former : former | 077U);
+    const bool isWritten = writePage(nlohmann::json(document), options.page);
+    umask(former);
+    if (!isWritten) {
         std::cerr << "rcpinspect: " << options.page << ": " << strerror(errno) << '\n';
         return kCannotCreate;
     }
@@ -105,7 +110,7 @@ int writeRedacted(CarryOut command, const Options& options) {
         const Filter output(std::cout, [&](const std::string& text) {
             Json document = Json::parse(text);
             redact(document, redactor);
-            return document.dump(indent) + "\n";
+            return document.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
         });
         return command(options);
     }

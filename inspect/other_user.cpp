@@ -57,9 +57,14 @@ std::string takeFile(const std::string& path) {
     }
     Variables variables;
     std::istringstream lines(readQuietly(path));
+    std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {
-        if (!addLine(line, variables)) {
-            return std::string(path).append(": \"").append(line).append("\" is not NAME=VALUE");
+        ++number;
+        if (!addLine(line, variables)) {  // which may hold a secret
+            return std::string(path)
+                .append(":")
+                .append(std::to_string(number))
+                .append(": this is not NAME=VALUE");
         }
     }
     clearEnvironment();

@@ -105,7 +105,8 @@ void Redactor::learnValue(const std::string& name, std::string_view value) {
         const auto begin = part.find_first_not_of(" \t#!\\");
         part.remove_prefix(std::min(begin, part.size()));
         part = part.substr(0, part.find_last_not_of(" \t\r\\") + 1);
-        if (part.size() < kShortest || isHarmless(part) || part.starts_with("-----")) {
+        if (part.size() < kShortest || isHarmless(part) || part.starts_with("-----") ||
+            part.find("-----END") != kNone) {
             return;
         }
         const auto [at, isNew] = known_.try_emplace(std::string(part), name);

@@ -15,9 +15,12 @@ using Words = std::vector<std::string>;
 constexpr std::string_view kPlainWords[] = {"password", "passwd", "passphrase", "passcode",
                                             "secret",   "token",  "credential"};
 // Those that are only as whole words.
-constexpr std::string_view kWholeWords[] = {"pwd",  "pw",     "pass",   "key",
-                                            "keys", "apikey", "auth",   "authorization",
-                                            "jwt",  "cookie", "bearer", "privatekey"};
+constexpr std::string_view kWholeWords[] = {
+    "pwd",    "pw",     "pass",       "key", "keys",  "apikey", "auth",      "authorization", "jwt",
+    "cookie", "bearer", "privatekey", "pin", "oauth", "sig",    "signature", "sessionid"};
+// Those that are as the end of a longer word too.
+constexpr std::string_view kEndings[] = {"secretkey", "accesskey", "authkey",
+                                         "dbpass",    "userpass",  "passwort"};
 // Behind such a word they say where or of which kind a secret is, and not what it is.
 constexpr std::string_view kAbout[] = {
     "store",    "file",   "path",   "dir",     "directory", "folder",  "location",
@@ -51,8 +54,11 @@ std::string_view singular(std::string_view word) {
 }
 
 bool isPlainWord(std::string_view word) {
-    return std::any_of(std::begin(kPlainWords), std::end(kPlainWords),
-                       [&](std::string_view known) { return singular(word).ends_with(known); });
+    const auto endsIt = [&](std::string_view known) {
+        return word.ends_with(known) || singular(word).ends_with(known);
+    };
+    return std::any_of(std::begin(kPlainWords), std::end(kPlainWords), endsIt) ||
+           std::any_of(std::begin(kEndings), std::end(kEndings), endsIt);
 }
 
 // "-Dkey" is the system property "key".

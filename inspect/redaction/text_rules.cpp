@@ -36,16 +36,9 @@ std::size_t endOfEntry(std::string_view text, std::size_t at) {
 std::size_t firstOf(std::string_view text, std::size_t at, std::size_t end,
                     std::initializer_list<std::string_view> ends) {
     for (const std::string_view one : ends) {
-        end = std::min(end, text.find(one, at));
+        end = std::min(end, text.substr(0, end).find(one, at));
     }
     return end;
-}
-
-// The line that holds, or ends, at `at`.
-std::string_view lineAt(std::string_view text, std::size_t at) {
-    const std::size_t before = at == 0 ? kNone : text.rfind('\n', at - 1);
-    const std::size_t begin = before == kNone ? 0 : before + 1;
-    return text.substr(begin, endOfLine(text, at) - begin);
 }
 
 struct Name {
@@ -71,25 +64,40 @@ Name nameBefore(std::string_view text, std::size_t end) {
     return {begin, end};
 }
 
-// Whether a line, an entry or a comment begins with it; "FILE:12:" and an element's number may stand in front.
-bool isFirstInLine(std::string_view text, std::size_t at) {
-    const std::string_view line = lineAt(text, at);
-    const std::string_view front =
-        line.substr(0, static_cast<std::size_t>(text.data() + at - line.data()));
+// Whether a line, an entry or a comment begins behind that part of it; "FILE:12:" and an element's number may be it.
+bool isFirstBehind(std::string_view front) {
     const bool isBehindPlace = front.size() > 1 && front.ends_with(':') &&
                                std::isdigit(static_cast<unsigned char>(front[front.size() - 2]));
     return isBehindPlace || front.find_first_not_of(" \t#!$+~\"'0123456789") == kNone;
 }
 
-std::size_t endOfValue(std::string_view text, const Name& name, std::size_t at) {
+// The quote that ends what the one at `at` begins, or the line's end.
+std::size_t endOfQuoted(std::string_view text, std::size_t at) {
+    const std::size_t line = endOfLine(text, at);
+    std::size_t end = at + 1;
+    while (end < line && text[end] != text[at]) {
+        end += text[end] == '\\' ? 2 : 1;
+    }
+    return std::min(end, line);
+}
+
+// Of such a field all that stands in its line is secret.
+bool isField(std::string_view word) {
+    const std::vector<std::string> words = wordsOf(word);
+    return !words.empty() && (words.back() == "authorization" || words.back() == "cookie");
+}
+
+std::size_t endOfValue(std::string_view text, const Name& name, std::size_t at, bool isFirst) {
     if (isAt(text, at, "\"'")) {
-        const std::size_t quote = text.find(text[at], at + 1);
-        return quote < endOfLine(text, at) ? quote : endOfLine(text, at);
+        return endOfQuoted(text, at);
+    }
+    if (text[name.end] == ':' && isField(name.in(text))) {
+        return endOfLine(text, at);
     }
     if (name.begin > 0 && isAt(text, name.begin - 1, "?&")) {  // of a URL
         return std::min(text.find_first_of("&;# \t\n\"'<>)", at), text.size());
     }
-    if (isFirstInLine(text, name.begin)) {
+    if (isFirst) {
         return firstOf(text, at, endOfEntry(text, at), {kOriginBehind});
     }
     const bool isOption = text[name.begin] == '-';
@@ -105,6 +113,10 @@ class Finder {
         for (std::size_t at = text_.find_first_of("=:>,@- \n"); at != kNone;
              at = text_.find_first_of("=:>,@- \n", at + 1)) {
             findAt(at);
+            if (text_[at] == '\n') {
+                before_ = text_.substr(line_, at - line_);
+                line_ = at + 1;
+            }
         }
         findPrefixed("Bearer ", "bearer token");
         return merged();
@@ -131,9 +143,15 @@ class Finder {
                 findPem(at);
                 break;
             default:
-                findOption(at);
-                findAfterBlank(at);
+                if (at > 0 && !isAt(text_, at - 1, " \t\n")) {  // there is no name otherwise
+                    findOption(at);
+                    findAfterBlank(at);
+                }
         }
+    }
+
+    [[nodiscard]] bool isFirstInLine(std::size_t at) const {
+        return isFirstBehind(text_.substr(line_, at - line_));
     }
 
     // Without the quote in front and what belongs to the line.
@@ -153,7 +171,7 @@ class Finder {
     void findValue(std::size_t at) {
         const Name name = nameBefore(text_, at);
         const std::string_view word = name.in(text_);
-        if (lineAt(text_, name.begin).starts_with(kRecord)) {
+        if (text_.substr(line_).starts_with(kRecord)) {
             const std::string_view key = keyOfRecord(name);
             if (!key.empty() || word == "key") {
                 addQuoted(at, key);
@@ -165,28 +183,27 @@ class Finder {
             !names_.isSecret(word)) {
             return;
         }
-        const bool isSentence = word == "key" || word == "keys" || word == "pass";
-        if (isColon && isSentence && !isFirstInLine(text_, name.begin)) {
+        const bool isSentence =
+            (word == "key" || word == "keys" || word == "pass") && !isAt(text_, name.end, "\"'");
+        const bool isFirst = isFirstInLine(name.begin);
+        if (isColon && isSentence && !isFirst) {
             return;
         }
         std::size_t begin = at + 1;
         while (isAt(text_, begin, kBlanks)) {
             ++begin;
         }
-        add(begin, endOfValue(text_, name, begin), word);
+        add(begin, endOfValue(text_, name, begin, isFirst), word);
     }
 
     // A full log tells an entry in two records: 'attrib = "NAME"', or "key", then 'value = "VALUE"'.
     [[nodiscard]] std::string_view keyOfRecord(const Name& name) const {
-        const std::size_t end = text_.rfind('\n', name.begin);
-        if (name.in(text_) != "value" || end == kNone) {
+        if (name.in(text_) != "value" || !before_.starts_with(kRecord)) {
             return {};
         }
-        const std::string_view before = lineAt(text_, end);
-        const std::size_t quote = before.find("= \"");
-        return quote == kNone || !before.starts_with(kRecord)
-                   ? std::string_view()
-                   : before.substr(quote + 3, before.rfind('"') - quote - 3);
+        const std::size_t quote = before_.find("= \"");
+        return quote == kNone ? std::string_view()
+                              : before_.substr(quote + 3, before_.rfind('"') - quote - 3);
     }
 
     void addQuoted(std::size_t at, std::string_view key) {
@@ -197,11 +214,15 @@ class Finder {
         }
     }
 
-    // <NAME>VALUE</NAME>
+    // <NAME ATTRIBUTE="...">VALUE</NAME>
     void findElement(std::size_t at) {
-        const Name name = nameBefore(text_, at);
-        if (name.begin > 0 && text_[name.begin - 1] == '<' && names_.isSecret(name.in(text_))) {
-            add(at + 1, std::min(text_.find('<', at), text_.size()), name.in(text_));
+        constexpr std::size_t kLongest = 1024;
+        const std::size_t from = at - std::min(at, kLongest);
+        const std::string_view front = text_.substr(from, at - from);
+        const std::string_view tag = front.substr(front.rfind('<') + 1);
+        const std::string_view name = tag.substr(0, tag.find_first_of(kBlanks));
+        if (tag.size() < front.size() && names_.isSecret(name)) {
+            add(at + 1, std::min(text_.find('<', at), text_.size()), name);
         }
     }
 
@@ -239,7 +260,7 @@ class Finder {
     void findAfterBlank(std::size_t at) {
         const Name name = nameBefore(text_, at);
         if (text_[at] == ' ' && name.end == at && name.begin < at && text_[name.begin] != '-' &&
-            !isAt(text_, at + 1, "=:") && isFirstInLine(text_, name.begin) &&
+            !isAt(text_, at + 1, "=:") && isFirstInLine(name.begin) &&
             SecretNames::isPlainlySecret(name.in(text_))) {
             add(at + 1, firstOf(text_, at, endOfEntry(text_, at), {kOriginBehind}), name.in(text_));
         }
@@ -269,12 +290,35 @@ class Finder {
         constexpr std::string_view kBegin = "-----BEGIN ";
         constexpr std::string_view kEnd = "-----END ";
         constexpr std::string_view kDashes = "-----";
+        constexpr std::size_t kLongest = std::size_t{64} << 10U;
         if (!text_.substr(at).starts_with(kBegin)) {
             return;
         }
-        const std::size_t last = text_.find(kEnd, at);
-        const std::size_t dashes = last == kNone ? kNone : text_.find(kDashes, last + kEnd.size());
-        add(at, dashes == kNone ? text_.size() : dashes + kDashes.size(), "PEM block");
+        const std::string_view block = text_.substr(at, kLongest);
+        const std::size_t last = block.find(kEnd, kBegin.size());
+        const bool isAnothers = block.find(kBegin, kBegin.size()) < last;
+        const std::size_t dashes =
+            last == kNone || isAnothers ? kNone : block.find(kDashes, last + kEnd.size());
+        add(at, at + (dashes == kNone ? endOfKeyLines(block) : dashes + kDashes.size()),
+            "PEM block");
+    }
+
+    // Of a block without end: as far as there is nothing but a key, behind the heading and in the lines below.
+    static std::size_t endOfKeyLines(std::string_view block) {
+        constexpr std::string_view kKey =
+            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=-\\\r";
+        const std::size_t heading = block.find("-----", std::string_view("-----BEGIN ").size());
+        std::size_t end = std::min(block.find_first_of(" \n", heading), block.size());
+        while (isAt(block, end, "\n")) {
+            const std::size_t begin = block.find_first_not_of(" \t#!", end + 1);
+            const std::size_t line = begin == kNone ? begin : endOfLine(block, begin);
+            if (line == kNone || line == begin ||
+                block.substr(begin, line - begin).find_first_not_of(kKey) != kNone) {
+                break;
+            }
+            end = line;
+        }
+        return end;
     }
 
     void findPrefixed(std::string_view prefix, std::string_view name) {
@@ -307,6 +351,8 @@ class Finder {
 
     std::string_view text_;
     const SecretNames& names_;
+    std::size_t line_ = 0;     // where the line begins
+    std::string_view before_;  // the line in front of it
     std::vector<SecretPart> parts_;
 };
 

@@ -19,6 +19,7 @@
 #include <array>
 #include <iostream>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 namespace rcp::inspect {
@@ -70,14 +71,20 @@ std::string nameOfLog(std::size_t number, const std::string& path) {
 
 Texts gather(const Options& options) {
     Texts texts;
-    Json doctors;
-    Json explanation;
+    Json doctors = Json::object();
+    Json explanation = Json::object();
+    std::ostringstream errors;
+    std::streambuf* const former = std::cerr.rdbuf(errors.rdbuf());
     for (const Part& part : kParts) {
         const auto& [name, text] = texts.emplace_back(part.name, toldBy(part, options));
         if (isDocument(name) && !text.empty()) {
             Json& kept = part.command == doctor ? doctors : explanation;
             kept = part.command == doctor || part.command == explain ? Json::parse(text) : kept;
         }
+    }
+    std::cerr.rdbuf(former);
+    if (const std::string text = errors.str(); !text.empty()) {
+        texts.emplace_back("errors.txt", text);
     }
     texts.emplace(texts.begin(), "about.txt", describeSurroundings(options, doctors));
     std::size_t number = 0;
@@ -106,7 +113,7 @@ std::string redact(Texts& texts, const Options& options) {
         if (isDocument(name) && !text.empty()) {
             Json document = Json::parse(text);
             redactor.redactDocument(document);
-            text = document.dump(2) + "\n";
+            text = document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
         } else {
             text = redactor.redact(text);
         }
@@ -131,7 +138,7 @@ std::string fileFor(const Options& options, const std::string& folder) {
     return name;
 }
 
-// For the user's own eyes until he mails it.
+// For the user's own eyes until he mails it: written under a name that nobody can have made for him.
 bool write(const std::string& name, const std::string& bytes) {
     if (existsA(name)) {
         errno = EEXIST;
@@ -143,7 +150,7 @@ bool write(const std::string& name, const std::string& bytes) {
         return false;
     }
     const mode_t former = umask(077);
-    WholeFile file(wide);
+    WholeFile file(wide, L"." + toWide(saltedDigest(freshSalt(), name)) + L".tmp");
     const bool isWritten = file.open() && file.write(bytes) && file.commit();
     umask(former);
     return isWritten;

@@ -44,7 +44,14 @@ TEST(SecretNames, AreMetByWholeWordsHoweverTheyAreWritten) {
                              "javax.net.ssl.keyStorePassword",
                              "vmarg.Dpassphrase",
                              "pwd",
-                             "ssh.private.key"}) {
+                             "ssh.private.key",
+                             "db.secretkey",
+                             "aws.accesskey",
+                             "dbpass",
+                             "card.pin",
+                             "oauth",
+                             "sessionid",
+                             "sig"}) {
         EXPECT_TRUE(names.isSecret(name)) << name;
     }
 }
@@ -65,6 +72,8 @@ TEST(SecretNames, AreNoPartsOfOtherWords) {
                              "secretary",
                              "tokenizer",
                              "cookiecutter",
+                             "spinner",
+                             "design",
                              "PWD",
                              "OLDPWD",
                              "javax.net.ssl.keyStore",

@@ -16,7 +16,8 @@ using ::testing::Not;
 class ReportTest : public ExplainTest {
   protected:
     // What it prints.
-    [[nodiscard]] std::string report(const Words& options = {}, int status = 0) const {
+    [[nodiscard]] std::string report(const Words& options = {}, int status = 0,
+                                     const Words& variables = {}) const {
         Words words{"/bin/sh",
                     "-c",
                     "cd \"$0\" && exec \"$@\" 2>&1",
@@ -26,7 +27,9 @@ class ReportTest : public ExplainTest {
                     "--install",
                     installation()};
         words.insert(words.end(), options.begin(), options.end());
-        Program program(words, launchEnvironment());
+        Words environment = launchEnvironment();
+        environment.insert(environment.begin(), variables.begin(), variables.end());
+        Program program(words, environment);
         std::string output = program.rest();
         EXPECT_EQ(program.wait(), status) << output;
         return output;
@@ -92,6 +95,15 @@ TEST_F(ReportTest, IsForItsUsersEyes) {
     struct stat status {};
     ASSERT_EQ(stat(folder_.narrow("x.zip").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0600U);
+}
+
+TEST_F(ReportTest, IsMadeWhereNoLaunchCanBeRehearsed) {
+    folder_.write("x.zip.tmp", "mine");
+    (void)report({"-o", "x.zip"});
+    EXPECT_EQ(folder_.read("x.zip.tmp"), "mine");
+    (void)report({"-o", "y.zip"}, 0, {"TMPDIR=/nowhere"});
+    EXPECT_THAT(folder_.read("y.zip"), HasSubstr("about.txt"));
+    EXPECT_THAT(folder_.read("y.zip"), HasSubstr("errors.txt"));
 }
 
 TEST_F(ReportTest, ThatCannotBeWrittenLeavesNothing) {
