@@ -19,9 +19,11 @@ constexpr std::uint32_t kEndPlace = 0x07064b50;  // of the end in files beyond 3
 constexpr std::uint64_t kEndPlaceSize = 20;
 constexpr std::uint32_t kLargeEnd = 0x06064b50;
 constexpr std::uint64_t kLargeEndSize = 56;
+constexpr std::uint32_t kLocalEntry = 0x04034b50;
 constexpr std::uint32_t kEntry = 0x02014b50;
 constexpr std::uint64_t kEntrySize = 46;
 constexpr std::uint64_t kInLargeEnd = 0xFFFFFFFF;
+constexpr std::uint64_t kCountedElsewhere = 0xFFFF;
 constexpr std::uint64_t kLongestTail = 65535 + kEndSize + kEndPlaceSize;
 constexpr std::uint64_t kLongestDirectory = std::uint64_t{1} << 26U;
 
@@ -68,7 +70,13 @@ std::optional<std::uint64_t> findEnd(const std::string& tail) {
     return std::nullopt;
 }
 
-std::optional<std::string> readDirectory(const File& file) {
+struct Directory {
+    std::string bytes;
+    std::uint64_t shift = 0;  // what stands in front of the zip file
+    std::uint64_t count = 0;  // of its entries, as far as its end tells
+};
+
+std::optional<Directory> readDirectory(const File& file) {
     const std::uint64_t tailSize = std::min(file.size(), kLongestTail);
     const std::uint64_t tailBegin = file.size() - tailSize;
     const std::string tail = file.part(tailBegin, tailSize);
@@ -80,39 +88,52 @@ std::optional<std::string> readDirectory(const File& file) {
     std::uint64_t size = bytes.word(*end + 12);
     // The directory ends where its end begins; something may stand in front of the zip file.
     std::uint64_t begin = tailBegin + *end - std::min(size, tailBegin + *end);
-    if ((size == kInLargeEnd || bytes.word(*end + 16) == kInLargeEnd) && *end >= kEndPlaceSize &&
+    std::uint64_t told = bytes.word(*end + 16);
+    std::uint64_t count = bytes.number(*end + 10, 2);
+    if ((size == kInLargeEnd || told == kInLargeEnd) && *end >= kEndPlaceSize &&
         bytes.word(*end - kEndPlaceSize) == kEndPlace) {
         const std::string large =
             file.part(bytes.number(*end - kEndPlaceSize + 8, 8), kLargeEndSize);
         Bytes record(large, ByteOrder::kLittle);
         size = record.number(40, 8);
-        begin = record.number(48, 8);
+        begin = told = record.number(48, 8);
+        count = record.number(32, 8);
         if (record.word(0) != kLargeEnd) {
             return std::nullopt;
         }
     }
-    std::string directory = file.part(begin, size);
-    return directory.size() == size ? std::optional(directory) : std::nullopt;
+    Directory directory{file.part(begin, size), begin - std::min(told, begin), count};
+    return directory.bytes.size() == size && told <= begin ? std::optional(directory)
+                                                           : std::nullopt;
+}
+
+// Whether there is an entry where the directory says so.
+bool isEntryAt(std::uint64_t place, const Directory& directory, const File& file) {
+    const std::string start = file.part(directory.shift + place, 4);
+    return place == kInLargeEnd || Bytes(start, ByteOrder::kLittle).word(0) == kLocalEntry;
 }
 
 }  // namespace
 
 std::optional<std::set<std::string>> jarEntries(const std::string& path) {
-    const std::optional<std::string> directory = readDirectory(File(path));
+    const File file(path);
+    const std::optional<Directory> directory = readDirectory(file);
     if (!directory) {
         return std::nullopt;
     }
-    Bytes bytes(*directory, ByteOrder::kLittle);
+    Bytes bytes(directory->bytes, ByteOrder::kLittle);
+    std::uint64_t count = 0;
     std::set<std::string> names;
-    for (std::uint64_t at = 0; at < directory->size() && !bytes.isDamaged();) {
-        if (bytes.word(at) != kEntry) {
+    for (std::uint64_t at = 0; at < directory->bytes.size() && !bytes.isDamaged(); ++count) {
+        if (bytes.word(at) != kEntry || !isEntryAt(bytes.word(at + 42), *directory, file)) {
             return std::nullopt;
         }
         const std::uint64_t name = bytes.number(at + 28, 2);
         names.emplace(bytes.part(at + kEntrySize, name));
         at += kEntrySize + name + bytes.number(at + 30, 2) + bytes.number(at + 32, 2);
     }
-    return bytes.isDamaged() ? std::nullopt : std::optional(names);
+    const bool isCounted = directory->count == kCountedElsewhere || directory->count == count;
+    return bytes.isDamaged() || !isCounted ? std::nullopt : std::optional(names);
 }
 
 }  // namespace rcp::inspect

@@ -56,6 +56,15 @@ TEST_F(Jar, ThatWasCutOrIsNoneIsNone) {
     EXPECT_FALSE(jarEntries(folder_.narrow()));
 }
 
+TEST_F(Jar, WhoseEntriesAreNotWhereItsDirectorySaysIsNone) {
+    std::string other = bytes_;
+    other.replace(0, 4, "none");
+    EXPECT_FALSE(entriesOf(other));
+    other = bytes_;
+    ++other[other.size() - 12];  // the number of entries
+    EXPECT_FALSE(entriesOf(other));
+}
+
 TEST_F(Jar, WithAnyByteChangedIsReadToAnEnd) {
     for (std::size_t at = 0; at < bytes_.size(); ++at) {
         std::string other = bytes_;
