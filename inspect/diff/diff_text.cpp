@@ -71,6 +71,9 @@ std::string outcomeText(const json& side) {
     if (kind == "provisioning") {
         return "provisions first";
     }
+    if (outcome.contains("obstacle")) {
+        return "cannot start the platform: " + outcome["obstacle"].get<std::string>();
+    }
     return outcome["role"] == "daemon" ? "passes its arguments on to the running platform"
            : kind == "in-process"      ? "starts the platform in its own process"
                                        : "starts the platform";

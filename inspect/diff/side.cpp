@@ -5,6 +5,7 @@
 #include "inspect/copies/describe_copies.h"
 #include "inspect/diff/recorded_launch.h"
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/handoff/describe_hand_off.h"
 #include "inspect/quiet_read.h"
 #include "inspect/status/last_launch.h"
 #include "platform/text.h"
@@ -40,7 +41,7 @@ json settingsDate(const std::string& installation) {
 
 json outcomeOf(const json& explanation) {
     json outcome;
-    for (const char* name : {"kind", "role", "record"}) {
+    for (const char* name : {"kind", "role", "record", "obstacle"}) {
         if (explanation["outcome"].contains(name)) {
             outcome[name] = explanation["outcome"][name];
         }
@@ -107,8 +108,9 @@ Tree treeOf(const Options& options, const json& explanation) {
 }  // namespace
 
 Side explainedSide(const Options& options) {
-    const json explanation = explainLaunch(options);
+    json explanation = explainLaunch(options);
     const Examination examination = examine(options);
+    tellObstacle(explanation["outcome"], examineHandOff(examination));
     return {.about = {{"launcher", options.launcher},
                       {"installation", options.installation},
                       {"level", levelOf(explanation)},

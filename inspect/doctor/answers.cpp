@@ -37,6 +37,12 @@ Answer answerLaunch(const Evidence& evidence) {
         return answer;
     }
     const std::string program = outcome.value("program", "");
+    if (const Fault* obstacle = obstacleIn(evidence.handOff)) {
+        return {"launch",
+                "is handed to " + program,
+                {{Mark::kBad, std::string("the platform cannot be started: ") + obstacle->code, "",
+                  "Mend what is told of it here."}}};
+    }
     return {"launch", kind == "provisioning" ? "provisions first, through " + program
                       : outcome["role"] == "daemon"
                           ? "passes its arguments on to the running platform"

@@ -7,6 +7,7 @@
 #include <exception>
 #include <iostream>
 #include <utility>
+#include <vector>
 
 namespace rcp::inspect {
 
@@ -15,7 +16,9 @@ int explain(const Options& options) {
         nlohmann::json explanation = explainLaunch(options);
         const Examination examination = examine(options);
         explanation["copies"] = describeStaleCopies(examination);
-        explanation["handOff"] = describeHandOff(examination);
+        const std::vector<Examined> handOff = examineHandOff(examination);
+        explanation["handOff"] = describeHandOff(handOff);
+        tellObstacle(explanation["outcome"], handOff);
         if (options.format == Format::kJson) {
             std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';

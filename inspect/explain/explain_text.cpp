@@ -20,6 +20,10 @@ std::string endText(const json& outcome) {
         return "it would end without starting anything";
     }
     const std::string program = outcome.value("program", "");
+    if (outcome.contains("obstacle")) {
+        return "it is handed to " + program +
+               ", which cannot start the platform: " + outcome["obstacle"].get<std::string>();
+    }
     if (kind == "in-process") {
         return "the platform runs in the launcher's own process, through " + program;
     }

@@ -3,7 +3,6 @@
 #include "diagnostics/format.h"
 #include "diagnostics/messages.h"
 #include "inspect/handoff/code_faults.h"
-#include "inspect/handoff/hand_off.h"
 
 #include <string.h>
 
@@ -54,9 +53,16 @@ void settleHandOff(json& outcome, const std::string& libraryPath) {
     }
 }
 
-json describeHandOff(const Examination& examination) {
+void tellObstacle(json& outcome, const std::vector<Examined>& handOff) {
+    const Fault* obstacle = obstacleIn(handOff);
+    if (obstacle != nullptr && outcome.contains("beyond")) {
+        outcome["obstacle"] = obstacle->code;
+    }
+}
+
+json describeHandOff(const std::vector<Examined>& handOff) {
     json all = json::array();
-    for (const Examined& examined : examineHandOff(examination)) {
+    for (const Examined& examined : handOff) {
         json faults = json::array();
         for (const Fault& fault : examined.faults) {
             faults.push_back({{"code", fault.code},

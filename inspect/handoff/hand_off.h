@@ -35,8 +35,13 @@ std::optional<Plan> planOf(const Examination& examination);
 /// In the order in which they are used; nothing where there is no plan.
 std::vector<Examined> examineHandOff(const Examination& examination);
 
+/// The first fault of what nothing of the platform runs without; null when there is none.
+const Fault* obstacleIn(const std::vector<Examined>& handOff);
+
 void addFaults(const Examined& examined, Findings& findings);
 
+/// What the plan names itself: programs, libraries, jars, and the variables that the next program gets.
+std::vector<Examined> examineTargets(const Examination& examination, const Plan& plan);
 /// The same where the platform's own configuration leads: framework, bundles, areas.
 std::vector<Examined> examineConfiguration(const Examination& examination, const Plan& plan);
 
@@ -45,6 +50,8 @@ Fault faultAt(const Examination& examination, const char* code, const Origin& or
               const std::string& message);
 /// What is the matter with a jar that is there; nothing when it can be read and has a manifest.
 std::optional<std::string> jarFault(const std::string& path);
+/// The value behind an option, in front of "-vmargs" or in a command line of Java's; empty without one.
+Argument valueBehind(OptionName option, const Plan& plan);
 /// The JVM's path: behind "-vm", or the program that is started; empty without one.
 Argument jvmOf(const Examination& examination, const Plan& plan);
 /// What a variable holds for whoever is handed to; empty when it is not set.

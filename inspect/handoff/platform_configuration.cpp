@@ -1,6 +1,7 @@
 // The platform's own configuration, config.ini: the framework, the bundles and the areas that it names.
 #include "inspect/handoff/hand_off.h"
 #include "inspect/handoff/platform_properties.h"
+#include "inspect/handoff/platform_values.h"
 #include "inspect/quiet_read.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/vocabulary/options.h"
@@ -8,10 +9,8 @@
 #include "platform/text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <sstream>
 
 namespace rcp::inspect {
@@ -22,102 +21,13 @@ namespace files = std::filesystem;
 constexpr char kFrameworkName[] = "org.eclipse.osgi";
 constexpr char kConfigurator[] = "org.eclipse.equinox.simpleconfigurator";
 constexpr std::size_t kLongestConfiguration = std::size_t{16} << 20U;
-constexpr int kUsualStartLevel =
-    6;  // up to which the framework starts bundles unless told otherwise
+// Up to which the framework starts bundles unless told otherwise.
+constexpr int kUsualStartLevel = 6;
 
 bool isThere(const std::string& path) {
     std::error_code unknown;
     return files::exists(path, unknown);
 }
-
-std::string trimmed(const std::string& text) {
-    constexpr char kBlanks[] = " \t\r\n";
-    const std::size_t begin = text.find_first_not_of(kBlanks);
-    return begin == std::string::npos
-               ? std::string()
-               : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-std::vector<std::string> splitAt(char separator, const std::string& text) {
-    std::vector<std::string> parts;
-    std::istringstream all(text);
-    for (std::string part; std::getline(all, part, separator);) {
-        parts.push_back(trimmed(part));
-    }
-    return parts;
-}
-
-// Takes `start` off; whether it was there.
-bool take(const std::string& start, std::string& text) {
-    const bool isThere = text.starts_with(start);
-    text.erase(0, isThere ? start.size() : 0);
-    return isThere;
-}
-
-std::string withoutScheme(std::string text) {
-    if (take("file:", text)) {
-        text.erase(0, text.find_first_not_of('/') == 0 || text.empty()
-                          ? 0
-                          : std::min(text.find_first_not_of('/'), text.size()) - 1);
-    }
-    return text;
-}
-
-// What the platform replaces itself, or what stands for a folder of its own choice.
-bool isUnknown(const std::string& text) {
-    return text.empty() || text.starts_with('@') || text.find('$') != std::string::npos;
-}
-
-std::optional<int> startLevel(const std::string& text) {
-    int level = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, level);
-    return read.ec == std::errc() && read.ptr == end && level > 0 ? std::optional(level)
-                                                                  : std::nullopt;
-}
-
-std::string joined(const std::string& folder, const std::string& path) {
-    return files::path(path).is_absolute() ? path : folder + "/" + path;
-}
-
-// The names of a folder's entries are asked for as often as there are bundles.
-class Folders {
-  public:
-    /// A bundle by the beginning of its file's name: alone, with ".jar", or with a version.
-    std::string find(const std::string& path) {
-        const files::path whole(path);
-        const std::string folder = whole.parent_path();
-        const std::string name = whole.filename();
-        const std::set<std::string>& names = namesIn(folder);
-        for (const std::string& alone : {name, name + ".jar"}) {
-            if (names.contains(alone)) {
-                return std::string(folder).append("/").append(alone);
-            }
-        }
-        for (const std::string& versioned : {name + "-", name + "_"}) {
-            const auto entry = names.lower_bound(versioned);
-            if (entry != names.end() && entry->starts_with(versioned)) {
-                return folder + "/" + *entry;
-            }
-        }
-        return {};
-    }
-
-  private:
-    const std::set<std::string>& namesIn(const std::string& folder) {
-        const auto [known, isNew] = names_.try_emplace(folder);
-        if (!isNew) {
-            return known->second;
-        }
-        std::error_code unknown;
-        for (files::directory_iterator entry(folder, unknown), end; !unknown && entry != end;
-             entry.increment(unknown)) {
-            known->second.insert(entry->path().filename());
-        }
-        return known->second;
-    }
-    std::map<std::string, std::set<std::string>> names_;
-};
 
 class Configuration {
   public:

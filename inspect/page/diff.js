@@ -36,8 +36,8 @@ class Differences {
                 : ends[0] === ends[1] ? 'Both: ' + ends[0]
                     : sides[0][1].log ? 'The recorded launch ' + ends[0] + '; the next ' + ends[1]
                         : 'The first ' + ends[0] + '; the second ' + ends[1]),
-            sides.map(([, side]) => side.outcome && side.outcome.record
-                ? make('p.record', null, code(side.outcome.record)) : null),
+            sides.map(([, side]) => side.outcome && (side.outcome.record || side.outcome.obstacle)
+                ? make('p.record', null, code(side.outcome.record || side.outcome.obstacle)) : null),
             sides.map(([change, side], index) => this.side(change, side, index)), making(this.data.made));
     }
 
@@ -50,6 +50,7 @@ class Differences {
     end(side) {
         const outcome = side.outcome || {};
         return !side.outcome ? 'started the platform' : outcome.record ? 'ends with ' + shown(/^\w+/.exec(outcome.record) || 'an error')
+            : side.outcome.obstacle ? 'cannot start the platform'
             : {ends: 'ends', fatal: 'ends', provisioning: 'provisions first'}[outcome.kind]
                 || (outcome.role === 'daemon' ? 'passes its arguments on' : 'starts the platform');
     }

@@ -20,7 +20,7 @@ function outcomeSection(data, sources) {
     const outcome = data.outcome || {};
     const [glyph, verb, sentence] = kOutcomes[outcome.kind] || ['?', String(outcome.kind), null];
     const isStart = kStarts.includes(outcome.kind);
-    const isBad = outcome.kind === 'fatal' || (!isStart && Boolean(outcome.record));
+    const isBad = outcome.kind === 'fatal' || Boolean(outcome.obstacle) || (!isStart && Boolean(outcome.record));
     const program = outcome.program && isStart ? shown(baseName(outcome.program)) : null;
     const role = outcome.role && outcome.role !== 'undecided' && isStart ? 'as ' + outcome.role : null;
     const command = [shown(baseName(data.launcher || 'rcplauncher')),
@@ -38,6 +38,7 @@ function outcomeSection(data, sources) {
             sources.written(outcome.source)) : null,
         outcome.cause ? make('p.cause', null, prose(outcome.cause)) : null,
         outcome.program ? make('p', null, isStart ? null : 'It was on its way to ', code(outcome.program)) : null,
+        outcome.obstacle ? make('p.record', null, 'The platform cannot be started: ', code(outcome.obstacle)) : null,
         outcome.beyond ? make('p.note', null, breakable(outcome.beyond)) : null,
         making(data.made), facts(data));
 }

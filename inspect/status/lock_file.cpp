@@ -29,7 +29,7 @@ std::optional<std::string> beginningOf(const std::string& path) {
 
 LockFile lookAtLockFile(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 && errno == ENOENT) {
+    if (::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
         return {};
     }
     const std::optional<std::string> beginning = beginningOf(path);

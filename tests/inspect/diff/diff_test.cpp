@@ -202,6 +202,15 @@ TEST_F(DiffTest, ThePageHoldsTheSame) {
     EXPECT_NE(folder_.read("page.html").find("\"command\":\"diff\""), std::string::npos);
 }
 
+TEST_F(DiffTest, ALaunchWhosePlatformCannotStartIsToldFirst) {
+    const std::string old = copy();
+    replaceIn(kProperties, "jvm.libpath=/lib/server/libjvm.so", "jvm.libpath=/lib/libnone.so");
+    EXPECT_NE(
+        differing({"--with", old})
+            .find("the first starts the platform; the second cannot start the platform: RI601"),
+        std::string::npos);
+}
+
 TEST_F(DiffTest, ALaunchThatWouldFailIsNotTakenForOneWithoutElements) {
     const std::string old = copy();
     replaceIn(kProperties, "rcp.install.id", "x");

@@ -120,6 +120,8 @@ TEST_F(DoctorTest, AJvmThatIsNotThereIsToldOfTheJvm) {
     ASSERT_EQ(problems.size(), 1U) << problems.dump(1);
     EXPECT_TRUE(problems[0]["cause"].get<std::string>().starts_with("RI601 \"/nowhere/java\""));
     EXPECT_EQ(answer("installation", 2, arguments)["mark"], "good");
+    EXPECT_EQ(answer("launch", 2, arguments)["problems"][0]["cause"],
+              "the platform cannot be started: RI601");
 }
 
 TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
@@ -140,6 +142,13 @@ TEST_F(DoctorTest, AWorkspaceBelowAFileIsBadAndTheArgumentIsNamed) {
     const Json problem = answer("launch", 2, arguments)["problems"][0];
     EXPECT_TRUE(problem["cause"].get<std::string>().starts_with("ZYPRA0083E")) << problem;
     EXPECT_EQ(problem["place"], "argument 3");
+    EXPECT_EQ(launch(arguments), 255);
+}
+
+TEST_F(DoctorTest, AWorkspaceThatIsAFileHoldsNoLockFile) {
+    folder_.write("home/file", "");
+    const Words arguments = {"-data", folder_.narrow("home/file")};
+    EXPECT_EQ(answer("lock and platform", 2, arguments)["mark"], "good");
     EXPECT_EQ(launch(arguments), 255);
 }
 

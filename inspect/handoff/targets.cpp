@@ -1,0 +1,241 @@
+// The programs, libraries and jars that a launch names itself, and the variables that it leaves behind.
+#include "inspect/bundle/bundle.h"
+#include "inspect/check/groups.h"
+#include "inspect/handoff/code_faults.h"
+#include "inspect/handoff/hand_off.h"
+#include "inspect/handoff/jar.h"
+#include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+namespace rcp::inspect {
+namespace {
+
+// One of them the launcher library starts, when the manifest names no other.
+constexpr const char* kMainClasses[] = {"org/eclipse/equinox/launcher/Main.class",
+                                        "org/eclipse/core/launcher/Main.class"};
+constexpr const char* kJvmEntryPoints[] = {"JNI_CreateJavaVM"};
+constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS"};
+
+std::string inQuotes(const std::string& text) {
+    return "\"" + text + "\"";
+}
+
+class Examiner {
+  public:
+    Examiner(const Examination& examination, const Plan& plan)
+        : examination_(examination),
+          plan_(plan),
+          isInProcess_(examination.inputs.traits.invokeDylib && !plan.line.library().empty()),
+          isBundle_(!contentsAround(examination.launcher).empty()) {
+        // What the loader heeds is the variable as the process was started with.
+        const std::string name = "LD_LIBRARY_PATH";
+        const char* given = getenv(name.c_str());
+        libraryPath_ = !isInProcess_      ? variableAfter(name, plan.environment)
+                       : given == nullptr ? std::string()
+                                          : std::string(given);
+    }
+
+    std::vector<Examined> examine() {
+        if (!isInProcess_) {
+            examineProgram();
+        }
+        if (!plan_.line.library().empty()) {
+            examineLibrary();
+        }
+        examineJvm();
+        examination_.inputs.traits.isDirectJavaShape() ? examineClassPath() : examineStartupJar();
+        examineEnvironment();
+        return std::move(all_);
+    }
+
+  private:
+    Examined& begin(const std::string& what, const std::string& path) {
+        return all_.emplace_back(Examined{.what = what, .path = path});
+    }
+    void addFault(Examined& examined, const char* code, const Origin& origin,
+                  const std::string& message) const {
+        examined.faults.push_back(faultAt(examination_, code, origin, message));
+    }
+
+    // The code of a bundle is examined as the bundle's, on every system.
+    void judgeProgram(Examined& examined, const Argument& program) const {
+        const std::string path = toNarrow(program.text);
+        const auto fault = isBundle_ ? std::nullopt : startFault(path);
+        if (fault) {
+            addFault(examined, "RI801", program.origin,
+                     inspect::quoted(program.text) + ": " + fault->reason);
+        }
+        for (const std::string& name : isBundle_ || fault ? std::vector<std::string>()
+                                                          : missingLibraries(path, libraryPath_)) {
+            addFault(examined, "RI801", program.origin,
+                     inspect::quoted(program.text) + " needs " + name + ", which is nowhere");
+        }
+    }
+
+    void judgeLibrary(Examined& examined, const Argument& library,
+                      std::span<const char* const> entryPoints) const {
+        const auto fault =
+            isBundle_ ? std::nullopt : loadFault(toNarrow(library.text), entryPoints, libraryPath_);
+        if (fault) {
+            addFault(examined, "RI802", library.origin,
+                     inspect::quoted(library.text) + ": " + *fault);
+        }
+    }
+
+    void examineProgram() {
+        const Argument& program = plan_.line.arguments().front();
+        if (!examination_.inputs.traits.isDirectJavaShape()) {
+            judgeProgram(begin("program", toNarrow(program.text)), program);
+        }
+    }
+
+    void examineLibrary() {
+        const Argument library(plan_.line.library(), examination_.originOf(keys::kBaseLocation));
+        judgeLibrary(begin("launcher library", toNarrow(library.text)), library,
+                     kPlatformEntryPoints);
+    }
+
+    // A name alone the launcher library looks for along PATH.
+    static std::string alongPath(const std::string& name) {
+        const char* const path = getenv("PATH");
+        std::istringstream folders(path == nullptr ? "" : path);
+        for (std::string folder; std::getline(folders, folder, ':');) {
+            folder.append("/").append(name);
+            if (!startFault(folder)) {
+                return folder;
+            }
+        }
+        return name;
+    }
+
+    // Its name tells the launcher library what it is.
+    static bool isJvmLibrary(const std::string& path) {
+        const std::string name = std::filesystem::path(path).filename();
+        return name.ends_with(".dylib") || name.ends_with(".jnilib") ||
+               name.find(".so") != std::string::npos;
+    }
+
+    void examineJvm() {
+        Argument jvm = jvmOf(examination_, plan_);
+        if (jvm.text.empty()) {
+            return;  // the launcher library looks for one itself
+        }
+        const bool isJava = examination_.inputs.traits.isDirectJavaShape();
+        if (!isJava && jvm.text.find(L'/') == std::wstring::npos) {
+            jvm.text = toWide(alongPath(toNarrow(jvm.text)));
+        }
+        const std::string path = toNarrow(jvm.text);
+        Examined& examined = begin("JVM", path);
+        if (!exists(jvm.text)) {
+            addFault(examined, "RI601", jvm.origin, inspect::quoted(jvm.text) + " is missing");
+        } else if (isFolder(path)) {
+            if (!existsA(path + "/java") && !existsA(path + "/libjvm.so")) {
+                addFault(examined, "RI802", jvm.origin,
+                         inspect::quoted(jvm.text) + " is a folder without JVM");
+            }
+        } else if (path.ends_with(".ee") || path.ends_with(".dll")) {
+            return;  // a description, whose contents the launcher library reads
+        } else if (isJvmLibrary(path) && !isJava) {
+            judgeLibrary(examined, jvm, kJvmEntryPoints);
+        } else {
+            judgeProgram(examined, jvm);
+        }
+    }
+
+    // A jar that is missing is told already with the settings.
+    std::optional<std::set<std::string>> judgeJar(Examined& examined, const Argument& jar) const {
+        const std::string path = toNarrow(jar.text);
+        if (!exists(jar.text)) {
+            addFault(examined, "RI601", jar.origin, inspect::quoted(jar.text) + " is missing");
+            return std::nullopt;
+        }
+        if (const auto fault = jarFault(path)) {
+            addFault(examined, "RI803", jar.origin, inQuotes(path) + " " + *fault);
+            return std::nullopt;
+        }
+        return jarEntries(path);
+    }
+
+    void examineStartupJar() {
+        const Argument jar = valueBehind(options::kStartup, plan_);
+        Examined& examined = begin("startup jar", toNarrow(jar.text));
+        const auto entries = judgeJar(examined, jar);
+        const auto isThere = [&](const char* name) { return entries->contains(name); };
+        if (entries && std::none_of(std::begin(kMainClasses), std::end(kMainClasses), isThere)) {
+            addFault(examined, "RI804", jar.origin,
+                     inspect::quoted(jar.text) + " has no " + inQuotes(kMainClasses[0]));
+        }
+    }
+
+    void examineClassPath() {
+        const Argument classPath = valueBehind(options::kClassPath, plan_);
+        Examined& examined = begin("class path", toNarrow(classPath.text));
+        bool isFound = false;
+        std::istringstream parts(toNarrow(classPath.text));
+        for (std::string part; std::getline(parts, part, ':');) {
+            if (part.ends_with('*')) {
+                isFound = true;  // all that lies there
+            } else if (isFolder(part)) {
+                isFound = isFound || existsA(part + "/" + kMainClasses[1]);
+            } else {
+                const auto entries = judgeJar(examined, {toWide(part), classPath.origin});
+                isFound = isFound || !entries || entries->contains(kMainClasses[1]);
+            }
+        }
+        if (!isFound) {
+            addFault(examined, "RI804", classPath.origin,
+                     "nothing on the class path has " + inQuotes(kMainClasses[1]));
+        }
+    }
+
+    void examineFolders(const EnvironmentChange& change) {
+        Examined& examined = begin(toNarrow(change.name), toNarrow(change.value));
+        std::istringstream folders(toNarrow(change.value));
+        for (std::string folder; std::getline(folders, folder, ':');) {
+            if (!folder.empty() && !isFolder(folder)) {
+                addFault(examined, "RI808", change.origin, inQuotes(folder) + " is no folder");
+            }
+        }
+    }
+
+    void examineEnvironment() {
+        for (const EnvironmentChange& change : plan_.environment) {
+            const bool isPath =
+                change.name == L"LD_LIBRARY_PATH" || change.name.starts_with(L"DYLD_");
+            if (change.kind == EnvironmentChange::kSet && isPath &&
+                change.name.ends_with(L"_PATH")) {
+                examineFolders(change);
+            }
+        }
+        for (const char* name : kJvmVariables) {
+            const char* value = getenv(name);
+            if (value != nullptr && variableAfter(name, plan_.environment) == value) {
+                Examined& examined = begin("variable", name);
+                addFault(examined, "RI809", {}, std::string(name) + " is " + inQuotes(value));
+            }
+        }
+    }
+
+    const Examination& examination_;
+    const Plan& plan_;
+    bool isInProcess_;
+    bool isBundle_;
+    std::string libraryPath_;
+    std::vector<Examined> all_;
+};
+
+}  // namespace
+
+std::vector<Examined> examineTargets(const Examination& examination, const Plan& plan) {
+    return Examiner(examination, plan).examine();
+}
+
+}  // namespace rcp::inspect
