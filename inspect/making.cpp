@@ -40,6 +40,20 @@ std::string dateAndTime(time_t time) {
     return {text.data(), strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", &parts)};
 }
 
+std::string agoText(time_t seconds) {
+    struct Unit {
+        time_t seconds;
+        const char* name;
+    };
+    constexpr std::array<Unit, 3> kUnits{{{86400, "day"}, {3600, "hour"}, {60, "minute"}}};
+    Unit unit{1, "second"};
+    for (auto larger = kUnits.rbegin(); larger != kUnits.rend(); ++larger) {
+        unit = seconds >= larger->seconds ? *larger : unit;
+    }
+    const time_t count = seconds / unit.seconds;
+    return std::to_string(count) + " " + unit.name + (count == 1 ? " ago" : "s ago");
+}
+
 nlohmann::json describeMaking() {
     return {{"time", dateAndTime(time(nullptr))},
             {"version", RCP_VERSION},

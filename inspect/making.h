@@ -14,6 +14,9 @@ std::string effectiveUser();
 /// "2026-11-22 13:05 UTC".
 std::string dateAndTime(time_t time);
 
+/// How long ago that was, in the largest unit that fits: "1 minute ago".
+std::string agoText(time_t seconds);
+
 /// The name of this machine; empty when the system does not tell.
 std::string hostName();
 

@@ -127,7 +127,7 @@ Side explainedSide(const Options& options) {
 RecordedLaunch recordedLaunch(const Options& options) {
     const json facts = explainLaunch(options)["facts"];
     const std::string logs = facts.value("workspace", std::string()) + "/logs";
-    const auto last = lastLaunch(logs, options.launcher);
+    const auto last = lastLaunch(logs, options);
     if (!last) {
         throw std::runtime_error("no launch is recorded in " + logs);
     }

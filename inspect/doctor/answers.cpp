@@ -132,13 +132,18 @@ Answer answerLastStart(const Evidence& evidence) {
     if (!last) {
         return {"last start", "none is recorded"};
     }
+    const std::optional<time_t> age = ageOf(*last, evidence.state.now);
     Answer answer{"last start", dateAndTime(last->time.tv_sec) + ", " +
+                                    (age ? agoText(*age) + ", " : "") +
                                     (last->outcome == Outcome::kHandedOff     ? "handed off"
                                      : last->outcome == Outcome::kProvisioned ? "provisioned"
                                      : last->outcome == Outcome::kFailed      ? "failed"
                                                                               : "unfinished")};
     if (last->outcome == Outcome::kFailed) {
-        answer.problems.push_back({Mark::kBad, last->record, last->log, remedyOf(last->record)});
+        answer.problems.push_back(
+            {last->isOwn ? Mark::kBad : Mark::kOdd,
+             (last->isOwn ? "" : "perhaps of another installation: ") + last->record, last->log,
+             remedyOf(last->record)});
     }
     if (const auto& errors = evidence.state.platformErrors) {
         answer.problems.push_back({Mark::kOdd, "the platform has logged errors since then",

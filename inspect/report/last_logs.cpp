@@ -60,7 +60,7 @@ bool isPlatformsLog(const std::string& name) {
 std::vector<Log> lastLogs(const nlohmann::json& facts, const Options& options) {
     const std::string logs = facts.value("logs", "");
     Paths paths = newestIn(logs, isLaunchersLog);
-    if (const auto last = lastLaunch(logs, options.launcher); last && last->isTemporary) {
+    if (const auto last = lastLaunch(logs, options); last && last->isTemporary) {
         paths.emplace_back(last->log);
     }
     for (const std::string& folder :

@@ -2,6 +2,8 @@
 
 #include "inspect/messages.h"
 #include "inspect/quiet_read.h"
+#include "launcher/vocabulary/paths.h"
+#include "platform/text.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -67,21 +69,36 @@ bool isFailedHandOff(std::string_view record) {
     return record.starts_with("Error: execv:") || record.starts_with("Error: invokeEclipseDylib:");
 }
 
-// Whether the temporary log is one of `launcher`: its argument dump begins with the program. A
-// launch that ended before the dump may be anybody's.
-bool isLogOf(const std::string& launcher, std::string_view log) {
+enum class Owner { kThis, kOther, kUnknown };
+
+Owner ownerBy(bool isThis) {
+    return isThis ? Owner::kThis : Owner::kOther;
+}
+
+// The argument dump begins with the program; empty without a dump. One that is not absolute was relative
+// to a folder that nobody knows any more.
+std::string_view programOf(std::string_view log) {
     constexpr std::string_view kDump = "ZYPRA0030I: rcplauncher main arguments=\"";
     const std::size_t at = log.find(kDump);
     if (at == std::string_view::npos) {
-        return true;
+        return {};
     }
     log.remove_prefix(at + kDump.size());
-    const std::string_view program = log.substr(0, log.find(", "));
-    if (!program.starts_with('/')) {
-        return true;  // relative to a folder that nobody knows any more
+    return log.substr(0, log.find(", "));
+}
+
+// Whose the temporary log is. What ends a launch before its dump is mostly its property file, and the
+// record names it.
+Owner ownerOf(std::string_view log, const Options& options) {
+    const std::string_view program = programOf(log);
+    if (program.starts_with('/')) {
+        std::error_code missing;
+        return ownerBy(files::equivalent(files::path(program), options.launcher, missing));
     }
-    std::error_code missing;
-    return files::equivalent(files::path(program), launcher, missing);
+    const std::string file = toNarrow(paths::kSettings);
+    return log.find(file) == std::string_view::npos
+               ? Owner::kUnknown
+               : ownerBy(log.find(" " + options.installation + file) != std::string_view::npos);
 }
 
 }  // namespace
@@ -117,23 +134,30 @@ LastLaunch readLaunch(std::string_view log) {
     return launch;
 }
 
-std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const std::string& launcher) {
+std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const Options& options) {
     std::vector<LogFile> logs;
     addLogs(logFolder, false, logs);
     addLogs(kTemporaryFolder, true, logs);
     std::sort(logs.begin(), logs.end(), isLater);
     for (const LogFile& file : logs) {
         const std::string text = readQuietly(file.path, kLongestLog);
-        if (file.isTemporary && !isLogOf(launcher, text)) {
+        const Owner owner = file.isTemporary ? ownerOf(text, options) : Owner::kThis;
+        if (owner == Owner::kOther) {
             continue;
         }
         LastLaunch launch = readLaunch(text);
         launch.log = file.path;
         launch.time = file.time;
         launch.isTemporary = file.isTemporary;
+        launch.isOwn = owner == Owner::kThis;
         return launch;
     }
     return std::nullopt;
+}
+
+std::optional<time_t> ageOf(const LastLaunch& launch, std::optional<time_t> now) {
+    return now && *now >= launch.time.tv_sec ? std::optional(*now - launch.time.tv_sec)
+                                             : std::nullopt;
 }
 
 }  // namespace rcp::inspect

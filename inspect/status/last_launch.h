@@ -1,7 +1,10 @@
 // The last launch in a workspace, as its log tells it.
 #pragma once
 
+#include "inspect/options.h"
+
 #include <sys/types.h>
+#include <time.h>
 
 #include <optional>
 #include <string>
@@ -20,6 +23,7 @@ struct LastLaunch {
     std::string log;
     timespec time{};           // of the log's last record
     bool isTemporary = false;  // the log of /tmp, which all installations of the user share
+    bool isOwn = true;         // false: it does not tell whose, so it may be another installation's
     std::string role;          // "main", "daemon", or empty when the log does not tell
     Outcome outcome = Outcome::kUnfinished;
     std::string record;  // kFailed: what ended it
@@ -29,7 +33,11 @@ struct LastLaunch {
 LastLaunch readLaunch(std::string_view log);
 
 /// The launch that wrote last: into the workspace's log folder, or into the temporary log because it
-/// ended before there was one. `launcher` is the program whose launches count in the latter.
-std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const std::string& launcher);
+/// ended before there was one. Those of other installations than that of `options` do not count.
+std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const Options& options);
+
+/// The seconds from the last record to `now`; none without a `now`, or when it is earlier: clocks are put
+/// back.
+std::optional<time_t> ageOf(const LastLaunch& launch, std::optional<time_t> now);
 
 }  // namespace rcp::inspect

@@ -120,13 +120,20 @@ Json nextJson(const NextLaunch& next) {
             {"record", recordJson(next.record)}};
 }
 
-Json lastJson(const std::optional<LastLaunch>& last) {
+Json lastJson(const WorkspaceState& state) {
+    const std::optional<LastLaunch>& last = state.last;
     if (!last) {
         return {};
     }
-    return {{"time", utcTime(last->time)},      {"log", last->log},
-            {"isShared", last->isTemporary},    {"role", orNull(last->role)},
-            {"outcome", nameOf(last->outcome)}, {"record", recordJson(last->record)}};
+    const std::optional<time_t> age = ageOf(*last, state.now);
+    return {{"time", utcTime(last->time)},
+            {"age", age ? Json(*age) : Json()},
+            {"log", last->log},
+            {"isShared", last->isTemporary},
+            {"isOwn", last->isOwn ? Json(true) : Json()},
+            {"role", orNull(last->role)},
+            {"outcome", nameOf(last->outcome)},
+            {"record", recordJson(last->record)}};
 }
 
 Json platformErrorsJson(const std::optional<PlatformLog>& log) {
@@ -163,7 +170,7 @@ nlohmann::ordered_json toJson(const WorkspaceState& state) {
               {"isOld", state.ids.isOld}}},
             {"provisioning", provisioningJson(state.provisioning)},
             {"nextLaunch", nextJson(state.next)},
-            {"lastLaunch", lastJson(state.last)},
+            {"lastLaunch", lastJson(state)},
             {"platformErrors", platformErrorsJson(state.platformErrors)}};
 }
 

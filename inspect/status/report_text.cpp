@@ -1,3 +1,4 @@
+#include "inspect/making.h"
 #include "inspect/messages.h"
 #include "inspect/status/report.h"
 
@@ -192,16 +193,23 @@ std::string textOf(const LastLaunch& last) {
     }
 }
 
-void addLast(Page& page, const std::optional<LastLaunch>& last) {
+void addLast(Page& page, const WorkspaceState& state) {
+    const std::optional<LastLaunch>& last = state.last;
     if (!last) {
         page.line("last launch", "none has left a log");
         return;
     }
     const bool hasFailed = last->outcome == Outcome::kFailed;
-    page.line("last launch", localTime(last->time) + " " + textOf(*last),
+    const std::optional<time_t> age = ageOf(*last, state.now);
+    page.line("last launch",
+              localTime(last->time) + (age ? ", " + agoText(*age) + ": " : " ") + textOf(*last),
               hasFailed ? Tone::kBad : Tone::kPlain);
     page.more(last->log +
               (last->isTemporary ? ", which all installations of this user share" : ""));
+    if (!last->isOwn) {
+        page.more("it does not tell whose launch this was: it may be another installation's",
+                  Tone::kOdd);
+    }
     if (hasFailed) {
         addRecord(page, last->record);
     }
@@ -255,7 +263,7 @@ std::string toText(const WorkspaceState& state, bool isColored) {
                   Tone::kOdd);
     }
     addNext(page, state);
-    addLast(page, state.last);
+    addLast(page, state);
     addPlatformErrors(page, state.platformErrors);
     return page.text();
 }

@@ -69,7 +69,9 @@ void watch(const Options& options) {
     WorkspaceWatch workspace(options);
     std::string shown;
     do {
-        std::string now = render(workspace.look(), options);
+        WorkspaceState state = workspace.look();
+        state.now.reset();  // what stands on the screen would be wrong a second later
+        std::string now = render(state, options);
         if (now == shown) {
             continue;
         }

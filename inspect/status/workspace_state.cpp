@@ -129,7 +129,8 @@ WorkspaceState WorkspaceWatch::look() {
         addWorkspace(facts, state);
     }
     state.next = nextLaunch(launch_);
-    state.last = lastLaunch(text(facts, "logs"), options_.launcher);
+    state.last = lastLaunch(text(facts, "logs"), options_);
+    state.now = time(nullptr);
     if (!state.workspace.empty() && state.last) {
         state.platformErrors = platformLog(state.configuration, state.workspace, state.last->time);
     }

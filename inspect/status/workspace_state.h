@@ -61,6 +61,7 @@ struct WorkspaceState {
     std::optional<ProvisioningState> provisioning;  // none for a launch that would end before
     NextLaunch next;
     std::optional<LastLaunch> last;
+    std::optional<time_t> now;  // what ages are counted from; none: they are not told
     std::optional<PlatformLog> platformErrors;  // since then
 };
 

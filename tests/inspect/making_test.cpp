@@ -25,6 +25,16 @@ TEST_F(Making, ATimeIsToldInUtcToTheMinute) {
     EXPECT_EQ(dateAndTime(951782399), "2000-02-28 23:59 UTC");
 }
 
+TEST_F(Making, AnAgeIsToldInTheLargestUnitThatFits) {
+    EXPECT_EQ(agoText(0), "0 seconds ago");
+    EXPECT_EQ(agoText(59), "59 seconds ago");
+    EXPECT_EQ(agoText(60), "1 minute ago");
+    EXPECT_EQ(agoText(3599), "59 minutes ago");
+    EXPECT_EQ(agoText(3600), "1 hour ago");
+    EXPECT_EQ(agoText(24 * 3600), "1 day ago");
+    EXPECT_EQ(agoText(400 * 24 * 3600), "400 days ago");
+}
+
 TEST_F(Making, TellsWhenByWhomAndWithWhat) {
     const nlohmann::json made = describeMaking();
     EXPECT_THAT(made["time"], MatchesRegex("2[0-9]{3}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2} UTC"));

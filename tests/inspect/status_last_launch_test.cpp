@@ -1,6 +1,8 @@
 #include "inspect/status/last_launch.h"
+#include "inspect/status/report.h"
 #include "tests/inspect/status_fixture.h"
 
+#include <filesystem>
 #include <regex>
 
 namespace rcp::inspect::test {
@@ -52,6 +54,51 @@ TEST_F(StatusOfTheLastLaunch, OneThatEndedBeforeItsLogIsFoundInTheSharedOne) {
     std::filesystem::remove("/tmp/rcplauncher.log");
 }
 
+TEST_F(StatusOfTheLastLaunch, OneThatEndedOverItsPropertiesBelongsToTheInstallationOfThat) {
+    if (!rcp::test::hasPrivateTmp()) {
+        GTEST_SKIP() << "this system gives the test no /tmp of its own";
+    }
+    ASSERT_EQ(launch(), 0);
+    const std::string properties = folder_.narrow(kProperties);
+    std::filesystem::rename(properties, properties + ".away");
+    ASSERT_EQ(launch(), 255);
+    const Json last = status()["lastLaunch"];
+    EXPECT_EQ(last["log"], "/tmp/rcplauncher.log");
+    EXPECT_EQ(last["isOwn"], true);
+    std::filesystem::rename(properties + ".away", properties);
+
+    std::filesystem::create_directories(folder_.path() / "other/rcp");
+    std::filesystem::copy(launcher(), folder_.path() / "other/rcp/rcplauncher");
+    Program other({folder_.narrow("other/rcp/rcplauncher")}, environment());
+    (void)other.rest();
+    ASSERT_EQ(other.wait(), 255);
+    EXPECT_EQ(status()["lastLaunch"]["outcome"], "handed-off");
+    std::filesystem::remove("/tmp/rcplauncher.log");
+}
+
+TEST_F(StatusOfTheLastLaunch, OfAnUnknownInstallationItIsToldAsSuch) {
+    if (!rcp::test::hasPrivateTmp()) {
+        GTEST_SKIP() << "this system gives the test no /tmp of its own";
+    }
+    Words variables = environment();
+    std::erase(variables, "LANG=C.UTF-8");
+    variables.emplace_back("LC_ALL=nowhere");
+    Program program(launchWords({}), variables);
+    (void)program.rest();
+    ASSERT_EQ(program.wait(), 255);
+    const Json last = status()["lastLaunch"];
+    EXPECT_EQ(last["record"]["messages"][0]["id"], "ZYPRA0182E");
+    EXPECT_EQ(last["isOwn"], Json());
+    EXPECT_NE(text().find("it may be another installation's"), std::string::npos);
+    std::filesystem::remove("/tmp/rcplauncher.log");
+}
+
+TEST_F(StatusOfTheLastLaunch, ItsAgeIsTold) {
+    ASSERT_EQ(launch(), 0);
+    EXPECT_TRUE(status()["lastLaunch"]["age"].is_number());
+    EXPECT_NE(text().find(" ago: started the platform\n"), std::string::npos);
+}
+
 TEST_F(StatusOfTheLastLaunch, TheLatestLogCounts) {
     ASSERT_EQ(launch(), 0);
     ASSERT_EQ(launch({"-debug"}), 0);
@@ -90,6 +137,24 @@ TEST(LastLaunch, AProgramThatCouldNotBeStartedFailsTheLaunchBehindItsHandOff) {
     const LastLaunch failed = readLaunch(log + "Error: execv: /x could not be started : Reason\n");
     EXPECT_EQ(failed.outcome, Outcome::kFailed);
     EXPECT_EQ(failed.record, "Error: execv: /x could not be started : Reason");
+}
+
+TEST(LastLaunch, ItsAgeIsCountedFromTheClockThatIsGiven) {
+    WorkspaceState state;
+    state.last = LastLaunch();
+    state.last->time = {1'000'000, 0};
+    const auto age = [&] { return toJson(state)["lastLaunch"]["age"]; };
+    const auto isInText = [&](const char* words) {
+        return toText(state, false).find(words) != std::string::npos;
+    };
+    EXPECT_EQ(age(), Json());
+    EXPECT_FALSE(isInText(" ago"));
+    state.now = 1'000'000 + 2 * 60 * 60 + 59;
+    EXPECT_EQ(age(), 2 * 60 * 60 + 59);
+    EXPECT_TRUE(isInText(", 2 hours ago: is at work"));
+    state.now = 999'999;  // the clock was put back
+    EXPECT_EQ(age(), Json());
+    EXPECT_FALSE(isInText(" ago"));
 }
 
 TEST(LastLaunch, AnEmptyLogTellsNothing) {
