@@ -1,0 +1,82 @@
+#include "inspect/redaction/text_parts.h"
+
+#include <algorithm>
+#include <cctype>
+#include <utility>
+
+namespace rcp::inspect {
+namespace {
+
+bool isNameCharacter(char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_' ||
+           character == '.' || character == '-';
+}
+
+}  // namespace
+
+bool isAt(std::string_view text, std::size_t at, std::string_view characters) {
+    return at < text.size() && characters.find(text[at]) != kNone;
+}
+
+std::size_t endOfLine(std::string_view text, std::size_t at) {
+    return std::min(text.find('\n', at), text.size());
+}
+
+std::size_t endOfEntry(std::string_view text, std::size_t at) {
+    std::size_t end = endOfLine(text, at);
+    while (end < text.size() && end > at && text[end - 1] == '\\') {
+        end = endOfLine(text, end + 1);
+    }
+    return end;
+}
+
+std::size_t firstOf(std::string_view text, std::size_t at, std::size_t end,
+                    std::initializer_list<std::string_view> ends) {
+    for (const std::string_view one : ends) {
+        end = std::min(end, text.substr(0, end).find(one, at));
+    }
+    return end;
+}
+
+Name nameBefore(std::string_view text, std::size_t end) {
+    while (end > 0 && isAt(text, end - 1, kBlanks)) {
+        --end;
+    }
+    if (end > 0 && isAt(text, end - 1, "\"'")) {
+        --end;
+    }
+    std::size_t begin = end;
+    while (begin > 0 && isNameCharacter(text[begin - 1])) {
+        --begin;
+    }
+    return {begin, end};
+}
+
+bool isFirstBehind(std::string_view front) {
+    const bool isBehindPlace = front.size() > 1 && front.ends_with(':') &&
+                               std::isdigit(static_cast<unsigned char>(front[front.size() - 2]));
+    return isBehindPlace || front.find_first_not_of(" \t#!$+~\"'0123456789") == kNone;
+}
+
+std::size_t endOfQuoted(std::string_view text, std::size_t at) {
+    const std::size_t line = endOfLine(text, at);
+    std::size_t end = at + 1;
+    while (end < line && text[end] != text[at]) {
+        end += text[end] == '\\' ? 2 : 1;
+    }
+    return std::min(end, line);
+}
+
+void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart part) {
+    while (part.begin < part.end && isAt(text, part.begin, " \t\"'")) {
+        ++part.begin;
+    }
+    while (part.end > part.begin && isAt(text, part.end - 1, " \t\r\n")) {
+        --part.end;
+    }
+    if (!isHarmless(text.substr(part.begin, part.end - part.begin))) {
+        parts.push_back(std::move(part));
+    }
+}
+
+}  // namespace rcp::inspect
