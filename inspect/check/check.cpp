@@ -4,9 +4,11 @@
 #include "inspect/check/launcher_end.h"
 #include "inspect/check/report.h"
 #include "inspect/commands.h"
+#include "inspect/handoff/rehearsed_end.h"
 #include "inspect/handoff/try_jvm.h"
 #include "launcher/process_entry.h"
 
+#include <exception>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -15,6 +17,15 @@ namespace {
 
 constexpr int kWarnings = 1;
 constexpr int kErrors = 2;
+
+// That it cannot be rehearsed is nothing of the installation's.
+void rehearseToo(const Options& options, const Examination& examination, Findings& findings) {
+    try {
+        findInRehearsal(options, examination, findings);
+    } catch (const std::exception& problem) {
+        std::cerr << "rcpinspect: the launch was not rehearsed: " << problem.what() << '\n';
+    }
+}
 
 }  // namespace
 
@@ -51,6 +62,9 @@ int check(const Options& options) {
     endOf(&setCharacterLocale);  // texts are read as the launcher reads them
     const Examination examination = examine(options);
     Findings findings = findEverything(examination);
+    if (examination.file(kLauncherFile) != nullptr) {
+        rehearseToo(options, examination, findings);
+    }
     if (options.isTryingJvm) {
         addFaults(tryJvm(examination), findings);
     }

@@ -139,6 +139,10 @@ constexpr FindingRule kRules[] = {
     {"RI504", "unknown-extension", kError,
      "\"-config\" names an extension of which there is no entry. It adds nothing to the launch.",
      "Correct the name, or add the entries."},
+    {"RI505", "launch-ends", kError,
+     "Rehearsed as this user and in this environment, a launch with these arguments ends with this "
+     "record.",
+     "rcpinspect explain tells how far it comes, and docs/messages.md what the record means."},
     // Files
     {"RI601", "missing-file", kError, "A file that a launch needs is missing or cannot be read.",
      "Add the file, or correct the path."},

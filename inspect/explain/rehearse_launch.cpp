@@ -60,6 +60,8 @@ struct Stage {
     Origin cause;           // of the end
 };
 
+enum class Share { kAll, kEnd };
+
 // Empty when there is none.
 std::string lastErrorOf(const json& records) {
     std::string last;
@@ -70,6 +72,31 @@ std::string lastErrorOf(const json& records) {
         }
     }
     return last;
+}
+
+json outcomeOf(Stage& stage, int status, const json& records, const Sources& sources) {
+    json outcome = describeOutcome(stage.launch);
+    if (outcome["kind"] == "provisioning") {
+        // The part of the parent, which the rehearsal does not play.
+        stage.launch.lock->record(getpid());
+    }
+    if (status != 0) {
+        const std::string& last = stage.lastError;
+        outcome["record"] = last.empty() ? lastErrorOf(records) : last;
+        if (!stage.cause.isComputed()) {
+            outcome["source"] = sources.describe(stage.cause);
+        }
+    } else {
+        const auto path = stage.before.find("LD_LIBRARY_PATH");
+        settleHandOff(outcome, path == stage.before.end() ? std::string() : path->second);
+    }
+    return outcome;
+}
+
+json tellEnd(Stage& stage, int status) {
+    observer = nullptr;
+    const json records = describeRecords(*stage.rehearsal);
+    return {{"outcome", outcomeOf(stage, status, records, Sources(stage.witness))}};
 }
 
 json tellAll(Stage& stage, int status) {
@@ -86,20 +113,7 @@ json tellAll(Stage& stage, int status) {
                           .before = stage.before,
                           .status = status};
     const json records = describeRecords(*stage.rehearsal);
-    json outcome = describeOutcome(launch);
-    if (outcome["kind"] == "provisioning") {
-        launch.lock->record(getpid());  // the part of the parent, which the rehearsal does not play
-    }
-    if (status != 0) {
-        const std::string& last = stage.lastError;
-        outcome["record"] = last.empty() ? lastErrorOf(records) : last;
-        if (!stage.cause.isComputed()) {
-            outcome["source"] = sources.describe(stage.cause);
-        }
-    } else {
-        const auto path = stage.before.find("LD_LIBRARY_PATH");
-        settleHandOff(outcome, path == stage.before.end() ? std::string() : path->second);
-    }
+    const json outcome = outcomeOf(stage, status, records, sources);
     json told{{"outcome", outcome},
               {"elements", describeElements(account)},
               {"dropped", describeDropped(account)},
@@ -112,10 +126,11 @@ json tellAll(Stage& stage, int status) {
     return told;
 }
 
-void tell(Stage& stage, int status, int output) {
+void tell(Stage& stage, int status, Share share, int output) {
     std::vector<std::uint8_t> text;
     try {
-        text = json::to_cbor(tellAll(stage, status));
+        text =
+            json::to_cbor(share == Share::kAll ? tellAll(stage, status) : tellEnd(stage, status));
     } catch (const std::exception& problem) {
         text = json::to_cbor(json{{"problem", problem.what()}});
     }
@@ -136,7 +151,8 @@ int launchOn(Stage& stage, int argc, char** argv) {
     }
 }
 
-[[noreturn]] void rehearse(const Options& options, const std::string& folder, int output) {
+[[noreturn]] void rehearse(const Options& options, Share share, const std::string& folder,
+                           int output) {
     Stage stage(folder);
     setLauncherExecutable(options.launcher);
     systemCalls.sleep = [](unsigned /*seconds*/) { return 0U; };
@@ -150,7 +166,7 @@ int launchOn(Stage& stage, int argc, char** argv) {
     }
     argv.push_back(nullptr);
     const int status = launchOn(stage, static_cast<int>(words.size()), argv.data());
-    tell(stage, status, output);
+    tell(stage, status, share, output);
     _exit(status);
 }
 
@@ -166,7 +182,7 @@ void tellIfSlow(int descriptor) {
 }
 
 // What the rehearsal's process tells, and its wait status.
-std::string runRehearsal(const Options& options, int& status) {
+std::string runRehearsal(const Options& options, Share share, int& status) {
     const TemporaryFolder folder;
     Pipe answer;
     if (!answer.readEnd) {
@@ -175,7 +191,7 @@ std::string runRehearsal(const Options& options, int& status) {
     const pid_t child = fork();
     if (child == 0) {
         answer.readEnd.reset();
-        rehearse(options, folder.path(), answer.writeEnd.get());
+        rehearse(options, share, folder.path(), answer.writeEnd.get());
     }
     answer.writeEnd.reset();
     if (child > 0) {
@@ -203,11 +219,9 @@ void settleRecord(json& outcome, int status) {
     }
 }
 
-}  // namespace
-
-json rehearseLaunch(const Options& options) {
+json rehearse(const Options& options, Share share) {
     int status = 0;
-    const std::string text = runRehearsal(options, status);
+    const std::string text = runRehearsal(options, share, status);
     json explanation = json::from_cbor(text, true, false);
     if (explanation.is_discarded() || !WIFEXITED(status)) {
         throw std::runtime_error("the rehearsal ended unexpectedly");
@@ -215,12 +229,23 @@ json rehearseLaunch(const Options& options) {
     if (explanation.contains("problem")) {
         throw std::runtime_error(explanation["problem"]);
     }
+    settleRecord(explanation["outcome"], WEXITSTATUS(status));
+    return explanation;
+}
+
+}  // namespace
+
+json rehearseEnd(const Options& options) {
+    return rehearse(options, Share::kEnd);
+}
+
+json rehearseLaunch(const Options& options) {
+    json explanation = rehearse(options, Share::kAll);
     explanation["layout"] = 1;
     explanation["command"] = "explain";
     explanation["launcher"] = options.launcher;
     explanation["installation"] = options.installation;
     explanation["arguments"] = options.arguments;
-    settleRecord(explanation["outcome"], WEXITSTATUS(status));
     return explanation;
 }
 

@@ -19,7 +19,10 @@ namespace rcp::inspect {
 /// variables and records are as the system has them, which need not be UTF-8.
 nlohmann::json rehearseLaunch(const Options& options);
 
-/// The same as everybody may read it: all of it is UTF-8.
+/// Of that the outcome alone, which takes less time.
+nlohmann::json rehearseEnd(const Options& options);
+
+/// All of it as everybody may read it: all of it is UTF-8.
 nlohmann::json explainLaunch(const Options& options);
 
 }  // namespace rcp::inspect

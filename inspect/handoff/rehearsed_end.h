@@ -1,0 +1,13 @@
+// What check learns from the launch being rehearsed.
+#pragma once
+
+#include "inspect/check/examination.h"
+#include "inspect/check/finding.h"
+
+namespace rcp::inspect {
+
+/// That a launch ends with an error, unless a finding tells of that already. Throws std::runtime_error
+/// when no launch can be rehearsed.
+void findInRehearsal(const Options& options, const Examination& examination, Findings& findings);
+
+}  // namespace rcp::inspect
