@@ -1,10 +1,9 @@
 // Redaction of the JSON that all outputs are made from: there a name and its value are two members.
+#include "inspect/redaction/named_values.h"
 #include "inspect/redaction/redactor.h"
-#include "inspect/redaction/text_rules.h"
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
 
 namespace rcp::inspect {
 namespace {
@@ -65,13 +64,19 @@ std::string joined(const Json& list) {
     return text;
 }
 
-Json split(const std::string& text) {
+Json split(std::string_view text) {
     Json list = Json::array();
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        list.push_back(line);
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = endOfLine(text, at);
+        list.push_back(text.substr(at, end - at));
+        at = end + 1;
     }
     return list;
+}
+
+// In an argument of several lines the name in front is that of all of them.
+std::size_t endOfNameOfLines(const std::string& argument) {
+    return argument.starts_with('-') && argument.find('\n') != kNone ? argument.find('=') : kNone;
 }
 
 // Calls visit(member, name, text) with every string; `name` is that of a value, else empty.
@@ -90,7 +95,7 @@ void walk(Json& node, const std::string& member, const Visit& visit) {
             const std::string before = std::exchange(option, std::string());
             option = text == nullptr ? std::string() : text->template get<std::string>();
             if (!before.empty() && text != nullptr && before.starts_with('-') &&
-                before.find_first_of("=: ") == std::string::npos && !option.starts_with('-')) {
+                before.find_first_of("=: ") == std::string::npos && !isOption(option)) {
                 visit("option", before, text->template get_ref<std::string&>());
             }
             walk(item, member, visit);
@@ -107,12 +112,74 @@ void walk(Json& node, const std::string& member, const Visit& visit) {
     }
 }
 
+// Calls visit(pattern, text) with every text that was made by replacing placeholders.
+template <typename Visit>
+void walkMade(Json& node, const Visit& visit) {
+    const auto visitMember = [&](Json& object, const char* member, const Json& pattern) {
+        if (pattern.is_string() && object.contains(member) && object[member].is_string()) {
+            visit(pattern.template get<std::string>(),
+                  object[member].template get_ref<std::string&>());
+        }
+    };
+    const auto memberOf = [](const Json& object, const char* member) {
+        return object.is_object() ? object.value(member, Json()) : Json();
+    };
+    if (node.is_object()) {
+        visitMember(node, "effective", memberOf(node, "value"));
+        const Json pattern = memberOf(memberOf(node, "source"), "value");
+        visitMember(node, "text", pattern);
+        if (node.contains("placeholders")) {
+            for (Json& placeholder : node["placeholders"]) {
+                visitMember(placeholder, "after", pattern);
+            }
+        }
+    }
+    if (node.is_structured()) {
+        for (Json& child : node) {
+            walkMade(child, visit);
+        }
+    }
+}
+
+std::string withPart(const std::string& text, const SecretPart& part, const std::string& by) {
+    return text.substr(0, part.begin) + by + text.substr(part.end);
+}
+
 }  // namespace
+
+// What in a text stands for the placeholders of a pattern; empty when none of them is secret.
+SecretPart Redactor::partMadeOf(const std::string& pattern, const std::string& text) const {
+    const std::size_t first = pattern.find("${");
+    const std::size_t behind = pattern.rfind('}') + 1;
+    for (std::size_t at = first; at != kNone; at = pattern.find("${", at + 1)) {
+        std::string name = bareName(pattern.substr(at));
+        if (!names_.isSecret(name) || text == pattern) {
+            continue;
+        }
+        const std::string_view front = std::string_view(pattern).substr(0, first);
+        const std::string_view back = std::string_view(pattern).substr(behind);
+        const bool isFitting = front.size() + back.size() <= text.size() &&
+                               text.starts_with(front) && text.ends_with(back);
+        return isFitting ? SecretPart{front.size(), text.size() - back.size(), std::move(name)}
+                         : SecretPart{0, text.size(), std::move(name)};
+    }
+    return {};
+}
 
 void Redactor::learnDocument(const Json& document) {
     Json copy = document;
+    walkMade(copy, [this](const std::string& pattern, std::string& text) {
+        if (const SecretPart part = partMadeOf(pattern, text); part.begin < part.end) {
+            learnWithin(text, part);
+            text = withPart(text, part, std::string(kMark) + ">");
+        }
+    });
     walk(copy, {}, [this](const std::string& member, const std::string& name, std::string& text) {
-        if (!name.empty() && names_.isSecret(name) && secretsIn(text, names_).empty()) {
+        const std::size_t equals = endOfNameOfLines(text);
+        if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
+            learnValue(text.substr(0, equals), std::string_view(text).substr(equals + 1));
+            learnWithin(text, {equals + 1, text.size(), text.substr(0, equals)});
+        } else if (!name.empty() && names_.isSecret(name) && secretsIn(text, names_).empty()) {
             learnValue(name, text);
         } else if (!isOneOf(kSentences, member) && !isOneOf(kFixed, member)) {
             learn(text);
@@ -122,11 +189,29 @@ void Redactor::learnDocument(const Json& document) {
 
 // "-Ddb.password=..." under a secret key is an argument, of which the name may stay.
 void Redactor::redactValue(const std::string& name, std::string& value) {
-    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(value);
+    const std::size_t equals = endOfNameOfLines(value);
+    if (equals != kNone && names_.isSecret(value.substr(0, equals))) {
+        const std::string front = value.substr(0, equals);
+        value = front + "=" + mark(front, std::string_view(value).substr(equals + 1));
+        return;
+    }
+    if (isUserOption(name) && hasPassword(value)) {
+        value = mark("user-info of an option", value);
+        return;
+    }
+    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, value) &&
+                          value.find(kMark) == kNone;
     value = isSecret && secretsIn(value, names_).empty() ? mark(name, value) : redact(value);
 }
 
 void Redactor::redactDocument(Json& document) {
+    walkMade(document, [this](const std::string& pattern, std::string& text) {
+        if (const SecretPart part = partMadeOf(pattern, text); part.begin < part.end) {
+            text = withPart(
+                text, part,
+                mark(part.name, std::string_view(text).substr(part.begin, part.end - part.begin)));
+        }
+    });
     walk(document, {},
          [this](const std::string& member, const std::string& name, std::string& text) {
              if (!isOneOf(kFixed, member)) {

@@ -1,6 +1,7 @@
 #include "inspect/redaction/named_values.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace rcp::inspect {
 namespace {
@@ -32,6 +33,17 @@ std::size_t endOfValue(std::string_view text, const Name& name, std::size_t at, 
 }
 
 }  // namespace
+
+bool isUserOption(std::string_view option) {
+    constexpr std::string_view kOptions[] = {"-u", "-U", "--user", "--proxy-user"};
+    return isOneOf(kOptions, option);
+}
+
+bool hasPassword(std::string_view user) {
+    const std::size_t colon = user.find(':');
+    return colon != kNone && colon > 0 && colon + 1 < user.size() &&
+           user.find_first_not_of("0123456789:") != kNone;
+}
 
 void NamedValues::findAt(std::size_t at) {
     switch (text_[at]) {
@@ -78,6 +90,17 @@ void NamedValues::findValue(std::size_t at) {
         }
     }
     const bool isColon = text_[at] == ':';
+    if (word.empty() && !isColon) {
+        findPlaceholder(at);
+        return;
+    }
+    if (!isColon && isUserOption(word) && name.end == at) {
+        const std::size_t end = firstOf(text_, at, endOfLine(text_, at), {" ", "\"", ", "});
+        if (hasPassword(text_.substr(at + 1, end - at - 1))) {
+            add(at + 1, end, "user-info of an option");
+        }
+        return;
+    }
     if (word.empty() || (isColon && text_.substr(at).starts_with("://")) ||
         !names_.isSecret(word)) {
         return;
@@ -93,6 +116,25 @@ void NamedValues::findValue(std::size_t at) {
         ++begin;
     }
     add(begin, endOfValue(text_, name, begin, isFirst), word);
+}
+
+// ${NAME} = VALUE, ${NAME,DEFAULT} = VALUE: ... is not set, ...
+void NamedValues::findPlaceholder(std::size_t at) {
+    const std::string_view front = text_.substr(line_, at - line_);
+    const std::size_t end = front.find_last_not_of(kBlanks);
+    if (end == kNone || front[end] != '}') {
+        return;
+    }
+    const std::size_t begin = front.rfind("${");
+    const std::string_view inside = front.substr(std::min(begin, end), end - std::min(begin, end));
+    const std::string_view name = inside.substr(std::min<std::size_t>(2, inside.size()));
+    if (!names_.isSecret(name.substr(0, name.find(',')))) {
+        return;
+    }
+    const std::string_view value = text_.substr(at, endOfLine(text_, at) - at);
+    const std::size_t told = value.find(" is not set, its default");
+    const std::size_t colon = told == kNone ? kNone : value.rfind(": ", told);
+    add(at + 1, at + std::min(colon, value.size()), name.substr(0, name.find(',')));
 }
 
 // A full log tells an entry in two records: 'attrib = "NAME"', or "key", then 'value = "VALUE"'.
@@ -134,25 +176,57 @@ void NamedValues::findDefault(std::size_t at) {
     }
 }
 
+// Where the line of the argument behind that one begins. In lists it has the next number: "  5  VALUE" behind
+// "  4  -NAME", "arg5=VALUE" behind "arg4=-NAME".
+std::size_t NamedValues::beginOfNext(const Name& option) const {
+    constexpr int kMostLines = 16;  // that tell more of one
+    const std::string_view front = text_.substr(line_, option.begin - line_);
+    const std::size_t last = front.find_last_of("0123456789");
+    std::size_t at = endOfLine(text_, option.end);
+    if (last == kNone) {
+        return front.find_first_not_of(kBlanks) == kNone ? std::min(at + 1, text_.size())
+                                                         : text_.size();
+    }
+    const std::size_t digits = front.find_last_not_of("0123456789", last) + 1;
+    const bool hasKey = digits > 0 && isNameCharacter(front[digits - 1]);
+    const std::size_t key = hasKey ? nameBefore(front, digits).begin : digits;
+    unsigned number = 0;
+    std::from_chars(front.data() + digits, front.data() + last + 1, number);
+    const std::string next = std::string(front.substr(key, digits - key)) +
+                             std::to_string(number + 1) + std::string(front.substr(last + 1));
+    for (int i = 0; i < kMostLines && at < text_.size(); ++i) {
+        const std::string_view line = text_.substr(at + 1, endOfLine(text_, at + 1) - at - 1);
+        const std::size_t found = line.find(next);
+        if (found != kNone && isFirstBehind(line.substr(0, found))) {
+            return at + 1 + found + next.size();
+        }
+        at = endOfLine(text_, at + 1);
+    }
+    return text_.size();
+}
+
 // "-NAME, VALUE", "-NAME VALUE", and on two lines.
 void NamedValues::findOption(std::size_t at) {
     const Name name = nameBefore(text_, at);
-    if (name.end != at || name.begin == at || text_[name.begin] != '-' ||
-        !names_.isSecret(name.in(text_))) {
+    const std::string_view option = name.in(text_);
+    const bool hasUser = isUserOption(option);
+    if (name.end != at || !option.starts_with('-') || (!hasUser && !names_.isSecret(option))) {
         return;
     }
     const bool isList = text_.substr(at).starts_with(", ");
-    const bool isLine = text_[at] == '\n';
-    const std::size_t begin = at + (isList ? 2 : 1);
-    if ((text_[at] == ',' && !isList) || isAt(text_, begin, "-")) {
+    if (text_[at] == ',' && !isList) {
         return;
     }
+    const bool isLine = text_[at] == '\n' || text_.substr(at).starts_with(kOriginBehind);
+    const std::size_t begin = isLine ? beginOfNext(name) : at + (isList ? 2 : 1);
     const std::size_t line = endOfLine(text_, begin);
-    add(begin,
-        isLine   ? line
-        : isList ? firstOf(text_, begin, line, {", ", "\""})
-                 : firstOf(text_, begin, line, {" ", "\"", ", "}),
-        name.in(text_));
+    const std::size_t end = isLine   ? firstOf(text_, begin, line, {kOriginBehind})
+                            : isList ? firstOf(text_, begin, line, {", ", "\""})
+                                     : firstOf(text_, begin, line, {" ", "\"", ", "});
+    const std::string_view value = text_.substr(begin, end - begin);
+    if (hasUser ? hasPassword(value) : !isOption(value)) {
+        add(begin, end, hasUser ? "user-info of an option" : option);
+    }
 }
 
 // A line of "NAME VALUE"

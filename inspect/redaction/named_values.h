@@ -9,6 +9,11 @@
 
 namespace rcp::inspect {
 
+/// Whether such an option takes "USER:PASSWORD", as that of curl does.
+bool isUserOption(std::string_view option);
+/// Whether it is that; a user's and a group's numbers are none.
+bool hasPassword(std::string_view user);
+
 class NamedValues {
   public:
     NamedValues(std::string_view text, const SecretNames& names, std::vector<SecretPart>& parts)
@@ -23,6 +28,8 @@ class NamedValues {
     void add(std::size_t begin, std::size_t end, std::string_view name);
     void addQuoted(std::size_t at, std::string_view key);
     void findValue(std::size_t at);
+    void findPlaceholder(std::size_t at);
+    [[nodiscard]] std::size_t beginOfNext(const Name& option) const;
     void findElement(std::size_t at);
     void findDefault(std::size_t at);
     void findOption(std::size_t at);

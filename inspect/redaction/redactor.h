@@ -7,8 +7,10 @@
 // host become "/home/<user>", "<user>" and "<host>".
 #pragma once
 
+#include "inspect/redaction/identity.h"
 #include "inspect/redaction/salted_digest.h"
 #include "inspect/redaction/secret_names.h"
+#include "inspect/redaction/text_rules.h"
 
 #include <cstdint>
 #include <map>
@@ -19,15 +21,6 @@
 #include <vector>
 
 namespace rcp::inspect {
-
-/// Whose report it is. What is empty is not looked for.
-struct Identity {
-    std::vector<std::string> homes;
-    std::vector<std::string> users;
-    std::vector<std::string> hosts;
-};
-/// Of the user of this process. A superuser's name is that of many.
-Identity identityOfThisProcess();
 
 class Redactor {
   public:
@@ -52,22 +45,24 @@ class Redactor {
     [[nodiscard]] std::string redactionsText() const;
 
   private:
+    // A text, and what in it is secret.
+    using Known = std::pair<const std::string, SecretPart>;
+
     void learnValue(const std::string& name, std::string_view value);
-    [[nodiscard]] const std::string* knownAt(std::string_view text, std::size_t at) const;
+    void learnWithin(std::string_view text, const SecretPart& part);
+    [[nodiscard]] const Known* knownAt(std::string_view text, std::size_t at) const;
     std::string mark(const std::string& name, std::string_view value);
     std::string withoutKnown(std::string_view text);
     std::string withoutIdentity(std::string text);
-    void replaceWord(std::string& text, const std::string& word, const std::string& by,
-                     const char* what);
-    void replaceHomes(std::string& text);
     void redactValue(const std::string& name, std::string& value);
+    [[nodiscard]] SecretPart partMadeOf(const std::string& pattern, const std::string& text) const;
 
     SecretNames names_;
     Salt salt_;
     Identity identity_;
-    std::map<std::string, std::string, std::less<>> known_;  // the name of each value
+    std::map<std::string, SecretPart, std::less<>> known_;
     // The same by their first bytes, the longest first.
-    std::unordered_map<std::uint32_t, std::vector<const std::string*>> index_;
+    std::unordered_map<std::uint32_t, std::vector<const Known*>> index_;
     std::map<std::pair<std::string, std::string>, std::size_t> counts_;  // by name and digest
 };
 

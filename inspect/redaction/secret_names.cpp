@@ -23,9 +23,9 @@ constexpr std::string_view kEndings[] = {"secretkey", "accesskey", "authkey",
                                          "dbpass",    "userpass",  "passwort"};
 // Behind such a word they say where or of which kind a secret is, and not what it is.
 constexpr std::string_view kAbout[] = {
-    "store",    "file",   "path",   "dir",     "directory", "folder",  "location",
-    "size",     "length", "type",   "map",     "mapping",   "board",   "binding",
-    "bindings", "stroke", "format", "timeout", "policy",    "through", "algorithm"};
+    "store",  "file",    "path",   "dir",     "directory", "folder",   "location", "size",
+    "length", "type",    "map",    "mapping", "board",     "binding",  "bindings", "stroke",
+    "format", "timeout", "policy", "through", "algorithm", "required", "enabled"};
 // Of a shell: the folder it is in.
 constexpr std::string_view kNoSecrets[] = {"PWD", "OLDPWD"};
 

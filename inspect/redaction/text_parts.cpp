@@ -1,18 +1,17 @@
 #include "inspect/redaction/text_parts.h"
 
+#include "launcher/vocabulary/options.h"
+#include "platform/text.h"
+
 #include <algorithm>
 #include <cctype>
 #include <utility>
 
 namespace rcp::inspect {
-namespace {
-
 bool isNameCharacter(char character) {
     return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_' ||
            character == '.' || character == '-';
 }
-
-}  // namespace
 
 bool isAt(std::string_view text, std::size_t at, std::string_view characters) {
     return at < text.size() && characters.find(text[at]) != kNone;
@@ -67,6 +66,14 @@ std::size_t endOfQuoted(std::string_view text, std::size_t at) {
     return std::min(end, line);
 }
 
+bool isOption(std::string_view argument) {
+    constexpr std::string_view kSigns = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz._-";
+    const std::string_view name = argument.substr(0, argument.find_first_of("=:"));
+    return name.starts_with("-D") || name.starts_with("-X") ||
+           (name.starts_with('-') && name.find_first_not_of(kSigns) == kNone) ||
+           findOptionRow(toWide(std::string(name))) != nullptr;
+}
+
 void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart part) {
     while (part.begin < part.end && isAt(text, part.begin, " \t\"'")) {
         ++part.begin;
@@ -74,7 +81,7 @@ void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart p
     while (part.end > part.begin && isAt(text, part.end - 1, " \t\r\n")) {
         --part.end;
     }
-    if (!isHarmless(text.substr(part.begin, part.end - part.begin))) {
+    if (!isHarmless(part.name, text.substr(part.begin, part.end - part.begin))) {
         parts.push_back(std::move(part));
     }
 }

@@ -20,6 +20,7 @@ struct Name {
     }
 };
 
+bool isNameCharacter(char character);
 bool isAt(std::string_view text, std::size_t at, std::string_view characters);
 std::size_t endOfLine(std::string_view text, std::size_t at);
 /// The end of a property's value, which goes on behind a backslash.
@@ -33,6 +34,8 @@ std::size_t endOfQuoted(std::string_view text, std::size_t at);
 Name nameBefore(std::string_view text, std::size_t end);
 /// Whether a line, an entry or a comment begins behind that part of it; "FILE:12:" and an element's number may be it.
 bool isFirstBehind(std::string_view front);
+/// Whether an argument is an option and not, though it begins with "-", a value: "-clean", "-Xmx1g", "--a=b".
+bool isOption(std::string_view argument);
 /// Adds such a part without the quote in front and what belongs to the line.
 void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart part);
 

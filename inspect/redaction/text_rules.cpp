@@ -4,7 +4,6 @@
 #include "inspect/redaction/named_values.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace rcp::inspect {
@@ -43,17 +42,18 @@ std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& name
         }
     }
     findPrefixed(text, "Bearer ", "bearer token", parts);
+    findBareKeys(text, parts);
     return merged(std::move(parts));
 }
 
-bool isHarmless(std::string_view value) {
-    constexpr std::string_view kWords[] = {"",    "true", "false", "yes",       "no",     "on",
-                                           "off", "none", "null",  "(not set)", "not set"};
+bool isHarmless(std::string_view name, std::string_view value) {
+    constexpr std::string_view kNothing[] = {"", "none", "null", "(not set)", "not set"};
+    constexpr std::string_view kSwitches[] = {"true", "false", "yes", "no", "on", "off"};
     const bool isPlaceholder =
         value.starts_with("${") && value.find('}') == value.size() - 1 && value.find(',') == kNone;
     const bool isChange = value.starts_with("(not set)") && value.find(kMark) != kNone;
-    return isPlaceholder || isChange || value.starts_with(kMark) ||
-           std::find(std::begin(kWords), std::end(kWords), value) != std::end(kWords);
+    return isPlaceholder || isChange || value.starts_with(kMark) || isOneOf(kNothing, value) ||
+           (isOneOf(kSwitches, value) && !SecretNames::isPlainlySecret(name));
 }
 
 }  // namespace rcp::inspect

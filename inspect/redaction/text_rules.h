@@ -26,7 +26,8 @@ inline constexpr std::string_view kMark = "<redacted:";
 /// URLs, bearer tokens, PEM blocks.
 std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& names);
 
-/// Whether such a value says nothing though its name is secret: "true", "${env.TOKEN}", what is redacted.
-bool isHarmless(std::string_view value);
+/// Whether a value says nothing though its name is secret: "auth=true", "${env.TOKEN}", what is redacted. But somebody's
+/// password may be "true".
+bool isHarmless(std::string_view name, std::string_view value);
 
 }  // namespace rcp::inspect

@@ -63,6 +63,17 @@ std::string toldBy(const Part& part, Options options) {
     return toldBy(part.command, options).output;
 }
 
+// What may stand in the name of a file: "<user>" becomes "user".
+std::string asFileName(const std::string& redacted) {
+    std::string name;
+    for (const char character : redacted) {
+        name += character == ':'                       ? "-"
+                : character == '<' || character == '>' ? ""
+                                                       : std::string(1, character);
+    }
+    return name;
+}
+
 // "2-rcplauncher.log": two logs may have one name.
 std::string nameOfLog(std::size_t number, const std::string& path) {
     const std::string name = path.substr(path.rfind('/') + 1);
@@ -110,6 +121,7 @@ std::string redact(Texts& texts, const Options& options) {
         }
     }
     for (auto& [name, text] : texts) {
+        name = asFileName(redactor.redact(name));
         if (isDocument(name) && !text.empty()) {
             Json document = Json::parse(text);
             redactor.redactDocument(document);
