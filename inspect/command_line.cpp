@@ -6,6 +6,7 @@
 #include "inspect/locate.h"
 #include "inspect/other_user.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
 
@@ -81,8 +82,8 @@ bool isOneOf(std::initializer_list<std::string_view> words, std::string_view wor
 std::ptrdiff_t valuesOf(const std::vector<std::string>& own, std::size_t at) {
     const bool isPage = own[at] == "--format" && at + 1 < own.size() && own[at + 1] == "html";
     return isPage ? 2
-                  : isOneOf({"--install", "--launcher", "--format", "--home", "--user", "--locale",
-                             "--env-file"},
+                  : isOneOf({"--install", "--launcher", "--root", "--format", "--home", "--user",
+                             "--locale", "--env-file"},
                             own[at]);
 }
 
@@ -175,6 +176,7 @@ int run(int argc, char** argv) {
     std::vector<std::string> format;
     std::string installation;
     std::string launcher;
+    std::string root;
     std::string other;
     bool showsSecrets = false;
     OtherUser user;
@@ -182,6 +184,7 @@ int run(int argc, char** argv) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
         sub->add_option("--install", installation, "the installation's directory");
         sub->add_option("--launcher", launcher, "the launcher's executable")->excludes("--install");
+        sub->add_option("--root", root, "the folder below which the installation is staged");
         sub->add_option("--format", format, "text, json and, of some, sarif or html FILE")
             ->expected(1, 2);
         sub->add_flag("--redact", options.isRedacted,
@@ -191,8 +194,10 @@ int run(int argc, char** argv) {
         addUser(*sub, user);
     }
     for (const char* name : {"doctor", "check"}) {
-        app.get_subcommand(name)->add_flag("--try-jvm", options.isTryingJvm,
-                                           "starts the JVM with the launch's options and -version");
+        app.get_subcommand(name)
+            ->add_flag("--try-jvm", options.isTryingJvm,
+                       "starts the JVM with the launch's options and -version")
+            ->excludes("--root");
     }
     app.get_subcommand("check")->add_flag("--strict", options.isStrict, "warnings count as errors");
     app.get_subcommand("check")->footer("DIR...: installations, of several a line each.");
@@ -240,6 +245,9 @@ int run(int argc, char** argv) {
         return wrongUse(problem);
     }
     endOf(setCharacterLocale);
+    if (sub.count("--root") > 0 && !stage(root)) {
+        return wrongUse("no folder " + root);
+    }
     if (chosen == "check" && !subjects.empty()) {
         if (!launcher.empty() || !installation.empty()) {
             return wrongUse("check DIR takes neither --install nor --launcher");
@@ -262,11 +270,14 @@ int run(int argc, char** argv) {
     if (options.launcher.empty() && needsLauncher && options.roots.empty()) {
         return wrongUse(
             "no launcher at " + (launcher.empty() ? installation : launcher) +
+            (root.empty() ? "" : " of the tree in " + root) +
             "; give --install DIR, where DIR holds rcp/rcplauncher or is an application "
             "bundle, or --launcher FILE");
     }
     options.installation = installationOf(options.launcher);
+    stageAlone(options.installation);
     if (!other.empty()) {
+        const Unstaged own;
         options.other = launcherPath({}, other, Launcher::kIsThere);
         if (options.other.empty()) {
             return wrongUse("no launcher at " + other);

@@ -4,6 +4,7 @@
 #include "inspect/page/page.h"
 #include "inspect/redaction/redactor.h"
 #include "inspect/redaction/sources.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <errno.h>
 #include <string.h>
@@ -90,6 +91,7 @@ int writeAsPage(CarryOut command, Options options) {
     } else {
         document["made"]["host"] = hostName();
     }
+    const Unstaged own;
     const mode_t former = umask(0);
     umask(options.isRedacted ? former : former | 077U);
     const bool isWritten = writePage(nlohmann::json(document), options.page);

@@ -2,6 +2,8 @@
 
 #include "inspect/bundle/bundle.h"
 #include "inspect/check/launcher_end.h"
+#include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
 #include "platform/text.h"
@@ -23,13 +25,14 @@ std::string launcherPath(const std::string& launcher, const std::string& install
                          Launcher presence) {
     const std::string path = launcher.empty() ? launcherIn(installation) : launcher;
     std::error_code failed;
-    std::string absolute = std::filesystem::absolute(path, failed).lexically_normal();
-    if (presence == Launcher::kMayBeMissing && !failed && !contentsAround(absolute).empty() &&
+    std::string absolute = pathOfPlace(std::filesystem::absolute(path, failed).lexically_normal());
+    const std::string contents = contentsAround(absolute);
+    if (presence == Launcher::kMayBeMissing && !failed && !contents.empty() && isStaged(contents) &&
         !existsA(absolute)) {
         return absolute;
     }
     const bool isLauncher =
-        !failed && existsA(absolute) && !std::filesystem::is_directory(absolute, failed);
+        !failed && isStaged(absolute) && existsA(absolute) && !isFolder(absolute);
     return isLauncher ? absolute : std::string();
 }
 

@@ -1,6 +1,8 @@
 #include "inspect/quiet_read.h"
 
+#include "base/system_calls.h"
 #include "base/unique_fd.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -9,22 +11,23 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 
 namespace rcp::inspect {
 
-int openQuietly(const std::string& path, int flags) {
+int openQuietly(const std::string& place, int flags) {
 #ifdef O_NOATIME
     // For the owner only.
-    const int descriptor = ::open(path.c_str(), flags | O_NOATIME);
+    const int descriptor = ::open(place.c_str(), flags | O_NOATIME);
     if (descriptor >= 0 || errno != EPERM) {
         return descriptor;
     }
 #endif
-    return ::open(path.c_str(), flags);
+    return ::open(place.c_str(), flags);
 }
 
-std::string readQuietly(const std::string& path, std::size_t limit) {
-    const UniqueFd file(openQuietly(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+std::string readPlace(const std::string& place, std::size_t limit) {
+    const UniqueFd file(openQuietly(place, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     std::string text;
     std::array<char, 65536> buffer;
@@ -38,9 +41,34 @@ std::string readQuietly(const std::string& path, std::size_t limit) {
     return text;
 }
 
+std::string readQuietly(const std::string& path, std::size_t limit) {
+    return readPlace(placeOf(path), limit);
+}
+
 bool isFolder(const std::string& path) {
     struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return calls::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool isThere(const std::string& path) {
+    struct stat status {};
+    return calls::stat(path.c_str(), &status) == 0;
+}
+
+bool isAllowedAt(const std::string& path, int access) {
+    return faccessat(AT_FDCWD, placeOf(path).c_str(), access, AT_EACCESS) == 0;
+}
+
+std::set<std::string> entryNames(const std::string& path) {
+    std::set<std::string> names;
+    for (const std::string& layer : layersOf(placeOf(path))) {
+        std::error_code unknown;
+        for (std::filesystem::directory_iterator at(layer, unknown), end; !unknown && at != end;
+             at.increment(unknown)) {
+            names.insert(at->path().filename());
+        }
+    }
+    return names;
 }
 
 }  // namespace rcp::inspect

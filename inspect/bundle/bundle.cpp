@@ -2,6 +2,7 @@
 
 #include "inspect/check/launcher_end.h"
 #include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "platform/bundle_metadata.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -46,14 +47,14 @@ std::string firstOf(const std::string& xml, const std::string& key) {
     return xml.substr(first, xml.find('<', first) - first);
 }
 
-void addFile(const fs::directory_entry& entry, Bundle& bundle) {
-    const std::string path = entry.path().string();
+void addFile(const fs::directory_entry& entry, const std::string& name, Bundle& bundle) {
     std::error_code failed;
     if (!entry.is_regular_file(failed) || entry.is_symlink(failed)) {
         return;
     }
+    const std::string path = bundle.pathOf(name);
     CodeFile file;
-    file.path = path.substr(bundle.contents.size() + 1);
+    file.path = name;
     if (!looksLikeMachO(readQuietly(path, kStart))) {
         if (file.path.starts_with("MacOS/")) {
             bundle.strangers.push_back(file.path);
@@ -94,10 +95,9 @@ std::optional<std::string> Bundle::nameOf(const std::string& path) const {
 }
 
 bool Bundle::owns(const std::string& name) const {
-    std::error_code failed;
-    const std::string folder = fs::canonical(contents, failed).string() + "/";
-    const std::string place = fs::canonical(pathOf(name), failed).string() + "/";
-    return !failed && place.starts_with(folder);
+    const auto folder = resolvedPath(contents);
+    const auto path = resolvedPath(pathOf(name));
+    return folder && path && (*path + "/").starts_with(*folder + "/");
 }
 
 const CodeFile* Bundle::codeFile(const std::string& name) const {
@@ -150,10 +150,11 @@ Bundle readBundle(const std::string& contents, const std::string& launcher) {
     bundle.keys = readBundleKeys(bundle.pathOf("Info.plist"));
     bundle.seal = readSeal(bundle.pathOf(kSealFile));
     std::error_code failed;
-    fs::recursive_directory_iterator files(contents, fs::directory_options::skip_permission_denied,
+    const std::string place = placeOf(contents);
+    fs::recursive_directory_iterator files(place, fs::directory_options::skip_permission_denied,
                                            failed);
     for (; !failed && files != fs::recursive_directory_iterator(); files.increment(failed)) {
-        addFile(*files, bundle);
+        addFile(*files, files->path().string().substr(place.size() + 1), bundle);
     }
     std::sort(bundle.strangers.begin(), bundle.strangers.end());
     std::sort(bundle.code.begin(), bundle.code.end(),

@@ -1,11 +1,17 @@
 // The signatures of an application bundle, and what a launch does to them.
+#include "base/system_calls.h"
 #include "inspect/check/bundle_subjects.h"
+#include "inspect/quiet_read.h"
 #include "launcher/inputs/install_configuration.h"
 #include "launcher/inputs/option_values.h"
 #include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/paths.h"
+#include "platform/files.h"
 #include "platform/platform.h"
 #include "platform/text.h"
+
+#include <errno.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -33,9 +39,9 @@ void findInSignatures(const Bundle& bundle, Findings& findings) {
     }
     if (bundle.seal.empty()) {
         // One that nobody may open is there as well, or may be.
-        std::error_code failed;
-        const auto seal = std::filesystem::symlink_status(bundle.pathOf(kSealFile), failed);
-        const bool isMissing = seal.type() == std::filesystem::file_type::not_found;
+        struct stat status {};
+        const bool isMissing = calls::lstat(bundle.pathOf(kSealFile).c_str(), &status) != 0 &&
+                               (errno == ENOENT || errno == ENOTDIR);
         findings.add("RI708", bundle.pathOf(kSealFile), 0,
                      isMissing ? "the bundle is not sealed" : "the seal cannot be read");
     }
@@ -66,9 +72,14 @@ void findInEntitlements(const Bundle& bundle, Findings& findings) {
 
 // Without links as far as the path exists: a launch may make the rest.
 std::string withoutLinks(const std::string& path) {
-    std::error_code failed;
-    const std::filesystem::path place = std::filesystem::weakly_canonical(path, failed);
-    return failed ? std::filesystem::path(path).lexically_normal().string() : place.string();
+    std::filesystem::path known = path;
+    std::filesystem::path rest;
+    while (known.has_relative_path() && !isThere(known)) {
+        rest = known.filename() / rest;
+        known = known.parent_path();
+    }
+    const std::string place = (resolvedPath(known).value_or(known) / rest).lexically_normal();
+    return place.ends_with('/') ? place.substr(0, place.size() - 1) : place;
 }
 
 // The name behind Contents/ of a file in the bundle; empty when it lies elsewhere. The bundle is

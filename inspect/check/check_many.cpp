@@ -6,6 +6,7 @@
 #include "inspect/commands.h"
 #include "inspect/hand_out.h"
 #include "inspect/locate.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -44,6 +45,7 @@ struct Worker {
         _exit(kNoneOrErrors);
     }
     options.installation = installationOf(options.launcher);
+    stageAlone(options.installation);
     options.format = options.format == Format::kSarif ? Format::kSarif : Format::kJson;
     const Told told = toldBy(check, options);
     _exit(writeFully(output, told.output) ? told.status : kNoneOrErrors);

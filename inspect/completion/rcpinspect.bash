@@ -14,7 +14,7 @@ _rcpinspect() {
     if [[ $previous == html && ${COMP_WORDS[COMP_CWORD - 2]} == --format ]]; then
         previous="--format html"
     fi
-    local formats="text json" options="--install --launcher --format --home --user --locale --env-file --redact --show-secrets --help"
+    local formats="text json" options="--install --launcher --root --format --home --user --locale --env-file --redact --show-secrets --help"
     [[ $command != report ]] || formats=text
     case $command in
         config) options+=" --files" ;;
@@ -28,7 +28,7 @@ _rcpinspect() {
 
     COMPREPLY=()
     case $isLaunchers:$previous in
-        1:-data | :--install | :--with | :--home)
+        1:-data | :--install | :--with | :--home | :--root)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             ;;

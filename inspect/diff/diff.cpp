@@ -1,6 +1,7 @@
 #include "inspect/commands.h"
 #include "inspect/diff/compare.h"
 #include "inspect/locate.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <exception>
 #include <iostream>
@@ -18,14 +19,20 @@ json sinceLast(const Options& options) {
     return compare(last.side, explainedSide(again));
 }
 
+// What a staged tree brings is compared with what is installed.
+Side otherSide(const Options& options) {
+    const Unstaged own;
+    Options other = options;
+    other.launcher = options.other;
+    other.installation = installationOf(options.other);
+    return explainedSide(other);
+}
+
 json compareAsAsked(const Options& options) {
     if (options.isSinceLast) {
         return sinceLast(options);
     }
-    Options other = options;
-    other.launcher = options.other;
-    other.installation = installationOf(options.other);
-    return compare(explainedSide(other), explainedSide(options));
+    return compare(otherSide(options), explainedSide(options));
 }
 
 }  // namespace

@@ -40,16 +40,16 @@ Entries entriesOf(const Tree& tree) {
     Entries entries;
     std::error_code refused;
     files::recursive_directory_iterator at(
-        tree.path, files::directory_options::skip_permission_denied, refused);
+        tree.place, files::directory_options::skip_permission_denied, refused);
     for (const files::recursive_directory_iterator end; !refused && at != end;
          at.increment(refused)) {
-        const std::string path = at->path();
+        const std::string name = at->path().string().substr(tree.place.size() + 1);
         std::error_code gone;
         const bool isLink = at->is_symlink(gone);
-        if (isLeftOut(tree, path)) {
+        if (isLeftOut(tree, tree.path + "/" + name)) {
             at.disable_recursion_pending();
         } else if (isLink || at->is_regular_file(gone)) {
-            entries[path.substr(tree.path.size() + 1)] = {isLink, isLink ? 0 : at->file_size(gone)};
+            entries[name] = {isLink, isLink ? 0 : at->file_size(gone)};
         }
     }
     return entries;
@@ -86,14 +86,13 @@ bool isSameContent(const std::string& first, const std::string& second) {
 
 bool isSameText(const std::string& first, const std::string& second, const Tree& left,
                 const Tree& right) {
-    return withoutHome(readQuietly(first), left.path) ==
-           withoutHome(readQuietly(second), right.path);
+    return withoutHome(readPlace(first), left.path) == withoutHome(readPlace(second), right.path);
 }
 
 bool isSame(const std::string& path, const Entry& ours, const Entry& theirs, const Tree& left,
             const Tree& right) {
-    const std::string first = left.path + "/" + path;
-    const std::string second = right.path + "/" + path;
+    const std::string first = left.place + "/" + path;
+    const std::string second = right.place + "/" + path;
     if (ours.isLink || theirs.isLink) {
         return ours.isLink == theirs.isLink && isSameTarget(first, second, left, right);
     }

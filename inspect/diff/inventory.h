@@ -18,6 +18,7 @@ struct FileDifference {
 struct Tree {
     std::string path;
     std::vector<std::string> without;  // absolute
+    std::string place = path;          // where it really lies
 };
 
 /// By path: the files and links of which only one installation has one of that path, or another. That a text

@@ -1,5 +1,6 @@
 #include "inspect/diff/side.h"
 
+#include "base/system_calls.h"
 #include "inspect/check/examination.h"
 #include "inspect/check/groups.h"
 #include "inspect/copies/describe_copies.h"
@@ -7,6 +8,7 @@
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/handoff/describe_hand_off.h"
 #include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "inspect/status/last_launch.h"
 #include "platform/text.h"
 
@@ -34,7 +36,7 @@ std::string dateOf(time_t time) {
 // Of the settings' last change; null when they cannot be looked at.
 json settingsDate(const std::string& installation) {
     struct stat status {};
-    return stat((installation + "/rcp/rcplauncher.properties").c_str(), &status) == 0
+    return calls::stat((installation + "/rcp/rcplauncher.properties").c_str(), &status) == 0
                ? json(dateOf(status.st_mtime))
                : json();
 }
@@ -98,7 +100,9 @@ json findingsOf(const Examination& examination) {
 
 // What a launch writes, and the settings, which are compared entry by entry, are none of its files.
 Tree treeOf(const Options& options, const json& explanation) {
-    Tree tree{options.installation, {explanation["facts"].value("workspace", std::string())}};
+    Tree tree{options.installation,
+              {explanation["facts"].value("workspace", std::string())},
+              placeOf(options.installation)};
     for (const json& file : explanation["files"]) {
         tree.without.push_back(file["path"]);
     }

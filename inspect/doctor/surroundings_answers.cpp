@@ -2,6 +2,7 @@
 
 #include "inspect/making.h"
 #include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "platform/files.h"
 
 #include <langinfo.h>
@@ -46,8 +47,7 @@ std::string valueIn(const std::string& release, const std::string& key) {
 // The folder itself, or the nearest above it that is there.
 std::string nearestFolder(const std::string& folder) {
     files::path path = folder;
-    std::error_code unknown;
-    while (path.has_relative_path() && !files::exists(path, unknown)) {
+    while (path.has_relative_path() && !isThere(path)) {
         path = path.parent_path();
     }
     return path;
@@ -109,17 +109,16 @@ Answer answerSpace(const Evidence& evidence) {
         return answer;
     }
     const std::string folder = nearestFolder(workspace);
-    std::error_code unknown;
-    if (!files::is_directory(folder, unknown)) {
+    if (!isFolder(folder)) {
         answer.problems.push_back(
             {Mark::kBad, folder + " is no folder", "", "Name another workspace with -data."});
         return answer;
     }
     struct statvfs space {};
-    if (statvfs(folder.c_str(), &space) == 0) {
+    if (statvfs(placeOf(folder).c_str(), &space) == 0) {
         judgeSpace(space, folder, answer);
     }
-    if (access(folder.c_str(), W_OK | X_OK) != 0) {
+    if (!isAllowedAt(folder, W_OK | X_OK)) {
         answer.problems.push_back({Mark::kBad, folder + " may not be written", "",
                                    "Let the user write there, or name another workspace with "
                                    "-data."});

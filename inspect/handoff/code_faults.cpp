@@ -1,5 +1,6 @@
 #include "inspect/handoff/code_faults.h"
 
+#include "base/system_calls.h"
 #include "inspect/handoff/own_code.h"
 #include "inspect/quiet_read.h"
 
@@ -32,11 +33,10 @@ std::string scriptInterpreter(const std::string& start) {
 
 std::optional<StartFault> fileFault(const std::string& path) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
+    if (calls::stat(path.c_str(), &status) != 0) {
         return failsWith(errno);
     }
-    if (!S_ISREG(status.st_mode) || (status.st_mode & 0111U) == 0 ||
-        access(path.c_str(), X_OK) != 0) {
+    if (!S_ISREG(status.st_mode) || (status.st_mode & 0111U) == 0 || !isAllowedAt(path, X_OK)) {
         return failsWith(EACCES);
     }
     return std::nullopt;
@@ -65,7 +65,7 @@ std::optional<StartFault> startFault(const std::string& path) {
     if (auto fault = fileFault(path)) {
         return fault;
     }
-    if (access(path.c_str(), R_OK) != 0) {
+    if (!isAllowedAt(path, R_OK)) {
         return std::nullopt;  // it can be started all the same
     }
     const std::string start = readQuietly(path, kLongestFirstLine);
@@ -90,7 +90,7 @@ std::optional<StartFault> startFault(const std::string& path) {
 std::optional<std::string> loadFault(const std::string& path,
                                      std::span<const char* const> entryPoints,
                                      const std::string& variable) {
-    if (access(path.c_str(), R_OK) != 0) {
+    if (!isAllowedAt(path, R_OK)) {
         return strerror(errno);
     }
     const std::string file = readQuietly(path, kLongestCode);

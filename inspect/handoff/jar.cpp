@@ -1,8 +1,8 @@
 #include "inspect/handoff/jar.h"
 
+#include "base/system_calls.h"
 #include "base/unique_fd.h"
 #include "inspect/bundle/bytes.h"
-#include "inspect/quiet_read.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -31,7 +31,7 @@ constexpr std::uint64_t kLongestDirectory = std::uint64_t{1} << 26U;
 class File {
   public:
     explicit File(const std::string& path)
-        : file_(openQuietly(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
+        : file_(calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
         struct stat status {};
         if (file_ && fstat(file_.get(), &status) == 0 && S_ISREG(status.st_mode)) {
             size_ = static_cast<std::uint64_t>(status.st_size);

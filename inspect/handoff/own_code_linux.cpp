@@ -26,7 +26,7 @@ bool isEmulated(const std::string& machine) {
 }
 
 bool isReadable(const std::string& path) {
-    return access(path.c_str(), R_OK) == 0;
+    return isAllowedAt(path, R_OK);
 }
 
 // The name of the folder that the program lies in, in a search path.

@@ -24,11 +24,6 @@ constexpr std::size_t kLongestConfiguration = std::size_t{16} << 20U;
 // Up to which the framework starts bundles unless told otherwise.
 constexpr int kUsualStartLevel = 6;
 
-bool isThere(const std::string& path) {
-    std::error_code unknown;
-    return files::exists(path, unknown);
-}
-
 class Configuration {
   public:
     Configuration(const Examination& examination, const Plan& plan)

@@ -1,5 +1,7 @@
 #include "inspect/handoff/platform_values.h"
 
+#include "inspect/quiet_read.h"
+
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -79,12 +81,7 @@ const std::set<std::string>& Folders::namesIn(const std::string& folder) {
     if (!isNew) {
         return known->second;
     }
-    std::error_code unknown;
-    for (std::filesystem::directory_iterator entry(folder, unknown), end; !unknown && entry != end;
-         entry.increment(unknown)) {
-        known->second.insert(entry->path().filename());
-    }
-    return known->second;
+    return known->second = entryNames(folder);
 }
 
 }  // namespace rcp::inspect

@@ -5,6 +5,7 @@
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/locate.h"
 #include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -48,6 +49,7 @@ void learnFrom(const Options& options, Redactor& redactor) {
     Options other = options;
     other.launcher = options.other;
     if (!options.other.empty()) {
+        const Unstaged own;
         other.installation = installationOf(options.other);
         learnInstallation(other, redactor);
     }

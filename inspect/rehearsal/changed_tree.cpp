@@ -1,6 +1,7 @@
 #include "inspect/rehearsal/changed_tree.h"
 
 #include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <errno.h>
 
@@ -22,7 +23,7 @@ bool linkStatus(const std::string& place, struct stat& status) {
 }
 
 std::string contentOf(const std::string& place) {
-    return readQuietly(place);
+    return readPlace(place);
 }
 
 std::string targetOf(const std::string& link) {
@@ -62,7 +63,7 @@ std::string ChangedTree::placeAt(const std::string& path) const {
                        : node->second.place + path.substr(known.size());
         }
     }
-    return path.empty() ? "/" : path;
+    return placeOfPlain(path);
 }
 
 std::string ChangedTree::placeOfParent(const Found& entry) const {
@@ -78,8 +79,10 @@ std::map<std::string, std::string> ChangedTree::entries(const Found& directory) 
         }
     };
     std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(directory.place, ignored)) {
-        add(entry.path().filename().string());
+    for (const std::string& layer : layersOf(directory.place)) {
+        for (const auto& entry : std::filesystem::directory_iterator(layer, ignored)) {
+            add(entry.path().filename().string());
+        }
     }
     for (const auto& [path, node] : nodes_) {
         if (parentOf(path) == directory.path) {
@@ -90,8 +93,8 @@ std::map<std::string, std::string> ChangedTree::entries(const Found& directory) 
 }
 
 bool ChangedTree::isListChanged(const Found& directory) const {
-    return std::any_of(nodes_.begin(), nodes_.end(),
-                       [&](const auto& node) { return parentOf(node.first) == directory.path; });
+    const auto isIn = [&](const auto& node) { return parentOf(node.first) == directory.path; };
+    return layersOf(directory.place).size() > 1 || std::any_of(nodes_.begin(), nodes_.end(), isIn);
 }
 
 dev_t ChangedTree::deviceOf(std::string path) const {
@@ -181,7 +184,7 @@ void ChangedTree::hide(const Found& entry) {
 
 // Where in the tree that which really lies at `place` is, once what moves has moved.
 std::string ChangedTree::laterPath(const std::string& place) const {
-    std::string later = place;
+    std::string later = pathOfPlace(place);
     std::size_t longest = 0;
     for (const auto& [path, node] : nodes_) {
         const bool holds = node.kind == Node::Kind::kElsewhere &&
@@ -196,7 +199,7 @@ std::string ChangedTree::laterPath(const std::string& place) const {
 
 // Where that really lies which is at `path` if nothing is written there; empty without one.
 std::string ChangedTree::formerPlace(const std::string& path) const {
-    std::string place = path;
+    std::string place = placeOfPlain(path);
     for (std::string known = parentOf(path); !known.empty(); known = parentOf(known)) {
         const auto node = nodes_.find(known);
         if (node != nodes_.end()) {
@@ -220,11 +223,11 @@ void ChangedTree::addPresent(std::vector<FileChange>& changes) const {
         change.isDirectory = S_ISDIR(status.st_mode);
         change.isLink = S_ISLNK(status.st_mode);
         if (node.kind == Node::Kind::kElsewhere) {
-            if (node.place == path) {
+            if (node.place == placeOfPlain(path)) {
                 continue;  // moved away and back
             }
             change.kind = FileChange::Kind::kMoved;
-            change.path = node.place;
+            change.path = pathOfPlace(node.place);
             change.to = path;
             change.name = node.origin;
             change.toName = node.name;
@@ -256,7 +259,7 @@ void ChangedTree::addRemoved(std::vector<FileChange>& changes) const {
         if (!gone.contains(parentOf(place))) {
             FileChange change;
             change.kind = FileChange::Kind::kRemoved;
-            change.path = place;
+            change.path = pathOfPlace(place);
             change.name = name;
             change.isDirectory = S_ISDIR(status.st_mode);
             change.isLink = S_ISLNK(status.st_mode);

@@ -124,7 +124,7 @@ std::string Rehearsal::copyUp(const Found& file) {
         return {};
     }
     const UniqueFd opened(::open(copy.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-    if (!opened || !writeFully(opened.get(), readQuietly(file.place)) ||
+    if (!opened || !writeFully(opened.get(), readPlace(file.place)) ||
         fchmod(opened.get(), status.st_mode & 07777U) != 0) {
         return {};
     }

@@ -3,9 +3,11 @@
 
 #include "inspect/quiet_read.h"
 #include "inspect/rehearsal/rehearsal.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
@@ -91,7 +93,26 @@ int symlinkRehearsed(const char* target, const char* path) {
 
 int openForReadingQuietly(const char* path, int flags, mode_t mode) {
     const bool isReading = (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) == 0;
-    return isReading ? openQuietly(path, flags) : kSystemsOwnCalls.open(path, flags, mode);
+    return isReading ? openQuietly(placeOf(path), flags) : kSystemsOwnCalls.open(path, flags, mode);
+}
+int statQuietly(const char* path, struct stat* status) {
+    return ::stat(placeOf(path).c_str(), status);
+}
+int lstatQuietly(const char* path, struct stat* status) {
+    return ::lstat(placeOf(path, LastLink::kKept).c_str(), status);
+}
+ssize_t readlinkQuietly(const char* path, char* buffer, std::size_t size) {
+    return ::readlink(placeOf(path, LastLink::kKept).c_str(), buffer, size);
+}
+// Without links there as well: the place of what a link leads to is found.
+char* realpathQuietly(const char* path) {
+    char* const resolved = kSystemsOwnCalls.realpath(placeOf(path).c_str());
+    if (resolved == nullptr) {
+        return nullptr;
+    }
+    const std::string plain = pathOfPlace(resolved);
+    free(resolved);
+    return strdup(plain.c_str());
 }
 
 }  // namespace
@@ -99,6 +120,10 @@ int openForReadingQuietly(const char* path, int flags, mode_t mode) {
 SystemCalls quietCalls() {
     SystemCalls calls = kSystemsOwnCalls;
     calls.open = openForReadingQuietly;
+    calls.stat = statQuietly;
+    calls.lstat = lstatQuietly;
+    calls.readlink = readlinkQuietly;
+    calls.realpath = realpathQuietly;
     return calls;
 }
 

@@ -39,7 +39,7 @@ bool isOwn(const std::string& folder) {
            status.st_uid == geteuid() && (status.st_mode & 0777U) == 0700 &&
            lstat(markOf(folder).c_str(), &mark) == 0 && S_ISREG(mark.st_mode) &&
            mark.st_uid == geteuid() && mark.st_mtime + kDay < time(nullptr) &&
-           readQuietly(markOf(folder), kMark.size() + 1) == kMark;
+           readPlace(markOf(folder), kMark.size() + 1) == kMark;
 }
 
 // What interrupted runs have left.

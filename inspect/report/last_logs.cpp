@@ -1,6 +1,7 @@
 #include "inspect/report/last_logs.h"
 
 #include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "inspect/status/last_launch.h"
 
 #include <algorithm>
@@ -21,12 +22,12 @@ using Paths = std::vector<files::path>;
 // The newest files in the folder that `isLog`.
 Paths newestIn(const files::path& folder, const std::function<bool(const std::string&)>& isLog) {
     std::vector<std::pair<files::file_time_type, files::path>> found;
-    std::error_code failed;
-    for (files::directory_iterator at(folder, failed), end; !failed && at != end;
-         at.increment(failed)) {
+    for (const std::string& name : entryNames(folder)) {
+        const files::path path = folder / name;
+        const files::path place = placeOf(path, LastLink::kKept);
         std::error_code gone;
-        if (isLog(at->path().filename()) && files::is_regular_file(at->symlink_status(gone))) {
-            found.emplace_back(at->last_write_time(gone), at->path());
+        if (isLog(name) && files::is_regular_file(files::symlink_status(place, gone))) {
+            found.emplace_back(files::last_write_time(place, gone), path);
         }
     }
     std::sort(found.begin(), found.end(), std::greater<>());

@@ -4,6 +4,7 @@
 #include "inspect/quiet_read.h"
 #include "inspect/redaction/redactor.h"
 #include "inspect/redaction/sources.h"
+#include "inspect/rehearsal/staged_tree.h"
 #include "inspect/report/last_logs.h"
 #include "inspect/report/surroundings.h"
 #include "inspect/report/zip_archive.h"
@@ -183,6 +184,7 @@ int report(const Options& options) {
     for (const auto& [name, text] : texts) {
         archive.add(std::string(folder).append("/").append(name), text);
     }
+    const Unstaged own;
     const std::string name = fileFor(options, folder);
     if (!write(name, archive.bytes())) {
         std::cerr << "rcpinspect: " << name << ": " << strerror(errno) << '\n';

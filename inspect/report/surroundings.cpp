@@ -1,5 +1,6 @@
 #include "inspect/report/surroundings.h"
 
+#include "base/system_calls.h"
 #include "inspect/making.h"
 #include "inspect/quiet_read.h"
 
@@ -15,7 +16,7 @@ namespace {
 // "Debian GNU/Linux 13 (trixie)"; of a Mac the kernel's version says as much.
 std::string distribution() {
     constexpr std::string_view kName = "PRETTY_NAME=\"";
-    std::istringstream lines(readQuietly("/etc/os-release"));
+    std::istringstream lines(readPlace("/etc/os-release"));
     for (std::string line; std::getline(lines, line);) {
         if (line.starts_with(kName) && line.ends_with('"')) {
             return ", " + line.substr(kName.size(), line.size() - kName.size() - 1);
@@ -33,9 +34,10 @@ std::string system() {
 
 std::string fileText(const std::string& path) {
     struct stat status {};
-    return stat(path.c_str(), &status) != 0 ? path + ", which cannot be looked at"
-                                            : path + ", " + std::to_string(status.st_size) +
-                                                  " bytes, of " + dateAndTime(status.st_mtime);
+    return calls::stat(path.c_str(), &status) != 0
+               ? path + ", which cannot be looked at"
+               : path + ", " + std::to_string(status.st_size) + " bytes, of " +
+                     dateAndTime(status.st_mtime);
 }
 
 std::string answer(const nlohmann::json& doctors, const std::string& question) {

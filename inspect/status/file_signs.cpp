@@ -1,5 +1,7 @@
 #include "inspect/status/file_signs.h"
 
+#include "base/system_calls.h"
+
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -29,13 +31,13 @@ timespec lastChange(const struct stat& status) {
 
 FileSign signOf(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) == 0) {
+    if (calls::stat(path.c_str(), &status) == 0) {
         const timespec changed = lastChange(status);
         return {path, status.st_ino, status.st_size, changed.tv_sec, changed.tv_nsec};
     }
     // Its own state is none of ours: others' files come and go in it.
     std::filesystem::path nearest = std::filesystem::path(path).parent_path();
-    while (nearest.has_relative_path() && ::stat(nearest.c_str(), &status) != 0) {
+    while (nearest.has_relative_path() && calls::stat(nearest.c_str(), &status) != 0) {
         nearest = nearest.parent_path();
     }
     return {nearest.string()};

@@ -1,5 +1,6 @@
 #include "inspect/status/last_launch.h"
 
+#include "base/system_calls.h"
 #include "inspect/messages.h"
 #include "inspect/quiet_read.h"
 #include "launcher/vocabulary/paths.h"
@@ -11,14 +12,11 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <tuple>
 #include <vector>
 
 namespace rcp::inspect {
 namespace {
-
-namespace files = std::filesystem;
 
 constexpr const char* kTemporaryFolder = "/tmp";
 
@@ -35,15 +33,14 @@ bool isLogName(const std::string& name) {
 
 // In the temporary folder only what the launcher itself would take for this user's.
 void addLogs(const std::string& folder, bool isTemporary, std::vector<LogFile>& logs) {
-    std::error_code refused;
-    for (files::directory_iterator at(folder, refused), end; !refused && at != end;
-         at.increment(refused)) {
+    for (const std::string& name : entryNames(folder)) {
+        const std::string path = std::string(folder).append("/").append(name);
         struct stat status {};
-        if (!isLogName(at->path().filename()) || lstat(at->path().c_str(), &status) != 0 ||
+        if (!isLogName(name) || calls::lstat(path.c_str(), &status) != 0 ||
             !S_ISREG(status.st_mode) || (isTemporary && status.st_uid != geteuid())) {
             continue;
         }
-        logs.push_back({at->path(),
+        logs.push_back({path,
 #ifdef __APPLE__
                         status.st_mtimespec,
 #else
@@ -92,8 +89,11 @@ std::string_view programOf(std::string_view log) {
 Owner ownerOf(std::string_view log, const Options& options) {
     const std::string_view program = programOf(log);
     if (program.starts_with('/')) {
-        std::error_code missing;
-        return ownerBy(files::equivalent(files::path(program), options.launcher, missing));
+        struct stat one {};
+        struct stat other {};
+        return ownerBy(calls::stat(std::string(program).c_str(), &one) == 0 &&
+                       calls::stat(options.launcher.c_str(), &other) == 0 &&
+                       one.st_dev == other.st_dev && one.st_ino == other.st_ino);
     }
     const std::string file = toNarrow(paths::kSettings);
     return log.find(file) == std::string_view::npos

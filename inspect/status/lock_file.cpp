@@ -1,5 +1,6 @@
 #include "inspect/status/lock_file.h"
 
+#include "base/system_calls.h"
 #include "inspect/quiet_read.h"
 #include "launcher/instance/lock_content.h"
 
@@ -18,8 +19,8 @@ constexpr std::size_t kLongestContent = 256;  // as much as a launch reads
 // Nothing for what is no file or cannot be read.
 std::optional<std::string> beginningOf(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
+    if (calls::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        !isAllowedAt(path, R_OK)) {
         return std::nullopt;
     }
     return readQuietly(path, kLongestContent);
@@ -29,7 +30,7 @@ std::optional<std::string> beginningOf(const std::string& path) {
 
 LockFile lookAtLockFile(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
+    if (calls::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
         return {};
     }
     const std::optional<std::string> beginning = beginningOf(path);

@@ -1,6 +1,7 @@
 // Linux: the lock table of proc(5) names who took a lock and who waits for it; the open files of the
 // processes tell who holds it now. Both are needed: a lock goes to the processes that share the open
 // file, and its taker may have given it up or be gone, as the launcher that has handed off.
+#include "base/system_calls.h"
 #include "inspect/status/lock_holders.h"
 
 #include <sys/stat.h>
@@ -122,7 +123,7 @@ std::vector<Process> holdersByOpenFiles(const struct stat& file) {
 LockHolders lockHolders(const std::string& path) {
     LockHolders result;
     struct stat file {};
-    if (::stat(path.c_str(), &file) != 0) {
+    if (calls::stat(path.c_str(), &file) != 0) {
         return result;
     }
     const std::string name = tableName(file);

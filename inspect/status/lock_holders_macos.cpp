@@ -1,5 +1,6 @@
 // macOS: the two kinds of locks see each other, so a question for a record lock tells whether the
 // file is locked; libproc(3) tells who has it open.
+#include "base/system_calls.h"
 #include "base/unique_fd.h"
 #include "inspect/status/lock_holders.h"
 
@@ -13,7 +14,7 @@ namespace rcp::inspect {
 namespace {
 
 bool isLocked(const std::string& path) {
-    const UniqueFd file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const UniqueFd file(calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct flock question {};
     question.l_type = F_RDLCK;
     question.l_whence = SEEK_SET;

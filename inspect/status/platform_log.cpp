@@ -125,7 +125,7 @@ bool isBefore(const timespec& left, const timespec& right) {
 // Keeps the later one of two logs.
 void offer(const files::path& path, std::optional<PlatformLog>& latest) {
     struct stat status {};
-    if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (calls::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return;
     }
 #ifdef __APPLE__
@@ -160,11 +160,9 @@ std::optional<PlatformLog> platformLog(const std::string& configuration,
                                        const std::string& workspace, const timespec& launch) {
     std::optional<PlatformLog> latest;
     offer(workspace + "/.metadata/.log", latest);
-    std::error_code refused;
-    for (files::directory_iterator at(configuration, refused), end; !refused && at != end;
-         at.increment(refused)) {
-        if (isNumbered(at->path())) {
-            offer(at->path(), latest);
+    for (const std::string& name : entryNames(configuration)) {
+        if (isNumbered(name)) {
+            offer(files::path(configuration) / name, latest);
         }
     }
     if (!latest || isBefore(latest->time, launch)) {

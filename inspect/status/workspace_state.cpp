@@ -1,13 +1,13 @@
 #include "inspect/status/workspace_state.h"
 
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/quiet_read.h"
 #include "launcher/instance/running_provisioning.h"
 #include "platform/text.h"
 
 #include <errno.h>
 #include <signal.h>
 
-#include <filesystem>
 #include <limits>
 
 namespace rcp::inspect {
@@ -82,8 +82,7 @@ NextLaunch nextLaunch(const json& launch) {
 void addWorkspace(const json& facts, WorkspaceState& state) {
     state.workspace = text(facts, "workspace");
     state.configuration = text(facts, "configuration");
-    std::error_code missing;
-    state.isThere = std::filesystem::is_directory(state.workspace, missing);
+    state.isThere = isFolder(state.workspace);
     state.ids = installIds(facts.at("installId"));
     state.provisioning = provisioningState(facts.at("provisioning"));
     const json& recorded = facts.at("recordedProcess");

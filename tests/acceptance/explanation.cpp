@@ -5,6 +5,7 @@
 #include "tests/acceptance/paths.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <regex>
 #include <set>
@@ -13,6 +14,8 @@
 namespace acceptance {
 
 namespace {
+
+namespace files = std::filesystem;
 
 // A path as snapshots of the tree name it. The launches see the tree's own folder as /tmp.
 std::string inTree(const Installation& velmo, const std::string& path) {
@@ -71,6 +74,19 @@ Environment relevant(Environment environment) {
     return environment;
 }
 
+std::string explanationText(Installation& velmo, const Texts& arguments,
+                            const Texts& options = {}) {
+    const std::string launcher = std::exchange(velmo.program, rcp::test::seen(ACCEPTANCE_INSPECT));
+    Texts words{"explain", "--format", "json", "--launcher", launcher};
+    words.insert(words.end(), options.begin(), options.end());
+    words.emplace_back("--");
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const Launch run = velmo.launch(words);
+    velmo.program = launcher;
+    EXPECT_EQ(run.status, 0) << run.output;
+    return run.output;
+}
+
 // Whether the way the launch ended is what the explanation says.
 void expectEnd(const Json& explanation, const Launch& launch, const std::string& log) {
     const std::string kind = explanation["outcome"]["kind"].text;
@@ -79,11 +95,8 @@ void expectEnd(const Json& explanation, const Launch& launch, const std::string&
         EXPECT_TRUE(kind == "in-process" || kind == "execv" || kind == "provisioning") << kind;
         return;
     }
-    if (launch.status != 0) {
-        EXPECT_EQ(kind, "fatal");
-        EXPECT_EQ(withoutTimes(explanation["outcome"]["record"].text),
-                  withoutTimes(lastError(log)));
-    }
+    EXPECT_EQ(kind, launch.status == 0 ? "ends" : "fatal");
+    EXPECT_EQ(withoutTimes(explanation["outcome"]["record"].text), withoutTimes(lastError(log)));
 }
 
 // Each is an element or has a reason not to be one.
@@ -153,18 +166,29 @@ std::set<std::string> pathsAfter(const Snapshot& before, const Json& explanation
 }  // namespace
 
 Json explain(Installation& velmo, const Texts& arguments) {
-    const std::string launcher = std::exchange(velmo.program, rcp::test::seen(ACCEPTANCE_INSPECT));
-    Texts words{"explain", "--format", "json", "--launcher", launcher, "--"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    const Launch run = velmo.launch(words);
-    velmo.program = launcher;
-    EXPECT_EQ(run.status, 0) << run.output;
+    const std::string text = explanationText(velmo, arguments);
     try {
-        return parseJson(run.output);
+        return parseJson(text);
     } catch (const std::exception& problem) {
-        ADD_FAILURE() << problem.what() << "\n" << run.output;
+        ADD_FAILURE() << problem.what() << "\n" << text;
         return {};
     }
+}
+
+void expectSameOfStagedTree(Installation& velmo, const Texts& arguments) {
+    const std::string inPlace = explanationText(velmo, arguments);
+    const std::string stage = velmo.root + "/stage";
+    files::create_directories(files::path(stage + velmo.home).parent_path());
+    files::rename(velmo.home, stage + velmo.home);
+    // What lies there on this machine is none of the tree's.
+    velmo.write(velmo.rcp + "/rcplauncher.properties", "rcp.install.id=old\n");
+    velmo.write(velmo.base + "/config/user/config.ini", "old=1\n");
+    velmo.write(velmo.home + "/jre/lib/jvm.properties", "-Dold\n");
+    const std::string staged = explanationText(velmo, arguments, {"--root", stage});
+    files::remove_all(velmo.home);
+    files::rename(stage + velmo.home, velmo.home);
+    files::remove_all(stage);
+    EXPECT_EQ(withoutTimes(staged), withoutTimes(inPlace));
 }
 
 Texts elementTexts(const Json& explanation) {

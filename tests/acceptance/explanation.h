@@ -10,6 +10,10 @@ namespace acceptance {
 /// "rcpinspect explain" of a launch in `velmo` with `arguments`; fails the test when there is none.
 Json explain(Installation& velmo, const Texts& arguments);
 
+/// Of the installation that is still staged below another folder, and has an older one in its place, the same is
+/// explained, to the letter.
+void expectSameOfStagedTree(Installation& velmo, const Texts& arguments);
+
 /// The texts of the explained elements.
 Texts elementTexts(const Json& explanation);
 

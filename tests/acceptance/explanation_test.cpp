@@ -22,6 +22,9 @@ class Explanations : public testing::TestWithParam<unsigned> {
             velmo.write("Velmo/rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini",
                         "a=b\n");
         }
+        if (dice.chance(10)) {
+            velmo.write(velmo.base + "/macosx/x86/eclipse", "no program of this system", 0755);
+        }
     }
 
     // One launch explained and made, and then a second one in the area that the first one made.
@@ -33,6 +36,7 @@ class Explanations : public testing::TestWithParam<unsigned> {
             SCOPED_TRACE(describe(properties, arguments));
             velmo.write("unused", "");  // the property files are written with the first launch
             const Json explanation = explain(velmo, arguments);
+            expectSameOfStagedTree(velmo, arguments);
             const Snapshot before = takeSnapshot(velmo.root);
             const Launch launch = velmo.launch(arguments);
             const Snapshot after = takeSnapshot(velmo.root);
@@ -72,6 +76,27 @@ TEST_F(Explaining, ChangesNoFileNoTimeAndNoLock) {
         explain(velmo, arguments);
         EXPECT_EQ(differences(before, takeSnapshot(velmo.root)), "");
     }
+}
+
+TEST_F(Explaining, SaysThatALaunchEndsWhoseProgramCannotBeStarted) {
+    Installation velmo;
+    velmo.write(velmo.base + "/macosx/x86/eclipse", "no program of this system", 0755);
+    const Json explanation = explain(velmo, {});
+    EXPECT_EQ(explanation["outcome"]["kind"].text, "ends");
+    const Snapshot before = takeSnapshot(velmo.root);
+    const Launch launch = velmo.launch({});
+    EXPECT_EQ(launch.status, 0);
+    expectExplained(explanation, launch, logOfLaunch(before, takeSnapshot(velmo.root)),
+                    velmo.environment);
+}
+
+TEST_F(Explaining, SaysTheSameOfATreeThatIsStaged) {
+    Installation velmo;
+    velmo.set("rcp.data", velmo.home + "/users");
+    velmo.set("vmarg.home", "-Dhome=" + velmo.home);
+    expectSameOfStagedTree(velmo, {"-resetconfig"});
+    velmo.start();
+    expectSameOfStagedTree(velmo, {"-resetconfig"});
 }
 
 TEST_F(Explaining, SaysThatARunningPlatformMakesADaemon) {
