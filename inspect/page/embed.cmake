@@ -6,7 +6,7 @@
 # somebody else's text might have brought in.
 set(style_files page.css)
 # Each uses the ones in front of it; the last one starts the page.
-set(script_files dom.js list.js search.js picture.js sources.js sections.js explain.js check.js diff.js start.js)
+set(script_files dom.js chunks.js list.js search.js picture.js sources.js sections.js explain.js check.js diff.js start.js)
 
 # The text of the files, one after another.
 function(join_files result)

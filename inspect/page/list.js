@@ -1,24 +1,16 @@
-// A list of any length, of which the document holds what is in view and a little around it. Its rows are
-// objects: build() makes the node of a row, words() tells what a search looks at, and enter(), where there
-// is one, is what the Enter key does. `head` is the row at the top of the frame that a row stands in.
-const kChunk = 25;      // so many rows come and go together
-const kWhole = 100;     // a list that is no longer is in the document as a whole
-const kOnPaper = 2000;  // so many rows of a list are printed
-const kAround = 400;    // pixels around the view that are filled as well
-
-class List {
+// A list of any length. Its rows are objects: build() makes the node of a row, words() tells what a search looks
+// at, and enter(), where there is one, is what the Enter key does. `head` is the row at the top of the frame that
+// a row stands in.
+class List extends Chunks {
     // `name` is what its rows are called in a count, `label` what the list is called.
     constructor(name, label, rows) {
+        super(make('div.list', {role: 'list', 'aria-label': label}));
         this.name = name;
         this.rows = rows;
         this.size = rows.filter((row) => !row.members).length;
         this.found = this.size;  // so many of them hold what is searched for
-        this.shown = [];
-        this.chunks = [];
-        this.pinned = null;  // a row that is in the document wherever it is
         this.stop = null;    // the row that the tabulator key stops at; the arrow keys go on from there
         this.changed = () => {};
-        this.node = make('div.list', {role: 'list', 'aria-label': label});
         this.node.addEventListener('focusin', (event) => this.stopAt(this.rowOf(event.target)));
         this.node.addEventListener('keydown', (event) => this.key(event));
         for (const row of rows) {
@@ -39,7 +31,7 @@ class List {
     }
 
     static print(isOnPaper) {
-        List.isOnPaper = isOnPaper;
+        Chunks.isOnPaper = isOnPaper;
         List.all.forEach((list) => list.refresh());
     }
 
@@ -69,6 +61,11 @@ class List {
         return this.found;
     }
 
+    settle() {
+        this.stopAt(this.stop && this.stop.node ? this.stop : this.rendered().next().value);
+        this.changed();
+    }
+
     // Other rows are shown, or the same ones otherwise.
     refresh() {
         const focused = this.rowOf(document.activeElement);
@@ -78,14 +75,8 @@ class List {
         }
         this.shown = this.rows.filter((row) => row.isFound && (!row.head || row.head.isOpen));
         this.shown.forEach((row, index) => { row.at = index; });
-        this.chunks = [];
-        for (let from = 0; from < this.shown.length; from += kChunk) {
-            const to = Math.min(from + kChunk, this.shown.length);
-            const node = make('div.chunk', {role: 'none'});
-            node.style.height = `calc(var(--row) * ${to - from})`;
-            this.chunks.push({from, to, node, isFilled: false});
-        }
-        const unprinted = List.isOnPaper ? this.shown.length - kOnPaper : 0;
+        this.cut();
+        const unprinted = Chunks.isOnPaper ? this.shown.length - kOnPaper : 0;
         this.node.replaceChildren(...this.chunks.slice(0, unprinted > 0 ? kOnPaper / kChunk : undefined)
             .map(({node}) => node), ...unprinted <= 0 ? [] : [make('p.unprinted', null, '… and ' + grouped(unprinted)
             + ' more, which are not printed. After a search what it finds is printed.')]);
@@ -93,116 +84,6 @@ class List {
         if (focused && focused.at >= 0) {
             this.focus(focused);
         }
-    }
-
-    // Fills what is in view and empties the rest. What is filled may prove higher or lower than was
-    // thought, which brings more into view or less.
-    update() {
-        let hasChanged = false;
-        for (let round = 0; round < 5 && this.node.isConnected && this.fillView(); ++round) {
-            hasChanged = true;
-        }
-        if (hasChanged) {
-            this.stopAt(this.stop && this.stop.node ? this.stop : this.rendered().next().value);
-            this.changed();
-        }
-    }
-
-    // False when everything is as it should be already.
-    fillView() {
-        const view = this.view();
-        const first = this.firstChunk(view.top);
-        const wanted = this.wanted(view);
-        const coming = this.chunks.filter((chunk) => !chunk.isFilled && wanted.has(chunk));
-        const going = this.chunks.filter((chunk) => chunk.isFilled && !wanted.has(chunk));
-        if (coming.length + going.length === 0) {
-            return false;
-        }
-        // What is in view stays where it is, whatever happens above it.
-        const top = () => first ? first.node.getBoundingClientRect().top : this.node.getBoundingClientRect().bottom;
-        const before = top();
-        const scroller = this.scroller();
-        const isAtEnd = scroller.scrollTop > 0
-            && scroller.scrollTop + scroller.clientHeight >= scroller.scrollHeight - 1;
-        going.map((chunk) => [chunk, chunk.node.getBoundingClientRect().height])
-            .forEach(([chunk, height]) => this.empty(chunk, height));
-        coming.forEach((chunk) => this.fill(chunk));
-        this.measure(coming[0]);
-        const moved = top() - before;
-        if (isAtEnd) {
-            scroller.scrollTop = scroller.scrollHeight;
-        } else if (Math.abs(moved) >= 1) {
-            scroller.scrollTop += moved;
-        }
-        return true;
-    }
-
-    // Rows that were never built are taken to be as high as those that were built first.
-    measure(chunk) {
-        if (chunk && this.width !== this.node.clientWidth && this.shown.length > kWhole && !List.isOnPaper) {
-            this.width = this.node.clientWidth;
-            const height = chunk.node.getBoundingClientRect().height / (chunk.to - chunk.from);
-            this.node.style.setProperty('--row', height + 'px');
-        }
-    }
-
-    wanted(view) {
-        if (this.shown.length <= kWhole || List.isOnPaper) {
-            return new Set(this.chunks.filter(({node}) => node.isConnected));
-        }
-        const wanted = new Set();
-        for (const row of [this.pinned, this.rowOf(document.activeElement)]) {
-            if (row && row.at >= 0) {
-                wanted.add(this.chunkOf(row));
-            }
-        }
-        if (this.node.getClientRects().length > 0) {
-            let chunk = this.firstChunk(view.top - kAround);
-            while (chunk && chunk.node.getBoundingClientRect().top < view.bottom + kAround) {
-                wanted.add(chunk);
-                chunk = this.chunks[chunk.to / kChunk];
-            }
-        }
-        return wanted;
-    }
-
-    // The first that reaches below this height.
-    firstChunk(y) {
-        let [low, high] = [0, this.chunks.length];
-        while (low < high) {
-            const middle = (low + high) >> 1;
-            if (this.chunks[middle].node.getBoundingClientRect().bottom > y) {
-                high = middle;
-            } else {
-                low = middle + 1;
-            }
-        }
-        return this.chunks[low];
-    }
-
-    // What can be seen of the frame that the list scrolls in, or of the window.
-    view() {
-        const frame = this.node.closest('.scroll');
-        const box = frame ? frame.getBoundingClientRect() : {top: 0, bottom: innerHeight};
-        return {top: Math.max(0, box.top), bottom: Math.min(innerHeight, box.bottom)};
-    }
-
-    scroller() {
-        const frame = this.node.closest('.scroll');
-        return frame && frame.scrollHeight > frame.clientHeight ? frame : document.scrollingElement;
-    }
-
-    fill(chunk) {
-        chunk.isFilled = true;
-        chunk.node.replaceChildren(...this.shown.slice(chunk.from, chunk.to).map((row) => this.built(row)));
-        chunk.node.style.height = '';
-    }
-
-    empty(chunk, height) {
-        chunk.isFilled = false;
-        chunk.node.replaceChildren();
-        chunk.node.style.height = height + 'px';
-        this.shown.slice(chunk.from, chunk.to).forEach((row) => { row.node = null; });
     }
 
     built(row) {
@@ -215,24 +96,6 @@ class List {
         row.node.classList.toggle('is-last', !next || Boolean(next.members));
         this.setTabs(row, row === this.stop ? 0 : -1);
         return row.node;
-    }
-
-    rowOf(node) {
-        const item = this.node.contains(node) && node.closest('[role="listitem"]');
-        return item ? item.row : null;
-    }
-
-    chunkOf(row) {
-        return this.chunks[Math.floor(row.at / kChunk)];
-    }
-
-    // The rows that are in the document.
-    * rendered() {
-        for (const chunk of this.chunks) {
-            if (chunk.isFilled) {
-                yield* this.shown.slice(chunk.from, chunk.to);
-            }
-        }
     }
 
     // The height of the middle of a row in the window, about; null while it is not shown.
@@ -324,7 +187,6 @@ class List {
     }
 }
 List.all = [];
-List.isOnPaper = false;
 
 // The row at the top of a frame, which opens and closes it. Its members are added by who makes them.
 function frameRow(heading, kind, id, title, note, words) {
