@@ -16,30 +16,30 @@
 namespace rcp {
 namespace {
 
-enum class Entry { kMissing, kOwnLink, kForeign, kOther };
+enum class LinkPlace { kMissing, kOwnLink, kForeign, kOther };
 
 // What stands at the link's name. The entry itself is looked at, so a link to a missing library is
 // seen too.
-Entry entryAt(const std::string& path) {
+LinkPlace entryAt(const std::string& path) {
     struct stat status {};
     if (calls::lstat(path.c_str(), &status) != 0) {
-        return Entry::kMissing;
+        return LinkPlace::kMissing;
     }
     if (status.st_uid != geteuid() && status.st_uid != 0) {
-        return Entry::kForeign;
+        return LinkPlace::kForeign;
     }
-    return S_ISLNK(status.st_mode) ? Entry::kOwnLink : Entry::kOther;
+    return S_ISLNK(status.st_mode) ? LinkPlace::kOwnLink : LinkPlace::kOther;
 }
 
 // Makes the name free for a link to `library`, or leaves the link that is already right. False when
 // an entry of another user stays in the way.
 bool clearWay(const std::string& linkPath, const std::string& library) {
-    const Entry entry = entryAt(linkPath);
-    if (entry == Entry::kMissing) {
+    const LinkPlace entry = entryAt(linkPath);
+    if (entry == LinkPlace::kMissing) {
         return true;
     }
     SvcDebugOutA("setPreload(): link path already exists.");
-    if (entry == Entry::kOwnLink) {
+    if (entry == LinkPlace::kOwnLink) {
         const std::string target = readsymln(linkPath);
         SvcDebugOutA("setPreload(): existing link is to: %s", target);
         if (target == library) {
@@ -47,7 +47,7 @@ bool clearWay(const std::string& linkPath, const std::string& library) {
         }
     }
     SvcDebugOutA("setPreload(): removing existing link ...");
-    return calls::unlink(linkPath.c_str()) == 0 || entry != Entry::kForeign;
+    return calls::unlink(linkPath.c_str()) == 0 || entry != LinkPlace::kForeign;
 }
 
 // "USER", which becomes part of a file name.
@@ -114,12 +114,12 @@ void setPreload(const std::wstring& library, const std::wstring& qualifier) {
         report(noReason(), messages.preloadLinkForeign, wideLinkPath);
         return;
     }
-    if (entryAt(linkPath) == Entry::kMissing) {
+    if (entryAt(linkPath) == LinkPlace::kMissing) {
         SvcDebugOutA("setPreload(): creating new link ...");
         const int result = calls::symlink(libraryPath.c_str(), linkPath.c_str());
         SvcDebugOutA("setPreload(): symlink() result = %d", result);
     }
-    if (entryAt(linkPath) == Entry::kForeign) {
+    if (entryAt(linkPath) == LinkPlace::kForeign) {
         report(noReason(), messages.preloadLinkForeign, wideLinkPath);
         return;
     }

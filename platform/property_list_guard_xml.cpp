@@ -16,7 +16,7 @@ namespace {
 
 using Position = std::optional<std::size_t>;
 
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kXmlBlanks = " \t\r\n";
 
 Position found(std::size_t at) {
     return at == std::string_view::npos ? std::nullopt : Position(at);
@@ -29,11 +29,11 @@ Position behind(std::string_view text, std::string_view end, std::size_t from) {
 }
 
 bool isBlank(std::string_view text) {
-    return text.find_first_not_of(kBlanks) == std::string_view::npos;
+    return text.find_first_not_of(kXmlBlanks) == std::string_view::npos;
 }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(kXmlBlanks), text.size()));
     return text;
 }
 
@@ -165,7 +165,7 @@ class Follower {
         const bool isEmpty = !closes && tag.ends_with('/');
         tag.remove_prefix(closes ? 1 : 0);
         tag.remove_suffix(isEmpty ? 1 : 0);
-        const std::string_view name = tag.substr(0, tag.find_first_of(kBlanks));
+        const std::string_view name = tag.substr(0, tag.find_first_of(kXmlBlanks));
         const bool isRight = closes ? name.size() == tag.size() || isBlank(tag.substr(name.size()))
                              : isEmpty ? mayBeEmpty(name)
                                        : true;

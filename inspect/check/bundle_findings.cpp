@@ -18,10 +18,6 @@ namespace {
 constexpr char kInfo[] = "Info.plist";
 constexpr char kRestart[] = "MacOS/rcplauncher.plist";
 
-std::string inQuotes(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
 bool isIdentifier(const std::string& text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||

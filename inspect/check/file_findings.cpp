@@ -27,9 +27,9 @@ namespace {
 
 // What is said of a file that could not be opened.
 std::string lackText(const std::wstring& path, int error) {
-    return quoted(path) + (error == ENOENT || error == ENOTDIR
-                               ? " is missing"
-                               : std::string(" cannot be read: ") + strerror(error));
+    return inQuotes(path) + (error == ENOENT || error == ENOTDIR
+                                 ? " is missing"
+                                 : std::string(" cannot be read: ") + strerror(error));
 }
 
 // A file that the entry at `origin` leads to.
@@ -45,7 +45,7 @@ void needProgram(const Examination& examination, const std::wstring& path, const
     needFile(examination, path, origin, findings);
     if (exists(path) && !isExecutable(path)) {
         findings.add("RI602", examination.nameOf(origin), origin.line,
-                     quoted(path) + " is not executable");
+                     inQuotes(path) + " is not executable");
     }
 }
 
@@ -83,7 +83,7 @@ void findInBase(const Examination& examination, Findings& findings) {
     if (!examination.inputs.traits.invokeDylib && readQuietly(path, 2) == "#!" &&
         !listingShowsPlatform(path, markerOf(examination.inputs))) {
         findings.add("RI603", examination.nameOf(origin), origin.line,
-                     quoted(line.arguments().front().text) + " is not recognised");
+                     inQuotes(line.arguments().front().text) + " is not recognised");
     }
 }
 

@@ -11,8 +11,12 @@ const char* levelName(Level level) {
     return level == Level::kError ? "error" : "warning";
 }
 
-std::string quoted(std::wstring_view text) {
-    return "\"" + toUtf8(text) + "\"";
+std::string inQuotes(std::wstring_view text) {
+    return inQuotes(toUtf8(text));
+}
+
+std::string inQuotes(std::string_view text) {
+    return '"' + std::string(text) + '"';
 }
 
 void Findings::add(std::string_view code, const std::string& file, std::size_t line,

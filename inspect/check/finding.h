@@ -29,7 +29,8 @@ std::span<const FindingRule> findingRules();
 const char* levelName(Level level);
 
 /// For messages: the text in double quotes.
-std::string quoted(std::wstring_view text);
+std::string inQuotes(std::wstring_view text);
+std::string inQuotes(std::string_view text);
 
 struct Finding {
     const FindingRule* rule;

@@ -51,7 +51,7 @@ void findHeapSizes(const Examination& examination, const Arguments& arguments, F
     const Argument* limit = lastHeapSize(HeapSize::kLimit, arguments);
     if (start != nullptr && limit != nullptr && heapBytes(start->text) > heapBytes(limit->text)) {
         add(examination, "RI401", *start,
-            quoted(start->text) + " is more than " + quoted(limit->text) +
+            inQuotes(start->text) + " is more than " + inQuotes(limit->text) +
                 atLine(examination, *limit),
             findings);
     }
@@ -62,7 +62,7 @@ void findCollectors(const Examination& examination, const Arguments& arguments,
     const std::vector<const Argument*> chosen = chosenCollectors(arguments);
     for (std::size_t i = 1; i < chosen.size(); ++i) {
         add(examination, "RI402", *chosen[i],
-            quoted(chosen[i]->text) + " and " + quoted(chosen.front()->text) +
+            inQuotes(chosen[i]->text) + " and " + inQuotes(chosen.front()->text) +
                 atLine(examination, *chosen.front()),
             findings);
     }
@@ -80,7 +80,7 @@ void findRepetitions(const Examination& examination, const Arguments& arguments,
         if (former != nullptr && *former != argument) {
             const Argument& place = former->origin.file ? *former : argument;
             add(examination, "RI403", place,
-                quoted(former->text) + " loses against " + quoted(argument.text) +
+                inQuotes(former->text) + " loses against " + inQuotes(argument.text) +
                     atLine(examination, argument),
                 findings);
         }
@@ -91,7 +91,8 @@ void findRepetitions(const Examination& examination, const Arguments& arguments,
 void findTexts(const Examination& examination, const Arguments& arguments, Findings& findings) {
     for (const Argument& argument : arguments) {
         if (argument.origin.file && !argument.text.starts_with(L'-')) {
-            add(examination, "RI404", argument, quoted(argument.text) + " is no option", findings);
+            add(examination, "RI404", argument, inQuotes(argument.text) + " is no option",
+                findings);
         }
     }
 }
@@ -108,7 +109,7 @@ void findLosers(const Examination& examination, Findings& findings) {
                 winner->second.text.empty();  // nobody writes that by mistake
             if (!isSwitchedOff && origin.file && examination.nameOf(origin) != file.name) {
                 findings.add("RI405", file.name, entry.origin.line,
-                             quoted(entry.key) + " in " + examination.nameOf(origin) + ", line " +
+                             inQuotes(entry.key) + " in " + examination.nameOf(origin) + ", line " +
                                  std::to_string(origin.line) + ", always wins");
             }
         }

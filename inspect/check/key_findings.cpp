@@ -22,7 +22,7 @@ namespace {
 
 void requireKey(const Examination& examination, Key key, Findings& findings) {
     if (findProperty(key, examination.inputs.properties) == nullptr) {
-        findings.add("RI201", examination.launcherFile(), 0, quoted(key) + " is missing");
+        findings.add("RI201", examination.launcherFile(), 0, inQuotes(key) + " is missing");
     }
 }
 
@@ -76,21 +76,21 @@ void findUnread(const PropertyFile& file, const Property& entry, Findings& findi
     const std::size_t line = entry.origin.line;
     const std::wstring near = nearestKey(entry.key, file.kind);
     const std::string suggestion =
-        near.empty() ? std::string() : "; did you mean " + quoted(near) + "?";
+        near.empty() ? std::string() : "; did you mean " + inQuotes(near) + "?";
     if (const PropertyKey* elsewhere = findPropertyKey(entry.key)) {
         // The platform reads its own keys from the user's file.
         if (elsewhere->files != kNoFile && file.kind != kUserFile) {
             findings.add("RI203", file.name, line,
-                         quoted(entry.key) + " is looked at in " + filesOf(elsewhere->files));
+                         inQuotes(entry.key) + " is looked at in " + filesOf(elsewhere->files));
         }
         return;
     }
     if (file.kind != kUserFile && isQualified(entry.key)) {
         findings.add("RI210", file.name, line,
-                     "nothing looks at " + quoted(entry.key) + ", qualifier included");
+                     "nothing looks at " + inQuotes(entry.key) + ", qualifier included");
     } else if (file.kind != kUserFile || !near.empty()) {
         findings.add("RI202", file.name, line,
-                     "nothing looks at " + quoted(entry.key) + suggestion);
+                     "nothing looks at " + inQuotes(entry.key) + suggestion);
     }
 }
 
@@ -114,7 +114,7 @@ void findDuplicates(const PropertyFile& file, const std::deque<Property>& entrie
         const auto [known, isNew] = first.emplace(entry.key, entry.origin.line);
         if (!isNew) {
             findings.add("RI204", file.name, entry.origin.line,
-                         quoted(entry.key) + " stands on line " + std::to_string(known->second) +
+                         inQuotes(entry.key) + " stands on line " + std::to_string(known->second) +
                              " already; " +
                              (countsEveryTime(entry.key) ? "both count, the last one wins"
                                                          : "this one never counts"));
@@ -141,7 +141,7 @@ void findHidden(const Examination& examination, const PropertyList& list,
                 ++next;
             } else if (entry.origin.file && entry.key.starts_with(prefix)) {
                 findings.add("RI206", examination.nameOf(entry.origin), entry.origin.line,
-                             quoted(entry.key) + " is never found");
+                             inQuotes(entry.key) + " is never found");
             }
         }
     }
@@ -157,7 +157,7 @@ void findOverridden(const Examination& examination, const PropertyFile& file, Fi
         if (known != nullptr && known->tail == KeyTail::kNothing && winner.file &&
             examination.nameOf(winner) != file.name) {
             findings.add("RI207", file.name, entry.origin.line,
-                         quoted(entry.key) + " in " + examination.nameOf(winner) + ", line " +
+                         inQuotes(entry.key) + " in " + examination.nameOf(winner) + ", line " +
                              std::to_string(winner.line) + ", always wins");
         }
     }
@@ -169,9 +169,9 @@ void findMasterOverrides(const Examination& examination, Findings& findings) {
     for (const Property& appended : list.entries()) {
         const Property* winner = list.find(appended.key);
         if (!appended.origin.file && winner->origin.file && winner->value != appended.value) {
-            findings.add(
-                "RI208", examination.nameOf(winner->origin), winner->origin.line,
-                quoted(appended.key) + " here wins over the launcher's " + quoted(appended.value));
+            findings.add("RI208", examination.nameOf(winner->origin), winner->origin.line,
+                         inQuotes(appended.key) + " here wins over the launcher's " +
+                             inQuotes(appended.value));
         }
     }
 }
@@ -187,7 +187,7 @@ void findOtherSystems(const Examination& examination, Findings& findings) {
         const std::wstring plain = entry.key.substr(0, entry.key.rfind(L'.'));
         if (processFilterKey(line) && list.find(plain) == nullptr) {
             findings.add("RI209", master->name, entry.origin.line,
-                         "no user gets " + quoted(entry.key));
+                         "no user gets " + inQuotes(entry.key));
         }
     }
 }

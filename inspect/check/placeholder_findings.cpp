@@ -34,7 +34,7 @@ void findLeft(const std::wstring& text, const PropertyList& properties, const Pl
         const std::wstring name(last->name);
         if (getPlaceholderValue(name, properties)) {
             findings.add("RI303", place.file, place.line,
-                         quoted(L"${" + name + L"}") + " brings itself back");
+                         inQuotes(L"${" + name + L"}") + " brings itself back");
             return;
         }
         names.push_back(name);
@@ -47,7 +47,7 @@ void findLeft(const std::wstring& text, const PropertyList& properties, const Pl
         const bool isVariable = left.starts_with(placeholders::kVariable);
         findings.add(
             isVariable ? "RI302" : "RI301", place.file, place.line,
-            quoted(L"${" + left + L"}") +
+            inQuotes(L"${" + left + L"}") +
                 (isVariable ? " is not set here and has no default" : " cannot be resolved"));
     }
 }
@@ -55,7 +55,7 @@ void findLeft(const std::wstring& text, const PropertyList& properties, const Pl
 void findIn(std::wstring text, const PropertyList& properties, const Place& place,
             Findings& findings) {
     if (isUnclosed(text)) {
-        findings.add("RI304", place.file, place.line, "in " + quoted(text));
+        findings.add("RI304", place.file, place.line, "in " + inQuotes(text));
     } else if (!replaceUserPlaceholders(text, properties)) {
         findLeft(text, properties, place, findings);
     }
@@ -129,8 +129,8 @@ void findUnexpanded(const PropertyFile& file, const StandardLocations& locations
         const std::wstring text = expanded(entry.value, known->expansion, locations);
         if (const auto last = findLastPlaceholder(text, std::wstring::npos)) {
             findings.add("RI305", file.name, entry.origin.line,
-                         quoted(L"${" + std::wstring(last->name) + L"}") +
-                             " stays as it is in the value of " + quoted(entry.key));
+                         inQuotes(L"${" + std::wstring(last->name) + L"}") +
+                             " stays as it is in the value of " + inQuotes(entry.key));
         }
     }
 }

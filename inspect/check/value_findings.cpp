@@ -89,15 +89,15 @@ void findInText(const PropertyFile& file, const Property& entry, Findings& findi
     const std::size_t line = entry.origin.line;
     const std::wstring variable = percentVariable(entry.value);
     if (!variable.empty()) {
-        findings.add("RI307", file.name, line, quoted(variable) + " stays as it is");
+        findings.add("RI307", file.name, line, inQuotes(variable) + " stays as it is");
     }
     const std::wstring text =
         entry.key.starts_with(keys::kJvmOption) ? entry.key + entry.value : entry.value;
     if (isArgument(entry.key) && holdsSeveralArguments(text)) {
-        findings.add("RI308", file.name, line, quoted(text) + " is passed on as one argument");
+        findings.add("RI308", file.name, line, inQuotes(text) + " is passed on as one argument");
     }
     if (entry.value.ends_with(L'\t')) {
-        findings.add("RI310", file.name, line, "the value of " + quoted(entry.key));
+        findings.add("RI310", file.name, line, "the value of " + inQuotes(entry.key));
     }
 }
 
@@ -115,7 +115,7 @@ void findEarlySeparator(const PropertyFile& file, const Property& entry, Finding
     }
     if (line.find_first_not_of(" \t", separator) != equals) {
         findings.add("RI309", file.name, entry.origin.line,
-                     "the key is " + quoted(entry.key) + ", the value " + quoted(entry.value));
+                     "the key is " + inQuotes(entry.key) + ", the value " + inQuotes(entry.value));
     }
 }
 
@@ -136,8 +136,9 @@ void findIgnoredValues(const PropertyFile& file, const Property& entry, Findings
     for (const KnownValues& known : kKnownValues) {
         if (file.kind != kUserFile && known.key == entry.key && entry.value != known.values[0] &&
             entry.value != known.values[1]) {
-            findings.add("RI312", file.name, entry.origin.line,
-                         quoted(entry.key) + " is " + quoted(entry.value) + ", not " + known.text);
+            findings.add(
+                "RI312", file.name, entry.origin.line,
+                inQuotes(entry.key) + " is " + inQuotes(entry.value) + ", not " + known.text);
         }
     }
 }
@@ -146,7 +147,7 @@ void findConfiguration(const Examination& examination, Findings& findings) {
     const Property* entry = examination.inputs.properties.find(keys::kInstallConfiguration);
     if (entry != nullptr && installConfigurationName(examination.inputs.traits.eConfig).empty()) {
         findings.add("RI311", examination.nameOf(entry->origin), entry->origin.line,
-                     quoted(entry->value) + " is no configuration");
+                     inQuotes(entry->value) + " is no configuration");
     }
 }
 
@@ -156,7 +157,7 @@ void findRelativePaths(const Examination& examination, Findings& findings) {
         if (entry != nullptr && !entry->value.empty() && !entry->value.starts_with(L"/") &&
             !entry->value.starts_with(placeholders::kOpening)) {
             findings.add("RI313", examination.nameOf(entry->origin), entry->origin.line,
-                         quoted(entry->value) + " is relative");
+                         inQuotes(entry->value) + " is relative");
         }
     }
 }

@@ -68,11 +68,10 @@ std::wstring missingOfBlock(const std::wstring& file, const PropertyList& proper
 
 std::string StaleEntry::message() const {
     if (!users) {
-        return inspect::quoted(key) + " is missing in the user's copy; its master has " +
-               inspect::quoted(value);
+        return inQuotes(key) + " is missing in the user's copy; its master has " + inQuotes(value);
     }
-    return inspect::quoted(key) + " is " + inspect::quoted(*users) + " in the user's copy, " +
-           inspect::quoted(value) + " in its master";
+    return inQuotes(key) + " is " + inQuotes(*users) + " in the user's copy, " + inQuotes(value) +
+           " in its master";
 }
 
 std::vector<StaleEntry> staleEntries(const Examination& examination) {
@@ -107,7 +106,7 @@ std::vector<IncompleteCopy> incompleteCopies(const Examination& examination) {
     const std::wstring own = userFileOf(configuration);
     if (const std::wstring key = missingOfBlock(own, examination.inputs.properties); !key.empty()) {
         incomplete.push_back(
-            {own, inspect::quoted(key) + " is missing, which a launch writes at its end"});
+            {own, inQuotes(key) + " is missing, which a launch writes at its end"});
     }
     const std::wstring updates = osPath(configuration + L"/org.eclipse.update/platform.xml");
     constexpr char kEnd[] = "</config>";
@@ -116,7 +115,7 @@ std::vector<IncompleteCopy> incompleteCopies(const Examination& examination) {
     }
     const std::wstring arguments = osPath(configuration + L"/args.properties");
     if (exists(arguments) && entriesOf(arguments).find(keys::kArgumentCount) == nullptr) {
-        incomplete.push_back({arguments, inspect::quoted(keys::kArgumentCount) + " is missing"});
+        incomplete.push_back({arguments, inQuotes(keys::kArgumentCount) + " is missing"});
     }
     return incomplete;
 }

@@ -24,10 +24,6 @@ constexpr const char* kMainClasses[] = {"org/eclipse/equinox/launcher/Main.class
 constexpr const char* kJvmEntryPoints[] = {"JNI_CreateJavaVM"};
 constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS"};
 
-std::string inQuotes(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
 class Examiner {
   public:
     Examiner(const Examination& examination, const Plan& plan)
@@ -71,12 +67,12 @@ class Examiner {
         const auto fault = isBundle_ ? std::nullopt : startFault(path);
         if (fault) {
             addFault(examined, "RI801", program.origin,
-                     inspect::quoted(program.text) + ": " + fault->reason);
+                     inQuotes(program.text) + ": " + fault->reason);
         }
         for (const std::string& name : isBundle_ || fault ? std::vector<std::string>()
                                                           : missingLibraries(path, libraryPath_)) {
             addFault(examined, "RI801", program.origin,
-                     inspect::quoted(program.text) + " needs " + name + ", which is nowhere");
+                     inQuotes(program.text) + " needs " + name + ", which is nowhere");
         }
     }
 
@@ -85,8 +81,7 @@ class Examiner {
         const auto fault =
             isBundle_ ? std::nullopt : loadFault(toNarrow(library.text), entryPoints, libraryPath_);
         if (fault) {
-            addFault(examined, "RI802", library.origin,
-                     inspect::quoted(library.text) + ": " + *fault);
+            addFault(examined, "RI802", library.origin, inQuotes(library.text) + ": " + *fault);
         }
     }
 
@@ -135,11 +130,11 @@ class Examiner {
         const std::string path = toNarrow(jvm.text);
         Examined& examined = begin("JVM", path);
         if (!exists(jvm.text)) {
-            addFault(examined, "RI601", jvm.origin, inspect::quoted(jvm.text) + " is missing");
+            addFault(examined, "RI601", jvm.origin, inQuotes(jvm.text) + " is missing");
         } else if (isFolder(path)) {
             if (!existsA(path + "/java") && !existsA(path + "/libjvm.so")) {
                 addFault(examined, "RI802", jvm.origin,
-                         inspect::quoted(jvm.text) + " is a folder without JVM");
+                         inQuotes(jvm.text) + " is a folder without JVM");
             }
         } else if (path.ends_with(".ee") || path.ends_with(".dll")) {
             return;  // a description, whose contents the launcher library reads
@@ -154,7 +149,7 @@ class Examiner {
     std::optional<std::set<std::string>> judgeJar(Examined& examined, const Argument& jar) const {
         const std::string path = toNarrow(jar.text);
         if (!exists(jar.text)) {
-            addFault(examined, "RI601", jar.origin, inspect::quoted(jar.text) + " is missing");
+            addFault(examined, "RI601", jar.origin, inQuotes(jar.text) + " is missing");
             return std::nullopt;
         }
         if (const auto fault = jarFault(path)) {
@@ -171,7 +166,7 @@ class Examiner {
         const auto isThere = [&](const char* name) { return entries->contains(name); };
         if (entries && std::none_of(std::begin(kMainClasses), std::end(kMainClasses), isThere)) {
             addFault(examined, "RI804", jar.origin,
-                     inspect::quoted(jar.text) + " has no " + inQuotes(kMainClasses[0]));
+                     inQuotes(jar.text) + " has no " + inQuotes(kMainClasses[0]));
         }
     }
 

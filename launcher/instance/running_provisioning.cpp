@@ -21,7 +21,7 @@ namespace rcp {
 namespace {
 
 constexpr int kPatience = 60;  // seconds, until an error is recorded
-constexpr std::size_t kLongestContent = 256;
+constexpr std::size_t kLongestNote = 256;
 
 // None without a file; what cannot be read names nobody.
 std::optional<std::string> contentOf(const std::wstring& path) {
@@ -30,7 +30,7 @@ std::optional<std::string> contentOf(const std::wstring& path) {
     if (!file) {
         return errno == ENOENT ? std::nullopt : std::optional(std::string());
     }
-    return readBeginning(file.get(), kLongestContent).value_or(std::string());
+    return readBeginning(file.get(), kLongestNote).value_or(std::string());
 }
 
 std::string recordOf(pid_t process, const std::string& start) {
