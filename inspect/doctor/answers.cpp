@@ -58,11 +58,11 @@ Answer answerInstallation(const Evidence& evidence) {
 
 Answer answerSettings(const Evidence& evidence) {
     const PropertyFile* file = evidence.examination.file(kLauncherFile);
-    const std::size_t count = file == nullptr ? 0 : file->entries.entries().size();
-    return {
-        "settings",
-        file == nullptr ? "there are none" : file->name + ", " + std::to_string(count) + " entries",
-        evidence.problemsOf(Subject::kSettings)};
+    return {"settings",
+            file == nullptr
+                ? "there are none"
+                : file->name + ", " + std::to_string(file->entries.entries().size()) + " entries",
+            evidence.problemsOf(Subject::kSettings)};
 }
 
 Answer answerBase(const Evidence& evidence) {

@@ -44,6 +44,17 @@ TEST(ExplanationText, LeavesOutHeadingsOfNothing) {
               "        what is started (the launcher)\n");
 }
 
+TEST(ExplanationText, FoldsMoreThanSixChanges) {
+    nlohmann::json explanation = smallExplanation();
+    const nlohmann::json change = {{"change", "made"}, {"kind", "file"}, {"path", "/f"}};
+    const auto isFolded = [&](std::size_t number) {
+        explanation["changes"] = std::vector<nlohmann::json>(number, change);
+        return explanationText(explanation, {}).find("/f and ") != std::string::npos;
+    };
+    EXPECT_FALSE(isFolded(6));
+    EXPECT_TRUE(isFolded(7));
+}
+
 nlohmann::json element(const std::string& text, const nlohmann::json& source) {
     return {{"text", text},
             {"rule", "some"},

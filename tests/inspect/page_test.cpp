@@ -57,6 +57,12 @@ class Page : public rcp::test::LauncherTest {
     }
 };
 
+TEST_F(Page, IsNotWrittenWhereItsNameHasNoCharacters) {
+    errno = 0;
+    EXPECT_FALSE(writePage(explanationOf("x"), folder_.narrow("page\xff.html")));
+    EXPECT_EQ(errno, EILSEQ);
+}
+
 TEST_F(Page, HoldsTheExplanation) {
     const json explanation = readData("explanation.json");
     EXPECT_EQ(json::parse(dataOf(written(explanation))), explanation);

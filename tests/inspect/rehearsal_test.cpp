@@ -144,6 +144,18 @@ TEST_F(RehearsalTest, GoesThroughLinksAndDotsAsTheSystemDoes) {
                    making("x/"), with("lstat", "l/"), with("stat", "l/m")});
 }
 
+TEST_F(RehearsalTest, FollowsAsManyLinksAsTheSystemDoesAndNoMore) {
+    constexpr int kMost = 40;  // path_resolution(7)
+    std::vector<Call> calls{linking("f", "link1")};
+    for (int i = 1; i <= kMost; ++i) {
+        calls.push_back(linking("link" + std::to_string(i), "link" + std::to_string(i + 1)));
+    }
+    for (int i = kMost - 1; i <= kMost + 1; ++i) {
+        calls.push_back(with("stat", "link" + std::to_string(i)));
+    }
+    expectTheSame(calls);
+}
+
 TEST_F(RehearsalTest, FollowsLinksOfItsOwnMaking) {
     expectTheSame({linking("c", "to"), opening("to/new", kNew, "text"), opening("c/new", O_RDONLY),
                    with("unlink", "to"), opening("to/new", O_RDONLY), linking("ROOT/a", "to"),

@@ -202,6 +202,13 @@ TEST_F(DiffTest, ThePageHoldsTheSame) {
     EXPECT_NE(folder_.read("page.html").find("\"command\":\"diff\""), std::string::npos);
 }
 
+TEST_F(DiffTest, ALinkThatLeadsElsewhereIsAnotherFile) {
+    const std::string old = copy();
+    std::filesystem::create_symlink("rcp", folder_.path() / "old/link");
+    std::filesystem::create_symlink("jre", installation() + "/link");
+    EXPECT_EQ(part(differing({"--with", old}), "Files"), "~ link\n");
+}
+
 TEST_F(DiffTest, ALaunchWhosePlatformCannotStartIsToldFirst) {
     const std::string old = copy();
     replaceIn(kProperties, "jvm.libpath=/lib/server/libjvm.so", "jvm.libpath=/lib/libnone.so");

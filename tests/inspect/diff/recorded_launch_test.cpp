@@ -46,6 +46,7 @@ TEST(Inventory, OnlyTheInstallationsOwnFolderIsTakenOutOfATextAndNoneThatItsName
     EXPECT_EQ(withoutHome("a /opt/v/x:/opt/v", "/opt/v"), "a ${rcp.home}/x:${rcp.home}");
     EXPECT_EQ(withoutHome("/opt/v-2/x /opt/vv /opt/v.old", "/opt/v"),
               "/opt/v-2/x /opt/vv /opt/v.old");
+    EXPECT_EQ(withoutHome("/opt/vv:/opt/v/x", "/opt/v"), "/opt/vv:${rcp.home}/x");
     EXPECT_EQ(withoutHome("/opt/v", ""), "/opt/v");
 }
 

@@ -47,5 +47,20 @@ TEST(SequenceDiff, VeryDifferentLongListsAreReplacedBetweenTheirEnds) {
     EXPECT_EQ(edits.back(), (Edit{true, 5000}));
 }
 
+// What costs more to compare than the answer is worth begins one row behind this.
+TEST(SequenceDiff, OfListsThatAreNotTooLongTheFewestAreTold) {
+    constexpr int kLongest = 4096;
+    Words first;
+    Words second;
+    for (int i = 0; i < kLongest; ++i) {
+        first.push_back("a" + std::to_string(i));
+        second.push_back("b" + std::to_string(i));
+    }
+    first[kLongest / 2] = second[kLongest / 2] = "common";
+    EXPECT_EQ(differences(first, second).size(), 2U * (kLongest - 1));
+    first.emplace_back("one more");
+    EXPECT_EQ(differences(first, second).size(), 2U * kLongest + 1);
+}
+
 }  // namespace
 }  // namespace rcp::inspect::test

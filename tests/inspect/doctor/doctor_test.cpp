@@ -59,6 +59,7 @@ TEST_F(DoctorTest, OfASoundInstallationEveryAnswerIsGoodAndOneLine) {
     for (std::string line; std::getline(lines, line);) {
         EXPECT_TRUE(line.starts_with("✓ ")) << line;
     }
+    EXPECT_NE(text.find("\n✓ locale                  characters are "), std::string::npos) << text;
 }
 
 TEST_F(DoctorTest, IsWhatHappensWithoutACommand) {
