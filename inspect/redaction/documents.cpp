@@ -35,17 +35,18 @@ std::string nameIn(const Json& object) {
     return {};
 }
 
-// An argument, or what has one.
-Json* textOf(Json& thing) {
+// The argument, or of what has one the members that tell it.
+std::vector<Json*> textsOf(Json& thing) {
+    std::vector<Json*> texts;
     if (thing.is_string()) {
-        return &thing;
+        texts.push_back(&thing);
     }
-    for (const char* member : {"text", "value"}) {
+    for (const char* member : {"text", "value", "effective"}) {
         if (thing.is_object() && thing.contains(member) && thing[member].is_string()) {
-            return &thing[member];
+            texts.push_back(&thing[member]);
         }
     }
-    return nullptr;
+    return texts;
 }
 
 // Lines that belong together, as those of a log, are looked at together.
@@ -74,29 +75,39 @@ Json split(std::string_view text) {
     return list;
 }
 
+// Where in a document a string stands.
+struct StringPlace {
+    std::string member;
+    std::string name = {};  // of a value, else empty
+    bool isList = false;    // it is several strings of a list, each in its line
+};
+
 // In an argument of several lines the name in front is that of all of them.
-std::size_t endOfNameOfLines(const std::string& argument) {
-    return argument.starts_with('-') && argument.find('\n') != kNone ? argument.find('=') : kNone;
+std::size_t endOfNameOfLines(const StringPlace& place, const std::string& argument) {
+    const bool isArgument = !place.isList && argument.starts_with('-');
+    return isArgument && argument.find('\n') != kNone ? argument.find('=') : kNone;
 }
 
-// Calls visit(member, name, text) with every string; `name` is that of a value, else empty.
+// Calls visit(place, text) with every string.
 template <typename Visit>
 void walk(Json& node, const std::string& member, const Visit& visit) {
     if (node.is_string()) {
-        visit(member, std::string(), node.template get_ref<std::string&>());
+        visit(StringPlace{member}, node.template get_ref<std::string&>());
     } else if (node.is_array() && areLines(node)) {
         std::string text = joined(node);
-        visit(member, std::string(), text);
+        visit(StringPlace{.member = member, .isList = true}, text);
         node = split(text);
     } else if (node.is_array()) {
         std::string option;
         for (Json& item : node) {
-            Json* text = textOf(item);
+            const std::vector<Json*> texts = textsOf(item);
             const std::string before = std::exchange(option, std::string());
-            option = text == nullptr ? std::string() : text->template get<std::string>();
-            if (!before.empty() && text != nullptr && before.starts_with('-') &&
-                before.find_first_of("=: ") == std::string::npos && !isOption(option)) {
-                visit("option", before, text->template get_ref<std::string&>());
+            option = texts.empty() ? std::string() : texts.front()->template get<std::string>();
+            if (before.starts_with('-') && before.find_first_of("=: ") == std::string::npos &&
+                !isOption(option)) {
+                for (Json* text : texts) {
+                    visit(StringPlace{"option", before}, text->template get_ref<std::string&>());
+                }
             }
             walk(item, member, visit);
         }
@@ -104,7 +115,7 @@ void walk(Json& node, const std::string& member, const Visit& visit) {
         const std::string name = nameIn(node);
         for (auto& [key, value] : node.items()) {
             if (value.is_string() && !name.empty() && isOneOf(kValues, key)) {
-                visit(key, name, value.template get_ref<std::string&>());
+                visit(StringPlace{key, name}, value.template get_ref<std::string&>());
             } else {
                 walk(value, key, visit);
             }
@@ -174,8 +185,9 @@ void Redactor::learnDocument(const Json& document) {
             text = withPart(text, part, std::string(kMark) + ">");
         }
     });
-    walk(copy, {}, [this](const std::string& member, const std::string& name, std::string& text) {
-        const std::size_t equals = endOfNameOfLines(text);
+    walk(copy, {}, [this](const StringPlace& place, std::string& text) {
+        const auto& [member, name, isList] = place;
+        const std::size_t equals = endOfNameOfLines(place, text);
         if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
             learnValue(text.substr(0, equals), std::string_view(text).substr(equals + 1));
             learnWithin(text, {equals + 1, text.size(), text.substr(0, equals)});
@@ -189,35 +201,34 @@ void Redactor::learnDocument(const Json& document) {
 
 // "-Ddb.password=..." under a secret key is an argument, of which the name may stay.
 void Redactor::redactValue(const std::string& name, std::string& value) {
-    const std::size_t equals = endOfNameOfLines(value);
-    if (equals != kNone && names_.isSecret(value.substr(0, equals))) {
-        const std::string front = value.substr(0, equals);
-        value = front + "=" + mark(front, std::string_view(value).substr(equals + 1));
-        return;
-    }
-    if (isUserOption(name) && hasPassword(value)) {
-        value = mark("user-info of an option", value);
-        return;
-    }
     const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, value) &&
                           value.find(kMark) == kNone;
-    value = isSecret && secretsIn(value, names_).empty() ? mark(name, value) : redact(value);
+    if (isUserOption(name) && hasPassword(value)) {
+        value = mark("user-info of an option", value);
+    } else {
+        value = isSecret && secretsIn(value, names_).empty() ? mark(name, value) : redact(value);
+    }
 }
 
 void Redactor::redactDocument(Json& document) {
-    walkMade(document, [this](const std::string& pattern, std::string& text) {
+    const auto markPart = [this](std::string& text, const SecretPart& part) {
+        const std::string_view secret =
+            std::string_view(text).substr(part.begin, part.end - part.begin);
+        text = withPart(text, part, mark(part.name, secret));
+    };
+    walkMade(document, [&](const std::string& pattern, std::string& text) {
         if (const SecretPart part = partMadeOf(pattern, text); part.begin < part.end) {
-            text = withPart(
-                text, part,
-                mark(part.name, std::string_view(text).substr(part.begin, part.end - part.begin)));
+            markPart(text, part);
         }
     });
-    walk(document, {},
-         [this](const std::string& member, const std::string& name, std::string& text) {
-             if (!isOneOf(kFixed, member)) {
-                 redactValue(name, text);
-             }
-         });
+    walk(document, {}, [&](const StringPlace& place, std::string& text) {
+        const std::size_t equals = endOfNameOfLines(place, text);
+        if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
+            markPart(text, {equals + 1, text.size(), text.substr(0, equals)});
+        } else if (!isOneOf(kFixed, place.member)) {
+            redactValue(place.name, text);
+        }
+    });
 }
 
 }  // namespace rcp::inspect

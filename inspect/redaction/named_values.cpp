@@ -57,11 +57,13 @@ void NamedValues::findAt(std::size_t at) {
         case ',':
             findDefault(at);
             findOption(at);
+            findQuoted(at);
             break;
         default:
             if (at > 0 && !isAt(text_, at - 1, " \t\n")) {  // there is no name otherwise
                 findOption(at);
                 findAfterBlank(at);
+                findQuoted(at);
             }
     }
     if (text_[at] == '\n') {
@@ -116,6 +118,23 @@ void NamedValues::findValue(std::size_t at) {
         ++begin;
     }
     add(begin, endOfValue(text_, name, begin, isFirst), word);
+}
+
+// '"NAME" is "VALUE" in the user's copy, "VALUE" in its master', as the findings say it.
+void NamedValues::findQuoted(std::size_t at) {
+    const Name name = nameBefore(text_, at);
+    if (!text_.substr(0, at).ends_with('"') || name.begin == 0 || text_[name.begin - 1] != '"' ||
+        !names_.isSecret(name.in(text_))) {
+        return;
+    }
+    const std::size_t line = endOfLine(text_, at);
+    for (const std::string_view front : {" is \"", " has \"", ", \"", ", the value \""}) {
+        const std::size_t found = text_.substr(0, line).find(front, at);
+        if (found != kNone) {
+            const std::size_t begin = found + front.size();
+            add(begin, std::min(text_.find('"', begin), line), name.in(text_));
+        }
+    }
 }
 
 // ${NAME} = VALUE, ${NAME,DEFAULT} = VALUE: ... is not set, ...

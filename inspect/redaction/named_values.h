@@ -28,6 +28,7 @@ class NamedValues {
     void add(std::size_t begin, std::size_t end, std::string_view name);
     void addQuoted(std::size_t at, std::string_view key);
     void findValue(std::size_t at);
+    void findQuoted(std::size_t at);
     void findPlaceholder(std::size_t at);
     [[nodiscard]] std::size_t beginOfNext(const Name& option) const;
     void findElement(std::size_t at);

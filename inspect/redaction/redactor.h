@@ -29,6 +29,10 @@ class Redactor {
     Redactor(const Salt& salt, Identity identity);
 
     void addNames(std::string_view list) { names_.add(list); }
+    /// An entry of a property file: of what a secret is made is one.
+    void addSourceOf(std::string_view key, std::string_view value) {
+        names_.addSourceOf(key, value);
+    }
     /// From a file's text, an argument, a log.
     void learn(std::string_view text);
     /// The value of a key, option or variable, which counts when the name looks secret.

@@ -1,6 +1,8 @@
 #include "inspect/redaction/secret_names.h"
 
 #include "inspect/check/finding.h"
+#include "launcher/vocabulary/property_keys.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -28,6 +30,9 @@ constexpr std::string_view kAbout[] = {
     "format", "timeout", "policy", "through", "algorithm", "required", "enabled"};
 // Of a shell: the folder it is in.
 constexpr std::string_view kNoSecrets[] = {"PWD", "OLDPWD"};
+// A secret may be named after them, and they stand everywhere.
+constexpr std::string_view kLaunchersVariables[] = {"HOME", "USER", "TMPDIR",
+                                                    "PATH", "LANG", "PWD"};
 
 bool isUpper(char character) {
     return std::isupper(static_cast<unsigned char>(character)) != 0;
@@ -111,12 +116,30 @@ void SecretNames::add(std::string_view list) {
     }
 }
 
+void SecretNames::addSourceOf(std::string_view name, std::string_view value) {
+    const std::size_t equals = value.find('=');
+    if (value.starts_with("-D") && equals != std::string_view::npos) {
+        addSourceOf(value.substr(2, equals - 2), value.substr(equals + 1));
+    }
+    const std::size_t dot = value.find('.');
+    if (!value.starts_with("${") || dot == std::string_view::npos ||
+        value.find('}') != value.size() - 1 || !isSecret(name)) {
+        return;
+    }
+    const std::string_view source = value.substr(2, value.find_first_of(",}") - 2);
+    const std::string own(value.substr(dot + 1, value.find_first_of(",}") - dot - 1));
+    if (!isOneOf(kLaunchersVariables, own) && findPropertyKey(toWide(own)) == nullptr &&
+        (source.starts_with("env.") || source.starts_with("prop."))) {
+        sources_.insert(sources_.end(), {std::string(source), own});
+    }
+}
+
 bool SecretNames::isSecret(std::string_view name) const {
     if (isOneOf(kNoSecrets, name) || isFinding(name)) {
         return false;
     }
     const Words words = wordsOf(name);
-    return hasSecretWord(words, isSecretWord) ||
+    return hasSecretWord(words, isSecretWord) || isOneOf(sources_, name) ||
            std::any_of(further_.begin(), further_.end(), [&](const Words& one) {
                return std::search(words.begin(), words.end(), one.begin(), one.end()) !=
                       words.end();

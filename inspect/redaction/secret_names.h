@@ -27,6 +27,10 @@ class SecretNames {
     /// With further names, separated by commas; one of several words is met where they follow each other.
     void add(std::string_view list);
 
+    /// With what `value` is taken from, when it is the value of a secret name: the variable or property of a lone
+    /// placeholder. What a launch sets or reads itself stays.
+    void addSourceOf(std::string_view name, std::string_view value);
+
     /// Whether it looks secret: by whole words, for a keyboard is no key. When in doubt it does.
     [[nodiscard]] bool isSecret(std::string_view name) const;
     /// The same by a word that can hardly mean anything else, so that a blank behind it separates a value.
@@ -34,6 +38,7 @@ class SecretNames {
 
   private:
     std::vector<std::vector<std::string>> further_;
+    std::vector<std::string> sources_;  // "env.NAME", "prop.NAME", and the names alone
 };
 
 }  // namespace rcp::inspect

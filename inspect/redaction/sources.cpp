@@ -21,6 +21,11 @@ void addNames(const Examination& examination, Redactor& redactor) {
             redactor.addNames(toNarrow(entry.value));
         }
     }
+    for (const PropertyFile& file : examination.files) {
+        for (const Property& entry : file.entries.entries()) {
+            redactor.addSourceOf(toNarrow(entry.key), toNarrow(entry.value));
+        }
+    }
 }
 
 void learnInstallation(const Options& options, Redactor& redactor) {

@@ -69,8 +69,11 @@ std::string describeSurroundings(const Options& options, const nlohmann::json& d
     if (options.isWithHost) {
         line("host", hostName());
     }
+    std::size_t number = 0;
     for (const std::string& argument : options.arguments) {
-        line("argument", argument);
+        text += (number == 0 ? "arguments\n   " : "   ") + std::to_string(number + 1) + "  " +
+                argument + "\n";
+        ++number;
     }
     return text;
 }

@@ -22,6 +22,17 @@ std::string plant(std::vector<std::string>& planted) {
     return planted.back();
 }
 
+// The same of five letters, which is looked for in its own place alone.
+std::string plantOrdinary(std::vector<std::string>& planted) {
+    constexpr std::string_view kBegin = "bdfghjklmnpr";
+    constexpr std::string_view kMiddle = "vwxz";
+    const std::size_t i = planted.size();
+    std::string secret{kBegin[i % kBegin.size()], 'u', kMiddle[i / kBegin.size() % kMiddle.size()],
+                       'o', 'q'};
+    planted.push_back(secret);
+    return secret;
+}
+
 class PlantedSecrets : public ExplainTest {
   protected:
     void SetUp() override {
@@ -38,7 +49,7 @@ class PlantedSecrets : public ExplainTest {
                       "-Dheader=Authorization: Basic " + next()};
     }
 
-    std::string next() { return plant(planted_); }
+    std::string next() { return isOrdinary_ ? plantOrdinary(planted_) : plant(planted_); }
 
     void plantInInstallation() {
         append(kProperties,
@@ -124,6 +135,12 @@ class PlantedSecrets : public ExplainTest {
 
     std::vector<std::string> planted_;
     Words arguments_;
+    bool isOrdinary_ = false;
+};
+
+class PlantedWords : public PlantedSecrets {
+  protected:
+    PlantedWords() { isOrdinary_ = true; }
 };
 
 const std::vector<Words> kTexts{{"doctor"},
@@ -162,7 +179,21 @@ TEST_F(PlantedSecrets, AreInNoText) {
     }
 }
 
+TEST_F(PlantedWords, AreInNoText) {
+    for (const Words& command : kTexts) {
+        expectNoneIn(with(command, {"--redact"}));
+    }
+}
+
 TEST_F(PlantedSecrets, AreInNoDocument) {
+    for (const char* command : {"doctor", "explain", "check", "config", "status"}) {
+        expectNoneIn({command, "--redact", "--format", "json"});
+    }
+    expectNoneIn({"why", "-token", "--redact", "--format", "json"});
+    expectNoneIn({"check", "--redact", "--format", "sarif"});
+}
+
+TEST_F(PlantedWords, AreInNoDocument) {
     for (const char* command : {"doctor", "explain", "check", "config", "status"}) {
         expectNoneIn({command, "--redact", "--format", "json"});
     }
@@ -176,7 +207,19 @@ TEST_F(PlantedSecrets, AreInNoPage) {
     }
 }
 
+TEST_F(PlantedWords, AreInNoPage) {
+    for (const char* command : {"explain", "check"}) {
+        expectNoneIn({command, "--format", "html", "PAGE"});
+    }
+}
+
 TEST_F(PlantedSecrets, AreInNoReport) {
+    expectNoneIn({"report", "-o", "PAGE"});
+    EXPECT_THAT(leaksOf(told({"report", "-o", "PAGE", "--show-secrets"})),
+                ::testing::SizeIs(::testing::Ge(38U)));
+}
+
+TEST_F(PlantedWords, AreInNoReport) {
     expectNoneIn({"report", "-o", "PAGE"});
     EXPECT_THAT(leaksOf(told({"report", "-o", "PAGE", "--show-secrets"})),
                 ::testing::SizeIs(::testing::Ge(38U)));

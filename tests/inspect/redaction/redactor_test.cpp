@@ -37,6 +37,7 @@ TEST(Redactor, TakesValuesOfSecretNames) {
     EXPECT_EQ(redacted("/etc/a.properties:12:api.key=abc"), "/etc/a.properties:12:api.key=*");
     EXPECT_EQ(redacted("db.password=one\\\n    two\nnext=3"), "db.password=*\nnext=3");
     EXPECT_EQ(redacted("-Dclient.secret=a b"), "-Dclient.secret=*");
+    EXPECT_EQ(redacted("vmarg.pw=-Dsize=a b    (a:1, used)"), "vmarg.pw=-Dsize=*    (a:1, used)");
     EXPECT_EQ(redacted("  19  -Dkey=a b    (rcplauncher.properties:3 vmarg.a)"),
               "  19  -Dkey=*    (rcplauncher.properties:3 vmarg.a)");
     EXPECT_EQ(redacted("login failed: password=abc def"), "login failed: password=*");
@@ -88,6 +89,16 @@ TEST(Redactor, TakesTheNextArgumentOfANumberedList) {
     EXPECT_EQ(redacted("read the -token\njava is next\n"), "read the -token\njava is next\n");
 }
 
+TEST(Redactor, TakesValuesThatAFindingTells) {
+    EXPECT_EQ(redacted(R"(x: "db.password" is "abc" in the user's copy, "def" in its master)"),
+              R"(x: "db.password" is "*" in the user's copy, "*" in its master)");
+    EXPECT_EQ(redacted(R"("db.password" is missing in the user's copy; its master has "abc" (a))"),
+              R"("db.password" is missing in the user's copy; its master has "*" (a))");
+    EXPECT_EQ(redacted(R"(the key is "db.password", the value "=abc")"),
+              R"(the key is "db.password", the value "*")");
+    EXPECT_EQ(redacted(R"(nothing looks at "db.password")"), R"(nothing looks at "db.password")");
+}
+
 TEST(Redactor, TakesUsersBehindTheirOption) {
     EXPECT_EQ(redacted("# curl -u joe:pw9 https://host"), "# curl -u * https://host");
     EXPECT_EQ(redacted("curl --user=joe:pw9 https://host"), "curl --user=* https://host");
@@ -108,6 +119,7 @@ TEST(Redactor, TakesTheValueOfTheKeyInTheRecordBefore) {
 TEST(Redactor, TakesDefaultsOfPlaceholders) {
     EXPECT_EQ(redacted("-Dx=${env.DB_TOKEN,fallback}/y"), "-Dx=${env.DB_TOKEN,*}/y");
     EXPECT_EQ(redacted("-Dx=${env.SIZE,12}"), "-Dx=${env.SIZE,12}");
+    EXPECT_EQ(redacted("-Dpassword=${env.SIZE,12}"), "-Dpassword=${env.SIZE,*}");
     EXPECT_EQ(redacted("db.password=${env.DB_PASSWORD}"), "db.password=${env.DB_PASSWORD}");
 }
 
@@ -308,6 +320,12 @@ std::string redactedDocument(const char* text) {
 TEST(Redactor, OfADocumentKeepsEveryArgument) {
     EXPECT_EQ(redactedDocument(R"({"arguments":["-clean","","-x",""]})"),
               R"({"arguments":["-clean","","-x",""]})");
+    EXPECT_EQ(redactedDocument(R"({"arguments":["-Dpassword=abcd","-token","efgh","-clean"]})"),
+              R"({"arguments":["-Dpassword=*","-token","*","-clean"]})");
+    EXPECT_EQ(redactedDocument(R"({"entries":[{"key":"arg1","value":"-token","effective":"-token"},
+                  {"key":"arg2","value":"ab","effective":"ab"}]})"),
+              R"({"entries":[{"key":"arg1","value":"-token","effective":"-token"},)"
+              R"({"key":"arg2","value":"*","effective":"*"}]})");
 }
 
 TEST(Redactor, OfADocumentTakesArgumentsWhole) {

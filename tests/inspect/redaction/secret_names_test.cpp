@@ -97,6 +97,22 @@ TEST(SecretNames, OfTheLauncherAreNone) {
     }
 }
 
+TEST(SecretNames, AreThoseThatASecretIsMadeOf) {
+    SecretNames names;
+    names.addSourceOf("db.password", "${env.DB_START}");
+    names.addSourceOf("vmarg.x", "-Dx.token=${prop.x.start,none}");
+    for (const char* name : {"DB_START", "env.DB_START", "x.start", "prop.x.start"}) {
+        EXPECT_TRUE(names.isSecret(name)) << name;
+    }
+    names.addSourceOf("db.password", "${env.HOME}");
+    names.addSourceOf("db.password", "${prop.rcp.data}");
+    names.addSourceOf("db.password", "${env.FOLDER}/x");
+    names.addSourceOf("db.size", "${env.SIZE}");
+    for (const char* name : {"HOME", "rcp.data", "FOLDER", "SIZE", "START"}) {
+        EXPECT_FALSE(names.isSecret(name)) << name;
+    }
+}
+
 TEST(SecretNames, OfAnInstallationAreMetAsWell) {
     SecretNames names;
     EXPECT_FALSE(names.isSecret("account.iban"));

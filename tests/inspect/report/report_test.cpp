@@ -73,6 +73,22 @@ TEST_F(ReportTest, TakesADigestForAValueEverywhere) {
     EXPECT_THAT(archive({"--show-secrets"}), HasSubstr("Error: hunter2 was refused"));
 }
 
+TEST_F(ReportTest, NamesItsLogsWithoutWhatIsSecret) {
+    append(kProperties, "vmarg.one=-Done.password=hunter2\n");
+    folder_.write(area("logs/rcplauncher-ann-hunter2.log"), "ZYPRA0133I: a log\n");
+    const std::string bytes = archive();
+    EXPECT_THAT(bytes, Not(HasSubstr("hunter2")));
+    EXPECT_TRUE(std::regex_search(
+        bytes, std::regex("/logs/1-rcplauncher-user-redacted-[0-9a-f]{6}\\.log")));
+}
+
+TEST_F(ReportTest, TellsTheArgumentsByTheirNumbers) {
+    const std::string bytes = archive({"--", "-token", "java", "-clean"});
+    EXPECT_TRUE(std::regex_search(
+        bytes,
+        std::regex("\narguments\n   1  -token\n   2  <redacted:[0-9a-f]{6}>\n   3  -clean\n")));
+}
+
 TEST_F(ReportTest, NamesTheHostOnlyWhenAskedTo) {
     EXPECT_THAT(archive(), Not(HasSubstr("\nhost          ")));
     EXPECT_THAT(archive({"--host"}), HasSubstr("\nhost          "));
