@@ -11,6 +11,8 @@ constexpr std::string_view kMagic =
     "\x7f"
     "ELF";
 constexpr std::uint64_t kHeader = 64;
+constexpr std::uint64_t kSegment = 56;
+constexpr std::uint64_t kSection = 64;
 constexpr std::uint64_t kSymbol = 24;
 constexpr std::size_t kMostLibraries = 512;
 
@@ -71,11 +73,13 @@ class Reader {
 
     void readSegments(ElfImage& image) {
         const std::uint64_t table = wide(32);
-        const std::uint64_t step = half(54);
         const std::uint64_t count = half(56);
+        if (half(54) != kSegment) {
+            bytes_.refuse();  // as the system and the loader do
+        }
         std::optional<Segment> dynamic;
         for (std::uint64_t i = 0; i < count && !bytes_.isDamaged(); ++i) {
-            const std::uint64_t at = table + i * step;
+            const std::uint64_t at = table + i * kSegment;
             const Segment segment{wide(at + 8), wide(at + 16), wide(at + 32)};
             const std::uint32_t kind = bytes_.word(at);
             if (kind == kLoad) {
@@ -124,15 +128,14 @@ class Reader {
 
     void readSymbols(ElfImage& image) {
         const std::uint64_t table = wide(40);
-        const std::uint64_t step = half(58);
         const std::uint64_t count = half(60);
-        if (table > size_ || count * step > size_ - table) {
+        if (half(58) != kSection || table > size_ || count * kSection > size_ - table) {
             return;  // nobody needs it to load the file
         }
         for (std::uint64_t i = 0; i < count && !bytes_.isDamaged(); ++i) {
-            const std::uint64_t at = table + i * step;
+            const std::uint64_t at = table + i * kSection;
             if (bytes_.word(at + 4) == kDynamicSymbols) {
-                const std::uint64_t texts = wide(table + bytes_.word(at + 40) * step + 24);
+                const std::uint64_t texts = wide(table + bytes_.word(at + 40) * kSection + 24);
                 addSymbols(wide(at + 24), wide(at + 32), texts, image);
                 return;
             }

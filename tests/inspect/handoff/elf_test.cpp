@@ -3,8 +3,10 @@
 #include "inspect/bundle/bytes.h"
 #include "inspect/quiet_read.h"
 #include "tests/support/sandbox.h"
+#include "tests/unit/fixture.h"
 #include "tests/unit/paths.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
@@ -62,6 +64,18 @@ TEST(Elf, WithoutSectionsTellsNoSymbols) {
         EXPECT_FALSE(image->symbols);
         EXPECT_THAT(image->libraries, Contains("libc.so.6"));
     }
+}
+
+// A table whose rows are of no length would be read as often as its count says.
+TEST(Elf, WhoseSegmentsAreOfAnotherLengthIsLoadedByNobody) {
+    constexpr std::size_t kLengthOfSegment = 54;
+    std::string file = library();
+    ASSERT_EQ(file[kLengthOfSegment], 56);
+    file[kLengthOfSegment] = 0;
+    EXPECT_FALSE(readElf(file));
+    const rcp::test::TestFolder folder;
+    folder.write("library.so", file);
+    EXPECT_EQ(dlopen(folder.narrow("library.so").c_str(), RTLD_NOW), nullptr);
 }
 
 TEST(Elf, TellsNoNameThatIsLongerThanAPath) {
