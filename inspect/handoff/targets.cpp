@@ -4,6 +4,7 @@
 #include "inspect/handoff/code_faults.h"
 #include "inspect/handoff/hand_off.h"
 #include "inspect/handoff/jar.h"
+#include "inspect/quiet_read.h"
 #include "launcher/vocabulary/options.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/files.h"

@@ -1,5 +1,6 @@
 #include "inspect/status/platform_log.h"
 
+#include "base/system_calls.h"
 #include "inspect/quiet_read.h"
 
 #include <sys/stat.h>
