@@ -15,6 +15,9 @@ inline constexpr std::size_t kWhole = static_cast<std::size_t>(-1);
 /// As much as is read of a log.
 inline constexpr std::size_t kLongestLog = std::size_t{16} << 20U;
 
+/// As much as is read of settings: the longest that anybody writes have some hundred kilobytes.
+inline constexpr std::size_t kLongestSettings = std::size_t{16} << 20U;
+
 /// The regular file that really lies at `place`, or its first `limit` bytes; empty when it cannot be read.
 /// Waits for nothing.
 std::string readPlace(const std::string& place, std::size_t limit = kWhole);

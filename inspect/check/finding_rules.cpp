@@ -220,9 +220,11 @@ constexpr FindingRule kRules[] = {
     {"RI802", "not-loadable", kError,
      "A library that the platform is started with cannot be loaded.",
      "Install the library that is made for this machine, with those that it needs."},
-    {"RI803", "damaged-jar", kError, "A jar is no zip file, or has no manifest.", "Copy it again."},
+    {"RI803", "damaged-jar", kError,
+     "A jar is no zip file or has no manifest, or a folder in its place cannot be it.",
+     "Copy it again."},
     {"RI804", "missing-class", kError, "The class that is started is in no jar that is named.",
-     "Name the jar of the platform's launcher."},
+     "Name the jar of the platform's launcher, or its framework."},
     {"RI805", "missing-bundle", kError,
      "The platform's configuration names a jar or a list that is not there.",
      "Add the file, or correct the entry."},
@@ -240,6 +242,16 @@ constexpr FindingRule kRules[] = {
     {"RI810", "jvm-refuses", kError,
      "The JVM was tried (--try-jvm) and does not start with the options of the launch.",
      "Correct what it complains about."},
+    {"RI811", "malformed-settings", kError,
+     "The platform refuses its configuration for an entry that is not well-formed.",
+     "Write \"/\" for a backslash in a path, or two backslashes for one."},
+    {"RI812", "no-bundles", kError,
+     "The platform's configuration names no bundles, so there is no application to start.",
+     "Name them in osgi.bundles; where it is a copy that has lost them, start once with "
+     "-resetconfig."},
+    {"RI813", "too-large", kWarning,
+     "A file is larger than any that was written for this purpose. Only its beginning is examined.",
+     "See what has filled it, and copy it again."},
 };
 
 }  // namespace

@@ -54,11 +54,21 @@ Argument jvmOf(const Examination& examination, const Plan& plan) {
                                                          : valueBehind(options::kVm, plan);
 }
 
+// That what is wrong with an argument can be told by its number. The launcher's own "-vm" is behind them.
+static void numberArguments(Arguments& arguments) {
+    for (std::size_t i = 1; i + 2 < arguments.size(); ++i) {
+        if (arguments[i].origin.isComputed()) {
+            arguments[i].origin = {nullptr, i};
+        }
+    }
+}
+
 std::optional<Plan> planOf(const Examination& examination) {
     if (examination.base.empty()) {
         return std::nullopt;
     }
     LaunchInputs inputs = examination.inputs;
+    numberArguments(inputs.arguments);
     std::optional<Plan> plan;
     endOf([&] {
         expandPlaceholders(inputs);
@@ -80,11 +90,16 @@ std::vector<Examined> examineHandOff(const Examination& examination) {
 
 const Fault* obstacleIn(const std::vector<Examined>& handOff) {
     constexpr std::string_view kNeeded[] = {"JVM", "startup jar", "class path", "framework"};
+    // What keeps all bundles from starting, not one of them.
+    constexpr std::string_view kFatal[] = {"RI811", "RI812"};
     for (const Examined& examined : handOff) {
         const bool isNeeded =
             std::find(std::begin(kNeeded), std::end(kNeeded), examined.what) != std::end(kNeeded);
-        if (isNeeded && !examined.faults.empty()) {
-            return &examined.faults.front();
+        for (const Fault& fault : examined.faults) {
+            if (isNeeded ||
+                std::find(std::begin(kFatal), std::end(kFatal), fault.code) != std::end(kFatal)) {
+                return &fault;
+            }
         }
     }
     return nullptr;

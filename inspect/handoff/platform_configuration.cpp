@@ -1,11 +1,9 @@
 // The platform's own configuration, config.ini: the framework, the bundles and the areas that it names.
 #include "inspect/handoff/hand_off.h"
-#include "inspect/handoff/platform_properties.h"
+#include "inspect/handoff/jar.h"
+#include "inspect/handoff/platform_settings.h"
 #include "inspect/handoff/platform_values.h"
 #include "inspect/quiet_read.h"
-#include "launcher/user_area/user_files.h"
-#include "launcher/vocabulary/options.h"
-#include "platform/files.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -20,31 +18,26 @@ namespace files = std::filesystem;
 
 constexpr char kFrameworkName[] = "org.eclipse.osgi";
 constexpr char kConfigurator[] = "org.eclipse.equinox.simpleconfigurator";
-constexpr std::size_t kLongestConfiguration = std::size_t{16} << 20U;
+// Which the platform's launcher starts.
+constexpr char kStarter[] = "org/eclipse/core/runtime/adaptor/EclipseStarter.class";
 // Up to which the framework starts bundles unless told otherwise.
 constexpr int kUsualStartLevel = 6;
 
 class Configuration {
   public:
     Configuration(const Examination& examination, const Plan& plan)
-        : examination_(examination), plan_(plan) {
-        const LaunchInputs& inputs = examination.inputs;
-        const std::wstring own = osPath(inputs.configuration + L"/config.ini");
-        file_ = exists(own)
-                    ? own
-                    : getCoreFileLocation(inputs.traits.eConfig, examination.base, L"config.ini");
-        entries_ = readPlatformProperties(readQuietly(toNarrow(file_), kLongestConfiguration));
-    }
+        : examination_(examination), settings_(examination, plan) {}
 
     std::vector<Examined> examine() {
-        if (!exists(file_)) {
+        if (settings_.files().empty()) {
             return {};  // told with the installation's files
         }
-        all_.push_back({.what = "configuration", .path = toNarrow(file_)});
-        examineLevels();
-        if (examineInstallArea()) {
-            examineFramework();
-            examineBundles();
+        if (areFilesSound()) {
+            examineLevels();
+            if (examineInstallArea()) {
+                examineFramework();
+                examineBundles();
+            }
         }
         return std::move(all_);
     }
@@ -54,46 +47,32 @@ class Configuration {
         all_.back().faults.push_back(faultAt(examination_, code, origin, message));
     }
 
-    struct Value {
-        std::string text;
-        Origin origin;
-    };
+    using Value = PlatformSettings::Value;
 
-    // A system property wins over the file; the JVM takes the last of its name.
-    [[nodiscard]] Value valueOf(const std::string& key) const {
-        const std::wstring option = toWide("-D" + key + "=");
-        const Arguments& all = plan_.line.arguments();
-        const auto given = std::find_if(all.rbegin(), all.rend(), [&](const Argument& argument) {
-            return argument.text.starts_with(option);
-        });
-        if (given != all.rend()) {
-            return {toNarrow(given->text.substr(option.size())), given->origin};
-        }
-        const auto entry = entries_.find(key);
-        return entry == entries_.end()
-                   ? Value()
-                   : Value{trimmed(entry->second.value),
-                           {std::make_shared<const std::wstring>(file_), entry->second.line}};
-    }
+    [[nodiscard]] Value valueOf(const std::string& key) const { return settings_.valueOf(key); }
 
-    // The main class takes the folder of its own jar, or what holds that one's folder "plugins".
-    [[nodiscard]] std::string usualInstallArea() const {
-        const Arguments& all = plan_.line.arguments();
-        const bool isJava = examination_.inputs.traits.isDirectJavaShape();
-        const auto option =
-            std::find(all.begin(), all.end(), isJava ? options::kClassPath : options::kStartup);
-        if (option == all.end() || option + 1 == all.end()) {
-            return {};
+    // Of a file that the platform refuses nothing else is told.
+    bool areFilesSound() {
+        bool areSound = true;
+        for (const SettingsFile& file : settings_.files()) {
+            const std::string path = toNarrow(*file.path);
+            all_.push_back({.what = "configuration", .path = path});
+            if (file.malformed) {
+                addFault("RI811", file.at(*file.malformed),
+                         "\"\\u\" without four hexadecimal digits");
+            }
+            if (file.isCut) {
+                addFault("RI813", file.at(0), "\"" + path + "\" is not looked at to its end");
+            }
+            areSound = areSound && !file.malformed;
         }
-        const std::string jars = toNarrow((option + 1)->text);
-        const files::path folder = files::path(jars.substr(0, jars.find(':'))).parent_path();
-        return folder.filename() == "plugins" ? folder.parent_path() : folder;
+        return areSound;
     }
 
     // False when there is nothing below which anything could be looked for.
     bool examineInstallArea() {
-        const Value given = valueOf("osgi.install.area");
-        installArea_ = given.text.empty() ? usualInstallArea() : withoutScheme(given.text);
+        const Value given = settings_.installArea();
+        installArea_ = given.text;
         all_.push_back({.what = "install area", .path = installArea_});
         if (isUnknown(installArea_) || isFolder(installArea_)) {
             return !isUnknown(installArea_);
@@ -125,14 +104,35 @@ class Configuration {
         std::string name = given.text;
         const bool isExact = take("file:", name) || !name.empty();
         framework_ = isExact ? joined(installArea_, withoutScheme("file:" + name))
-                             : folders_.find(installArea_ + "/plugins/" + kFrameworkName);
+                             : folders_.findFramework(installArea_ + "/plugins/" + kFrameworkName);
         all_.push_back({.what = "framework", .path = framework_});
         if (framework_.empty()) {
-            addFault("RI805", {std::make_shared<const std::wstring>(file_)},
+            addFault("RI805", given.origin,
                      std::string(kFrameworkName) + " is not in \"" + installArea_ + "/plugins\"");
         } else if (!isUnknown(given.text + "x")) {
-            judgeBundle(given.origin, "osgi.framework: ", framework_);
+            judgeFramework(given.origin);
         }
+    }
+
+    void judgeFramework(const Origin& origin) {
+        const std::string front = "osgi.framework: ";
+        if (!isFolder(framework_)) {
+            judgeBundle(origin, front, framework_);
+            const auto entries = jarEntries(framework_);
+            if (all_.back().faults.empty() && !settings_.hasOwnClassPath() && entries &&
+                !entries->contains(kStarter)) {
+                addFault("RI804", origin,
+                         front + "\"" + framework_ + "\" has no \"" + kStarter + "\"");
+            }
+        } else if (!settings_.hasOwnClassPath() && !isThere(framework_ + "/eclipse.properties")) {
+            addFault("RI803", origin, front + "\"" + framework_ + "\" is a folder");
+        }
+    }
+
+    static std::optional<std::string> folderFault(const std::string& path) {
+        return isThere(path + "/META-INF/MANIFEST.MF")
+                   ? std::nullopt
+                   : std::optional<std::string>("is a folder without manifest");
     }
 
     void judgeBundle(const Origin& origin, const std::string& front, const std::string& path) {
@@ -141,8 +141,8 @@ class Configuration {
             return;
         }
         const auto [judged, isNew] = jarFaults_.try_emplace(path);
-        if (isNew && !isFolder(path)) {
-            judged->second = jarFault(path);
+        if (isNew) {
+            judged->second = isFolder(path) ? folderFault(path) : jarFault(path);
         }
         if (judged->second) {
             addFault("RI803", origin, front + "\"" + path + "\" " + *judged->second);
@@ -180,6 +180,10 @@ class Configuration {
         const std::string path =
             joined(files::path(framework_).parent_path(), withoutScheme("file:" + name));
         const std::string found = isFile && !isReference ? path : folders_.find(path);
+        if (found == path + ".jar" && isFolder(found)) {
+            addFault("RI803", origin, "\"" + found + "\" is a folder");
+            return;
+        }
         judgeBundle(origin, "", found.empty() ? path : found);
     }
 
@@ -191,6 +195,11 @@ class Configuration {
             if (!bundle.empty()) {
                 judgeListed(bundle, given.origin);
             }
+        }
+        const bool isAnyNamed = std::any_of(bundles.begin(), bundles.end(),
+                                            [](const auto& bundle) { return !bundle.empty(); });
+        if (!isAnyNamed && valueOf("eclipse.ignoreApp").text != "true") {
+            addFault("RI812", given.origin, "osgi.bundles names none");
         }
         if (hasConfigurator_) {
             examineList();
@@ -216,8 +225,7 @@ class Configuration {
         }
         const auto file = std::make_shared<const std::wstring>(toWide(path));
         if (!isThere(path)) {
-            addFault("RI805", {std::make_shared<const std::wstring>(file_)},
-                     "\"" + path + "\" is missing");
+            addFault("RI805", settings_.files().front().at(0), "\"" + path + "\" is missing");
             return;
         }
         std::istringstream lines(readQuietly(path));
@@ -236,9 +244,7 @@ class Configuration {
     }
 
     const Examination& examination_;
-    const Plan& plan_;
-    std::wstring file_;
-    PlatformProperties entries_;
+    PlatformSettings settings_;
     std::string installArea_;
     std::string framework_;
     int lastLevel_ = kUsualStartLevel;

@@ -73,12 +73,26 @@ void addEntry(std::string_view entry, std::size_t line, PlatformProperties& all)
     all[withoutEscapes(entry.substr(0, end))] = {withoutEscapes(entry.substr(value)), line};
 }
 
-}  // namespace
+// Whether four hexadecimal digits follow every "\u".
+bool isWellFormed(std::string_view entry) {
+    for (std::size_t at = entry.find('\\'); at < entry.size(); at = entry.find('\\', at)) {
+        if (entry.substr(at).starts_with("\\u")) {
+            const std::string_view digits = entry.substr(at + 2, kHexDigits);
+            if (digits.size() < kHexDigits ||
+                digits.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos) {
+                return false;
+            }
+        }
+        at += 2;
+    }
+    return true;
+}
 
-PlatformProperties readPlatformProperties(std::string_view file) {
-    PlatformProperties all;
+// Each entry in one line, with the number of the line in which it begins.
+template <typename Take>
+void takeEntries(std::string_view file, Take take) {
     std::string entry;
-    std::size_t begin = 0;  // the line in which the entry does
+    std::size_t begin = 0;
     for (std::size_t number = 1; !file.empty(); ++number) {
         const std::size_t end = std::min(file.find_first_of("\r\n"), file.size());
         std::string_view line = file.substr(0, end);
@@ -92,12 +106,28 @@ PlatformProperties readPlatformProperties(std::string_view file) {
         const bool isContinued = goesOn(line);
         entry += line.substr(0, line.size() - (isContinued ? 1 : 0));
         if (!isContinued || file.empty()) {
-            addEntry(entry, begin, all);
+            take(entry, begin);
             entry.clear();
             begin = 0;
         }
     }
+}
+
+}  // namespace
+
+PlatformProperties readPlatformProperties(std::string_view file) {
+    PlatformProperties all;
+    takeEntries(file,
+                [&](std::string_view entry, std::size_t line) { addEntry(entry, line, all); });
     return all;
+}
+
+std::optional<std::size_t> malformedLine(std::string_view file) {
+    std::optional<std::size_t> first;
+    takeEntries(file, [&](std::string_view entry, std::size_t line) {
+        first = first || isWellFormed(entry) ? first : std::optional(line);
+    });
+    return first;
 }
 
 }  // namespace rcp::inspect

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,5 +19,9 @@ using PlatformProperties = std::map<std::string, PlatformProperty>;
 
 /// The bytes of the file are ISO 8859-1; keys and values are UTF-8.
 PlatformProperties readPlatformProperties(std::string_view file);
+
+/// The line of the first entry with a "\u" that four hexadecimal digits do not follow: the platform refuses
+/// the file for it.
+std::optional<std::size_t> malformedLine(std::string_view file);
 
 }  // namespace rcp::inspect

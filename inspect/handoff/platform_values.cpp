@@ -58,16 +58,26 @@ std::string joined(const std::string& folder, const std::string& path) {
 }
 
 std::string Folders::find(const std::string& path) {
+    return find(path, {"", ".jar"}, {"-", "_"});
+}
+
+std::string Folders::findFramework(const std::string& path) {
+    return find(path, {""}, {"_"});
+}
+
+std::string Folders::find(const std::string& path, const std::vector<std::string>& endings,
+                          const std::vector<std::string>& separators) {
     const std::filesystem::path whole(path);
     const std::string folder = whole.parent_path();
     const std::string name = whole.filename();
     const std::set<std::string>& names = namesIn(folder);
-    for (const std::string& alone : {name, name + ".jar"}) {
-        if (names.contains(alone)) {
+    for (const std::string& ending : endings) {
+        if (const std::string alone = name + ending; names.contains(alone)) {
             return std::string(folder).append("/").append(alone);
         }
     }
-    for (const std::string& versioned : {name + "-", name + "_"}) {
+    for (const std::string& separator : separators) {
+        const std::string versioned = name + separator;
         const auto entry = names.lower_bound(versioned);
         if (entry != names.end() && entry->starts_with(versioned)) {
             return folder + "/" + *entry;

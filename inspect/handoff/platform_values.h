@@ -27,8 +27,12 @@ class Folders {
   public:
     /// A bundle by the beginning of its file's path: alone, with ".jar", or with a version; empty when there is none.
     std::string find(const std::string& path);
+    /// The same for the framework, which may have a version behind "_" and no other ending.
+    std::string findFramework(const std::string& path);
 
   private:
+    std::string find(const std::string& path, const std::vector<std::string>& endings,
+                     const std::vector<std::string>& separators);
     const std::set<std::string>& namesIn(const std::string& folder);
 
     std::map<std::string, std::set<std::string>> names_;

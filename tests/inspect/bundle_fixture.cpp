@@ -48,13 +48,14 @@ AppBundle::AppBundle() {
     writeProgram(kEclipse, code(2).bytes());
     writeProgram(kLibrary, code(6).bytes());
     writeProgram(kJvm, code(6).bytes());
-    for (const char* name : {"/launcher.jar", "/plugins/org.eclipse.osgi.jar"}) {
+    for (const char* name : {"/launcher.jar", "/plugins/org.eclipse.osgi_1.0.jar"}) {
         write(kBase + name, readQuietly(fs::path(rcp::test::seen(STANDIN_PLATFORM)).parent_path() /
                                         "standin.jar"));
     }
-    for (const char* name : {"config.ini", "platform.xml", "rcpinstall.properties"}) {
+    for (const char* name : {"platform.xml", "rcpinstall.properties"}) {
         write(kBase + "/config/user/" + name, "");
     }
+    write(kBase + "/config/user/config.ini", "osgi.bundles=org.eclipse.osgi\n");
     write(kInfo,
           list(text("CFBundleExecutable", "rcplauncher") +
                text("CFBundleIdentifier", "com.example.velmo") +

@@ -29,6 +29,7 @@ Maker::Maker() {
     place(base + "/launcher.jar", "standin.jar");
     place(base + "/plugins/org.eclipse.osgi_1.0.jar", "standin.jar");
     folder_.write(base + "/config/user/config.ini", "");
+    folder_.write(kInheritedConfiguration, "osgi.bundles=org.eclipse.osgi\n");
     folder_.write(base + "/config/user/platform.xml", "");
     folder_.write(kMaster, "product=mine\n");
     place("jre/lib/libjvm.so", "standin_jvm.so");

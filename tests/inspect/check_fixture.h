@@ -15,6 +15,9 @@ inline constexpr char kLauncherProperties[] = "rcp/rcplauncher.properties";
 inline constexpr char kJvmProperties[] = "jre/jvm.properties";
 inline constexpr char kDefaultJvmProperties[] = "rcp/deploy/jvm.properties";
 inline constexpr char kBaseFolder[] = "rcp/eclipse/plugins/com.ovr.rcp.base";
+// What the platform's configuration has for those that name nothing themselves.
+inline constexpr char kInheritedConfiguration[] =
+    "rcp/eclipse/plugins/com.ovr.rcp.base/configuration/config.ini";
 inline constexpr char kMaster[] =
     "rcp/eclipse/plugins/com.ovr.rcp.base/config/user/rcpinstall.properties";
 

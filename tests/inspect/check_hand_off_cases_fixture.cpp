@@ -39,6 +39,26 @@ Change isService() {
     };
 }
 
+// A folder in place of a file, with that file in it.
+Change isFolderWith(const std::string& folder, const std::string& file) {
+    return [=](const Maker& maker) {
+        maker.remove(folder);
+        maker.folder().write(folder + "/" + file, "");
+    };
+}
+
+Change isCalled(const std::string& file, const std::string& name) {
+    return [=](const Maker& maker) {
+        std::filesystem::rename(maker.folder().path() / file, maker.folder().path() / name);
+    };
+}
+
+Change isLonger(const std::string& file) {
+    return [=](const Maker& maker) {
+        std::filesystem::resize_file(maker.folder().path() / file, 17U << 20U);
+    };
+}
+
 std::vector<Case> codeCases() {
     return {
         {"RI801", "ProgramThatIsText", becomes(kProgram, "no program"), nothingChanges,
@@ -83,6 +103,61 @@ std::vector<Case> jarCases() {
         {"RI804", "ClassPathWithoutTheMainClass",
          both(isService(), differs(kLauncherProperties, "/launcher.jar", "/config")), isService(),
          kLauncherProperties, 2},
+    };
+}
+
+std::vector<Case> frameworkCases() {
+    const Change named = configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n");
+    // Both where the entry stands and in the jar's directory.
+    const Change hasNoStarter = both(differs(kFramework, "/EclipseStarter", "/EclipseStopper"),
+                                     differs(kFramework, "/EclipseStarter", "/EclipseStopper"));
+    return {
+        {"RI803", "FolderAsFramework",
+         both(named, isFolderWith(kFramework, "META-INF/MANIFEST.MF")),
+         both(named, both(isFolderWith(kFramework, "eclipse.properties"),
+                          has(kFramework + "/META-INF/MANIFEST.MF", ""))),
+         kConfigIni, inAll(1)},
+        {"RI804", "FrameworkWithoutTheClassThatIsStarted", both(named, hasNoStarter),
+         both(named, both(configHas("osgi.frameworkClassPath=.,x.jar\n"), hasNoStarter)),
+         kConfigIni, inAll(1)},
+        {"RI805", "FrameworkThatIsNotNamedAndHasNoVersion",
+         isCalled(kFramework, kBase + "/plugins/org.eclipse.osgi.jar"),
+         isCalled(kFramework, kBase + "/plugins/org.eclipse.osgi"), kConfigIni, inAll(0)},
+    };
+}
+
+std::vector<Case> settingsCases() {
+    return {
+        {"RI803", "EmptyFolderAsBundle",
+         both(configHas("osgi.bundles=a.bundle@start\n"),
+              isFolderWith(kBase + "/plugins/a.bundle_1.2", "about.html")),
+         both(configHas("osgi.bundles=a.bundle@start\n"),
+              isFolderWith(kBase + "/plugins/a.bundle_1.2", "META-INF/MANIFEST.MF")),
+         kConfigIni, inAll(1)},
+        {"RI803", "FolderThatIsCalledAsAJar",
+         both(configHas("osgi.bundles=a.bundle@start\n"),
+              isFolderWith(kBase + "/plugins/a.bundle.jar", "META-INF/MANIFEST.MF")),
+         both(configHas("osgi.bundles=reference:file:a.bundle.jar@start\n"),
+              isFolderWith(kBase + "/plugins/a.bundle.jar", "META-INF/MANIFEST.MF")),
+         kConfigIni, inAll(1)},
+        {"RI811", "EscapeThatIsNone", configHas("a=b\nc=\\u00g\n"),
+         configHas("#\\u\na=b\nc=\\u00ff\n"), kConfigIni, inAll(2)},
+        {"RI811", "EscapeThatIsNoneInWhatIsInherited",
+         has(kInheritedConfiguration, "c=C:\\users\n"),
+         both(configHas("osgi.configuration.cascaded=false\n"),
+              has(kInheritedConfiguration, "c=C:\\users\n")),
+         kInheritedConfiguration, inAll(2)},
+        {"RI812", "EmptyListOfBundles", configHas("osgi.bundles= ,\n"),
+         configHas("osgi.bundles=,org.eclipse.osgi\n"), kConfigIni, inAll(1)},
+        {"RI812", "NothingThatNamesBundles", lacks(kInheritedConfiguration),
+         both(lacks(kInheritedConfiguration),
+              launcherHas("vmarg.b=-Dosgi.bundles=org.eclipse.osgi\n")),
+         kConfigIni, inAll(0)},
+        {"RI812", "BundlesThatAreNotInherited", configHas("osgi.configuration.cascaded=false\n"),
+         configHas("osgi.configuration.cascaded=false\neclipse.ignoreApp=true\n"), kConfigIni,
+         inAll(0)},
+        {"RI813", "ConfigurationOfManyMegabytes", isLonger(kConfigIni), nothingChanges, kConfigIni,
+         inAll(0)},
     };
 }
 
@@ -141,7 +216,8 @@ std::vector<Case> configurationCases() {
 
 std::vector<Case> handOffCases() {
     std::vector<Case> all = codeCases();
-    for (const auto& group : {jarCases(), configurationCases()}) {
+    for (const auto& group :
+         {jarCases(), frameworkCases(), settingsCases(), configurationCases()}) {
         all.insert(all.end(), group.begin(), group.end());
     }
     all.push_back({"RI808", "SearchedFolderThatIsNotThere",

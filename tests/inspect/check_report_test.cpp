@@ -282,6 +282,25 @@ TEST(Check, TakesTheJvmFromTheLaunchersArguments) {
     EXPECT_EQ(checkOf(options).status, 1);
 }
 
+TEST(Check, NamesTheNumberOfAnArgumentThatNamesNoJvm) {
+    const Maker maker;
+    Options options = maker.options();
+    for (const std::string& jvm : {std::string("/no/such"), maker.folder().narrow("jre/bin")}) {
+        options.arguments = {"-clean", "-vm", jvm};
+        has("jre/bin/none", "")(maker);
+        const std::vector<Finding> findings = findEverything(examine(options)).sorted();
+        ASSERT_EQ(findings.size(), 1U);
+        EXPECT_TRUE(findings[0].message.ends_with(" (argument 3)")) << findings[0].message;
+    }
+    // The installation's own stands behind all arguments and in a line.
+    options.arguments = {"-clean"};
+    lacks("jre/lib/libjvm.so")(maker);
+    for (const Finding& finding : findEverything(examine(options)).sorted()) {
+        EXPECT_EQ(finding.message.find("(argument"), std::string::npos) << finding.message;
+        EXPECT_EQ(finding.line, 5U) << finding.message;
+    }
+}
+
 TEST(Check, TellsOfAnExtensionThatIsNotThereAndWhichMayBeMeant) {
     const Maker maker;
     launcherHas("config.sample.1=-nosplash\n")(maker);

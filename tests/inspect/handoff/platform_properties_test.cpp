@@ -31,6 +31,17 @@ TEST(PlatformProperties, ReplaceEscapes) {
     EXPECT_EQ(valueIn(R"(a=\u00)"), "u00");
 }
 
+TEST(PlatformProperties, WithEscapesThatAreNoneAreRefusedFromTheirLineOn) {
+    for (const char* file :
+         {R"(a=\u00)", R"(a=\u00g1)", R"(a\u=b)", R"(a=\\\u 41)", "a=\\u00\n41=b"}) {
+        EXPECT_EQ(malformedLine("x=y\n" + std::string(file) + "\nb=\\u"), 2U) << file;
+    }
+    for (const char* file :
+         {R"(a=\u00fC)", R"(a=\\u)", "# \\u", "a=\\u00\\\n  41", "a=b\\", "a=\\"}) {
+        EXPECT_FALSE(malformedLine(file)) << file;
+    }
+}
+
 TEST(PlatformProperties, GoOnBehindABackslash) {
     EXPECT_EQ(valueIn("a=b,\\\n   c,\\\r\n d"), "b,c,d");
     EXPECT_EQ(valueIn("a=b\\\\\nc=d"), "b\\");

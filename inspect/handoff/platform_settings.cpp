@@ -1,0 +1,93 @@
+#include "inspect/handoff/platform_settings.h"
+
+#include "inspect/handoff/platform_values.h"
+#include "inspect/quiet_read.h"
+#include "inspect/rehearsal/staged_tree.h"
+#include "launcher/user_area/user_files.h"
+#include "launcher/vocabulary/options.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace rcp::inspect {
+
+PlatformSettings::PlatformSettings(const Examination& examination, const Plan& plan)
+    : examination_(examination), plan_(plan) {
+    const LaunchInputs& inputs = examination.inputs;
+    const std::wstring own = osPath(inputs.configuration + L"/config.ini");
+    read(exists(own) ? own
+                     : getCoreFileLocation(inputs.traits.eConfig, examination.base, L"config.ini"));
+    const std::string area = installArea().text;
+    const std::string given = withoutScheme(valueOf("osgi.sharedConfiguration.area").text);
+    const std::string inherited = given.empty() ? area + "/configuration" : given;
+    if (!files_.empty() && !isUnknown(area) && !isUnknown(inherited) &&
+        valueOf("osgi.configuration.cascaded").text != "false") {
+        read(toWide(inherited + "/config.ini"));
+    }
+}
+
+// Of a file that cannot be read the rehearsal tells.
+void PlatformSettings::read(const std::wstring& path) {
+    const std::string name = toNarrow(path);
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(placeOf(name), unknown) || !isAllowedAt(name, R_OK) ||
+        (!files_.empty() && *files_.front().path == path)) {
+        return;
+    }
+    const std::string text = readQuietly(name, kLongestSettings + 1);
+    files_.push_back({.path = std::make_shared<const std::wstring>(path),
+                      .entries = readPlatformProperties(text),
+                      .malformed = malformedLine(text),
+                      .isCut = text.size() > kLongestSettings});
+}
+
+// A system property wins over the files; the JVM takes the last of its name.
+PlatformSettings::Value PlatformSettings::valueOf(const std::string& key) const {
+    const std::wstring option = toWide("-D" + key + "=");
+    const Arguments& all = plan_.line.arguments();
+    const auto given = std::find_if(all.rbegin(), all.rend(), [&](const Argument& argument) {
+        return argument.text.starts_with(option);
+    });
+    if (given != all.rend()) {
+        return {toNarrow(given->text.substr(option.size())), given->origin};
+    }
+    for (const SettingsFile& file : files_) {
+        if (const auto entry = file.entries.find(key); entry != file.entries.end()) {
+            return {trimmed(entry->second.value), file.at(entry->second.line)};
+        }
+    }
+    return {{}, files_.empty() ? Origin() : files_.front().at(0)};
+}
+
+// The main class takes the folder of its own jar, or what holds that one's folder "plugins".
+PlatformSettings::Value PlatformSettings::installArea() const {
+    Value given = valueOf("osgi.install.area");
+    if (!given.text.empty()) {
+        given.text = withoutScheme(given.text);
+        return given;
+    }
+    const Arguments& all = plan_.line.arguments();
+    const bool isJava = examination_.inputs.traits.isDirectJavaShape();
+    const auto option =
+        std::find(all.begin(), all.end(), isJava ? options::kClassPath : options::kStartup);
+    if (option == all.end() || option + 1 == all.end()) {
+        return given;
+    }
+    const std::string jars = toNarrow((option + 1)->text);
+    const std::filesystem::path folder =
+        std::filesystem::path(jars.substr(0, jars.find(':'))).parent_path();
+    given.text = folder.filename() == "plugins" ? folder.parent_path() : folder;
+    return given;
+}
+
+bool PlatformSettings::hasOwnClassPath() const {
+    const Arguments& all = plan_.line.arguments();
+    return !valueOf("osgi.frameworkClassPath").text.empty() || !valueOf("osgi.dev").text.empty() ||
+           std::find(all.begin(), all.end(), L"-dev") != all.end();
+}
+
+}  // namespace rcp::inspect
