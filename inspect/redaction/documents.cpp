@@ -192,7 +192,7 @@ void Redactor::learnDocument(const Json& document) {
             learnValue(text.substr(0, equals), std::string_view(text).substr(equals + 1));
             learnWithin(text, {equals + 1, text.size(), text.substr(0, equals)});
         } else if (!name.empty() && names_.isSecret(name) && secretsIn(text, names_).empty()) {
-            learnValue(name, text);
+            learn(name, text);
         } else if (!isOneOf(kSentences, member) && !isOneOf(kFixed, member)) {
             learn(text);
         }
@@ -201,12 +201,16 @@ void Redactor::learnDocument(const Json& document) {
 
 // "-Ddb.password=..." under a secret key is an argument, of which the name may stay.
 void Redactor::redactValue(const std::string& name, std::string& value) {
-    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, value) &&
+    const SecretPart part = narrowed(value, {0, value.size(), name});
+    const std::string secret = value.substr(part.begin, part.end - part.begin);
+    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, secret) &&
                           value.find(kMark) == kNone;
     if (isUserOption(name) && hasPassword(value)) {
         value = mark("user-info of an option", value);
+    } else if (isSecret && secretsIn(value, names_).empty()) {
+        value = withPart(value, part, mark(name, secret));
     } else {
-        value = isSecret && secretsIn(value, names_).empty() ? mark(name, value) : redact(value);
+        value = redact(value);
     }
 }
 

@@ -150,10 +150,13 @@ void NamedValues::findPlaceholder(std::size_t at) {
     if (!names_.isSecret(name.substr(0, name.find(',')))) {
         return;
     }
+    at += isAt(text_, at + 1, ">") ? 1 : 0;  // a log has an arrow there
     const std::string_view value = text_.substr(at, endOfLine(text_, at) - at);
     const std::size_t told = value.find(" is not set, its default");
     const std::size_t colon = told == kNone ? kNone : value.rfind(": ", told);
-    add(at + 1, at + std::min(colon, value.size()), name.substr(0, name.find(',')));
+    if (value.find(kMark) == kNone) {
+        add(at + 1, at + std::min(colon, value.size()), name.substr(0, name.find(',')));
+    }
 }
 
 // A full log tells an entry in two records: 'attrib = "NAME"', or "key", then 'value = "VALUE"'.

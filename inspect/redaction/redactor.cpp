@@ -35,7 +35,8 @@ void Redactor::learn(std::string_view text) {
 
 void Redactor::learn(std::string_view name, std::string_view value) {
     if (names_.isSecret(name)) {
-        learnValue(std::string(name), value);
+        const SecretPart part = narrowed(value, {0, value.size(), std::string(name)});
+        learnValue(part.name, value.substr(part.begin, part.end - part.begin));
     }
 }
 

@@ -74,6 +74,21 @@ bool isOption(std::string_view argument) {
            findOptionRow(toWide(std::string(name))) != nullptr;
 }
 
+SecretPart narrowed(std::string_view text, SecretPart part) {
+    std::string_view value = text.substr(part.begin, part.end - part.begin);
+    const std::size_t equals = value.find('=');
+    if (part.name.starts_with("vmarg.") && value.starts_with("-D") && equals != kNone) {
+        part.begin += equals + 1;
+        value.remove_prefix(equals + 1);
+    }
+    const std::size_t comma = value.find(',');
+    if (value.starts_with("${") && comma != kNone && value.find('}') == value.size() - 1) {
+        part.begin += comma + 1;
+        --part.end;
+    }
+    return part;
+}
+
 void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart part) {
     while (part.begin < part.end && isAt(text, part.begin, " \t\"'")) {
         ++part.begin;
@@ -81,16 +96,7 @@ void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart p
     while (part.end > part.begin && isAt(text, part.end - 1, " \t\r\n")) {
         --part.end;
     }
-    const std::string_view value = text.substr(part.begin, part.end - part.begin);
-    const std::size_t equals = value.find('=');
-    if (part.name.starts_with("vmarg.") && value.starts_with("-D") && equals != kNone) {
-        part.begin += equals + 1;  // of an argument its name may stay
-    }
-    const std::size_t comma = value.find(',');
-    if (value.starts_with("${") && comma != kNone && value.find('}') == value.size() - 1) {
-        part.begin += comma + 1;  // of a placeholder the default alone
-        --part.end;
-    }
+    part = narrowed(text, std::move(part));
     if (!isHarmless(part.name, text.substr(part.begin, part.end - part.begin))) {
         parts.push_back(std::move(part));
     }

@@ -36,6 +36,8 @@ Name nameBefore(std::string_view text, std::size_t end);
 bool isFirstBehind(std::string_view front);
 /// Whether an argument is an option and not, though it begins with "-", a value: "-clean", "-Xmx1g", "--a=b".
 bool isOption(std::string_view argument);
+/// Of an argument under a key "vmarg.NAME" what is behind its own name, of a placeholder its default.
+SecretPart narrowed(std::string_view text, SecretPart part);
 /// Adds such a part without the quote in front and what belongs to the line.
 void addPart(std::vector<SecretPart>& parts, std::string_view text, SecretPart part);
 

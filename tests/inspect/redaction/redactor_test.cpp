@@ -128,6 +128,7 @@ TEST(Redactor, TakesValuesOfPlaceholders) {
     EXPECT_EQ(redacted("${env.DB_PW,x} = x: DB_PW is not set, its default is used"),
               "${env.DB_PW,*} = *: DB_PW is not set, its default is used");
     EXPECT_EQ(redacted("${env.SIZE} = 12"), "${env.SIZE} = 12");
+    EXPECT_EQ(redacted("Modified -Dx=${env.DB_PW} => -Dx=a1!"), "Modified -Dx=${env.DB_PW} => *");
 }
 
 TEST(Redactor, TakesUserInfoOfUrls) {
@@ -326,6 +327,18 @@ TEST(Redactor, OfADocumentKeepsEveryArgument) {
                   {"key":"arg2","value":"ab","effective":"ab"}]})"),
               R"({"entries":[{"key":"arg1","value":"-token","effective":"-token"},)"
               R"({"key":"arg2","value":"*","effective":"*"}]})");
+}
+
+TEST(Redactor, LeavesThePlaceholderThatASecretIsMadeOf) {
+    Redactor one = redactor();
+    one.learn("vmarg.pw", "-Dapp.pw=${env.DB_PW}");
+    one.learn("vmarg.token", "-Dapp.size=abcd1");
+    EXPECT_EQ(one.redact("vmarg.pw=-Dapp.pw=${env.DB_PW}"), "vmarg.pw=-Dapp.pw=${env.DB_PW}");
+    EXPECT_EQ(one.redact("abcd1"), "<redacted:" + saltedDigest(kSalt, "abcd1") + ">");
+    EXPECT_EQ(redactedDocument(R"({"key":"vmarg.pw","value":"-Dapp.pw=${env.DB_PW}"})"),
+              R"({"key":"vmarg.pw","value":"-Dapp.pw=${env.DB_PW}"})");
+    EXPECT_EQ(redactedDocument(R"({"key":"vmarg.pw","value":"-Dapp.size=ab"})"),
+              R"({"key":"vmarg.pw","value":"-Dapp.size=*"})");
 }
 
 TEST(Redactor, OfADocumentTakesArgumentsWhole) {
