@@ -168,6 +168,9 @@ constexpr FindingRule kRules[] = {
      "A file of the user's is not whole: what made it was interrupted, and no launch makes it "
      "again.",
      "Start once with -resetconfig, or remove the file."},
+    {"RI609", "no-room", kError,
+     "A launch writes more than there is room for, on the disk or within the user's quota.",
+     "Make room there, or name another workspace with -data."},
     // Application bundles
     {"RI701", "bundle-incomplete", kError,
      "The application bundle lacks something without which it does not start.",

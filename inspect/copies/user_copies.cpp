@@ -13,7 +13,7 @@ namespace rcp::inspect {
 namespace {
 
 PropertyList entriesOf(const std::wstring& path) {
-    return parseProperties(readQuietly(toNarrow(path)), {});
+    return parseProperties(readQuietly(toNarrow(path), kLongestSettings), {});
 }
 
 // The first entry of a key counts on either side.

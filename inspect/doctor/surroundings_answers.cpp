@@ -1,5 +1,6 @@
 #include "inspect/doctor/surroundings_answers.h"
 
+#include "inspect/handoff/room.h"
 #include "inspect/making.h"
 #include "inspect/quiet_read.h"
 #include "inspect/rehearsal/staged_tree.h"
@@ -117,6 +118,10 @@ Answer answerSpace(const Evidence& evidence) {
     struct statvfs space {};
     if (statvfs(placeOf(folder).c_str(), &space) == 0) {
         judgeSpace(space, folder, answer);
+    }
+    for (const Fault& fault : examineRoom(evidence.explanation["writes"]).faults) {
+        answer.problems.push_back({Mark::kBad, fault.message, "",
+                                   "Make room there, or name another workspace with -data."});
     }
     if (!isAllowedAt(folder, W_OK | X_OK)) {
         answer.problems.push_back({Mark::kBad, folder + " may not be written", "",

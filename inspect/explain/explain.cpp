@@ -3,6 +3,7 @@
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/handoff/describe_hand_off.h"
+#include "inspect/handoff/room.h"
 
 #include <exception>
 #include <iostream>
@@ -16,7 +17,8 @@ int explain(const Options& options) {
         nlohmann::json explanation = explainLaunch(options);
         const Examination examination = examine(options);
         explanation["copies"] = describeStaleCopies(examination);
-        const std::vector<Examined> handOff = examineHandOff(examination);
+        std::vector<Examined> handOff = examineHandOff(examination);
+        handOff.push_back(examineRoom(explanation["writes"]));
         explanation["handOff"] = describeHandOff(handOff);
         tellObstacle(explanation["outcome"], handOff);
         if (options.format == Format::kJson) {

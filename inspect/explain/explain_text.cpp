@@ -48,6 +48,15 @@ void addBeyond(TextPage& page, const json& explanation) {
     }
 }
 
+void addUser(TextPage& page, const json& facts) {
+    if (facts.contains("user")) {
+        page.pair("user", facts["user"].get<std::string>() +
+                              (facts["isRoot"] == true ? ", for whom permissions do not count: "
+                                                         "others may get other answers"
+                                                       : ""));
+    }
+}
+
 void addOutcome(TextPage& page, const json& explanation) {
     const json& outcome = explanation["outcome"];
     const json& facts = explanation["facts"];
@@ -66,6 +75,7 @@ void addOutcome(TextPage& page, const json& explanation) {
         page.pair("remedy", outcome["cause"]);
     }
     page.pair("role", outcome["role"]);
+    addUser(page, facts);
     for (const char* name : {"workspace", "configuration", "area", "installConfiguration"}) {
         if (facts.contains(name) && facts[name] != "") {
             page.pair(name == std::string("installConfiguration") ? "kind" : name, facts[name]);

@@ -2,6 +2,7 @@
 #include "diagnostics/format.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/explain/account.h"
+#include "inspect/making.h"
 #include "inspect/status/lock_file.h"
 #include "inspect/status/lock_holders.h"
 #include "launcher/instance/provisioning.h"
@@ -14,6 +15,8 @@
 #include "launcher/vocabulary/keys.h"
 #include "platform/files.h"
 #include "platform/text.h"
+
+#include <unistd.h>
 
 #include <utility>
 
@@ -227,7 +230,9 @@ json describeOutcome(const Launch& launch) {
 
 json describeFacts(const Account& account, const json& outcome) {
     const LaunchInputs& inputs = account.launch.inputs;
-    json facts{{"firstLaunch", inputs.userFirstLaunch}};
+    json facts{{"firstLaunch", inputs.userFirstLaunch},
+               {"user", effectiveUser()},
+               {"isRoot", geteuid() == 0}};
     facts["installConfiguration"] = jsonText(installConfigurationName(inputs.traits.eConfig));
     if (!inputs.workspace.empty()) {
         describeWorkspace(account, facts);

@@ -7,6 +7,7 @@
 #include "diagnostics/svc_debug.h"
 #include "inspect/explain/account.h"
 #include "inspect/handoff/describe_hand_off.h"
+#include "inspect/handoff/room.h"
 #include "inspect/messages.h"
 #include "inspect/rehearsal/temporary_folder.h"
 #include "launcher/process_entry.h"
@@ -96,7 +97,8 @@ json outcomeOf(Stage& stage, int status, const json& records, const Sources& sou
 json tellEnd(Stage& stage, int status) {
     observer = nullptr;
     const json records = describeRecords(*stage.rehearsal);
-    return {{"outcome", outcomeOf(stage, status, records, Sources(stage.witness))}};
+    return {{"outcome", outcomeOf(stage, status, records, Sources(stage.witness))},
+            {"writes", describeWrites(*stage.rehearsal)}};
 }
 
 json tellAll(Stage& stage, int status) {
@@ -120,6 +122,7 @@ json tellAll(Stage& stage, int status) {
               {"environment", describeEnvironment(account)},
               {"files", describeFiles(account)},
               {"changes", describeChanges(*stage.rehearsal)},
+              {"writes", describeWrites(*stage.rehearsal)},
               {"records", records}};
     stage.rehearsal.reset();
     told["facts"] = describeFacts(account, outcome);

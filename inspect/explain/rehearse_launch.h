@@ -19,7 +19,7 @@ namespace rcp::inspect {
 /// variables and records are as the system has them, which need not be UTF-8.
 nlohmann::json rehearseLaunch(const Options& options);
 
-/// Of that the outcome alone, which takes less time.
+/// Of that the outcome and the room that it needs alone, which takes less time.
 nlohmann::json rehearseEnd(const Options& options);
 
 /// All of it as everybody may read it: all of it is UTF-8.

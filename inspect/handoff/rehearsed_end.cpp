@@ -1,6 +1,7 @@
 #include "inspect/handoff/rehearsed_end.h"
 
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/handoff/room.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -65,7 +66,9 @@ bool tells(const Finding& finding, const Place& place, const std::string& record
 }  // namespace
 
 void findInRehearsal(const Options& options, const Examination& examination, Findings& findings) {
-    const json outcome = rehearseEnd(options)["outcome"];
+    const json end = rehearseEnd(options);
+    addFaults(examineRoom(end["writes"]), findings);
+    const json& outcome = end["outcome"];
     if (outcome["kind"] != "fatal") {
         return;
     }

@@ -1,0 +1,117 @@
+#include "inspect/handoff/room.h"
+
+#include "inspect/making.h"
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <sstream>
+
+namespace rcp::inspect {
+namespace {
+
+using nlohmann::json;
+
+struct Write {
+    std::string folder;  // that is there already
+    Room need = {};
+};
+
+std::uintmax_t sizeOf(const std::string& file) {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode)
+               ? static_cast<std::uintmax_t>(status.st_size)
+               : 0;
+}
+
+std::uintmax_t left(std::uintmax_t limit, std::uintmax_t used) {
+    return limit == kNoLimit ? kNoLimit : limit - std::min(limit, used);
+}
+
+// The nearest folder above, with the file system that it is on.
+std::string folderAbove(const std::string& path, struct stat& status) {
+    std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    while (::stat(folder.c_str(), &status) != 0 && folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
+    return folder;
+}
+
+// For root, what is kept for him counts too.
+std::optional<Room> freeAt(const std::string& folder) {
+    struct statvfs space {};
+    if (statvfs(folder.c_str(), &space) != 0) {
+        return std::nullopt;
+    }
+    const bool isRoot = geteuid() == 0;
+    return Room{
+        std::uintmax_t{isRoot ? space.f_bfree : space.f_bavail} * space.f_frsize,
+        space.f_files == 0 ? kNoLimit : std::uintmax_t{isRoot ? space.f_ffree : space.f_favail}};
+}
+
+// "a launch writes 2000 bytes; /home has room for 10 bytes of user ann"
+std::string lackText(const char* does, std::uintmax_t need, const char* what,
+                     const std::string& folder, std::uintmax_t room) {
+    std::ostringstream text;
+    text << "a launch " << does << " " << need << " " << what << "; " << folder << " has room for "
+         << room << " " << what << " of user " << effectiveUser();
+    return text.str();
+}
+
+}  // namespace
+
+Room roomWithin(const Room& free, const Quota& quota) {
+    return {std::min(free.bytes, left(quota.limit.bytes, quota.used.bytes)),
+            std::min(free.files, left(quota.limit.files, quota.used.files))};
+}
+
+json describeWrites(const Rehearsal& rehearsal) {
+    std::map<dev_t, Write> all;
+    for (const FileChange& change : rehearsal.changes()) {
+        const bool isMade = change.kind == FileChange::Kind::kMade;
+        if (!isMade && change.kind != FileChange::Kind::kReplaced) {
+            continue;
+        }
+        struct stat status {};
+        const std::string folder = folderAbove(change.path, status);
+        Write& write = all.try_emplace(status.st_dev, Write{folder}).first->second;
+        const std::uintmax_t size = sizeOf(rehearsal.placeOf(change.path));
+        write.need.bytes += size - std::min(size, isMade ? 0 : sizeOf(change.path));
+        write.need.files += isMade ? 1 : 0;
+    }
+    json writes = json::array();
+    for (const auto& [device, write] : all) {
+        writes.push_back(
+            {{"folder", write.folder}, {"bytes", write.need.bytes}, {"files", write.need.files}});
+    }
+    return writes;
+}
+
+Examined examineRoom(const json& writes) {
+    Examined examined{.what = "room", .path = "for user " + effectiveUser()};
+    for (const json& write : writes) {
+        const std::string folder = write["folder"];
+        const auto free = freeAt(folder);
+        const auto quota = free ? quotaAt(folder) : std::nullopt;
+        const Room room = !free   ? Room{kNoLimit, kNoLimit}
+                          : quota ? roomWithin(*free, *quota)
+                                  : *free;
+        const std::uintmax_t bytes = write["bytes"];
+        const std::uintmax_t files = write["files"];
+        if (bytes > room.bytes) {
+            examined.faults.push_back(
+                {"RI609", folder, 0, lackText("writes", bytes, "bytes", folder, room.bytes)});
+        }
+        if (files > room.files) {
+            examined.faults.push_back(
+                {"RI609", folder, 0, lackText("makes", files, "files", folder, room.files)});
+        }
+    }
+    return examined;
+}
+
+}  // namespace rcp::inspect
