@@ -16,17 +16,25 @@ std::string homeOf(const Side& side) {
     return side.about.value("installation", std::string());
 }
 
-std::vector<std::string> comparableElements(const Side& side) {
+// What stands in both as it is stays: it may name the installation of one of them, as what the user's file holds
+// does, which both sides share.
+std::vector<std::string> comparableElements(const Side& side, const Side& other) {
+    std::set<std::string> others;
+    for (const json& element : other.elements) {
+        others.insert(element["text"]);
+    }
     std::vector<std::string> texts;
     for (const json& element : side.elements) {
-        texts.push_back(withoutHome(element["text"], homeOf(side)));
+        const std::string text = element["text"];
+        texts.push_back(others.contains(text) ? text : withoutHome(text, homeOf(side)));
     }
     return texts;
 }
 
 json differingElements(const Side& first, const Side& second) {
     json result = json::array();
-    for (const Edit& edit : differences(comparableElements(first), comparableElements(second))) {
+    for (const Edit& edit :
+         differences(comparableElements(first, second), comparableElements(second, first))) {
         json element = (edit.isAdded ? second : first).elements[edit.position];
         json described{{"change", edit.isAdded ? "added" : "removed"},
                        {"element", edit.position},
@@ -58,12 +66,15 @@ json withChange(const json& thing, const char* change) {
 
 void addMissing(json& result, const json& ours, const std::string& home, const json& theirs,
                 const std::string& otherHome, const char* change, const Likeness& likeness) {
-    std::set<std::string> others;
+    std::set<std::string> same;
+    std::set<std::string> alike;
     for (const json& thing : theirs) {
-        others.insert(withoutHome(likeness(thing), otherHome));
+        same.insert(likeness(thing));
+        alike.insert(withoutHome(likeness(thing), otherHome));
     }
     for (const json& thing : ours) {
-        if (!others.contains(withoutHome(likeness(thing), home))) {
+        if (!same.contains(likeness(thing)) &&
+            !alike.contains(withoutHome(likeness(thing), home))) {
             result.push_back(withChange(thing, change));
         }
     }
@@ -125,10 +136,15 @@ json differingCopies(const Side& first, const Side& second) {
 json differingTrees(const Tree& first, const Tree& second) {
     json result = json::array();
     for (const FileDifference& file : differingFiles(first, second)) {
-        const char* change = file.kind == FileDifference::Kind::kRemoved ? "removed"
-                             : file.kind == FileDifference::Kind::kAdded ? "added"
-                                                                         : "changed";
-        result.push_back({{"change", change}, {"path", file.path}});
+        using enum FileDifference::Kind;
+        const char* change = file.kind == kRemoved ? "removed"
+                             : file.kind == kAdded ? "added"
+                                                   : "changed";
+        json described{{"change", change}, {"path", file.path}};
+        if (file.kind == kBecameLink || file.kind == kBecameFile) {
+            described["became"] = file.kind == kBecameLink ? "link" : "file";
+        }
+        result.push_back(described);
     }
     return result;
 }
@@ -136,7 +152,7 @@ json differingTrees(const Tree& first, const Tree& second) {
 bool differsInOutcome(const Side& first, const Side& second) {
     const json ours = first.about.value("outcome", json());
     const json theirs = second.about.value("outcome", json());
-    return !ours.is_null() &&
+    return !ours.is_null() && ours != theirs &&
            withoutHome(ours.dump(), homeOf(first)) != withoutHome(theirs.dump(), homeOf(second));
 }
 

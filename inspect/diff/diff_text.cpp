@@ -97,6 +97,12 @@ std::string propertyText(const json& property) {
            "    (" + sourceText(source) + ")";
 }
 
+std::string fileText(const json& file) {
+    return file["path"].get<std::string>() +
+           (file.contains("became") ? "    (is a " + file["became"].get<std::string>() + " now)"
+                                    : "");
+}
+
 std::string findingText(const json& finding) {
     return finding["code"].get<std::string>() + " " + finding["file"].get<std::string>() +
            (finding["line"] == 0 ? "" : ":" + finding["line"].dump()) + ": " +
@@ -128,8 +134,7 @@ std::string differenceText(const json& result, const TextForm& form) {
     page.part("User's copies of master files", result["copies"], [](const json& copy) {
         return copy["copy"].get<std::string>() + ": " + copy["message"].get<std::string>();
     });
-    page.part("Files", result["files"],
-              [](const json& file) { return file["path"].get<std::string>(); });
+    page.part("Files", result["files"], fileText);
     page.part("Findings of check", result["findings"], findingText);
     return page.text();
 }

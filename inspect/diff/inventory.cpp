@@ -89,12 +89,13 @@ bool isSameText(const std::string& first, const std::string& second, const Tree&
     return withoutHome(readPlace(first), left.path) == withoutHome(readPlace(second), right.path);
 }
 
+// Of two links or two files.
 bool isSame(const std::string& path, const Entry& ours, const Entry& theirs, const Tree& left,
             const Tree& right) {
     const std::string first = left.place + "/" + path;
     const std::string second = right.place + "/" + path;
-    if (ours.isLink || theirs.isLink) {
-        return ours.isLink == theirs.isLink && isSameTarget(first, second, left, right);
+    if (ours.isLink) {
+        return isSameTarget(first, second, left, right);
     }
     if (ours.size == theirs.size && isSameContent(first, second)) {
         return true;
@@ -128,6 +129,8 @@ std::vector<FileDifference> differingFiles(const Tree& first, const Tree& second
         const auto other = theirs.find(path);
         if (other == theirs.end()) {
             differences.push_back({kRemoved, path});
+        } else if (entry.isLink != other->second.isLink) {
+            differences.push_back({entry.isLink ? kBecameFile : kBecameLink, path});
         } else if (!isSame(path, entry, other->second, first, second)) {
             differences.push_back({kChanged, path});
         }

@@ -7,7 +7,7 @@
 namespace rcp::inspect {
 
 struct FileDifference {
-    enum class Kind { kRemoved, kAdded, kChanged };
+    enum class Kind { kRemoved, kAdded, kChanged, kBecameLink, kBecameFile };
     Kind kind;
     std::string path;  // below the installation
 
@@ -22,7 +22,8 @@ struct Tree {
 };
 
 /// By path: the files and links of which only one installation has one of that path, or another. That a text
-/// names the installation's own folder is no difference.
+/// names the installation's own folder is no difference. What became a link is told even if it leads to the same
+/// content: another package may bring that, and change it, as a link is told that leads elsewhere.
 std::vector<FileDifference> differingFiles(const Tree& first, const Tree& second);
 
 /// A text as it would be if the installation at `home` lay elsewhere.

@@ -55,6 +55,18 @@ TEST_F(DiffTest, ThePlaceOfAnInstallationIsNoDifference) {
     EXPECT_EQ(same({"--with", copy()}), "no difference\n");
 }
 
+TEST_F(DiffTest, WhatBothShareIsNoDifferenceWhereItNamesOneOfThem) {
+    append(kProperties,
+           "-Dshared=" + installation() + "/x\nenv.set.SHARED=" + installation() + "/x\n");
+    ASSERT_EQ(launch(), 0);  // the user's file names the installation now
+    const std::string old = copy();
+    folder_.write(kOldProperties,
+                  std::regex_replace(folder_.read(kOldProperties), std::regex(old + "/x"),
+                                     installation() + "/x"));
+    std::string output;
+    EXPECT_EQ(run({"--with", old}, output), 0) << output;
+}
+
 TEST_F(DiffTest, WhatIsOldIsMinusAndWhatIsNewIsPlus) {
     const std::string old = copy();
     replaceIn(kProperties, "-Xmx128m", "-Xmx99m");
@@ -207,6 +219,22 @@ TEST_F(DiffTest, ALinkThatLeadsElsewhereIsAnotherFile) {
     std::filesystem::create_symlink("rcp", folder_.path() / "old/link");
     std::filesystem::create_symlink("jre", installation() + "/link");
     EXPECT_EQ(part(differing({"--with", old}), "Files"), "~ link\n");
+}
+
+TEST_F(DiffTest, AFileThatBecameALinkIsToldAsThatAndTheOtherWay) {
+    folder_.write("client/held", "x");
+    std::filesystem::create_symlink("held", folder_.path() / "client/first");
+    folder_.write("client/second", "x");
+    const std::string old = copy();
+    for (const char* name : {"first", "second"}) {
+        std::filesystem::remove(folder_.path() / "client" / name);
+    }
+    folder_.write("client/first", "x");
+    std::filesystem::create_symlink("held", folder_.path() / "client/second");
+    EXPECT_EQ(part(differing({"--with", old}), "Files"),
+              "~ first    (is a file now)\n~ second    (is a link now)\n");
+    const Json files = Json::parse(differing({"--with", old, "--format", "json"}))["files"];
+    EXPECT_EQ(files[1], Json({{"change", "changed"}, {"path", "second"}, {"became", "link"}}));
 }
 
 TEST_F(DiffTest, ALaunchWhosePlatformCannotStartIsToldFirst) {
