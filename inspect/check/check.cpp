@@ -23,7 +23,8 @@ void rehearseToo(const Options& options, const Examination& examination, Finding
     try {
         findInRehearsal(options, examination, findings);
     } catch (const std::exception& problem) {
-        std::cerr << "rcpinspect: the launch was not rehearsed: " << problem.what() << '\n';
+        std::cerr << "rcpinspect: the launch of " << options.installation
+                  << " was not rehearsed: " << problem.what() << '\n';
     }
 }
 

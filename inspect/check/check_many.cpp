@@ -1,4 +1,5 @@
-// Many installations at once.
+#include "inspect/check/check_many.h"
+
 #include "base/pipe.h"
 #include "base/transfer.h"
 #include "inspect/check/check.h"
@@ -8,6 +9,8 @@
 #include "inspect/locate.h"
 #include "inspect/rehearsal/staged_tree.h"
 
+#include <errno.h>
+#include <string.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,51 +32,56 @@ constexpr int kNoneOrErrors = 2;
 struct Checked {
     std::string root;
     int status = kNoneOrErrors;
-    Json report;  // null when there is no launcher, or no process can be made
+    Json report;          // null when there is a problem
+    std::string problem;  // why there is no report
 };
 
 struct Worker {
     std::string root;
-    pid_t process = -1;
     UniqueFd output;
+    pid_t process = -1;
+    int error = 0;  // for which there is no process
 };
 
 [[noreturn]] void work(const std::string& root, Options options, int output) {
     options.roots.clear();
     options.launcher = launcherPath({}, root, Launcher::kMayBeMissing);
     if (options.launcher.empty()) {
-        _exit(kNoneOrErrors);
+        _exit(kNoLauncher);
     }
     options.installation = installationOf(options.launcher);
     stageAlone(options.installation);
     options.format = options.format == Format::kSarif ? Format::kSarif : Format::kJson;
     const Told told = toldBy(check, options);
-    _exit(writeFully(output, told.output) ? told.status : kNoneOrErrors);
+    _exit(writeFully(output, told.output) ? told.status : kFailure);
 }
 
 Worker start(const std::string& root, const Options& options) {
     Pipe pipe;
-    Worker worker{root, -1, std::move(pipe.readEnd)};
-    if (worker.output) {
-        worker.process = fork();
-    }
-    if (worker.process == 0) {
+    const pid_t process = pipe.readEnd ? fork() : -1;
+    if (process == 0) {
         work(root, options, pipe.writeEnd.get());
     }
-    return worker;
+    const int error = errno;
+    return {root, std::move(pipe.readEnd), process, error};
 }
 
 Checked resultOf(const Worker& worker) {
-    Checked checked{worker.root, kNoneOrErrors, {}};
+    Checked checked{worker.root, kNoneOrErrors, {}, {}};
     if (worker.process < 0) {
+        checked.problem =
+            "no process to check " + worker.root + ": " + std::string(strerror(worker.error));
         return checked;
     }
-    const std::string text = readToEnd(worker.output.get());
+    Json report = Json::parse(readToEnd(worker.output.get()), nullptr, false);
     int status = 0;
-    if (waitpid(worker.process, &status, 0) == worker.process && WIFEXITED(status)) {
+    while (waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFEXITED(status) && !report.is_discarded()) {
         checked.status = WEXITSTATUS(status);
-        checked.report = Json::parse(text, nullptr, false);
-        checked.report = checked.report.is_discarded() ? Json() : checked.report;
+        checked.report = std::move(report);
+    } else {
+        checked.problem = whyUnchecked(worker.root, status);
     }
     return checked;
 }
@@ -91,10 +99,6 @@ std::vector<Checked> checkAll(const Options& options) {
         workers.pop_front();
     }
     return all;
-}
-
-std::string problemOf(const Checked& checked) {
-    return "no launcher at " + checked.root;
 }
 
 Json summaryOf(const std::vector<Checked>& all) {
@@ -119,7 +123,7 @@ Json toJson(const std::vector<Checked>& all) {
     Json installations = Json::array();
     for (const Checked& one : all) {
         Json told{{"root", one.root}};
-        one.report.is_null() ? void(told["problem"] = problemOf(one)) : told.update(one.report);
+        one.report.is_null() ? void(told["problem"] = one.problem) : told.update(one.report);
         installations.push_back(told);
     }
     return {{"layout", 1},
@@ -138,7 +142,7 @@ Json toSarif(const std::vector<Checked>& all) {
             runs.push_back(one.report["runs"][0]);
             continue;
         }
-        const Json note{{"level", "error"}, {"message", {{"text", problemOf(one)}}}};
+        const Json note{{"level", "error"}, {"message", {{"text", one.problem}}}};
         runs.push_back(
             {{"tool", {{"driver", {{"name", "rcpinspect"}}}}},
              {"invocations", Json::array({{{"executionSuccessful", false},
@@ -169,7 +173,7 @@ std::string lineOf(const Checked& one, bool isColored) {
     const std::string glyph =
         isColored ? std::string("\033[") + sign.color + "m" + sign.glyph + "\033[0m" : sign.glyph;
     return glyph + " " + one.root + ": " +
-           (one.report.is_null() ? "no launcher there"
+           (one.report.is_null() ? one.problem
             : isClean            ? "nothing found"
                                  : counted(summary["errors"], "error") + ", " +
                             counted(summary["warnings"], "warning")) +
@@ -188,6 +192,16 @@ std::string toText(const std::vector<Checked>& all, bool isColored) {
 }
 
 }  // namespace
+
+std::string whyUnchecked(const std::string& root, int status) {
+    if (WIFSIGNALED(status)) {
+        return "the check of " + root + " was ended by signal " + std::to_string(WTERMSIG(status));
+    }
+    const int code = WEXITSTATUS(status);
+    return code == kNoLauncher ? "no launcher at " + root
+                               : "the check of " + root + " ended with status " +
+                                     std::to_string(code) + " and told nothing that can be read";
+}
 
 int checkMany(const Options& options) {
     const std::vector<Checked> all = checkAll(options);

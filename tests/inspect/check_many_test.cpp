@@ -1,8 +1,11 @@
+#include "inspect/check/check_many.h"
+
 #include "tests/inspect/explain_fixture.h"
 #include "tests/inspect/paths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string.h>
 
 namespace rcp::inspect::test {
 namespace {
@@ -22,10 +25,11 @@ class CheckManyTest : public ExplainTest {
         replaceIn("bad/rcp/rcplauncher.properties", "\nrcp\\.install\\.id=.*", "");
     }
 
-    [[nodiscard]] std::string check(const Words& options, const Words& names, int status) const {
+    [[nodiscard]] std::string check(const Words& options, const Words& names, int status,
+                                    const std::string& first = "true") const {
         Words words{"/bin/sh",
                     "-c",
-                    "cd \"$0\" && exec \"$@\" 2>&1",
+                    "exec 2>&1; cd \"$0\" && " + first + " && exec \"$@\"",
                     folder_.narrow(),
                     seen(INSPECT_PROGRAM),
                     "check"};
@@ -43,7 +47,7 @@ TEST_F(CheckManyTest, TellsALineOfEachInTheirOrderAndASummary) {
     EXPECT_THAT(text, ::testing::MatchesRegex("✗ bad: [1-9] errors?, [0-9]+ warnings?\n"
                                               "✓ client: nothing found\n"
                                               "! odd: 0 errors, 1 warning\n"
-                                              "✗ none: no launcher there\n\n"
+                                              "✗ none: no launcher at none\n\n"
                                               "4 installations: 1 clean, 1 with warnings, "
                                               "2 with errors\n"));
     EXPECT_THAT(check({}, {"client", "client"}, 0), HasSubstr("2 installations: 2 clean"));
@@ -55,6 +59,30 @@ TEST_F(CheckManyTest, OfOneIsThatOfAnInstallation) {
     EXPECT_EQ(portable(check({}, {"client"}, 0)), "client: nothing found\n");
     EXPECT_THAT(check({}, {"none"}, 64), HasSubstr("no launcher at none"));
     EXPECT_THAT(check({"--install", "client"}, {"odd"}, 64), HasSubstr("takes neither"));
+}
+
+TEST_F(CheckManyTest, ThatNoProcessCanBeMadeIsToldAsThat) {
+    const std::string text = check({}, {"client", "odd"}, 2, "ulimit -n 4");
+    EXPECT_THAT(
+        text,
+        HasSubstr("✗ client: no process to check client: " + std::string(strerror(EMFILE)) + "\n"));
+}
+
+TEST(CheckMany, AnEndWithoutReportIsToldWithItsReason) {
+    // As waitpid(2) has them: the signal in front, the exit status behind.
+    EXPECT_EQ(whyUnchecked("a", SIGSEGV), "the check of a was ended by signal 11");
+    EXPECT_EQ(whyUnchecked("a", 70 << 8),
+              "the check of a ended with status 70 and told nothing that can be read");
+    EXPECT_EQ(whyUnchecked("a", kNoLauncher << 8), "no launcher at a");
+}
+
+TEST_F(CheckManyTest, WhatWasNotRehearsedIsNamed) {
+    variables_.emplace_back("TMPDIR=/nowhere");
+    const std::string text = check({}, {"client", "odd"}, 1);
+    for (const char* name : {"client", "odd"}) {
+        EXPECT_THAT(text, HasSubstr("rcpinspect: the launch of " + folder_.narrow(name) +
+                                    " was not rehearsed: "));
+    }
 }
 
 TEST_F(CheckManyTest, JsonHasAMemberForEach) {
