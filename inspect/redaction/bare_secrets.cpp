@@ -99,9 +99,7 @@ std::size_t sizeOfBareInfo(std::string_view front) {
     constexpr std::string_view kNoUsers[] = {"mailto", "mail", "email",     "sip",    "xmpp",
                                              "file",   "jar",  "reference", "initial"};
     front.remove_prefix(front.find_last_of(" \t,;()[]{}|") + 1);
-    if (const std::size_t equals = front.find('='); equals < front.find(':')) {
-        front.remove_prefix(equals + 1);
-    }
+    front.remove_prefix(front.substr(0, front.find(':')).find_last_of('=') + 1);
     const std::size_t colon = std::min(front.find(':'), front.size());
     const std::string_view user = front.substr(0, colon);
     const std::string_view password = front.substr(std::min(colon + 1, front.size()));

@@ -1,6 +1,7 @@
 #include "inspect/redaction/redactor.h"
 
 #include "inspect/redaction/bare_secrets.h"
+#include "inspect/redaction/escaped_text.h"
 #include "inspect/redaction/ordinary_words.h"
 
 #include <string.h>
@@ -29,7 +30,11 @@ Redactor::Redactor(const Salt& salt, Identity identity)
 
 void Redactor::learn(std::string_view text) {
     for (const SecretPart& part : secretsIn(text, names_)) {
-        learnValue(part.name, text.substr(part.begin, part.end - part.begin));
+        const std::string_view value = text.substr(part.begin, part.end - part.begin);
+        learnValue(part.name, value);
+        if (value.find('\\') != kNone) {
+            learnValue(part.name, readForm(value));
+        }
     }
 }
 
@@ -49,6 +54,11 @@ void Redactor::learnValue(const std::string& name, std::string_view value) {
         if (!isHarmless(name, part) && !part.starts_with("-----") &&
             part.find("-----END") == kNone) {
             learnWithin(part, {0, part.size(), name});
+            const std::string written = writtenForm(part);
+            learnWithin(written, {0, written.size(), name});
+            if (written != part) {
+                plain_.try_emplace(written, part);
+            }
         }
     };
     add(value);
@@ -85,7 +95,8 @@ void Redactor::learnWithin(std::string_view text, const SecretPart& part) {
 // --- Redacting --------------------------------------------------------------------------------------
 
 std::string Redactor::mark(const std::string& name, std::string_view value) {
-    const std::string digest = saltedDigest(salt_, value);
+    const auto plain = plain_.find(value);
+    const std::string digest = saltedDigest(salt_, plain == plain_.end() ? value : plain->second);
     ++counts_[{withoutIdentity(name), digest}];
     return std::string(kMark) + digest + ">";
 }

@@ -67,6 +67,7 @@ class Redactor {
     std::map<std::string, SecretPart, std::less<>> known_;
     // The same by their first bytes, the longest first.
     std::unordered_map<std::uint32_t, std::vector<const Known*>> index_;
+    std::map<std::string, std::string, std::less<>> plain_;              // what written forms mean
     std::map<std::pair<std::string, std::string>, std::size_t> counts_;  // by name and digest
 };
 

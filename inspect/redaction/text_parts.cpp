@@ -23,7 +23,11 @@ std::size_t endOfLine(std::string_view text, std::size_t at) {
 
 std::size_t endOfEntry(std::string_view text, std::size_t at) {
     std::size_t end = endOfLine(text, at);
-    while (end < text.size() && end > at && text[end - 1] == '\\') {
+    const auto goesOn = [&] {
+        const std::string_view line = text.substr(at, end - at);
+        return end < text.size() && (line.ends_with('\\') || line.ends_with("\\\r"));
+    };
+    while (goesOn()) {
         end = endOfLine(text, end + 1);
     }
     return end;

@@ -1,6 +1,7 @@
 #include "inspect/redaction/text_rules.h"
 
 #include "inspect/redaction/bare_secrets.h"
+#include "inspect/redaction/escaped_text.h"
 #include "inspect/redaction/named_values.h"
 
 #include <algorithm>
@@ -25,11 +26,8 @@ std::vector<SecretPart> merged(std::vector<SecretPart> parts) {
     return result;
 }
 
-}  // namespace
-
-std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& names) {
+void findAll(std::string_view text, const SecretNames& names, std::vector<SecretPart>& parts) {
     constexpr std::string_view kSigns = "=:>,@- \n";
-    std::vector<SecretPart> parts;
     NamedValues values(text, names, parts);
     for (std::size_t at = text.find_first_of(kSigns); at != kNone;
          at = text.find_first_of(kSigns, at + 1)) {
@@ -43,6 +41,26 @@ std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& name
     }
     findPrefixed(text, "Bearer ", "bearer token", parts);
     findBareKeys(text, parts);
+}
+
+// A line of a property file has "-Ddb.password\=..." where the launcher has written it.
+void findEscaped(std::string_view text, const SecretNames& names, std::vector<SecretPart>& parts) {
+    const PlainText plain = plainText(text);
+    std::vector<SecretPart> found;
+    findAll(plain.text, names, found);
+    for (SecretPart& part : found) {
+        parts.push_back({plain.places[part.begin], plain.places[part.end], std::move(part.name)});
+    }
+}
+
+}  // namespace
+
+std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& names) {
+    std::vector<SecretPart> parts;
+    findAll(text, names, parts);
+    if (text.find('\\') != kNone) {
+        findEscaped(text, names, parts);
+    }
     return merged(std::move(parts));
 }
 

@@ -69,14 +69,21 @@ class PlantedSecrets : public ExplainTest {
                                 "\nrcpinspect.redact=iban, badge.number\naccount.iban=" + next() +
                                 "\nvmarg.badge=-Dstaff.badgeNumber=" + next() + "\n");
         append(kJvmFile, "vmarg.jvm=-Djvm.auth=" + next() + "\n# jvm.apikey=" + next() + "\n");
+        // The launcher takes the second line for a key, of which a word would be an ordinary one.
+        append(kProperties, "crlf.secret=one\\\r\n    " + plant(planted_) + "\r\n");
         append(kMaster, "master.secret=" + next() + "\n");
     }
 
     void plantInUsersArea() {
         folder_.write(area(".config/rcpinstall.properties"),
-                      "user.cookie=" + next() + "\nvmarg.user=-Duser.credential=" + next() + "\n");
+                      "vmarg.q=-Dq.password\\=" + next() + "\nvmarg.r=-Dr.password\\u003d" +
+                          next() + "\nuser.cookie=" + next() +
+                          "\nvmarg.user=-Duser.credential=" + next() + "\n");
         folder_.write(area(".config/args.properties"),
-                      "argc=3\narg0=/opt/x\narg1=-password\narg2=" + next() + "\n");
+                      "argc=7\narg0=/opt/x\narg1=-password\narg2=" + next() +
+                          "\narg3=-Dc.passwd\\=plain\\:" + next() + "\narg4=-Dd.token\\=\\u00e4" +
+                          next() + "\narg5=-De.secret\\=back\\\\" + next() +
+                          "\narg6=-Df.password\\=" + next() + "\n");
         folder_.write(area("logs/rcplauncher.log"),
                       "ZYPRA0030I: rcplauncher main arguments=\"/opt/x, -password, " + next() +
                           ", -Dlog.token=" + next() + ", \"\n" +
