@@ -275,7 +275,9 @@ int run(int argc, char** argv) {
             "bundle, or --launcher FILE");
     }
     options.installation = installationOf(options.launcher);
-    stageAlone(options.installation);
+    if (!options.installation.empty()) {
+        stageAlone(options.installation);
+    }
     if (!other.empty()) {
         const Unstaged own;
         options.other = launcherPath({}, other, Launcher::kIsThere);

@@ -1,10 +1,13 @@
 #include "inspect/other_user.h"
 
-#include "inspect/quiet_read.h"
-#include "platform/files.h"
+#include "base/transfer.h"
+#include "base/unique_fd.h"
 
+#include <errno.h>
+#include <fcntl.h>
 #include <locale.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include <algorithm>
 #include <cctype>
@@ -52,11 +55,14 @@ void clearEnvironment() {
 }
 
 std::string takeFile(const std::string& path) {
-    if (!existsA(path)) {
-        return "no file " + path;
+    const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));  // a pipe, too
+    errno = file ? 0 : errno;
+    const std::string text = file ? readToEnd(file.get()) : std::string();
+    if (errno != 0) {
+        return "no variables can be read from " + path + ": " + strerror(errno);
     }
     Variables variables;
-    std::istringstream lines(readQuietly(path));
+    std::istringstream lines(text);
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {
         ++number;

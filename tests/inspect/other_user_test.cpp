@@ -50,6 +50,17 @@ TEST_F(OtherUserTest, HasTheVariablesOfHisFileAndNoOther) {
               "home/workspace/eve");
 }
 
+TEST_F(OtherUserTest, HisVariablesMayComeThroughAPipe) {
+    Program program(
+        {"/bin/sh", "-c",
+         "printf 'USER=bob\\nHOME=/nowhere\\n' | \"$0\" explain --format json --install "
+         "\"$1\" --env-file /dev/stdin",
+         seen(INSPECT_PROGRAM), installation()},
+        launchEnvironment());
+    EXPECT_EQ(Json::parse(program.rest())["facts"]["workspace"], "/nowhere/workspace/bob");
+    EXPECT_EQ(program.wait(), 0);
+}
+
 TEST_F(OtherUserTest, HasHisOwnLocale) {
     EXPECT_THAT(told({"doctor", "--format", "json", "--locale", "C"}, 0),
                 HasSubstr("characters are "));
@@ -58,7 +69,10 @@ TEST_F(OtherUserTest, HasHisOwnLocale) {
 }
 
 TEST_F(OtherUserTest, IsRefusedWithoutWhatDescribesHim) {
-    EXPECT_THAT(told({"explain", "--env-file", folder_.narrow("none")}, 64), HasSubstr("no file "));
+    for (const char* name : {"none", "."}) {
+        EXPECT_THAT(told({"explain", "--env-file", folder_.narrow(name)}, 64),
+                    HasSubstr("no variables can be read from "));
+    }
     folder_.write("bad.env", "what is this\n");
     const std::string problem = told({"explain", "--env-file", folder_.narrow("bad.env")}, 64);
     EXPECT_THAT(problem, HasSubstr("bad.env:1: this is not NAME=VALUE"));

@@ -206,7 +206,7 @@ TEST_F(StagedInstallation, IsMailedAsIfItWereInItsPlace) {
 
 TEST_F(StagedInstallation, ManyAreCheckedAtOnce) {
     stageIt();
-    Program program({seen(INSPECT_PROGRAM), "check", "--root", stage_, installation(), "/nowhere"},
+    Program program({seen(INSPECT_PROGRAM), "check", "--root", stage_, "/nowhere", installation()},
                     launchEnvironment());
     EXPECT_THAT(program.rest(), HasSubstr("✓ " + installation() + ": nothing found\n"));
     EXPECT_EQ(program.wait(), 2);
