@@ -57,8 +57,7 @@ bool writePage(const nlohmann::json& told, const std::string& file) {
     }
     const std::wstring wide = toWide(target);
     if (wide.empty()) {
-        errno = EILSEQ;
-        return false;
+        return false;  // EILSEQ: not in the locale's characters
     }
     WholeFile page(wide);
     return page.open() && page.write(kPageHead) && page.write(asScriptData(told)) &&
