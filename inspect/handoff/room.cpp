@@ -1,6 +1,7 @@
 #include "inspect/handoff/room.h"
 
 #include "inspect/making.h"
+#include "inspect/rehearsal/staged_tree.h"
 
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -21,9 +22,9 @@ struct Write {
     Room need = {};
 };
 
-std::uintmax_t sizeOf(const std::string& file) {
+std::uintmax_t sizeAt(const std::string& place) {
     struct stat status {};
-    return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode)
+    return ::stat(place.c_str(), &status) == 0 && S_ISREG(status.st_mode)
                ? static_cast<std::uintmax_t>(status.st_size)
                : 0;
 }
@@ -35,7 +36,7 @@ std::uintmax_t left(std::uintmax_t limit, std::uintmax_t used) {
 // The nearest folder above, with the file system that it is on.
 std::string folderAbove(const std::string& path, struct stat& status) {
     std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    while (::stat(folder.c_str(), &status) != 0 && folder.has_relative_path()) {
+    while (::stat(inspect::placeOf(folder).c_str(), &status) != 0 && folder.has_relative_path()) {
         folder = folder.parent_path();
     }
     return folder;
@@ -44,7 +45,7 @@ std::string folderAbove(const std::string& path, struct stat& status) {
 // For root, what is kept for him counts too.
 std::optional<Room> freeAt(const std::string& folder) {
     struct statvfs space {};
-    if (statvfs(folder.c_str(), &space) != 0) {
+    if (statvfs(inspect::placeOf(folder).c_str(), &space) != 0) {
         return std::nullopt;
     }
     const bool isRoot = geteuid() == 0;
@@ -79,8 +80,9 @@ json describeWrites(const Rehearsal& rehearsal) {
         struct stat status {};
         const std::string folder = folderAbove(change.path, status);
         Write& write = all.try_emplace(status.st_dev, Write{folder}).first->second;
-        const std::uintmax_t size = sizeOf(rehearsal.placeOf(change.path));
-        write.need.bytes += size - std::min(size, isMade ? 0 : sizeOf(change.path));
+        const std::uintmax_t size = sizeAt(rehearsal.placeOf(change.path));
+        write.need.bytes +=
+            size - std::min(size, isMade ? 0 : sizeAt(inspect::placeOf(change.path)));
         write.need.files += isMade ? 1 : 0;
     }
     json writes = json::array();
@@ -96,7 +98,7 @@ Examined examineRoom(const json& writes) {
     for (const json& write : writes) {
         const std::string folder = write["folder"];
         const auto free = freeAt(folder);
-        const auto quota = free ? quotaAt(folder) : std::nullopt;
+        const auto quota = free ? quotaAt(inspect::placeOf(folder)) : std::nullopt;
         const Room room = !free   ? Room{kNoLimit, kNoLimit}
                           : quota ? roomWithin(*free, *quota)
                                   : *free;
