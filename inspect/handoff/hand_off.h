@@ -27,6 +27,12 @@ struct Examined {
     std::string what;  // "JVM"
     std::string path;  // or how many there are
     std::vector<Fault> faults = {};
+
+    struct Named {
+        std::string path;
+        Origin origin;  // where it is named
+    };
+    std::vector<Named> named = {};  // of what the platform's configuration names, each
 };
 
 /// The plan of a launch with the examination's arguments; none when that ends before it has one.

@@ -136,6 +136,7 @@ class Configuration {
     }
 
     void judgeBundle(const Origin& origin, const std::string& front, const std::string& path) {
+        all_.back().named.push_back({path, origin});
         if (!isThere(path)) {
             addFault("RI805", origin, front + "\"" + path + "\" is missing");
             return;

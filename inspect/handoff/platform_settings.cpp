@@ -16,11 +16,12 @@
 namespace rcp::inspect {
 
 PlatformSettings::PlatformSettings(const Examination& examination, const Plan& plan)
-    : examination_(examination), plan_(plan) {
-    const LaunchInputs& inputs = examination.inputs;
-    const std::wstring own = osPath(inputs.configuration + L"/config.ini");
-    read(exists(own) ? own
-                     : getCoreFileLocation(inputs.traits.eConfig, examination.base, L"config.ini"));
+    : examination_(examination),
+      plan_(plan),
+      usersCopy_(osPath(examination.inputs.configuration + L"/config.ini")),
+      master_(
+          getCoreFileLocation(examination.inputs.traits.eConfig, examination.base, L"config.ini")) {
+    read(exists(usersCopy_) ? usersCopy_ : master_);
     const std::string area = installArea().text;
     const std::string given = withoutScheme(valueOf("osgi.sharedConfiguration.area").text);
     const std::string inherited = given.empty() ? area + "/configuration" : given;

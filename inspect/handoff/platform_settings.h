@@ -37,6 +37,9 @@ class PlatformSettings {
     [[nodiscard]] Value installArea() const;
     /// The user's, or its master while there is none, and the inherited one; empty without any.
     [[nodiscard]] const std::vector<SettingsFile>& files() const { return files_; }
+    /// The installation's config.ini, which a launch copies where the user has none.
+    [[nodiscard]] const std::wstring& master() const { return master_; }
+    [[nodiscard]] const std::wstring& usersCopy() const { return usersCopy_; }
     /// Whether the framework's classes are taken from where they are compiled to, or named one by one.
     [[nodiscard]] bool hasOwnClassPath() const;
 
@@ -45,6 +48,8 @@ class PlatformSettings {
 
     const Examination& examination_;
     const Plan& plan_;
+    std::wstring usersCopy_;
+    std::wstring master_;
     std::vector<SettingsFile> files_;
 };
 

@@ -17,14 +17,6 @@ namespace {
 
 using nlohmann::json;
 
-void addStep(json& chain, const std::string& step, const std::string& text) {
-    chain["steps"].push_back({{"step", step}, {"text", text}});
-}
-
-json chainOf(const std::string& what) {
-    return {{"what", what}, {"steps", json::array()}};
-}
-
 // --- An element of the command line ---
 
 void addElement(json& chain, const json& element) {
@@ -223,10 +215,19 @@ void addPath(json& chains, const json& explanation, const std::string& subject) 
 
 }  // namespace
 
-json launchChains(const json& explanation, const std::string& subject) {
+void addStep(json& chain, const std::string& step, const std::string& text) {
+    chain["steps"].push_back({{"step", step}, {"text", text}});
+}
+
+json chainOf(const std::string& what) {
+    return {{"what", what}, {"steps", json::array()}};
+}
+
+json launchChains(const json& explanation, const json& beyond, const std::string& subject) {
     json chains = json::array();
     if (subject.starts_with('/')) {
         addPath(chains, explanation, subject);
+        chains.insert(chains.end(), beyond.begin(), beyond.end());
         return chains;
     }
     if (subject.starts_with('-')) {
@@ -234,6 +235,7 @@ json launchChains(const json& explanation, const std::string& subject) {
     }
     addEntries(chains, explanation, subject);
     addVariable(chains, explanation, subject);
+    chains.insert(chains.end(), beyond.begin(), beyond.end());
     addKnownKey(chains, subject);
     return chains;
 }

@@ -2,8 +2,10 @@
 #include "inspect/commands.h"
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/messages.h"
+#include "inspect/why/beyond.h"
 #include "inspect/why/chains.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 
@@ -41,14 +43,25 @@ json aboutFinding(const std::string& subject) {
     return chains;
 }
 
+// A number is known in small letters too.
 json aboutNumber(const std::string& subject) {
-    const json chains = aboutMessages(subject);
-    return chains.empty() ? aboutFinding(subject) : chains;
+    std::string number = subject;
+    std::transform(number.begin(), number.end(), number.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    });
+    for (const json& chains :
+         {aboutMessages(number), aboutFinding(number), aboutFinding(subject)}) {
+        if (!chains.empty()) {
+            return chains;
+        }
+    }
+    return json::array();
 }
 
 json chainsAbout(const Options& options) {
-    return needsLaunch(options.subject) ? launchChains(explainLaunch(options), options.subject)
-                                        : aboutNumber(options.subject);
+    return needsLaunch(options.subject)
+               ? launchChains(explainLaunch(options), beyondChains(options), options.subject)
+               : aboutNumber(options.subject);
 }
 
 std::string toText(const json& chains, const std::string& subject) {

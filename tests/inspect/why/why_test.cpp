@@ -82,6 +82,57 @@ TEST_F(WhyTest, APathIsToldWithWhatTheLaunchDoesToIt) {
     EXPECT_EQ(why(folder_.narrow(kProperties)).substr(0, 6), "client");
 }
 
+TEST_F(WhyTest, ASettingOfThePlatformIsToldWithItsPlaceAndWithWhatLost) {
+    const std::string folder = "client/rcp/eclipse/plugins/com.ovr.rcp.base/";
+    const std::string master = folder + "config/user/config.ini";
+    const auto read = "\n  read by   the platform, as a property of its own\n";
+    folder_.write(master, "#\nosgi.framework=file:plugins/f.jar\nosgi.bundles=a@start,b\n");
+    EXPECT_EQ(why("osgi.framework"),
+              "osgi.framework=file:plugins/f.jar\n  at        " + master + ":2" + read);
+    EXPECT_EQ(why("osgi.bundles"), "osgi.bundles=a@start,b\n  at        " + master + ":3" + read);
+    append(kProperties, "vmarg.b=-Dosgi.bundles=c\n");
+    EXPECT_EQ(why("osgi.bundles"), "osgi.bundles=c\n  at        client/rcp/" + placeOf("vmarg.b=") +
+                                       read + "  not       a@start,b (" + master + ":3)\n");
+}
+
+TEST_F(WhyTest, AJarThatThePlatformReadsIsToldWithWhereItIsNamedAndWhatIsTheMatter) {
+    const std::string plugins = "client/rcp/eclipse/plugins/";
+    const std::string master = plugins + "com.ovr.rcp.base/config/user/config.ini";
+    std::filesystem::create_directories(folder_.path() / (plugins + "b_1.0/META-INF"));
+    folder_.write(plugins + "b_1.0/META-INF/MANIFEST.MF", "");
+    folder_.write(master, "osgi.framework=file:./plugins/f.jar\nosgi.bundles=b@start\n");
+    EXPECT_EQ(why(folder_.narrow(plugins + "f.jar")),
+              plugins + "f.jar\n  named at  " + master +
+                  ":1\n  read by   the platform, of its framework\n  RI805     osgi.framework: \"" +
+                  "client/rcp/eclipse/./plugins/f.jar\" is missing\n");
+    EXPECT_EQ(why(folder_.narrow(plugins + "b_1.0")),
+              plugins + "b_1.0\n  named at  " + master +
+                  ":2\n  read by   the platform, of its bundles\n");
+}
+
+TEST_F(WhyTest, OfTheConfigurationAndItsMasterItIsToldWhichThePlatformReads) {
+    const std::string master = "client/rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini";
+    const std::string own = "home/workspace/ann/.config/config.ini";
+    EXPECT_NE(
+        why(folder_.narrow(master)).find("\n  read by   the platform, as its configuration\n"),
+        std::string::npos);
+    ASSERT_EQ(launch(), 0);
+    EXPECT_EQ(why(folder_.narrow(master)),
+              master +
+                  "\n  copied    by a launch when the user has none\n  not read  the platform "
+                  "reads " +
+                  own + "\n");
+    EXPECT_EQ(why(folder_.narrow(own)), own + "\n  read by   the platform, as its configuration\n");
+}
+
+TEST_F(WhyTest, AVariableThatTheJvmReadsIsToldWhileItIsSet) {
+    (void)why("JAVA_TOOL_OPTIONS", 1);
+    variables_.emplace_back("JAVA_TOOL_OPTIONS=-Dx=1");
+    EXPECT_EQ(why("JAVA_TOOL_OPTIONS"),
+              "JAVA_TOOL_OPTIONS=-Dx=1\n  from      the environment of the launch\n  read by   "
+              "the JVM\n  RI809     JAVA_TOOL_OPTIONS is \"-Dx=1\"\n");
+}
+
 TEST_F(WhyTest, WhatNothingHasToDoWithIsStatusOne) {
     EXPECT_EQ(why("foo.bar", 1), "nothing of a launch has to do with \"foo.bar\"\n");
 }
@@ -89,6 +140,8 @@ TEST_F(WhyTest, WhatNothingHasToDoWithIsStatusOne) {
 TEST_F(WhyTest, MessagesAndFindingsNeedNoInstallation) {
     for (const auto& [number, text] : {std::pair{"ZYPRA0050E", "ZYPRA0050E: "},
                                        {"RI601", "RI601 missing-file, of check: error\n"},
+                                       {"ri601", "RI601 missing-file, of check: error\n"},
+                                       {"zypra0050e", "ZYPRA0050E: "},
                                        {"missing-file", "RI601 missing-file, of check: error\n"}}) {
         Program program(
             {seen(INSPECT_PROGRAM), "why", number, "--install", folder_.narrow("nowhere")},
