@@ -20,14 +20,18 @@ namespace {
 
 using Json = Redactor::Json;
 
-// Changes what is written to a stream, as often as whole lines are flushed and at the end.
+// How much is changed at once: what has been flushed when lines are whole, or everything at the end.
+enum class Pace { kLines, kWhole };
+
+// Changes what is written to a stream. At the end the last line may be unfinished.
 class Filter : public std::stringbuf {
   public:
     using Change = std::function<std::string(const std::string&)>;
 
-    Filter(std::ostream& stream, Change change)
-        : stream_(stream), change_(std::move(change)), former_(stream.rdbuf(this)) {}
+    Filter(std::ostream& stream, Pace pace, Change change)
+        : stream_(stream), pace_(pace), change_(std::move(change)), former_(stream.rdbuf(this)) {}
     ~Filter() override {
+        isEnding_ = true;
         stream_.flush();
         stream_.rdbuf(former_);
     }
@@ -39,7 +43,8 @@ class Filter : public std::stringbuf {
   protected:
     int sync() override {
         const std::string text = str();
-        if (!text.ends_with('\n')) {
+        const bool isReady = isEnding_ || (pace_ == Pace::kLines && text.ends_with('\n'));
+        if (text.empty() || !isReady) {
             return 0;
         }
         str({});
@@ -50,8 +55,10 @@ class Filter : public std::stringbuf {
 
   private:
     std::ostream& stream_;
+    Pace pace_;
     Change change_;
     std::streambuf* former_;
+    bool isEnding_ = false;
 };
 
 // SARIF has a place of its own for what others do not know.
@@ -105,11 +112,17 @@ int writeAsPage(CarryOut command, Options options) {
 
 int writeRedacted(CarryOut command, const Options& options) {
     Redactor redactor = redactorFor(options);
-    const Filter errors(std::cerr, [&](const std::string& text) { return redactor.redact(text); });
+    // A line may hold, with no name beside it, what a later one gives away.
+    const auto changeText = [&](const std::string& text) {
+        redactor.learn(text);
+        return redactor.redact(text);
+    };
+    const Pace pace = options.isWatching ? Pace::kLines : Pace::kWhole;
+    const Filter errors(std::cerr, pace, changeText);
     int status = kSuccess;
     if (options.format != Format::kText) {
         const int indent = options.isWatching ? -1 : 2;
-        const Filter output(std::cout, [&](const std::string& text) {
+        const Filter output(std::cout, pace, [&](const std::string& text) {
             Json document = Json::parse(text);
             redact(document, redactor);
             return document.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -117,8 +130,7 @@ int writeRedacted(CarryOut command, const Options& options) {
         return command(options);
     }
     {
-        const Filter output(std::cout,
-                            [&](const std::string& text) { return redactor.redact(text); });
+        const Filter output(std::cout, pace, changeText);
         status = command(options);
     }
     if (const std::string list = redactor.redactionsText(); !list.empty()) {

@@ -204,7 +204,7 @@ void Redactor::redactValue(const std::string& name, std::string& value) {
     const SecretPart part = narrowed(value, {0, value.size(), name});
     const std::string secret = value.substr(part.begin, part.end - part.begin);
     const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, secret) &&
-                          value.find(kMark) == kNone;
+                          (value.find(kMark) == kNone || value.starts_with(kMark));
     if (isUserOption(name) && hasPassword(value)) {
         value = mark("user-info of an option", value);
     } else if (isSecret && secretsIn(value, names_).empty()) {

@@ -32,6 +32,12 @@ std::size_t endOfValue(std::string_view text, const Name& name, std::size_t at, 
                    {", ", "\"", kOriginBehind, isOption ? " -" : ", "});
 }
 
+// "-Ddb.password is a key": what rcpinspect says of a name.
+bool isOwnSentence(std::string_view behind) {
+    constexpr std::string_view kSentences[] = {" is a key", " is not set", " is removed"};
+    return isOneOf(kSentences, behind.substr(0, endOfLine(behind, 0)));
+}
+
 }  // namespace
 
 bool isUserOption(std::string_view option) {
@@ -232,7 +238,8 @@ void NamedValues::findOption(std::size_t at) {
     const Name name = nameBefore(text_, at);
     const std::string_view option = name.in(text_);
     const bool hasUser = isUserOption(option);
-    if (name.end != at || !option.starts_with('-') || (!hasUser && !names_.isSecret(option))) {
+    if (name.end != at || !option.starts_with('-') || (!hasUser && !names_.isSecret(option)) ||
+        isOwnSentence(text_.substr(at))) {
         return;
     }
     const bool isList = text_.substr(at).starts_with(", ");
@@ -256,7 +263,7 @@ void NamedValues::findAfterBlank(std::size_t at) {
     const Name name = nameBefore(text_, at);
     if (text_[at] == ' ' && name.end == at && name.begin < at && text_[name.begin] != '-' &&
         !isAt(text_, at + 1, "=:") && isFirstInLine(name.begin) &&
-        SecretNames::isPlainlySecret(name.in(text_))) {
+        !isOwnSentence(text_.substr(at)) && SecretNames::isPlainlySecret(name.in(text_))) {
         add(at + 1, firstOf(text_, at, endOfEntry(text_, at), {kOriginBehind}), name.in(text_));
     }
 }

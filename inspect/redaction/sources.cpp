@@ -6,6 +6,7 @@
 #include "inspect/locate.h"
 #include "inspect/quiet_read.h"
 #include "inspect/rehearsal/staged_tree.h"
+#include "inspect/report/last_logs.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -43,6 +44,10 @@ void learnInstallation(const Options& options, Redactor& redactor) {
             redactor.learn(readQuietly(file["path"]));
         }
         redactor.learnDocument(Redactor::Json(explanation));
+        // What is told of a log may be a line without the name that is beside the value in another.
+        for (const Log& log : lastLogs(explanation["facts"], options)) {
+            redactor.learn(log.text);
+        }
     } catch (const std::exception&) {
         // The command will say so; what is known without a launch is known.
     }

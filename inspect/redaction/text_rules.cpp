@@ -26,6 +26,19 @@ std::vector<SecretPart> merged(std::vector<SecretPart> parts) {
     return result;
 }
 
+// Whether nothing is left of it but marks, and what the texts of rcpinspect say between two of them.
+bool isRedacted(std::string_view value) {
+    constexpr std::string_view kBetween[] = {"", " becomes ", "(not set) becomes ",
+                                             " becomes (not set)"};
+    std::string rest;
+    std::size_t begin = 0;
+    for (std::size_t at = value.find(kMark); at != kNone; at = value.find(kMark, begin)) {
+        rest += value.substr(begin, at - begin);
+        begin = std::min(value.find('>', at), value.size() - 1) + 1;
+    }
+    return begin > 0 && isOneOf(kBetween, rest.append(value.substr(begin)));
+}
+
 void findAll(std::string_view text, const SecretNames& names, std::vector<SecretPart>& parts) {
     constexpr std::string_view kSigns = "=:>,@- \n";
     NamedValues values(text, names, parts);
@@ -69,8 +82,7 @@ bool isHarmless(std::string_view name, std::string_view value) {
     constexpr std::string_view kSwitches[] = {"true", "false", "yes", "no", "on", "off"};
     const bool isPlaceholder =
         value.starts_with("${") && value.find('}') == value.size() - 1 && value.find(',') == kNone;
-    const bool isChange = value.starts_with("(not set)") && value.find(kMark) != kNone;
-    return isPlaceholder || isChange || value.starts_with(kMark) || isOneOf(kNothing, value) ||
+    return isPlaceholder || isRedacted(value) || isOneOf(kNothing, value) ||
            (isOneOf(kSwitches, value) && !SecretNames::isPlainlySecret(name));
 }
 

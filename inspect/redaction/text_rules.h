@@ -21,9 +21,8 @@ inline constexpr std::size_t kNone = std::string_view::npos;
 /// What has been redacted begins so.
 inline constexpr std::string_view kMark = "<redacted:";
 
-/// In order; none overlaps another. Values of names that look secret behind "=", ":", a blank or in an element
-/// of XML, defaults of placeholders for such variables, options followed by their values, user-info of
-/// URLs, bearer tokens, PEM blocks.
+/// In order; none overlaps another. What stands beside a name that looks secret, see named_values.h, and what looks
+/// secret by itself, see bare_secrets.h; in the form of property files as well, see escaped_text.h.
 std::vector<SecretPart> secretsIn(std::string_view text, const SecretNames& names);
 
 /// Whether a value says nothing though its name is secret: "auth=true", "${env.TOKEN}", what is redacted. But somebody's

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <regex>
 
 namespace rcp::inspect {
 namespace {
@@ -33,6 +34,13 @@ int tell(const Options& options) {
 
 int fail(const Options& /*options*/) {
     return kFailure;
+}
+
+// One whose last lines are unfinished, and give away what is in those before.
+int tellUnfinished(const Options& /*options*/) {
+    std::cout << "found dravidon88\n" << std::flush << "at token=dravidon88";
+    std::cerr << "rcpinspect: found merkeval99\n" << std::flush << "at token=merkeval99";
+    return kSuccess;
 }
 
 class HandOut : public rcp::test::LauncherTest {
@@ -76,6 +84,20 @@ TEST_F(HandOut, RedactsErrorsToo) {
     const std::string errors = GetCapturedStderr();
     CaptureStderr();
     EXPECT_THAT(errors, testing::StartsWith("rcpinspect: token=<redacted:"));
+}
+
+TEST_F(HandOut, RedactsAnUnfinishedLineAndWhatItGivesAway) {
+    options_.isRedacted = true;
+    CaptureStdout();
+    EXPECT_EQ(handOut(tellUnfinished, options_), kSuccess);
+    const std::string output = GetCapturedStdout();
+    const std::string errors = GetCapturedStderr();
+    CaptureStderr();
+    const std::string mark = "<redacted:[0-9a-f]{6}>";
+    const std::regex lines("(rcpinspect: )?found " + mark + "\nat token=" + mark + "([^]*)");
+    EXPECT_TRUE(std::regex_match(output, lines)) << output;
+    EXPECT_TRUE(std::regex_match(errors, lines)) << errors;
+    EXPECT_THAT(output, HasSubstr("\nRedacted:\n"));
 }
 
 TEST_F(HandOut, MakesThePageOfTheDocumentAndSaysHowItWasMade) {

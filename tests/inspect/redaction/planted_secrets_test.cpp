@@ -93,8 +93,17 @@ class PlantedSecrets : public ExplainTest {
                       "!SESSION 2026-01-31 12:00:00.000 ----------\n-password\n" + next() +
                           "\n\n!ENTRY org.bundle 4 0 2026-01-31 12:00:01.000\n" +
                           "!MESSAGE login failed with password=" + next() + "\n!STACK 0\n" +
-                          "java.io.IOException: http://joe:" + next() +
+                          plantInLines() + "java.io.IOException: http://joe:" + next() +
                           "@host: Cookie: a=" + next() + "\n");
+    }
+
+    // One that a later line gives away, and one whose beginning is known.
+    std::string plantInLines() {
+        const std::string later = plant(planted_);
+        const std::string known = plant(planted_);
+        const std::string rest = plant(planted_);
+        return "found " + later + "\nat token=" + later + "\nat token=" + known +
+               "\nat password=" + known + "-" + rest + "\n";
     }
 
     void plantInEnvironment() {

@@ -234,6 +234,31 @@ TEST(Redactor, KnowsAValueAgainUnderAnyName) {
     EXPECT_NE(text.find("hunter2s stays"), std::string::npos) << text;
 }
 
+TEST(Redactor, LeavesNothingOfAValueOfWhichAPartIsKnown) {
+    Redactor one = redactor();
+    one.learn("db.password=hunter2hunter2");
+    for (const char* text :
+         {"password=hunter2hunter2-2026", "$TOKEN=(not set) becomes hunter2hunter2-2026",
+          "password=${env.X}hunter2hunter2 of 2026"}) {
+        const std::string rest = one.redact(text);
+        EXPECT_TRUE(rest.ends_with('>')) << rest;
+        EXPECT_EQ(rest.find("2026"), std::string::npos) << rest;
+    }
+    Redactor::Json document = Redactor::Json::parse(
+        R"({"entries":[{"key":"a.password","value":"${env.DB_PW}-2026","effective":"b1!-2026"}]})");
+    one.redactDocument(document);
+    EXPECT_EQ(document.dump().find("2026"), std::string::npos) << document;
+}
+
+TEST(Redactor, LeavesItsOwnSentencesAboutASecretName) {
+    for (const char* line : {"-Da.password is a key", "a.password is a key", "API_TOKEN is not set",
+                             "API_TOKEN is removed", "-token is not set\n"}) {
+        EXPECT_EQ(redacted(line), line);
+    }
+    EXPECT_EQ(redacted("-token is"), "-token *");
+    EXPECT_EQ(redacted("a.password is a keyring"), "a.password *");
+}
+
 TEST(Redactor, ShowsThatValuesAreEqual) {
     Redactor one = redactor();
     const std::string text = one.redact("a.password=hunter2\nb.token=hunter2\nc.key=other12");
