@@ -95,6 +95,19 @@ class Chunks {
         return wanted;
     }
 
+    chunkOf(row) {
+        return this.chunks[Math.floor(row.at / kChunk)];
+    }
+
+    // The rows that are in the document.
+    * rendered() {
+        for (const chunk of this.chunks) {
+            if (chunk.isFilled) {
+                yield* this.shown.slice(chunk.from, chunk.to);
+            }
+        }
+    }
+
     // The first that reaches below this height.
     firstChunk(y) {
         let [low, high] = [0, this.chunks.length];
