@@ -2,11 +2,10 @@
 
 #include "inspect/check/launcher_end.h"
 #include "inspect/commands.h"
+#include "inspect/given.h"
 #include "inspect/hand_out.h"
-#include "inspect/locate.h"
-#include "inspect/other_user.h"
+#include "inspect/one_of.h"
 #include "inspect/rehearsal/rehearsed_calls.h"
-#include "inspect/rehearsal/staged_tree.h"
 #include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
 
@@ -17,25 +16,14 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
-#include <map>
-#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace rcp::inspect {
 namespace {
 
 constexpr std::size_t kNone = std::string::npos;
-
-const std::map<std::string, Format> kFormats{{"text", Format::kText},
-                                             {"json", Format::kJson},
-                                             {"sarif", Format::kSarif},
-                                             {"html", Format::kHtml}};
-
-struct Command {
-    const char* name;
-    const char* description;
-    int (*carryOut)(const Options&);
-    std::vector<const char*> formats;
-};
 
 const std::vector<Command> kCommands{
     {"doctor", "what is right and wrong, on one screen", doctor, {"text", "json"}},
@@ -74,17 +62,14 @@ bool mayColor() {
     return (off == nullptr || *off == '\0') && isatty(STDOUT_FILENO) != 0;
 }
 
-bool isOneOf(std::initializer_list<std::string_view> words, std::string_view word) {
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
+constexpr std::string_view kValued[] = {"--install", "--launcher", "--root",   "--format",
+                                        "--home",    "--user",     "--locale", "--env-file"};
+constexpr std::string_view kHelp[] = {"-h", "--help"};
 
 // How many words of the command line are the values of the option at `at`: a page has a name.
 std::ptrdiff_t valuesOf(const std::vector<std::string>& own, std::size_t at) {
     const bool isPage = own[at] == "--format" && at + 1 < own.size() && own[at + 1] == "html";
-    return isPage ? 2
-                  : isOneOf({"--install", "--launcher", "--root", "--format", "--home", "--user",
-                             "--locale", "--env-file"},
-                            own[at]);
+    return isPage ? 2 : isOneOf(kValued, own[at]);
 }
 
 // What why is asked about, which may look like an option; the installations of check.
@@ -93,9 +78,9 @@ std::vector<std::string> takeSubjects(std::vector<std::string>& own) {
     std::vector<std::string> subjects;
     for (std::size_t i = 1; (isWhy || own.front() == "check") && i < own.size(); ++i) {
         const std::string& word = own[i];
-        const bool isOption = isWhy ? isOneOf({"-h", "--help"}, word) ||
-                                          (word.starts_with("--") && word.find('=') != kNone)
-                                    : word.starts_with('-');
+        const bool isOption =
+            isWhy ? isOneOf(kHelp, word) || (word.starts_with("--") && word.find('=') != kNone)
+                  : word.starts_with('-');
         if (const std::ptrdiff_t values = valuesOf(own, i); values > 0) {
             i += static_cast<std::size_t>(values);
         } else if (!isOption && (!isWhy || subjects.empty())) {
@@ -130,69 +115,25 @@ void addUser(CLI::App& sub, OtherUser& user) {
     sub.add_option("--env-file", user.environmentFile, "his variables, as env prints them");
 }
 
-// --format FORMAT, or "--format html FILE": the page needs a name.
-std::optional<std::string> settleFormat(const std::vector<std::string>& given,
-                                        const Command& command, Options& options) {
-    if (given.empty()) {
-        return std::nullopt;
-    }
-    const auto known = std::find(command.formats.begin(), command.formats.end(), given.front());
-    if (known == command.formats.end()) {
-        return "--format: '" + given.front() + "' is no format of " + command.name;
-    }
-    options.format = kFormats.at(given.front());
-    if (options.format == Format::kHtml) {
-        if (given.size() != 2) {
-            return "--format html: the file to write is missing";
-        }
-        options.page = given.back();
-    } else if (given.size() != 1) {
-        return "--format " + given.front() + ": '" + given.back() + "' is one argument too many";
-    }
-    return std::nullopt;
-}
-
-}  // namespace
-
-int run(int argc, char** argv) {
-    const InstalledCalls quiet(quietCalls());
-    endOf(setCharacterLocale);
-    std::vector<std::string> own;
-    Options options;
-    options.arguments = splitLauncherArguments(argc, argv, own);
-    options.isColored = mayColor();
-
-    CLI::App app{"See what a launch of rcplauncher will do, and why, without doing it.",
-                 "rcpinspect"};
-    app.set_version_flag("--version", RCP_VERSION);
-    app.require_subcommand(1);
-    app.footer("What stands behind \"--\" are the launcher's own arguments.");
-    if (own.empty() ||
-        (own.front().starts_with("--") && own.front() != "--help" && own.front() != "--version")) {
-        own.insert(own.begin(), "doctor");
-    }
-    std::vector<std::string> subjects = takeSubjects(own);
-    const std::vector<std::string> words = own;
-    std::vector<std::string> format;
-    std::string installation;
-    std::string launcher;
-    std::string root;
-    std::string other;
-    bool showsSecrets = false;
-    OtherUser user;
+void addCommands(CLI::App& app, Given& given, Options& options) {
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.description);
-        sub->add_option("--install", installation, "the installation's directory");
-        sub->add_option("--launcher", launcher, "the launcher's executable")->excludes("--install");
-        sub->add_option("--root", root, "the folder below which the installation is staged");
-        sub->add_option("--format", format, "text, json and, of some, sarif or html FILE")
+        sub->add_option("--install", given.installation, "the installation's directory");
+        sub->add_option("--launcher", given.launcher, "the launcher's executable")
+            ->excludes("--install");
+        sub->add_option("--root", given.root, "the folder below which the installation is staged");
+        sub->add_option("--format", given.format, "text, json and, of some, sarif or html FILE")
             ->expected(1, 2);
         sub->add_flag("--redact", options.isRedacted,
                       "secrets, names and home folders are taken out; of pages and reports always");
-        sub->add_flag("--show-secrets", showsSecrets, "a page or report with secrets and all")
+        sub->add_flag("--show-secrets", given.showsSecrets, "a page or report with secrets and all")
             ->excludes("--redact");
-        addUser(*sub, user);
+        addUser(*sub, given.user);
     }
+}
+
+// Those that not every command has.
+void addOptions(CLI::App& app, Given& given, Options& options) {
     for (const char* name : {"doctor", "check"}) {
         app.get_subcommand(name)
             ->add_flag("--try-jvm", options.isTryingJvm,
@@ -217,8 +158,34 @@ int run(int argc, char** argv) {
                                              "the archive to write; the default name has the date");
     app.get_subcommand("report")->add_flag("--host", options.isWithHost,
                                            "the name of this machine too");
-    app.get_subcommand("diff")->add_option("--with", other,
+    app.get_subcommand("diff")->add_option("--with", given.other,
                                            "the installation to compare with: the older one");
+}
+
+}  // namespace
+
+int run(int argc, char** argv) {
+    const InstalledCalls quiet(quietCalls());
+    endOf(setCharacterLocale);
+    std::vector<std::string> own;
+    Options options;
+    options.arguments = splitLauncherArguments(argc, argv, own);
+    options.isColored = mayColor();
+
+    CLI::App app{"See what a launch of rcplauncher will do, and why, without doing it.",
+                 "rcpinspect"};
+    app.set_version_flag("--version", RCP_VERSION);
+    app.require_subcommand(1);
+    app.footer("What stands behind \"--\" are the launcher's own arguments.");
+    if (own.empty() ||
+        (own.front().starts_with("--") && own.front() != "--help" && own.front() != "--version")) {
+        own.insert(own.begin(), "doctor");
+    }
+    Given given;
+    given.subjects = takeSubjects(own);
+    const std::vector<std::string> words = own;
+    addCommands(app, given, options);
+    addOptions(app, given, options);
     try {
         std::reverse(own.begin(), own.end());  // as CLI11 takes a vector
         app.parse(own);
@@ -231,59 +198,12 @@ int run(int argc, char** argv) {
     const std::string chosen = app.get_subcommands().front()->get_name();
     const auto command = std::find_if(kCommands.begin(), kCommands.end(),
                                       [&](const Command& one) { return one.name == chosen; });
-    if (const auto problem = settleFormat(format, *command, options)) {
-        return wrongUse(*problem);
-    }
-    const bool isMailed = options.format == Format::kHtml || command->carryOut == report;
-    options.isRedacted |= isMailed && !showsSecrets;
     const CLI::App& sub = *app.get_subcommands().front();
-    if ((sub.count("--install") > 0 && installation.empty()) ||
-        (sub.count("--launcher") > 0 && launcher.empty())) {
-        return wrongUse("an empty path names no launcher");  // a variable that is not set
-    }
-    if (const std::string problem = become(user); !problem.empty()) {
+    given.isPathEmpty = (sub.count("--install") > 0 && given.installation.empty()) ||
+                        (sub.count("--launcher") > 0 && given.launcher.empty());
+    given.isStaged = sub.count("--root") > 0;
+    if (const std::string problem = settle(given, *command, options); !problem.empty()) {
         return wrongUse(problem);
-    }
-    endOf(setCharacterLocale);
-    if (sub.count("--root") > 0 && !stage(root)) {
-        return wrongUse("no folder " + root);
-    }
-    if (chosen == "check" && !subjects.empty()) {
-        if (!launcher.empty() || !installation.empty()) {
-            return wrongUse("check DIR takes neither --install nor --launcher");
-        }
-        installation = subjects.front();
-        options.roots = subjects.size() > 1 ? subjects : std::vector<std::string>();
-    } else if (!subjects.empty()) {
-        options.subject = subjects.front();
-    }
-    if (!options.roots.empty() && options.format == Format::kHtml) {
-        return wrongUse("--format html: a page is of one installation");
-    }
-    if (launcher.empty() && installation.empty()) {
-        installation = ".";
-    }
-    options.launcher =
-        launcherPath(launcher, installation,
-                     command->carryOut == check ? Launcher::kMayBeMissing : Launcher::kIsThere);
-    const bool needsLauncher = command->carryOut != why || needsLaunch(options.subject);
-    if (options.launcher.empty() && needsLauncher && options.roots.empty()) {
-        return wrongUse(
-            "no launcher at " + (launcher.empty() ? installation : launcher) +
-            (root.empty() ? "" : " of the tree in " + root) +
-            "; give --install DIR, where DIR holds rcp/rcplauncher or is an application "
-            "bundle, or --launcher FILE");
-    }
-    options.installation = installationOf(options.launcher);
-    if (!options.installation.empty()) {
-        stageAlone(options.installation);
-    }
-    if (!other.empty()) {
-        const Unstaged own;
-        options.other = launcherPath({}, other, Launcher::kIsThere);
-        if (options.other.empty()) {
-            return wrongUse("no launcher at " + other);
-        }
     }
     const int status =
         command->carryOut == report ? report(options) : handOut(command->carryOut, options);

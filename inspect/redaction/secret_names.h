@@ -1,18 +1,13 @@
 // Which names of keys, options and variables promise a value that is nobody's business.
 #pragma once
 
-#include <algorithm>
-#include <iterator>
+#include "inspect/one_of.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace rcp::inspect {
-
-template <typename List>
-bool isOneOf(const List& list, std::string_view word) {
-    return std::find(std::begin(list), std::end(list), word) != std::end(list);
-}
 
 /// The key in rcplauncher.properties with which an installation names further secrets of its own:
 /// "badge.number, iban". The launcher itself never asks for it.

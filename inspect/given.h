@@ -1,0 +1,36 @@
+// What the command line says, made the options of a command.
+#pragma once
+
+#include "inspect/options.h"
+#include "inspect/other_user.h"
+
+#include <string>
+#include <vector>
+
+namespace rcp::inspect {
+
+struct Command {
+    const char* name;
+    const char* description;
+    int (*carryOut)(const Options&);
+    std::vector<const char*> formats;
+};
+
+/// What a command line says beside what is an option as it stands.
+struct Given {
+    std::vector<std::string> subjects;
+    std::vector<std::string> format;
+    std::string installation;
+    std::string launcher;
+    std::string root;
+    std::string other;
+    bool isPathEmpty = false;  // of --install or --launcher, from a variable that is not set
+    bool isStaged = false;     // --root is given
+    bool showsSecrets = false;
+    OtherUser user;
+};
+
+/// Settles the options, the user and the tree. What is wrong with the command line; empty when nothing is.
+std::string settle(Given given, const Command& command, Options& options);
+
+}  // namespace rcp::inspect
