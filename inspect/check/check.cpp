@@ -23,8 +23,9 @@ void rehearseToo(const Options& options, const Examination& examination, Finding
     try {
         findInRehearsal(options, examination, findings);
     } catch (const std::exception& problem) {
-        std::cerr << "rcpinspect: the launch of " << options.installation
-                  << " was not rehearsed: " << problem.what() << '\n';
+        // In one piece, for others write there at the same time when there are many.
+        std::cerr << "rcpinspect: the launch of " + options.installation +
+                         " was not rehearsed: " + problem.what() + "\n";
     }
 }
 
