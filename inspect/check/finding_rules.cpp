@@ -255,6 +255,9 @@ constexpr FindingRule kRules[] = {
     {"RI813", "too-large", kWarning,
      "A file is larger than any that was written for this purpose. Only its beginning is examined.",
      "See what has filled it, and copy it again."},
+    {"RI814", "path-not-expressible", kError,
+     "The locale that the JVM gets cannot express a path: the platform looks for another one.",
+     "Start with a locale of UTF-8, such as LC_ALL=C.UTF-8."},
 };
 
 }  // namespace

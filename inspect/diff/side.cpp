@@ -114,7 +114,7 @@ Tree treeOf(const Options& options, const json& explanation) {
 Side explainedSide(const Options& options) {
     json explanation = explainLaunch(options);
     const Examination examination = examine(options);
-    tellObstacle(explanation["outcome"], examineHandOff(examination));
+    tellObstacle(explanation, examination);
     return {.about = {{"launcher", options.launcher},
                       {"installation", options.installation},
                       {"level", levelOf(explanation)},

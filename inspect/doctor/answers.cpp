@@ -167,7 +167,7 @@ std::vector<Answer> answers(const Options& options) {
     return {answerLaunch(evidence),        answerInstallation(evidence), answerSettings(evidence),
             answerBase(evidence),          answerLibrary(evidence),      answerJvm(evidence),
             answerJvmProperties(evidence), answerBundles(evidence),      answerArea(evidence),
-            answerLock(evidence),          answerSpace(evidence),        answerLocale(),
+            answerLock(evidence),          answerSpace(evidence),        answerLocale(evidence),
             answerEnvironment(evidence),   answerLastStart(evidence)};
 }
 

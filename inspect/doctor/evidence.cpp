@@ -2,6 +2,7 @@
 
 #include "inspect/check/groups.h"
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/handoff/describe_hand_off.h"
 #include "inspect/handoff/try_jvm.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ constexpr std::pair<const char*, Subject> kExaminedSubjects[] = {
     {"LD_LIBRARY_PATH", Subject::kEnvironment},
     {"DYLD_LIBRARY_PATH", Subject::kEnvironment},
     {"variable", Subject::kEnvironment},
+    {"locale", Subject::kLocale},
 };
 
 // By the message of the fault.
@@ -128,7 +130,7 @@ Evidence gather(const Options& options) {
                       .handOff = {},
                       .subjects = {}};
     Findings findings = findEverything(evidence.examination);
-    evidence.handOff = examineHandOff(evidence.examination);
+    evidence.handOff = tellObstacle(evidence.explanation, evidence.examination);
     if (options.isTryingJvm) {
         evidence.handOff.push_back(tryJvm(evidence.examination));
         addFaults(evidence.handOff.back(), findings);

@@ -6,7 +6,6 @@
 #include "inspect/rehearsal/staged_tree.h"
 #include "platform/files.h"
 
-#include <langinfo.h>
 #include <stdlib.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -131,16 +130,10 @@ Answer answerSpace(const Evidence& evidence) {
     return answer;
 }
 
-Answer answerLocale() {
-    const std::string characters = nl_langinfo(CODESET);
-    Answer answer{"locale", "characters are " + characters};
-    if (characters != "UTF-8") {
-        answer.problems.push_back({Mark::kOdd,
-                                   "the locale does not have all characters; a path with others "
-                                   "cannot be named",
-                                   "", "Start with a locale of UTF-8, such as LC_ALL=C.UTF-8."});
-    }
-    return answer;
+Answer answerLocale(const Evidence& evidence) {
+    const std::string characters = evidence.pathOf("locale");
+    return {"locale", "characters are " + (characters.empty() ? "not looked at" : characters),
+            evidence.problemsOf(Subject::kLocale)};
 }
 
 Answer answerEnvironment(const Evidence& evidence) {

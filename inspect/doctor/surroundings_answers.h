@@ -7,7 +7,7 @@ namespace rcp::inspect {
 
 Answer answerJvm(const Evidence& evidence);
 Answer answerSpace(const Evidence& evidence);
-Answer answerLocale();
+Answer answerLocale(const Evidence& evidence);
 Answer answerEnvironment(const Evidence& evidence);
 
 }  // namespace rcp::inspect

@@ -3,7 +3,6 @@
 #include "inspect/explain/explain_text.h"
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/handoff/describe_hand_off.h"
-#include "inspect/handoff/room.h"
 
 #include <exception>
 #include <iostream>
@@ -17,10 +16,7 @@ int explain(const Options& options) {
         nlohmann::json explanation = explainLaunch(options);
         const Examination examination = examine(options);
         explanation["copies"] = describeStaleCopies(examination);
-        std::vector<Examined> handOff = examineHandOff(examination);
-        handOff.push_back(examineRoom(explanation["writes"]));
-        explanation["handOff"] = describeHandOff(handOff);
-        tellObstacle(explanation["outcome"], handOff);
+        explanation["handOff"] = describeHandOff(tellObstacle(explanation, examination));
         if (options.format == Format::kJson) {
             std::cout << explanation.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';

@@ -3,6 +3,7 @@
 #include "diagnostics/format.h"
 #include "diagnostics/messages.h"
 #include "inspect/handoff/code_faults.h"
+#include "inspect/handoff/room.h"
 
 #include <string.h>
 
@@ -53,11 +54,15 @@ void settleHandOff(json& outcome, const std::string& libraryPath) {
     }
 }
 
-void tellObstacle(json& outcome, const std::vector<Examined>& handOff) {
+std::vector<Examined> tellObstacle(json& launch, const Examination& examination) {
+    std::vector<Examined> handOff = examineHandOff(examination);
+    handOff.push_back(examineRoom(launch["writes"]));
+    json& outcome = launch["outcome"];
     const Fault* obstacle = obstacleIn(handOff);
     if (obstacle != nullptr && outcome.contains("beyond")) {
         outcome["obstacle"] = obstacle->code;
     }
+    return handOff;
 }
 
 json describeHandOff(const std::vector<Examined>& handOff) {

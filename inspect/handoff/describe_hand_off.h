@@ -13,8 +13,9 @@ namespace rcp::inspect {
 /// tells where knowledge ends where it does not. `libraryPath` is LD_LIBRARY_PATH as the launch got it.
 void settleHandOff(nlohmann::json& outcome, const std::string& libraryPath);
 
-/// Adds "obstacle" to the outcome of a hand-off that no platform can come of.
-void tellObstacle(nlohmann::json& outcome, const std::vector<Examined>& handOff);
+/// The hand-off of a rehearsed launch, and the room that it needs. Adds "obstacle" to the outcome when no
+/// platform can come of it.
+std::vector<Examined> tellObstacle(nlohmann::json& launch, const Examination& examination);
 
 nlohmann::json describeHandOff(const std::vector<Examined>& handOff);
 

@@ -85,13 +85,16 @@ std::vector<Examined> examineHandOff(const Examination& examination) {
     std::vector<Examined> all = examineTargets(examination, *plan);
     const std::vector<Examined> configured = examineConfiguration(examination, *plan);
     all.insert(all.end(), configured.begin(), configured.end());
+    all.push_back(examineLocale(examination, *plan));
     return all;
 }
 
 const Fault* obstacleIn(const std::vector<Examined>& handOff) {
-    constexpr std::string_view kNeeded[] = {"JVM", "startup jar", "class path", "framework"};
+    constexpr std::string_view kNeeded[] = {"program",      "launcher library", "JVM",
+                                            "tried JVM",    "startup jar",      "class path",
+                                            "install area", "framework",        "room"};
     // What keeps all bundles from starting, not one of them.
-    constexpr std::string_view kFatal[] = {"RI811", "RI812"};
+    constexpr std::string_view kFatal[] = {"RI811", "RI812", "RI814"};
     for (const Examined& examined : handOff) {
         const bool isNeeded =
             std::find(std::begin(kNeeded), std::end(kNeeded), examined.what) != std::end(kNeeded);

@@ -50,6 +50,8 @@ void addFaults(const Examined& examined, Findings& findings);
 std::vector<Examined> examineTargets(const Examination& examination, const Plan& plan);
 /// The same where the platform's own configuration leads: framework, bundles, areas.
 std::vector<Examined> examineConfiguration(const Examination& examination, const Plan& plan);
+/// Whether the locale that the JVM gets can express the paths; its path is the character set.
+Examined examineLocale(const Examination& examination, const Plan& plan);
 
 /// A fault at the place where an argument or property was written.
 Fault faultAt(const Examination& examination, const char* code, const Origin& origin,

@@ -117,7 +117,8 @@ Json nextJson(const NextLaunch& next) {
     return {{"role", nameOf(next.role)},
             {"platform", next.platform == 0 ? Json() : Json(next.platform)},
             {"steps", next.steps},
-            {"record", recordJson(next.record)}};
+            {"record", recordJson(next.record)},
+            {"obstacle", next.obstacle.empty() ? Json() : Json(next.obstacle)}};
 }
 
 Json lastJson(const WorkspaceState& state) {

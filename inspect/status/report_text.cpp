@@ -166,6 +166,9 @@ void addNext(Page& page, const WorkspaceState& state) {
         page.line(heading, textOf(step, state.next));
         heading = {};
     }
+    if (!state.next.obstacle.empty()) {
+        page.line(heading, "which cannot start the platform: " + state.next.obstacle, Tone::kBad);
+    }
     if (!state.next.record.empty()) {
         page.line(heading, "ends with", Tone::kBad);
         addRecord(page, state.next.record);

@@ -1,6 +1,7 @@
 #include "inspect/status/workspace_state.h"
 
 #include "inspect/explain/rehearse_launch.h"
+#include "inspect/handoff/describe_hand_off.h"
 #include "inspect/quiet_read.h"
 #include "launcher/instance/running_provisioning.h"
 #include "platform/text.h"
@@ -71,6 +72,7 @@ NextLaunch nextLaunch(const json& launch) {
     if (outcome.at("kind") == "fatal" || outcome.at("kind") == "ends") {
         return next;
     }
+    next.obstacle = text(outcome, "obstacle");
     next.role = outcome.at("role") == "main" ? NextLaunch::Role::kMain : NextLaunch::Role::kDaemon;
     if (next.role == NextLaunch::Role::kDaemon) {
         next.platform = facts.at("recordedProcess").value("id", 0L);
@@ -106,6 +108,7 @@ WorkspaceWatch::Signs WorkspaceWatch::lookAround() const {
 void WorkspaceWatch::rehearse() {
     rehearsed_ = std::chrono::steady_clock::now();
     launch_ = rehearseLaunch(options_);
+    tellObstacle(launch_, examine(options_));
 }
 
 WorkspaceState WorkspaceWatch::look() {

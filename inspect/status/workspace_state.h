@@ -48,6 +48,7 @@ struct NextLaunch {
     long platform = 0;               // kDaemon: the running one's process id
     std::vector<std::string> steps;  // as docs/inspect-layout.md names them, in order
     std::string record;              // kNone: what would end it
+    std::string obstacle;  // the finding that keeps the platform from starting; empty without one
 };
 
 struct WorkspaceState {

@@ -69,7 +69,8 @@ TEST_F(StatusTest, BesideARunningPlatformTheNextLaunchIsADaemon) {
     const Json expected = {{"role", "daemon"},
                            {"platform", platform->id()},
                            {"steps", {"pass-arguments-on"}},
-                           {"record", Json()}};
+                           {"record", Json()},
+                           {"obstacle", Json()}};
     EXPECT_EQ(state["nextLaunch"], expected);
     EXPECT_EQ(state["lock"]["process"], platform->id());
     EXPECT_EQ(state["lock"]["isAlive"], true);

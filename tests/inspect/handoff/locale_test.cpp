@@ -1,0 +1,60 @@
+// What is said of paths that the JVM's locale cannot express.
+#include "tests/inspect/paths.h"
+#include "tests/inspect/status_fixture.h"
+
+#include <gtest/gtest.h>
+
+namespace rcp::inspect::test {
+namespace {
+
+class LocaleTest : public StatusTest {
+  protected:
+    std::string locale_ = "C";
+
+    [[nodiscard]] std::string told(const std::string& command, const std::string& workspace) const {
+        Words variables = environment();
+        variables.push_back("LC_ALL=" + locale_);
+        Program program({seen(INSPECT_PROGRAM), command, "--install", installation(), "--", "-data",
+                         folder_.narrow("home/" + workspace)},
+                        variables);
+        std::string text = program.rest();
+        (void)program.wait();
+        return text;
+    }
+    [[nodiscard]] bool tells(const std::string& command, const std::string& workspace) const {
+        return told(command, workspace).find("RI814") != std::string::npos;
+    }
+};
+
+#ifdef __linux__
+
+TEST_F(LocaleTest, ThatCannotExpressTheWorkspaceIsFound) {
+    for (const char* command : {"check", "explain", "doctor"}) {
+        EXPECT_TRUE(tells(command, "wörk")) << told(command, "wörk");
+    }
+    EXPECT_NE(told("explain", "wörk").find("cannot start the platform: RI814"), std::string::npos);
+}
+
+TEST_F(LocaleTest, IsThatOfTheJvmAndNotItsOwn) {
+    EXPECT_NE(
+        told("doctor", "work").find("✓ locale                  characters are ANSI_X3.4-1968"),
+        std::string::npos)
+        << told("doctor", "work");
+    append(kProperties, "env.set.LC_ALL=C.UTF-8\n");
+    EXPECT_EQ(told("doctor", "wörk").find("RI814"), std::string::npos) << told("doctor", "wörk");
+}
+
+#endif
+
+TEST_F(LocaleTest, ThatExpressesAllPathsIsSound) {
+    for (const char* command : {"check", "explain", "doctor"}) {
+        EXPECT_FALSE(tells(command, "work")) << told(command, "work");
+    }
+    locale_ = "C.UTF-8";
+    for (const char* command : {"check", "explain", "doctor"}) {
+        EXPECT_FALSE(tells(command, "wörk")) << told(command, "wörk");
+    }
+}
+
+}  // namespace
+}  // namespace rcp::inspect::test
