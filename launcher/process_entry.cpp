@@ -91,8 +91,7 @@ bool prepareLaunch(Launch& launch, int argc, char** argv) {
     doVersionCheck(launch.arguments);
     launch.plan = startup(launch, std::move(installation), start);
     if (launch.plan && launch.plan->kind == LaunchKind::kPlatform) {
-        launch.plan->line.add(options::kFileEncoding, whys::kTextsAreUtf8);
-        launch.plan->line.add(options::kStartOnFirstThread, whys::kFirstThread);
+        addForEveryPlatform(*launch.plan);
     }
     return launch.plan.has_value();
 }
@@ -164,6 +163,11 @@ void appendVm(Arguments& arguments, const PropertyList& properties) {
     arguments.emplace_back(
         jvmLocation(properties) + valueOr(keys::kJvmLibPath, defaults::kJvmLibPath, properties),
         location == nullptr ? Origin() : location->origin);
+}
+
+void addForEveryPlatform(Plan& plan) {
+    plan.line.add(options::kFileEncoding, whys::kTextsAreUtf8);
+    plan.line.add(options::kStartOnFirstThread, whys::kFirstThread);
 }
 
 void doVersionCheck(const Arguments& arguments) {

@@ -1,6 +1,7 @@
 // Process entry: what main does around the start-up sequence and the hand-off.
 #pragma once
 
+#include "launcher/command_line/plan.h"
 #include "launcher/inputs/arguments.h"
 #include "launcher/launch.h"
 #include "launcher/properties/property_list.h"
@@ -27,6 +28,9 @@ void setCharacterLocale();
 void rewriteExtensionDirectories(Arguments& arguments, const PropertyList& properties);
 /// Appends "-vm" and the JVM of the properties, as if the user had given them.
 void appendVm(Arguments& arguments, const PropertyList& properties);
+
+/// The JVM options that stand last in every line of a platform.
+void addForEveryPlatform(Plan& plan);
 
 /// With "-version" as the only argument: a record with the version, and the process ends. A launch
 /// has appended the "-vm" pair by then and never matches.

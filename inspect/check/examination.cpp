@@ -151,7 +151,7 @@ Examination examine(const Options& options) {
     LaunchInputs& inputs = examination.inputs;
     inputs.arguments.emplace_back(toWide(options.launcher));
     for (const std::string& argument : options.arguments) {
-        inputs.arguments.emplace_back(toWide(argument));
+        inputs.arguments.emplace_back(toWide(argument), Origin{nullptr, inputs.arguments.size()});
     }
     endOf([&] { inputs.installDir = getInstallDir(); });
     if (inputs.installDir.empty()) {  // a bundle without its executable

@@ -25,18 +25,11 @@
 namespace rcp::inspect {
 namespace {
 
-// What is said of a file that could not be opened.
-std::string lackText(const std::wstring& path, int error) {
-    return inQuotes(path) + (error == ENOENT || error == ENOTDIR
-                                 ? " is missing"
-                                 : std::string(" cannot be read: ") + strerror(error));
-}
-
 // A file that the entry at `origin` leads to.
 void needFile(const Examination& examination, const std::wstring& path, const Origin& origin,
               Findings& findings) {
     if (!exists(path)) {
-        findings.add("RI601", examination.nameOf(origin), origin.line, lackText(path, errno));
+        findings.add("RI601", examination.nameOf(origin), origin.line, absenceText(path, errno));
     }
 }
 
@@ -127,7 +120,8 @@ void findMasters(const Examination& examination, Findings& findings) {
     const std::wstring platform =
         getCoreFileLocation(configuration, examination.base, L"platform.xml");
     if (isManaged && configuration != InstallConfiguration::kUserpb && !exists(platform)) {
-        findings.add("RI606", examination.nameOf(origin), origin.line, lackText(platform, errno));
+        findings.add("RI606", examination.nameOf(origin), origin.line,
+                     absenceText(platform, errno));
     }
 }
 
@@ -170,6 +164,12 @@ void findLauncher(const Examination& examination, Findings& findings) {
 }
 
 }  // namespace
+
+std::string absenceText(const std::wstring& path, int error) {
+    return inQuotes(path) + (error == ENOENT || error == ENOTDIR
+                                 ? " is missing"
+                                 : std::string(" cannot be read: ") + strerror(error));
+}
 
 void findInFiles(const Examination& examination, Findings& findings) {
     for (const std::wstring& path : examination.unreadable) {

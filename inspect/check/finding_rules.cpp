@@ -258,6 +258,8 @@ constexpr FindingRule kRules[] = {
     {"RI814", "path-not-expressible", kError,
      "The locale that the JVM gets cannot express a path: the platform looks for another one.",
      "Start with a locale of UTF-8, such as LC_ALL=C.UTF-8."},
+    {"RI815", "jvm-not-tried", kWarning, "The JVM was to be tried (--try-jvm), and could not be.",
+     "Mend what keeps it from being tried."},
 };
 
 }  // namespace

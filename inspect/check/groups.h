@@ -17,6 +17,8 @@ void findInPlaceholders(const Examination& examination, Findings& findings);
 void findInJvmArguments(const Examination& examination, Findings& findings);
 void findInExtensions(const Examination& examination, Findings& findings);
 void findInFiles(const Examination& examination, Findings& findings);
+/// What is said of a file that could not be opened.
+std::string absenceText(const std::wstring& path, int error);
 void findInHandOff(const Examination& examination, Findings& findings);
 void findInBundle(const Examination& examination, Findings& findings);
 

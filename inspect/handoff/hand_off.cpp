@@ -3,11 +3,16 @@
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/handoff/jar.h"
+#include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
+#include "launcher/process_entry.h"
 #include "launcher/vocabulary/options.h"
 #include "platform/text.h"
 
+#include <errno.h>
 #include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -22,14 +27,18 @@ Fault faultAt(const Examination& examination, const char* code, const Origin& or
     return {code, examination.nameOf(origin), origin.file ? origin.line : 0, message};
 }
 
-std::optional<std::string> jarFault(const std::string& path) {
+JarRead readJar(const std::string& path) {
     constexpr char kManifest[] = "META-INF/MANIFEST.MF";
-    const auto entries = jarEntries(path);
-    if (!entries) {
-        return "is no zip file, or damaged";
+    if (!isAllowedAt(path, R_OK)) {
+        return {.fault = std::string("cannot be read: ") + strerror(errno)};
     }
-    return entries->contains(kManifest) ? std::nullopt
-                                        : std::optional<std::string>("has no manifest");
+    auto entries = jarEntries(path);
+    if (!entries) {
+        return {.fault = "is no zip file, or damaged"};
+    }
+    const bool hasManifest = entries->contains(kManifest);
+    return {.entries = *std::move(entries),
+            .fault = hasManifest ? std::nullopt : std::optional<std::string>("has no manifest")};
 }
 
 std::string variableAfter(const std::string& name, const EnvironmentChanges& changes) {
@@ -54,25 +63,16 @@ Argument jvmOf(const Examination& examination, const Plan& plan) {
                                                          : valueBehind(options::kVm, plan);
 }
 
-// That what is wrong with an argument can be told by its number. The launcher's own "-vm" is behind them.
-static void numberArguments(Arguments& arguments) {
-    for (std::size_t i = 1; i + 2 < arguments.size(); ++i) {
-        if (arguments[i].origin.isComputed()) {
-            arguments[i].origin = {nullptr, i};
-        }
-    }
-}
-
 std::optional<Plan> planOf(const Examination& examination) {
     if (examination.base.empty()) {
         return std::nullopt;
     }
     LaunchInputs inputs = examination.inputs;
-    numberArguments(inputs.arguments);
     std::optional<Plan> plan;
     endOf([&] {
         expandPlaceholders(inputs);
         plan = getUserCmdString(inputs, LaunchKind::kPlatform);
+        addForEveryPlatform(*plan);
     });
     return plan;
 }
@@ -99,7 +99,7 @@ const Fault* obstacleIn(const std::vector<Examined>& handOff) {
         const bool isNeeded =
             std::find(std::begin(kNeeded), std::end(kNeeded), examined.what) != std::end(kNeeded);
         for (const Fault& fault : examined.faults) {
-            if (isNeeded ||
+            if ((isNeeded && fault.code != std::string_view("RI815")) ||
                 std::find(std::begin(kFatal), std::end(kFatal), fault.code) != std::end(kFatal)) {
                 return &fault;
             }

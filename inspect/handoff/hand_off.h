@@ -7,6 +7,7 @@
 #include "launcher/command_line/plan.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -56,8 +57,12 @@ Examined examineLocale(const Examination& examination, const Plan& plan);
 /// A fault at the place where an argument or property was written.
 Fault faultAt(const Examination& examination, const char* code, const Origin& origin,
               const std::string& message);
-/// What is the matter with a jar that is there; nothing when it can be read and has a manifest.
-std::optional<std::string> jarFault(const std::string& path);
+/// What a jar that is there holds, or what is the matter with it.
+struct JarRead {
+    std::set<std::string> entries = {};
+    std::optional<std::string> fault = {};  // also of one that can be read, when it has no manifest
+};
+JarRead readJar(const std::string& path);
 /// The value behind an option, in front of "-vmargs" or in a command line of Java's; empty without one.
 Argument valueBehind(OptionName option, const Plan& plan);
 /// The JVM's path: behind "-vm", or the program that is started; empty without one.

@@ -118,9 +118,8 @@ class Configuration {
         const std::string front = "osgi.framework: ";
         if (!isFolder(framework_)) {
             judgeBundle(origin, front, framework_);
-            const auto entries = jarEntries(framework_);
-            if (all_.back().faults.empty() && !settings_.hasOwnClassPath() && entries &&
-                !entries->contains(kStarter)) {
+            if (all_.back().faults.empty() && !settings_.hasOwnClassPath() &&
+                !readJar(framework_).entries.contains(kStarter)) {
                 addFault("RI804", origin,
                          front + "\"" + framework_ + "\" has no \"" + kStarter + "\"");
             }
@@ -143,7 +142,7 @@ class Configuration {
         }
         const auto [judged, isNew] = jarFaults_.try_emplace(path);
         if (isNew) {
-            judged->second = isFolder(path) ? folderFault(path) : jarFault(path);
+            judged->second = isFolder(path) ? folderFault(path) : readJar(path).fault;
         }
         if (judged->second) {
             addFault("RI803", origin, front + "\"" + path + "\" " + *judged->second);
@@ -215,7 +214,7 @@ class Configuration {
         const std::string own = toNarrow(examination_.inputs.configuration) + "/" + name;
         return files::path(name).is_absolute() ? name
                : isThere(own)                  ? own
-                                               : installArea_ + "/configuration/" + name;
+                                               : settings_.inheritedConfiguration() + "/" + name;
     }
 
     void examineList() {

@@ -22,13 +22,17 @@ PlatformSettings::PlatformSettings(const Examination& examination, const Plan& p
       master_(
           getCoreFileLocation(examination.inputs.traits.eConfig, examination.base, L"config.ini")) {
     read(exists(usersCopy_) ? usersCopy_ : master_);
-    const std::string area = installArea().text;
-    const std::string given = withoutScheme(valueOf("osgi.sharedConfiguration.area").text);
-    const std::string inherited = given.empty() ? area + "/configuration" : given;
-    if (!files_.empty() && !isUnknown(area) && !isUnknown(inherited) &&
+    const std::string inherited = inheritedConfiguration();
+    if (!files_.empty() && !isUnknown(inherited) &&
         valueOf("osgi.configuration.cascaded").text != "false") {
         read(toWide(inherited + "/config.ini"));
     }
+}
+
+std::string PlatformSettings::inheritedConfiguration() const {
+    const std::string given = withoutScheme(valueOf("osgi.sharedConfiguration.area").text);
+    const std::string area = installArea().text;
+    return !given.empty() ? given : isUnknown(area) ? area : area + "/configuration";
 }
 
 // Of a file that cannot be read the rehearsal tells.

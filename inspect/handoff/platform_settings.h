@@ -35,6 +35,8 @@ class PlatformSettings {
     [[nodiscard]] Value valueOf(const std::string& key) const;
     /// The folder, as it is given or as it is taken when it is not.
     [[nodiscard]] Value installArea() const;
+    /// The folder that the user's configuration inherits from; unknown where the platform chooses it itself.
+    [[nodiscard]] std::string inheritedConfiguration() const;
     /// The user's, or its master while there is none, and the inherited one; empty without any.
     [[nodiscard]] const std::vector<SettingsFile>& files() const { return files_; }
     /// The installation's config.ini, which a launch copies where the user has none.

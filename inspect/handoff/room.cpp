@@ -36,7 +36,7 @@ std::uintmax_t left(std::uintmax_t limit, std::uintmax_t used) {
 // The nearest folder above, with the file system that it is on.
 std::string folderAbove(const std::string& path, struct stat& status) {
     std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    while (::stat(inspect::placeOf(folder).c_str(), &status) != 0 && folder.has_relative_path()) {
+    while (::stat(placeOf(folder).c_str(), &status) != 0 && folder.has_relative_path()) {
         folder = folder.parent_path();
     }
     return folder;
@@ -45,7 +45,7 @@ std::string folderAbove(const std::string& path, struct stat& status) {
 // For root, what is kept for him counts too.
 std::optional<Room> freeAt(const std::string& folder) {
     struct statvfs space {};
-    if (statvfs(inspect::placeOf(folder).c_str(), &space) != 0) {
+    if (statvfs(placeOf(folder).c_str(), &space) != 0) {
         return std::nullopt;
     }
     const bool isRoot = geteuid() == 0;
@@ -81,8 +81,7 @@ json describeWrites(const Rehearsal& rehearsal) {
         const std::string folder = folderAbove(change.path, status);
         Write& write = all.try_emplace(status.st_dev, Write{folder}).first->second;
         const std::uintmax_t size = sizeAt(rehearsal.placeOf(change.path));
-        write.need.bytes +=
-            size - std::min(size, isMade ? 0 : sizeAt(inspect::placeOf(change.path)));
+        write.need.bytes += size - std::min(size, isMade ? 0 : sizeAt(placeOf(change.path)));
         write.need.files += isMade ? 1 : 0;
     }
     json writes = json::array();
@@ -98,7 +97,7 @@ Examined examineRoom(const json& writes) {
     for (const json& write : writes) {
         const std::string folder = write["folder"];
         const auto free = freeAt(folder);
-        const auto quota = free ? quotaAt(inspect::placeOf(folder)) : std::nullopt;
+        const auto quota = free ? quotaAt(placeOf(folder)) : std::nullopt;
         const Room room = !free   ? Room{kNoLimit, kNoLimit}
                           : quota ? roomWithin(*free, *quota)
                                   : *free;

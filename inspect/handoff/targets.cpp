@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
+#include <errno.h>
 #include <stdlib.h>
 
 #include <algorithm>
@@ -131,8 +132,8 @@ class Examiner {
         const std::string path = toNarrow(jvm.text);
         Examined& examined = begin("JVM", path);
         if (!exists(jvm.text)) {
-            addFault(examined, "RI601", jvm.origin, inQuotes(jvm.text) + " is missing");
-        } else if (isFolder(path)) {
+            addFault(examined, "RI601", jvm.origin, absenceText(jvm.text, errno));
+        } else if (isFolder(path) && !isJava) {  // in which the launcher library looks for one
             if (!existsA(path + "/java") && !existsA(path + "/libjvm.so")) {
                 addFault(examined, "RI802", jvm.origin,
                          inQuotes(jvm.text) + " is a folder without JVM");
@@ -150,14 +151,15 @@ class Examiner {
     std::optional<std::set<std::string>> judgeJar(Examined& examined, const Argument& jar) const {
         const std::string path = toNarrow(jar.text);
         if (!exists(jar.text)) {
-            addFault(examined, "RI601", jar.origin, inQuotes(jar.text) + " is missing");
+            addFault(examined, "RI601", jar.origin, absenceText(jar.text, errno));
             return std::nullopt;
         }
-        if (const auto fault = jarFault(path)) {
-            addFault(examined, "RI803", jar.origin, inQuotes(path) + " " + *fault);
+        JarRead read = readJar(path);
+        if (read.fault) {
+            addFault(examined, "RI803", jar.origin, inQuotes(path) + " " + *read.fault);
             return std::nullopt;
         }
-        return jarEntries(path);
+        return std::move(read.entries);
     }
 
     void examineStartupJar() {

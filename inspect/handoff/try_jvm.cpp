@@ -1,7 +1,10 @@
 #include "inspect/handoff/try_jvm.h"
 
 #include "base/pipe.h"
+#include "inspect/check/groups.h"
 #include "inspect/handoff/code_faults.h"
+#include "inspect/quiet_read.h"
+#include "inspect/rehearsal/temporary_folder.h"
 #include "launcher/vocabulary/options.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -11,6 +14,8 @@
 #include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +23,9 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <thread>
 
 namespace rcp::inspect {
 namespace {
@@ -29,28 +37,52 @@ constexpr std::chrono::seconds kLimit{30};
 constexpr std::size_t kLongestOutput = 65536;
 constexpr int kLevelsToHome = 4;  // from JDK/jre/lib/server/libjvm.so
 
-// The program for a JVM that is a library; empty without one.
-std::string programOf(const std::string& jvm, bool isJava) {
-    const files::path path = resolvedPath(jvm).value_or(jvm);
-    if (isJava || path.filename().string().find(".so") == std::string::npos) {
-        return isJava || !startFault(jvm) ? jvm : std::string();
-    }
-    files::path folder = path.parent_path();
+bool isLibrary(const files::path& path) {
+    return path.filename().string().find(".so") != std::string::npos;
+}
+
+// The program of the home that a library lies in; empty without one. A link there that leads out of the home
+// is another JVM's.
+std::string programBeside(const files::path& library) {
+    files::path folder = library.parent_path();
     for (int i = 0; i < kLevelsToHome && folder.has_relative_path(); ++i) {
-        if (const files::path program = folder / "bin/java"; !startFault(program)) {
-            return program;
+        const std::string program = folder / "bin/java";
+        if (!startFault(program)) {
+            const std::string home = folder.string() + "/";
+            return resolvedPath(program).value_or(program).starts_with(home) ? program
+                                                                             : std::string();
         }
         folder = folder.parent_path();
     }
     return {};
 }
 
+// What makes the JVM in a trial.
+struct Maker {
+    std::string program;  // empty without one
+    bool isForLibrary = false;
+};
+
+Maker makerOf(const std::string& jvm, bool isJava) {
+    if (isJava) {
+        return {jvm};
+    }
+    if (isFolder(jvm)) {  // in which the launcher library looks for either
+        const std::string program = jvm + "/java";
+        return startFault(program)
+                   ? Maker{programBeside(resolvedPath(jvm + "/libjvm.so").value_or(jvm)), true}
+                   : Maker{program};
+    }
+    const files::path path = resolvedPath(jvm).value_or(jvm);
+    return isLibrary(path)   ? Maker{programBeside(path), true}
+           : startFault(jvm) ? Maker{}
+                             : Maker{jvm};
+}
+
 // What of the command line is the JVM's.
 std::vector<std::string> jvmOptions(const Plan& plan, bool isJava) {
     const Arguments& all = plan.line.arguments();
-    const auto isMainClass = [](const Argument& one) {
-        return one == L"org.eclipse.core.launcher.Main";
-    };
+    const auto isMainClass = [](const Argument& one) { return one == options::kMainClass; };
     const auto begin = isJava ? all.begin() : std::find(all.begin(), all.end(), options::kVmargs);
     const auto end = isJava ? std::find_if(all.begin(), all.end(), isMainClass) : all.end();
     std::vector<std::string> jvms;
@@ -72,7 +104,7 @@ void changeEnvironment(const EnvironmentChanges& changes) {
     }
 }
 
-[[noreturn]] void become(std::vector<std::string> words, const std::string& folder, int output) {
+[[noreturn]] void startJvm(std::vector<std::string> words, const std::string& folder, int output) {
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
     for (std::string& word : words) {
@@ -89,14 +121,13 @@ void changeEnvironment(const EnvironmentChanges& changes) {
 }
 
 struct Trial {
-    bool hasEnded = false;
-    int status = -1;
+    std::optional<int> status;  // none of what the limit has ended
     std::string said;
 };
 
-// What is written up to the end or to the limit.
-void listen(int input, Trial& trial) {
-    const auto end = Clock::now() + kLimit;
+// What is written up to the end of the output or to the limit.
+std::string outputUntil(Clock::time_point end, int input) {
+    std::string said;
     std::array<char, 4096> buffer{};
     pollfd awaited{input, POLLIN, 0};
     while (Clock::now() < end) {
@@ -107,40 +138,52 @@ void listen(int input, Trial& trial) {
         }
         const ssize_t length = ready > 0 ? read(input, buffer.data(), buffer.size()) : -1;
         if (length <= 0) {
-            trial.hasEnded = length == 0;
-            return;
+            break;
         }
-        if (trial.said.size() < kLongestOutput) {
-            trial.said.append(buffer.data(), static_cast<std::size_t>(length));
+        if (said.size() < kLongestOutput) {
+            said.append(buffer.data(), static_cast<std::size_t>(length));
         }
     }
+    return said;
 }
 
+// A program may go on when it has closed its output. What it has started ends with it.
+std::optional<int> statusUntil(Clock::time_point end, pid_t child) {
+    constexpr std::chrono::milliseconds kPause{10};
+    int status = 0;
+    pid_t ended = 0;
+    while ((ended = waitpid(child, &status, WNOHANG)) == 0 && Clock::now() < end) {
+        std::this_thread::sleep_for(kPause);
+    }
+    if (ended == 0) {
+        (void)kill(-child, SIGKILL);
+        (void)waitpid(child, &status, 0);
+        return std::nullopt;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Throws std::runtime_error when nothing can be started.
 Trial run(const std::vector<std::string>& words, const EnvironmentChanges& changes) {
-    Trial trial;
-    std::string folder = files::temp_directory_path() / "rcpinspect-XXXXXX";
+    const TemporaryFolder own;
+    const std::string folder = own.path() + "/empty";
     Pipe answer;
-    if (mkdtemp(folder.data()) == nullptr || !answer.readEnd) {
-        trial.said = "no folder or pipe can be made for it";
-        return trial;
+    if (mkdir(folder.c_str(), S_IRWXU) != 0 || !answer.readEnd) {
+        throw std::runtime_error(strerror(errno));
     }
     const pid_t child = fork();
     if (child == 0) {
         changeEnvironment(changes);
-        become(words, folder, answer.writeEnd.get());
+        startJvm(words, folder, answer.writeEnd.get());
+    }
+    if (child < 0) {
+        throw std::runtime_error(strerror(errno));
     }
     answer.writeEnd.reset();
-    if (child > 0) {
-        listen(answer.readEnd.get(), trial);
-        if (!trial.hasEnded) {
-            (void)kill(-child, SIGKILL);
-        }
-        int status = 0;
-        (void)waitpid(child, &status, 0);
-        trial.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    std::error_code ignored;
-    files::remove_all(folder, ignored);
+    const Clock::time_point end = Clock::now() + kLimit;
+    Trial trial;
+    trial.said = outputUntil(end, answer.readEnd.get());
+    trial.status = statusUntil(end, child);
     return trial;
 }
 
@@ -163,31 +206,35 @@ Examined tryJvm(const Examination& examination) {
     if (jvm.text.empty()) {
         return examined;
     }
-    const auto addFault = [&](const std::string& message) {
-        examined.faults.push_back(faultAt(examination, "RI810", jvm.origin, message));
+    const auto addFault = [&](const char* code, const std::string& message) {
+        examined.faults.push_back(
+            faultAt(examination, code, jvm.origin, inQuotes(jvm.text) + " " + message));
     };
     const bool isJava = examination.inputs.traits.isDirectJavaShape();
-    const std::string path = toNarrow(jvm.text);
-    const std::string program = programOf(path, isJava);
-    if (program.empty()) {
-        addFault("\"" + path + "\" cannot be tried: there is no program \"java\" beside it");
+    const Maker maker = makerOf(toNarrow(jvm.text), isJava);
+    if (maker.program.empty()) {
+        addFault("RI815", "has no program \"java\" of its own");
         return examined;
     }
-    std::vector<std::string> words{program};
-    if (program != path) {  // as the launcher library makes it
+    std::vector<std::string> words{maker.program};
+    if (maker.isForLibrary) {  // as the launcher library makes it
         words.emplace_back("-XX:+IgnoreUnrecognizedVMOptions");
     }
     for (const std::string& option : jvmOptions(*plan, isJava)) {
         words.push_back(option);
     }
     words.emplace_back("-version");
-    const Trial trial = run(words, plan->environment);
-    examined.path = firstLines(trial.said, 1);
-    if (!trial.hasEnded) {
-        addFault("\"" + path + "\" has not answered within 30 seconds");
-    } else if (trial.status != 0) {
-        addFault("\"" + path + "\" ends with status " + std::to_string(trial.status) + ": " +
-                 firstLines(trial.said, 3));
+    try {
+        const Trial trial = run(words, plan->environment);
+        examined.path = firstLines(trial.said, 1);
+        if (!trial.status) {
+            addFault("RI810", "has not answered within 30 seconds");
+        } else if (*trial.status != 0) {
+            addFault("RI810", "ends with status " + std::to_string(*trial.status) +
+                                  (trial.said.empty() ? "" : ": " + firstLines(trial.said, 3)));
+        }
+    } catch (const std::runtime_error& problem) {
+        addFault("RI815", std::string("was not started: ") + problem.what());
     }
     return examined;
 }

@@ -123,7 +123,7 @@ void addStartupToCommandLine(CommandLine& line, const PropertyList& properties,
 }
 
 void addMainClassToCommandLine(CommandLine& line) {
-    line.add(L"org.eclipse.core.launcher.Main", whys::kMainClass);
+    line.add(options::kMainClass, whys::kMainClass);
 }
 
 void addClasspathToCommandLine(CommandLine& line, const LaunchInputs& inputs) {

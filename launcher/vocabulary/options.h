@@ -35,6 +35,8 @@ inline constexpr OptionName kBundleIdentifier{L"-bundleIdentifier"};
 inline constexpr OptionName kVersion{L"-version"};
 inline constexpr OptionName kInitMuService{L"-initMUService"};
 inline constexpr OptionName kCommandOnly{L"-dcommand_only"};
+// Not an option, but where those of Java end and the platform's begin.
+inline constexpr OptionName kMainClass{L"org.eclipse.core.launcher.Main"};
 inline constexpr OptionName kExtensionDirectories{L"-Djava.ext.dirs"};
 // Only among the arguments of the initial configuration.
 inline constexpr OptionName kInitialCompleteFlag{L"-initialCompleteFlag"};

@@ -72,6 +72,16 @@ TEST_F(RehearsedEnd, OfAMasterThatIsNoFileIsFound) {
     expectEnd("RI505 rcp/rcplauncher.properties:0 ZYPRA0190E");
 }
 
+TEST_F(RehearsedEnd, IsToldBesideAnErrorThatHasNothingToDoWithIt) {
+    fs::remove(folder_.path() / kMasterIni);
+    ASSERT_EQ(mkfifo(folder_.narrow(kMasterIni).c_str(), 0600), 0);
+    const std::vector<std::string> all = errors({"-config", "nope"});
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_TRUE(all[0].starts_with("RI504 ")) << all[0];
+    EXPECT_TRUE(all[1].starts_with("RI505 ")) << all[1];
+    EXPECT_EQ(launch({"-config", "nope"}), 255);
+}
+
 TEST_F(RehearsedEnd, IsNotToldWhereAFindingTellsTheCause) {
     fs::remove(folder_.path() / kMasterIni);
     expectEnd("RI601 ");
