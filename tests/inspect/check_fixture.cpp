@@ -115,6 +115,14 @@ Change differs(const std::string& file, const std::string& from, const std::stri
     return [=](const Maker& maker) { maker.replace(file, from, to); };
 }
 
+Change isLinkToItself(const std::string& file) {
+    return [=](const Maker& maker) {
+        maker.remove(file);
+        const auto path = maker.folder().path() / file;
+        std::filesystem::create_symlink(path.filename(), path);
+    };
+}
+
 Change isNotExecutable(const std::string& file) {
     return [=](const Maker& maker) { maker.setExecutable(file, false); };
 }

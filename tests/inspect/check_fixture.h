@@ -50,6 +50,7 @@ Change masterHas(const std::string& text);
 Change has(const std::string& file, const std::string& text);
 Change lacks(const std::string& file);
 Change differs(const std::string& file, const std::string& from, const std::string& to);
+Change isLinkToItself(const std::string& file);
 Change isNotExecutable(const std::string& file);
 Change isStandIn(const std::string& file, const std::string& standIn);
 Change both(const Change& first, const Change& second);

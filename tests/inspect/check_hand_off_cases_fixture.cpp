@@ -69,6 +69,8 @@ std::vector<Case> codeCases() {
          inAll(2)},
         {"RI801", "JvmOfAServiceThatIsText", both(isService(), becomes(kJvm, "no program")),
          isService(), kLauncherProperties, inAll(5)},
+        {"RI801", "JvmOfAServiceThatIsAFolder", both(isService(), isFolderWith(kJvm, "java")),
+         isService(), kLauncherProperties, inAll(5)},
         {"RI802", "EmptyLauncherLibrary", becomes(kLibrary, ""), nothingChanges,
          kLauncherProperties, inAll(2)},
         {"RI802", "LauncherLibraryThatWasCut", isCut(kLibrary), nothingChanges, kLauncherProperties,
@@ -88,6 +90,8 @@ std::vector<Case> codeCases() {
 
 std::vector<Case> jarCases() {
     return {
+        {"RI601", "StartupJarThatLeadsToItself", isLinkToItself(kJar), nothingChanges,
+         kLauncherProperties, inAll(2)},
         {"RI803", "EmptyStartupJar", becomes(kJar, ""), nothingChanges, kLauncherProperties,
          inAll(2)},
         {"RI803", "StartupJarThatWasCut", isCut(kJar), nothingChanges, kLauncherProperties,
@@ -127,16 +131,14 @@ std::vector<Case> frameworkCases() {
 }
 
 std::vector<Case> settingsCases() {
+    const Change namesBundle = configHas("osgi.bundles=a.bundle@start\n");
     return {
         {"RI803", "EmptyFolderAsBundle",
-         both(configHas("osgi.bundles=a.bundle@start\n"),
-              isFolderWith(kBase + "/plugins/a.bundle_1.2", "about.html")),
-         both(configHas("osgi.bundles=a.bundle@start\n"),
-              isFolderWith(kBase + "/plugins/a.bundle_1.2", "META-INF/MANIFEST.MF")),
+         both(namesBundle, isFolderWith(kBase + "/plugins/a.bundle_1.2", "about.html")),
+         both(namesBundle, isFolderWith(kBase + "/plugins/a.bundle_1.2", "META-INF/MANIFEST.MF")),
          kConfigIni, inAll(1)},
         {"RI803", "FolderThatIsCalledAsAJar",
-         both(configHas("osgi.bundles=a.bundle@start\n"),
-              isFolderWith(kBase + "/plugins/a.bundle.jar", "META-INF/MANIFEST.MF")),
+         both(namesBundle, isFolderWith(kBase + "/plugins/a.bundle.jar", "META-INF/MANIFEST.MF")),
          both(configHas("osgi.bundles=reference:file:a.bundle.jar@start\n"),
               isFolderWith(kBase + "/plugins/a.bundle.jar", "META-INF/MANIFEST.MF")),
          kConfigIni, inAll(1)},
@@ -191,6 +193,10 @@ std::vector<Case> configurationCases() {
          inAll(1)},
         {"RI805", "NoListOfBundles", hasList, both(hasList, has(kList, "# none\n")), kConfigIni,
          inAll(0)},
+        {"RI805", "NoListOfBundlesInTheSharedConfiguration",
+         both(both(hasList, has(kList, "# none\n")),
+              configHas("osgi.sharedConfiguration.area=file:/usr\n")),
+         both(hasList, has(kList, "# none\n")), kConfigIni, inAll(0)},
         {"RI805", "NoBundleOfTheList",
          both(hasList, has(kList, "# of two\na,1,plugins/nothing.jar,4,false\n")),
          both(hasList, has(kList, "# of two\na,1,plugins/a.bundle_1.2.jar,4,false\n")), kList,

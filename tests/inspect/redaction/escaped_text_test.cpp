@@ -1,22 +1,12 @@
 // Secrets in the form in which they stand in property files.
 #include "inspect/redaction/escaped_text.h"
 
-#include "inspect/redaction/redactor.h"
+#include "tests/inspect/redaction/redactor_fixture.h"
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 namespace rcp::inspect {
 namespace {
-
-constexpr Salt kSalt{1, 2};
-
-// With "*" for what was redacted.
-std::string redactedLine(const std::string& text) {
-    return std::regex_replace(Redactor(kSalt, {}).redact(text),
-                              std::regex("<redacted:[0-9a-f]{6}>"), "*");
-}
 
 TEST(EscapedText, IsPlainWithThePlacesOfItsCharacters) {
     const PlainText plain = plainText("a\\=\\u003Ab\\\r\n  c\\u0020\\");
@@ -25,20 +15,20 @@ TEST(EscapedText, IsPlainWithThePlacesOfItsCharacters) {
 }
 
 TEST(EscapedText, TakesValuesBehindAnEscapedSeparator) {
-    EXPECT_EQ(redactedLine("arg4=-Dc.passwd\\=plain\\:Pw\\!5678"), "arg4=-Dc.passwd\\=*");
-    EXPECT_EQ(redactedLine("arg6=-De.secret\\=back\\\\slash77\n"), "arg6=-De.secret\\=*\n");
-    EXPECT_EQ(redactedLine("arg7=-Df.password\\=home"), "arg7=-Df.password\\=*");
-    EXPECT_EQ(redactedLine("vmarg.r=-Dr.password\\u003dEscU66"), "vmarg.r=-Dr.password\\u003d*");
-    EXPECT_EQ(redactedLine("vmarg.s=-Ds.password\\=a\\u000ab\\u0022c\\u0020d\nsize=1"),
+    EXPECT_EQ(redacted("arg4=-Dc.passwd\\=plain\\:Pw\\!5678"), "arg4=-Dc.passwd\\=*");
+    EXPECT_EQ(redacted("arg6=-De.secret\\=back\\\\slash77\n"), "arg6=-De.secret\\=*\n");
+    EXPECT_EQ(redacted("arg7=-Df.password\\=home"), "arg7=-Df.password\\=*");
+    EXPECT_EQ(redacted("vmarg.r=-Dr.password\\u003dEscU66"), "vmarg.r=-Dr.password\\u003d*");
+    EXPECT_EQ(redacted("vmarg.s=-Ds.password\\=a\\u000ab\\u0022c\\u0020d\nsize=1"),
               "vmarg.s=-Ds.password\\=*\nsize=1");
-    EXPECT_EQ(redactedLine("vmarg.t=-Dt.token\\=one\\\r\n    two\r\nsize=1"),
+    EXPECT_EQ(redacted("vmarg.t=-Dt.token\\=one\\\r\n    two\r\nsize=1"),
               "vmarg.t=-Dt.token\\=*\r\nsize=1");
-    EXPECT_EQ(redactedLine("arg8=-Dsize\\=12"), "arg8=-Dsize\\=12");
+    EXPECT_EQ(redacted("arg8=-Dsize\\=12"), "arg8=-Dsize\\=12");
 }
 
 TEST(EscapedText, HasWhatTheOtherRulesKnowToo) {
-    EXPECT_EQ(redactedLine("arg1=-Dproxy\\=joe\\:pw9@host\\:80"), "arg1=-Dproxy\\=*@host\\:80");
-    EXPECT_EQ(redactedLine("body {\\\"password\\\": \\\"one\\\", \\\"size\\\": 3}"),
+    EXPECT_EQ(redacted("arg1=-Dproxy\\=joe\\:pw9@host\\:80"), "arg1=-Dproxy\\=*@host\\:80");
+    EXPECT_EQ(redacted("body {\\\"password\\\": \\\"one\\\", \\\"size\\\": 3}"),
               "body {\\\"password\\\": \\\"*\\\", \\\"size\\\": 3}");
 }
 
@@ -58,7 +48,7 @@ TEST(EscapedText, TellsTheValueThatIsMeant) {
 }
 
 TEST(EscapedText, OfAnEntryGoesOnBehindALineFeedOfAnySystem) {
-    EXPECT_EQ(redactedLine("two.secret=one\\\r\nrest\r\nsize=1"), "two.secret=*\r\nsize=1");
+    EXPECT_EQ(redacted("two.secret=one\\\r\nrest\r\nsize=1"), "two.secret=*\r\nsize=1");
 }
 
 }  // namespace

@@ -1,0 +1,71 @@
+// Documents of which a redactor takes values by their names and places.
+#include "tests/inspect/redaction/redactor_fixture.h"
+
+#include <gtest/gtest.h>
+
+namespace rcp::inspect {
+namespace {
+
+TEST(RedactedDocument, KeepsEveryArgument) {
+    EXPECT_EQ(redactedDocument(R"({"arguments":["-clean","","-x",""]})"),
+              R"({"arguments":["-clean","","-x",""]})");
+    EXPECT_EQ(redactedDocument(R"({"arguments":["-Dpassword=abcd","-token","efgh","-clean"]})"),
+              R"({"arguments":["-Dpassword=*","-token","*","-clean"]})");
+    EXPECT_EQ(redactedDocument(R"({"entries":[{"key":"arg1","value":"-token","effective":"-token"},
+                  {"key":"arg2","value":"ab","effective":"ab"}]})"),
+              R"({"entries":[{"key":"arg1","value":"-token","effective":"-token"},)"
+              R"({"key":"arg2","value":"*","effective":"*"}]})");
+}
+
+TEST(RedactedDocument, TakesArgumentsWhole) {
+    EXPECT_EQ(redactedDocument(R"({"arguments":["-Dpassword=a\nb","-u","j:p"],"elements":[
+                  {"text":"-token"},{"text":"-x1y2"},{"text":"-u"},{"text":"j:p"}]})"),
+              R"({"arguments":["-Dpassword=*","-u","*"],"elements":[)"
+              R"({"text":"-token"},{"text":"*"},{"text":"-u"},{"text":"*"}]})");
+}
+
+// A value that is too short, or too ordinary, to be looked for is known by where it was put.
+TEST(RedactedDocument, KnowsWhatASecretPlaceholderBecame) {
+    constexpr const char* kDocument = R"({"elements":[
+        {"text":"-Dx=a1!/y","source":{"value":"-Dx=${env.DB_PW}/y"},
+         "placeholders":[{"after":"-Dx=a1!/y","name":"env.DB_PW","value":"a1!"}]}],
+        "entries":[{"key":"vmarg.x","value":"-Dx=${env.DB_PW}/y","effective":"-Dx=a1!/y"},
+                   {"key":"z","value":"-Dz=${env.SIZE}","effective":"-Dz=a1!"}]})";
+    EXPECT_EQ(redactedDocument(kDocument),
+              R"({"elements":[{"text":"-Dx=*/y","source":{"value":"-Dx=${env.DB_PW}/y"},)"
+              R"("placeholders":[{"after":"-Dx=*/y","name":"env.DB_PW","value":"*"}]}],)"
+              R"("entries":[{"key":"vmarg.x","value":"-Dx=${env.DB_PW}/y","effective":"-Dx=*/y"},)"
+              R"({"key":"z","value":"-Dz=${env.SIZE}","effective":"-Dz=a1!"}]})");
+    Redactor one = redactor();
+    one.learnDocument(Redactor::Json::parse(kDocument));
+    const std::string digest = saltedDigest(kSalt, "a1!");
+    EXPECT_EQ(one.redact("  12  -Dx=a1!/y    (a:1)"),
+              "  12  -Dx=<redacted:" + digest + ">/y    (a:1)");
+}
+
+TEST(RedactedDocument, TakesValuesByTheirNames) {
+    EXPECT_EQ(redactedDocument(R"({
+        "command": "explain", "arguments": ["-password", "ab", "-clean"],
+        "elements": [{"text": "--token"}, {"text": "cd", "rule": "the launcher's"},
+                     {"text": "-Dx=hunter2"}],
+        "environment": [{"name": "DB_TOKEN", "before": null, "after": "ef"}],
+        "files": [{"path": "/home/ann/a", "entries": [
+            {"key": "db.password", "value": "hunter2", "line": 3},
+            {"key": "vmarg.token", "value": "-Dtoken=gh"},
+            {"key": "size", "value": "ij"}]}],
+        "placeholders": [{"name": "env.TOKEN,kl", "value": "kl"}]})"),
+              Redactor::Json::parse(R"({
+        "command": "explain", "arguments": ["-password", "*", "-clean"],
+        "elements": [{"text": "--token"}, {"text": "*", "rule": "the launcher's"},
+                     {"text": "-Dx=*"}],
+        "environment": [{"name": "DB_TOKEN", "before": null, "after": "*"}],
+        "files": [{"path": "/home/<user>/a", "entries": [
+            {"key": "db.password", "value": "*", "line": 3},
+            {"key": "vmarg.token", "value": "-Dtoken=*"},
+            {"key": "size", "value": "ij"}]}],
+        "placeholders": [{"name": "env.TOKEN,*", "value": "*"}]})")
+                  .dump());
+}
+
+}  // namespace
+}  // namespace rcp::inspect

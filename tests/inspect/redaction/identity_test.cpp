@@ -1,0 +1,59 @@
+#include "inspect/redaction/identity.h"
+
+#include "tests/inspect/redaction/redactor_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <vector>
+
+namespace rcp::inspect {
+namespace {
+
+TEST(Identity, KnowsNoUserHomeOrHost) {
+    EXPECT_EQ(redacted("/home/ann/work of ann on desk7, not annex, /home/annex"),
+              "/home/<user>/work of <user> on <host>, not annex, /home/<user:" +
+                  saltedDigest(kSalt, "annex") + ">");
+    EXPECT_EQ(redacted("file:///home/ann"), "file:///home/<user>");
+}
+
+TEST(Identity, KnowsAHostInAnyLetterCase) {
+    EXPECT_EQ(redacted("on DESK7.example.org, Desk7 and desk77"),
+              "on <host>.example.org, <host> and desk77");
+}
+
+TEST(Identity, KnowsHomesInOtherPlaces) {
+    const std::string joe = "<user:" + saltedDigest(kSalt, "joe") + ">";
+    for (const char* homes : {"/export/home/", "/var/home/", "/usr/home/", "/Users/"}) {
+        EXPECT_EQ(redacted(std::string(homes) + "joe/x"), homes + joe + "/x");
+    }
+}
+
+TEST(Identity, HasTheHomeAsItIsAndAsItIsReached) {
+    const std::string folder = ::testing::TempDir() + "rcp-home-XXXXXX";
+    std::vector<char> name(folder.begin(), folder.end());
+    name.push_back('\0');
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    const std::filesystem::path home = std::filesystem::canonical(name.data());
+    const std::filesystem::path link = home / "link";
+    std::filesystem::create_directory_symlink(home, link);
+    setenv("HOME", link.c_str(), 1);
+    EXPECT_THAT(identityOfThisProcess().homes,
+                ::testing::IsSupersetOf({home.string(), link.string()}));
+    std::filesystem::remove_all(home);
+}
+
+TEST(Identity, HasNoWordsOfTheSystem) {
+    setenv("USER", "vm", 1);
+    setenv("LOGNAME", "eclipse", 1);
+    setenv("HOME", "/home/vm/", 1);
+    const Identity identity = identityOfThisProcess();
+    EXPECT_THAT(identity.users, ::testing::Not(::testing::Contains("vm")));
+    EXPECT_THAT(identity.users, ::testing::Not(::testing::Contains("eclipse")));
+    EXPECT_THAT(identity.homes, ::testing::Contains("/home/vm"));
+}
+
+}  // namespace
+}  // namespace rcp::inspect
