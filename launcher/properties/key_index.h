@@ -1,5 +1,6 @@
-// Where keys stand in a list: a hash table of positions alone, eight bytes a slot. The keys stay in
-// the list, so that the table of a long one still lies in the processor's cache.
+// Where keys stand in a list: a hash table of numbers alone, four bytes a slot. The keys stay in the
+// list and the hashes in a row of their own, so that the table of a long list still lies in the
+// processor's cache.
 #pragma once
 
 #include <cstddef>
@@ -18,9 +19,12 @@ class KeyIndex {
         if (slots_.empty()) {
             return kNone;
         }
-        for (std::size_t at = home(hash); slots_[at].number != 0; at = next(at)) {
-            const std::size_t position = slots_[at].number - 1;
-            if (slots_[at].hash == static_cast<std::uint32_t>(hash) && isKeyAt(position)) {
+        for (std::size_t at = home(hash); slots_[at] != kFree; at = next(at)) {
+            if (!isLikely(slots_[at], hash)) {
+                continue;
+            }
+            const std::size_t position = keys_[(slots_[at] & numberBits()) - 1].position;
+            if (isKeyAt(position)) {
                 return position;
             }
         }
@@ -31,19 +35,24 @@ class KeyIndex {
     void add(std::size_t hash, std::size_t position);
 
   private:
-    struct Slot {
-        std::uint32_t hash = 0;
-        std::uint32_t number = 0;  // the position from 1; 0: free
+    struct Indexed {
+        std::uint32_t hash;
+        std::uint32_t position;
     };
+    // The number of a key, from 1, and above it what there is room for of the key's hash.
+    using Slot = std::uint32_t;
+    static constexpr Slot kFree = 0;
 
-    [[nodiscard]] std::size_t home(std::size_t hash) const {
-        return static_cast<std::uint32_t>(hash) & (slots_.size() - 1);
+    [[nodiscard]] Slot numberBits() const { return static_cast<Slot>(slots_.size()) - 1; }
+    [[nodiscard]] std::size_t home(std::size_t hash) const { return hash & numberBits(); }
+    [[nodiscard]] std::size_t next(std::size_t at) const { return (at + 1) & numberBits(); }
+    [[nodiscard]] bool isLikely(Slot slot, std::size_t hash) const {
+        return ((slot ^ static_cast<Slot>(hash)) & ~numberBits()) == 0;
     }
-    [[nodiscard]] std::size_t next(std::size_t at) const { return (at + 1) & (slots_.size() - 1); }
-    void place(Slot slot);
+    void place(std::uint32_t hash, std::size_t number);
 
-    std::vector<Slot> slots_;  // a power of two of them, at most half of them taken
-    std::size_t taken_ = 0;
+    std::vector<Slot> slots_;    // a power of two of them, at most three of four taken
+    std::vector<Indexed> keys_;  // in the order in which they were added
 };
 
 }  // namespace rcp
