@@ -88,7 +88,12 @@ std::size_t endOfNameOfLines(const StringPlace& place, const std::string& argume
     return isArgument && argument.find('\n') != kNone ? argument.find('=') : kNone;
 }
 
-// Calls visit(place, text) with every string.
+bool hasMark(const Json& text) {
+    return text.is_string() && text.get_ref<const std::string&>().find(kMark) != kNone;
+}
+
+// Calls visit(place, text) with every string. Of an argument that was made of placeholders walkMade() has taken what is
+// secret; it is not the value of one.
 template <typename Visit>
 void walk(Json& node, const std::string& member, const Visit& visit) {
     if (node.is_string()) {
@@ -114,7 +119,8 @@ void walk(Json& node, const std::string& member, const Visit& visit) {
     } else if (node.is_object()) {
         const std::string name = nameIn(node);
         for (auto& [key, value] : node.items()) {
-            if (value.is_string() && !name.empty() && isOneOf(kValues, key)) {
+            const bool isArgument = member == "placeholders" && key == "after" && hasMark(value);
+            if (value.is_string() && !name.empty() && isOneOf(kValues, key) && !isArgument) {
                 visit(StringPlace{key, name}, value.template get_ref<std::string&>());
             } else {
                 walk(value, key, visit);
@@ -191,9 +197,8 @@ void Redactor::learnDocument(const Json& document) {
         if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
             learnValue(text.substr(0, equals), std::string_view(text).substr(equals + 1));
             learnWithin(text, {equals + 1, text.size(), text.substr(0, equals)});
-        } else if (!name.empty() && names_.isSecret(name) && secretsIn(text, names_).empty()) {
-            learn(name, text);
         } else if (!isOneOf(kSentences, member) && !isOneOf(kFixed, member)) {
+            learn(name, text);
             learn(text);
         }
     });
@@ -203,11 +208,10 @@ void Redactor::learnDocument(const Json& document) {
 void Redactor::redactValue(const std::string& name, std::string& value) {
     const SecretPart part = narrowed(value, {0, value.size(), name});
     const std::string secret = value.substr(part.begin, part.end - part.begin);
-    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, secret) &&
-                          (value.find(kMark) == kNone || value.starts_with(kMark));
+    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, secret);
     if (isUserOption(name) && hasPassword(value)) {
         value = mark("user-info of an option", value);
-    } else if (isSecret && secretsIn(value, names_).empty()) {
+    } else if (isSecret) {
         value = withPart(value, part, mark(name, secret));
     } else {
         value = redact(value);

@@ -160,9 +160,13 @@ void NamedValues::findPlaceholder(std::size_t at) {
     const std::string_view value = text_.substr(at, endOfLine(text_, at) - at);
     const std::size_t told = value.find(" is not set, its default");
     const std::size_t colon = told == kNone ? kNone : value.rfind(": ", told);
-    if (value.find(kMark) == kNone) {
-        add(at + 1, at + std::min(colon, value.size()), name.substr(0, name.find(',')));
-    }
+    // "-Dx=<redacted:...>" is what "-Dx=${NAME}" became.
+    const std::string_view word = front.substr(front.find_last_of(kBlanks, begin) + 1);
+    const std::string known = std::string(word.substr(0, word.find("${"))).append(kMark);
+    const std::size_t from = std::min(text_.find_first_not_of(kBlanks, at + 1), text_.size());
+    const std::size_t head =
+        text_.substr(from).starts_with(known) ? known.size() - kMark.size() : 0;
+    add(from + head, at + std::min(colon, value.size()), name.substr(0, name.find(',')));
 }
 
 // A full log tells an entry in two records: 'attrib = "NAME"', or "key", then 'value = "VALUE"'.
