@@ -26,12 +26,19 @@ int openQuietly(const std::string& place, int flags) {
     return ::open(place.c_str(), flags);
 }
 
-std::string readPlace(const std::string& place, std::size_t limit) {
+namespace {
+
+enum class Part { kBeginning, kEnd };
+
+std::string readPart(const std::string& place, Part part, std::size_t limit) {
     const UniqueFd file(openQuietly(place, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     std::string text;
     std::array<char, 65536> buffer;
     bool goesOn = file && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (goesOn && part == Part::kEnd && static_cast<std::uintmax_t>(status.st_size) > limit) {
+        goesOn = lseek(file.get(), -static_cast<off_t>(limit), SEEK_END) >= 0;
+    }
     while (goesOn && text.size() < limit) {
         const ssize_t length =
             read(file.get(), buffer.data(), std::min(buffer.size(), limit - text.size()));
@@ -41,8 +48,18 @@ std::string readPlace(const std::string& place, std::size_t limit) {
     return text;
 }
 
+}  // namespace
+
+std::string readPlace(const std::string& place, std::size_t limit) {
+    return readPart(place, Part::kBeginning, limit);
+}
+
 std::string readQuietly(const std::string& path, std::size_t limit) {
     return readPlace(placeOf(path), limit);
+}
+
+std::string readEndQuietly(const std::string& path, std::size_t limit) {
+    return readPart(placeOf(path), Part::kEnd, limit);
 }
 
 bool isFolder(const std::string& path) {

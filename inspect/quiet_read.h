@@ -24,6 +24,9 @@ std::string readPlace(const std::string& place, std::size_t limit = kWhole);
 /// The same of the file that `path` names, in a staged tree too.
 std::string readQuietly(const std::string& path, std::size_t limit = kWhole);
 
+/// Its last `limit` bytes.
+std::string readEndQuietly(const std::string& path, std::size_t limit);
+
 /// Whether a directory is there.
 bool isFolder(const std::string& path);
 /// Whether anything is there.

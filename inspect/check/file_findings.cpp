@@ -133,6 +133,10 @@ void findStaleCopies(const Examination& examination, Findings& findings) {
     for (const IncompleteCopy& copy : incompleteCopies(examination)) {
         findings.add("RI608", examination.nameOf(copy.file), 0, copy.message);
     }
+    for (const std::wstring& file : longFiles(examination)) {
+        findings.add("RI813", examination.nameOf(file), 0,
+                     inQuotes(file) + " is not looked at to its end");
+    }
 }
 
 void findNamedFiles(const Examination& examination, Findings& findings) {

@@ -9,19 +9,26 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
+#include <algorithm>
+
 namespace rcp::inspect {
 namespace {
 
-PropertyList entriesOf(const std::wstring& path) {
-    return parseProperties(readQuietly(toNarrow(path), kLongestSettings), {});
+// Nothing of a file of which only a part would be read.
+std::optional<PropertyList> entriesOf(const std::wstring& path) {
+    const std::string text = readQuietly(toNarrow(path), kLongestSettings + 1);
+    return text.size() > kLongestSettings ? std::nullopt : std::optional(parseProperties(text, {}));
 }
 
 // The first entry of a key counts on either side.
 void compare(const std::wstring& copy, const std::wstring& master, const PropertyList& masters,
              std::vector<StaleEntry>& stale) {
-    const PropertyList users = entriesOf(copy);
+    const auto users = entriesOf(copy);
+    if (!users) {
+        return;
+    }
     for (const Property& entry : masters.entries()) {
-        const Property* own = users.find(entry.key);
+        const Property* own = users->find(entry.key);
         // What the user has emptied is meant.
         const bool isSwitchedOff = own != nullptr && own->value.empty();
         if (masters.find(entry.key) == &entry && !isSwitchedOff &&
@@ -54,10 +61,10 @@ std::wstring missingOfBlock(const std::wstring& file, const PropertyList& proper
     if (!exists(file) || !block) {
         return {};
     }
-    const PropertyList entries = entriesOf(file);
+    const auto entries = entriesOf(file);
     const PropertyList appended = parseProperties(block->lines, {});
     for (const Property& entry : appended.entries()) {
-        if (entries.find(entry.key) == nullptr) {
+        if (entries && entries->find(entry.key) == nullptr) {
             return entry.key;
         }
     }
@@ -86,7 +93,7 @@ std::vector<StaleEntry> staleEntries(const Examination& examination) {
     const std::wstring settings = osPath(inputs.configuration + L"/config.ini");
     if (exists(settings)) {
         const std::wstring master = masterOf(L"config.ini");
-        compare(settings, master, entriesOf(master), stale);
+        compare(settings, master, entriesOf(master).value_or(PropertyList()), stale);
     }
     if (const std::wstring own = userFileOf(inputs.configuration); exists(own)) {
         compare(own, masterOf(paths::kUserProperties), copiedEntries(examination), stale);
@@ -110,14 +117,29 @@ std::vector<IncompleteCopy> incompleteCopies(const Examination& examination) {
     }
     const std::wstring updates = osPath(configuration + L"/org.eclipse.update/platform.xml");
     constexpr char kEnd[] = "</config>";
-    if (exists(updates) && readQuietly(toNarrow(updates)).find(kEnd) == std::string::npos) {
+    if (exists(updates) &&
+        readEndQuietly(toNarrow(updates), kLongestSettings).find(kEnd) == std::string::npos) {
         incomplete.push_back({updates, std::string("it has no \"") + kEnd + "\""});
     }
     const std::wstring arguments = osPath(configuration + L"/args.properties");
-    if (exists(arguments) && entriesOf(arguments).find(keys::kArgumentCount) == nullptr) {
+    if (const auto entries = entriesOf(arguments);
+        exists(arguments) && entries && entries->find(keys::kArgumentCount) == nullptr) {
         incomplete.push_back({arguments, inQuotes(keys::kArgumentCount) + " is missing"});
     }
     return incomplete;
+}
+
+// Of the settings that the platform reads those who examine its configuration tell.
+std::vector<std::wstring> longFiles(const Examination& examination) {
+    const std::wstring& configuration = examination.inputs.configuration;
+    std::vector<std::wstring> all{userFileOf(configuration),
+                                  osPath(configuration + L"/args.properties")};
+    if (exists(osPath(configuration + L"/config.ini"))) {
+        all.push_back(getCoreFileLocation(examination.inputs.traits.eConfig, examination.base,
+                                          L"config.ini"));
+    }
+    all.erase(std::remove_if(all.begin(), all.end(), entriesOf), all.end());
+    return all;
 }
 
 }  // namespace rcp::inspect

@@ -34,4 +34,7 @@ struct IncompleteCopy {
 };
 std::vector<IncompleteCopy> incompleteCopies(const Examination& examination);
 
+/// Those of these files, copy or master, that are too long to be compared.
+std::vector<std::wstring> longFiles(const Examination& examination);
+
 }  // namespace rcp::inspect

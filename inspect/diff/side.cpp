@@ -135,10 +135,12 @@ RecordedLaunch recordedLaunch(const Options& options) {
     if (!last) {
         throw std::runtime_error("no launch is recorded in " + logs);
     }
-    const std::string log = readQuietly(last->log);
+    const std::string log = readQuietly(last->log, kLongestLog);
     const auto elements = recordedElements(log);
     if (!elements) {
-        throw std::runtime_error("the launch of " + last->log + " started no platform");
+        throw std::runtime_error(log.size() < kLongestLog
+                                     ? "the launch of " + last->log + " started no platform"
+                                     : last->log + " is too long to look for the launch");
     }
     RecordedLaunch launch;
     launch.arguments = recordedArguments(log, *elements).value_or(options.arguments);

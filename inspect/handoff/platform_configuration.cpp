@@ -62,7 +62,7 @@ class Configuration {
                          "\"\\u\" without four hexadecimal digits");
             }
             if (file.isCut) {
-                addFault("RI813", file.at(0), "\"" + path + "\" is not looked at to its end");
+                addFault("RI813", file.at(0), inQuotes(path) + " is not looked at to its end");
             }
             areSound = areSound && !file.malformed;
         }
@@ -228,7 +228,11 @@ class Configuration {
             addFault("RI805", settings_.files().front().at(0), "\"" + path + "\" is missing");
             return;
         }
-        std::istringstream lines(readQuietly(path));
+        const std::string text = readQuietly(path, kLongestSettings + 1);
+        if (text.size() > kLongestSettings) {
+            addFault("RI813", {file, 0}, inQuotes(path) + " is not looked at to its end");
+        }
+        std::istringstream lines(text);
         std::size_t number = 0;
         for (std::string line; std::getline(lines, line);) {
             ++number;

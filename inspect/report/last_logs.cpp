@@ -39,10 +39,12 @@ Paths newestIn(const files::path& folder, const std::function<bool(const std::st
     return paths;
 }
 
-// From a line's beginning on.
-std::string endOf(std::string text) {
+// From a line's beginning on: the rest of one may be that of a secret.
+std::string endOf(const files::path& log) {
+    std::string text = readEndQuietly(log, kLongest + 1);
     if (text.size() > kLongest) {
-        text.erase(0, text.find('\n', text.size() - kLongest) + 1);
+        const std::size_t end = text.find('\n');
+        text.erase(0, end == std::string::npos ? end : end + 1);
     }
     return text;
 }
@@ -71,7 +73,7 @@ std::vector<Log> lastLogs(const nlohmann::json& facts, const Options& options) {
     }
     std::vector<Log> result;
     for (const files::path& path : paths) {
-        result.push_back({path, endOf(readQuietly(path))});
+        result.push_back({path, endOf(path)});
     }
     return result;
 }

@@ -85,6 +85,12 @@ std::vector<Case> fileCases() {
     const Change isScript = [program](const Maker& maker) {
         std::ofstream(maker.folder().path() / program) << "#!/bin/sh\n";
     };
+    const auto isLong = [](const char* name) {
+        return Change([=](const Maker& maker) {
+            maker.folder().write(name, std::string((std::size_t{16} << 20U) + 1, '\n'));
+        });
+    };
+    const Change hasCopy = has("workspace/.config/config.ini", "a=1\n");
     return {
         {"RI601", "NoPropertyFile", lacks(kLauncherProperties), nothingChanges, kLauncherProperties,
          inAll(0)},
@@ -159,6 +165,22 @@ std::vector<Case> fileCases() {
          has("workspace/.config/args.properties", "arg0=a\n"),
          has("workspace/.config/args.properties", "arg0=a\nargc=1\n"),
          "workspace/.config/args.properties", inAll(0)},
+        {"RI813", "MasterOfManyMegabytes", both(isLong(settings.c_str()), hasCopy), hasCopy,
+         settings.c_str(), inAll(0)},
+        {"RI813", "UsersPropertiesOfManyMegabytes",
+         isLong("workspace/.config/rcpinstall.properties"), nothingChanges,
+         "workspace/.config/rcpinstall.properties", inAll(0)},
+        {"RI813", "ArgumentsOfManyMegabytes", isLong("workspace/.config/args.properties"),
+         has("workspace/.config/args.properties", "argc=1\n"), "workspace/.config/args.properties",
+         inAll(0)},
+        {"RI608", "ArgumentsWithoutTheirNumberThatAreNotTooLong",
+         has("workspace/.config/args.properties", "arg0=a\n"),
+         isLong("workspace/.config/args.properties"), "workspace/.config/args.properties",
+         inAll(0)},
+        {"RI607", "ConfigIniThatIsNotTooLong",
+         both(has(settings, "a=1\n"), has("workspace/.config/config.ini", "a=2\n")),
+         both(has(settings, "a=1\n"), isLong("workspace/.config/config.ini")), settings.c_str(),
+         inAll(1)},
     };
 }
 

@@ -31,6 +31,15 @@ TEST_F(QuietRead, GivesTheFileOrItsBeginning) {
     EXPECT_EQ(readQuietly(folder_.narrow("file"), 100), "0123456789");
 }
 
+TEST_F(QuietRead, GivesTheEndOfTheFile) {
+    folder_.write("file", "0123456789");
+    EXPECT_EQ(readEndQuietly(folder_.narrow("file"), 4), "6789");
+    EXPECT_EQ(readEndQuietly(folder_.narrow("file"), 10), "0123456789");
+    EXPECT_EQ(readEndQuietly(folder_.narrow("file"), 100), "0123456789");
+    EXPECT_EQ(readEndQuietly(folder_.narrow("missing"), 4), "");
+    EXPECT_EQ(readEndQuietly(folder_.narrow(), 4), "");
+}
+
 TEST_F(QuietRead, WhatIsNoFileIsEmptyAtOnce) {
     EXPECT_EQ(readQuietly(folder_.narrow("missing")), "");
     EXPECT_EQ(readQuietly(folder_.narrow()), "");

@@ -263,6 +263,19 @@ TEST_F(DiffTest, WithoutAnythingToCompareWithItIsWrongUse) {
     EXPECT_EQ(run({"--since-last", "--with", installation()}, output), 64);
 }
 
+TEST_F(DiffTest, ARecordIsNotLookedForInAllOfALogThatNobodyReads) {
+    ASSERT_EQ(launch(), 0);
+    const std::string log = area("logs/rcplauncher.log");
+    const std::string record = folder_.read(log);
+    folder_.write(log, std::string(std::size_t{16} << 20U, '\n') + record);
+    Program program({"/bin/sh", "-c", "exec \"$@\" 2>&1", "sh", seen(INSPECT_PROGRAM), "diff",
+                     "--install", installation(), "--since-last"},
+                    environment());
+    const std::string output = program.rest();
+    EXPECT_EQ(program.wait(), 70);
+    EXPECT_NE(output.find("rcplauncher.log is too long"), std::string::npos) << output;
+}
+
 TEST_F(DiffTest, WithoutARecordedLaunchItFails) {
     std::string output;
     EXPECT_EQ(run({"--since-last"}, output), 70);
