@@ -202,11 +202,12 @@ int run(int argc, char** argv) {
     given.isPathEmpty = (sub.count("--install") > 0 && given.installation.empty()) ||
                         (sub.count("--launcher") > 0 && given.launcher.empty());
     given.isStaged = sub.count("--root") > 0;
-    if (const std::string problem = settle(given, *command, options); !problem.empty()) {
-        return wrongUse(problem);
+    const Settled settled = settle(given, *command, options);
+    if (!settled.problem.empty()) {
+        return wrongUse(settled.problem);
     }
-    const int status =
-        command->carryOut == report ? report(options) : handOut(command->carryOut, options);
+    const int status = command->carryOut == report ? report(settled.options)
+                                                   : handOut(command->carryOut, settled.options);
     // What is not all there must not pass for a result.
     if (!std::cout.flush() || fflush(stdout) != 0 || ferror(stdout) != 0) {
         std::cerr << "rcpinspect: the output cannot be written\n";

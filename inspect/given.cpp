@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace rcp::inspect {
 namespace {
@@ -17,22 +18,51 @@ const std::map<std::string, Format> kFormats{{"text", Format::kText},
                                              {"sarif", Format::kSarif},
                                              {"html", Format::kHtml}};
 
-// --format FORMAT, or "--format html FILE": the page needs a name. Each of these tells what is wrong, or nothing.
-std::string settleFormat(const std::vector<std::string>& given, const Command& command,
-                         Options& options) {
+// Options while they are being settled. Each step tells what is wrong, or nothing.
+class Settlement {
+  public:
+    Settlement(Given given, const Command& command, Options options)
+        : given_(std::move(given)), command_(command), options_(std::move(options)) {}
+
+    Settled settle() && {
+        std::string problem = settleFormat();
+        const bool isMailed = options_.format == Format::kHtml || command_.carryOut == report;
+        options_.isRedacted |= isMailed && !given_.showsSecrets;
+        if (problem.empty()) {
+            problem = settleSubject();
+        }
+        if (problem.empty()) {
+            problem = settleInstallation();
+        }
+        return {std::move(options_), std::move(problem)};
+    }
+
+  private:
+    std::string settleFormat();
+    std::string settleSubject();
+    std::string settleInstallation();
+
+    Given given_;
+    const Command& command_;
+    Options options_;
+};
+
+// --format FORMAT, or "--format html FILE": the page needs a name.
+std::string Settlement::settleFormat() {
+    const std::vector<std::string>& given = given_.format;
     if (given.empty()) {
         return {};
     }
-    const auto known = std::find(command.formats.begin(), command.formats.end(), given.front());
-    if (known == command.formats.end()) {
-        return "--format: '" + given.front() + "' is no format of " + command.name;
+    const auto known = std::find(command_.formats.begin(), command_.formats.end(), given.front());
+    if (known == command_.formats.end()) {
+        return "--format: '" + given.front() + "' is no format of " + command_.name;
     }
-    options.format = kFormats.at(given.front());
-    if (options.format == Format::kHtml) {
+    options_.format = kFormats.at(given.front());
+    if (options_.format == Format::kHtml) {
         if (given.size() != 2) {
             return "--format html: the file to write is missing";
         }
-        options.page = given.back();
+        options_.page = given.back();
     } else if (given.size() != 1) {
         return "--format " + given.front() + ": '" + given.back() + "' is one argument too many";
     }
@@ -40,55 +70,56 @@ std::string settleFormat(const std::vector<std::string>& given, const Command& c
 }
 
 // The user and the tree whose launch it is, and what is asked about.
-std::string settleSubject(Given& given, const Command& command, Options& options) {
-    if (given.isPathEmpty) {
+std::string Settlement::settleSubject() {
+    if (given_.isPathEmpty) {
         return "an empty path names no launcher";
     }
-    if (std::string problem = become(given.user); !problem.empty()) {
+    if (std::string problem = become(given_.user); !problem.empty()) {
         return problem;
     }
     endOf(setCharacterLocale);
-    if (given.isStaged && !stage(given.root)) {
-        return "no folder " + given.root;
+    if (given_.isStaged && !stage(given_.root)) {
+        return "no folder " + given_.root;
     }
-    if (command.carryOut == check && !given.subjects.empty()) {
-        if (!given.launcher.empty() || !given.installation.empty()) {
+    if (command_.carryOut == check && !given_.subjects.empty()) {
+        if (!given_.launcher.empty() || !given_.installation.empty()) {
             return "check DIR takes neither --install nor --launcher";
         }
-        given.installation = given.subjects.front();
-        options.roots = given.subjects.size() > 1 ? given.subjects : std::vector<std::string>();
-    } else if (!given.subjects.empty()) {
-        options.subject = given.subjects.front();
+        given_.installation = given_.subjects.front();
+        options_.roots = given_.subjects.size() > 1 ? given_.subjects : std::vector<std::string>();
+    } else if (!given_.subjects.empty()) {
+        options_.subject = given_.subjects.front();
     }
-    if (!options.roots.empty() && options.format == Format::kHtml) {
+    if (!options_.roots.empty() && options_.format == Format::kHtml) {
         return "--format html: a page is of one installation";
     }
     return {};
 }
 
-std::string settleInstallation(Given& given, const Command& command, Options& options) {
-    if (given.launcher.empty() && given.installation.empty()) {
-        given.installation = ".";
+std::string Settlement::settleInstallation() {
+    if (given_.launcher.empty() && given_.installation.empty()) {
+        given_.installation = ".";
     }
-    options.launcher =
-        launcherPath(given.launcher, given.installation,
-                     command.carryOut == check ? Launcher::kMayBeMissing : Launcher::kIsThere);
-    const bool needsLauncher = command.carryOut != why || needsLaunch(options.subject);
-    if (options.launcher.empty() && needsLauncher && options.roots.empty()) {
-        return "no launcher at " + (given.launcher.empty() ? given.installation : given.launcher) +
-               (given.root.empty() ? "" : " of the tree in " + given.root) +
+    options_.launcher =
+        launcherPath(given_.launcher, given_.installation,
+                     command_.carryOut == check ? Launcher::kMayBeMissing : Launcher::kIsThere);
+    const bool needsLauncher = command_.carryOut != why || needsLaunch(options_.subject);
+    if (options_.launcher.empty() && needsLauncher && options_.roots.empty()) {
+        return "no launcher at " +
+               (given_.launcher.empty() ? given_.installation : given_.launcher) +
+               (given_.root.empty() ? "" : " of the tree in " + given_.root) +
                "; give --install DIR, where DIR holds rcp/rcplauncher or is an application "
                "bundle, or --launcher FILE";
     }
-    options.installation = installationOf(options.launcher);
-    if (!options.installation.empty()) {
-        stageAlone(options.installation);
+    options_.installation = installationOf(options_.launcher);
+    if (!options_.installation.empty()) {
+        stageAlone(options_.installation);
     }
-    if (!given.other.empty()) {
+    if (!given_.other.empty()) {
         const Unstaged own;
-        options.other = launcherPath({}, given.other, Launcher::kIsThere);
-        if (options.other.empty()) {
-            return "no launcher at " + given.other;
+        options_.other = launcherPath({}, given_.other, Launcher::kIsThere);
+        if (options_.other.empty()) {
+            return "no launcher at " + given_.other;
         }
     }
     return {};
@@ -96,14 +127,8 @@ std::string settleInstallation(Given& given, const Command& command, Options& op
 
 }  // namespace
 
-std::string settle(Given given, const Command& command, Options& options) {
-    std::string problem = settleFormat(given.format, command, options);
-    const bool isMailed = options.format == Format::kHtml || command.carryOut == report;
-    options.isRedacted |= isMailed && !given.showsSecrets;
-    if (problem.empty()) {
-        problem = settleSubject(given, command, options);
-    }
-    return problem.empty() ? settleInstallation(given, command, options) : problem;
+Settled settle(Given given, const Command& command, Options options) {
+    return Settlement(std::move(given), command, std::move(options)).settle();
 }
 
 }  // namespace rcp::inspect

@@ -30,7 +30,12 @@ struct Given {
     OtherUser user;
 };
 
-/// Settles the options, the user and the tree. What is wrong with the command line; empty when nothing is.
-std::string settle(Given given, const Command& command, Options& options);
+struct Settled {
+    Options options;
+    std::string problem;  // with the command line; empty when there is none
+};
+
+/// Settles the options, the user and the tree.
+Settled settle(Given given, const Command& command, Options options);
 
 }  // namespace rcp::inspect

@@ -35,6 +35,7 @@ constexpr std::pair<const char*, Subject> kExaminedSubjects[] = {
     {"DYLD_LIBRARY_PATH", Subject::kEnvironment},
     {"variable", Subject::kEnvironment},
     {"locale", Subject::kLocale},
+    {"room", Subject::kSpace},
 };
 
 // By the message of the fault.
@@ -63,6 +64,9 @@ Subject subjectOf(const Finding& finding, const Evidence& evidence) {
     const std::string_view code = finding.rule->code;
     if (code == "RI607" || code == "RI608") {
         return Subject::kArea;
+    }
+    if (code == "RI609") {
+        return Subject::kSpace;
     }
     if (code == "RI603" || code == "RI606") {
         return Subject::kBase;
@@ -133,7 +137,9 @@ Evidence gather(const Options& options) {
     evidence.handOff = tellObstacle(evidence.explanation, evidence.examination);
     if (options.isTryingJvm) {
         evidence.handOff.push_back(tryJvm(evidence.examination));
-        addFaults(evidence.handOff.back(), findings);
+    }
+    for (const Examined& examined : evidence.handOff) {
+        addFaults(examined, findings);
     }
     evidence.subjects = subjectsOf(evidence.handOff);
     evidence.findings = findings.sorted();

@@ -22,6 +22,7 @@ enum class Subject {
     kJvmProperties,
     kBundles,
     kArea,
+    kSpace,
     kLocale,
     kEnvironment,
 };

@@ -118,9 +118,8 @@ Answer answerSpace(const Evidence& evidence) {
     if (statvfs(placeOf(folder).c_str(), &space) == 0) {
         judgeSpace(space, folder, answer);
     }
-    for (const Fault& fault : examineRoom(evidence.explanation["writes"]).faults) {
-        answer.problems.push_back({Mark::kBad, fault.message, "",
-                                   "Make room there, or name another workspace with -data."});
+    for (Problem& lack : evidence.problemsOf(Subject::kSpace)) {
+        answer.problems.push_back(std::move(lack));
     }
     if (!isAllowedAt(folder, W_OK | X_OK)) {
         answer.problems.push_back({Mark::kBad, folder + " may not be written", "",

@@ -2,11 +2,13 @@
 
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
+#include "inspect/handoff/code_faults.h"
 #include "inspect/handoff/jar.h"
 #include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
 #include "launcher/process_entry.h"
 #include "launcher/vocabulary/options.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 #include <errno.h>
@@ -15,8 +17,40 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <utility>
 
 namespace rcp::inspect {
+namespace {
+
+std::string alongPath(const std::string& name) {
+    const char* const path = getenv("PATH");
+    std::istringstream folders(path == nullptr ? "" : path);
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        folder.append("/").append(name);
+        if (!startFault(folder)) {
+            return folder;
+        }
+    }
+    return name;
+}
+
+// Its name tells the launcher library what a file is.
+JvmKind kindOfJvm(const std::string& path) {
+    if (isFolder(path)) {
+        return JvmKind::kFolder;
+    }
+    if (path.ends_with(".ee") || path.ends_with(".dll")) {
+        return JvmKind::kDescription;
+    }
+    const std::string name = std::filesystem::path(path).filename();
+    const bool isLibrary = name.ends_with(".dylib") || name.ends_with(".jnilib") ||
+                           name.find(".so") != std::string::npos;
+    return isLibrary ? JvmKind::kLibrary : JvmKind::kProgram;
+}
+
+}  // namespace
 
 Fault faultAt(const Examination& examination, const char* code, const Origin& origin,
               const std::string& message) {
@@ -58,9 +92,19 @@ Argument valueBehind(OptionName option, const Plan& plan) {
     return found == all.end() || found + 1 == all.end() ? Argument() : *(found + 1);
 }
 
-Argument jvmOf(const Examination& examination, const Plan& plan) {
-    return examination.inputs.traits.isDirectJavaShape() ? plan.line.arguments().front()
-                                                         : valueBehind(options::kVm, plan);
+Jvm jvmOf(const Examination& examination, const Plan& plan) {
+    if (examination.inputs.traits.isDirectJavaShape()) {
+        return {plan.line.arguments().front(), JvmKind::kProgram};
+    }
+    Argument jvm = valueBehind(options::kVm, plan);
+    if (jvm.text.empty()) {
+        return {};
+    }
+    if (jvm.text.find(L'/') == std::wstring::npos) {
+        jvm.text = toWide(alongPath(toNarrow(jvm.text)));
+    }
+    const JvmKind kind = kindOfJvm(toNarrow(jvm.text));
+    return {std::move(jvm), kind};
 }
 
 std::optional<Plan> planOf(const Examination& examination) {

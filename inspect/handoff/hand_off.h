@@ -65,8 +65,20 @@ struct JarRead {
 JarRead readJar(const std::string& path);
 /// The value behind an option, in front of "-vmargs" or in a command line of Java's; empty without one.
 Argument valueBehind(OptionName option, const Plan& plan);
-/// The JVM's path: behind "-vm", or the program that is started; empty without one.
-Argument jvmOf(const Examination& examination, const Plan& plan);
+/// What the JVM of a launch is, to whoever makes it.
+enum class JvmKind {
+    kNone,  // the launcher library looks for one itself
+    kProgram,
+    kLibrary,
+    kFolder,       // in which the launcher library looks for either
+    kDescription,  // a file of another name, whose contents it reads
+};
+struct Jvm {
+    Argument path;
+    JvmKind kind = JvmKind::kNone;
+};
+/// What stands behind "-vm", a name alone as it is found along PATH, or the program that is started.
+Jvm jvmOf(const Examination& examination, const Plan& plan);
 /// What a variable holds for whoever is handed to; empty when it is not set.
 std::string variableAfter(const std::string& name, const EnvironmentChanges& changes);
 

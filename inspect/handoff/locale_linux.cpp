@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 #include <type_traits>
 
 namespace rcp::inspect {
@@ -49,6 +50,19 @@ bool isExpressible(const std::string& text, const std::string& characters, local
     return mbsrtowcs(nullptr, &rest, 0, &state) != static_cast<std::size_t>(-1);
 }
 
+// "/opt/x", "-Dx=/opt/x", "file:/opt/x": not every text with a slash names a file.
+bool hasPath(std::string_view argument) {
+    for (std::size_t at = argument.find('/'); at != std::string_view::npos;
+         at = argument.find('/', at + 1)) {
+        const std::string_view front = argument.substr(0, at);
+        const bool isAddress = argument.substr(at).starts_with("//") && !front.ends_with("file:");
+        if ((front.empty() || front.ends_with('=') || front.ends_with(':')) && !isAddress) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 Examined examineLocale(const Examination& examination, const Plan& plan) {
@@ -63,17 +77,17 @@ Examined examineLocale(const Examination& examination, const Plan& plan) {
         }
     }
     const Locale locale(newlocale(LC_CTYPE_MASK, name.c_str(), nullptr));
-    if (!locale) {
-        return examined;  // without which no launch comes as far as this
+    if (locale) {
+        examined.path = nl_langinfo_l(CODESET, locale.get());
+    } else {  // whoever asks for it stays where every program begins
+        given.append(", which is not installed");
     }
-    examined.path = nl_langinfo_l(CODESET, locale.get());
     if (examined.path == "UTF-8") {
         return examined;
     }
     for (const Argument& argument : plan.line.arguments()) {
         const std::string text = toNarrow(argument.text);
-        if (text.find('/') != std::string::npos &&
-            !isExpressible(text, examined.path, locale.get())) {
+        if (hasPath(text) && !isExpressible(text, examined.path, locale.get())) {
             // One is enough: most paths of a launch lie in the same few folders.
             std::string message = "the JVM gets " + given;
             message.append(", whose characters ").append(examined.path);

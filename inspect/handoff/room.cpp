@@ -1,6 +1,7 @@
 #include "inspect/handoff/room.h"
 
 #include "inspect/making.h"
+#include "inspect/quiet_read.h"
 #include "inspect/rehearsal/staged_tree.h"
 
 #include <sys/stat.h>
@@ -17,9 +18,18 @@ namespace {
 
 using nlohmann::json;
 
+// Of one file system.
 struct Write {
     std::string folder;  // that is there already
+    std::uintmax_t block = 1;
+    bool hasFoldersInBlocks = false;
     Room need = {};
+    Room beside =
+        {};  // what the largest file takes that is written whole before its former one goes
+
+    [[nodiscard]] std::uintmax_t blocksOf(std::uintmax_t size) const {
+        return (size + block - 1) / block * block;
+    }
 };
 
 std::uintmax_t sizeAt(const std::string& place) {
@@ -27,6 +37,12 @@ std::uintmax_t sizeAt(const std::string& place) {
     return ::stat(place.c_str(), &status) == 0 && S_ISREG(status.st_mode)
                ? static_cast<std::uintmax_t>(status.st_size)
                : 0;
+}
+
+// A log grows where it is.
+bool isOnlyLonger(const std::string& before, const std::string& after) {
+    return sizeAt(before) < sizeAt(after) &&
+           readPlace(after, kLongestLog).starts_with(readPlace(before, kLongestLog));
 }
 
 std::uintmax_t left(std::uintmax_t limit, std::uintmax_t used) {
@@ -40,6 +56,31 @@ std::string folderAbove(const std::string& path, struct stat& status) {
         folder = folder.parent_path();
     }
     return folder;
+}
+
+Write writeBelow(const std::string& folder, const struct stat& status) {
+    struct statvfs space {};
+    const bool isTold = statvfs(placeOf(folder).c_str(), &space) == 0 && space.f_frsize > 0;
+    return {.folder = folder,
+            .block = isTold ? space.f_frsize : 1,
+            .hasFoldersInBlocks = status.st_blocks > 0};
+}
+
+void addMade(Write& write, const FileChange& change, const Rehearsal& rehearsal) {
+    const bool isFree = change.isDirectory && !write.hasFoldersInBlocks;
+    const std::uintmax_t size = change.isDirectory ? 1 : sizeAt(rehearsal.placeOf(change.path));
+    write.need.bytes += isFree ? 0 : write.blocksOf(size);
+    write.need.files += 1;
+}
+
+void addReplaced(Write& write, const FileChange& change, const Rehearsal& rehearsal) {
+    const std::string after = rehearsal.placeOf(change.path);
+    const std::string before = placeOf(change.path);
+    const std::uintmax_t size = write.blocksOf(sizeAt(after));
+    write.need.bytes += size - std::min(size, write.blocksOf(sizeAt(before)));
+    if (!isOnlyLonger(before, after)) {
+        write.beside = {std::max(write.beside.bytes, size), 1};
+    }
 }
 
 // For root, what is kept for him counts too.
@@ -79,15 +120,14 @@ json describeWrites(const Rehearsal& rehearsal) {
         }
         struct stat status {};
         const std::string folder = folderAbove(change.path, status);
-        Write& write = all.try_emplace(status.st_dev, Write{folder}).first->second;
-        const std::uintmax_t size = sizeAt(rehearsal.placeOf(change.path));
-        write.need.bytes += size - std::min(size, isMade ? 0 : sizeAt(placeOf(change.path)));
-        write.need.files += isMade ? 1 : 0;
+        Write& write = all.try_emplace(status.st_dev, writeBelow(folder, status)).first->second;
+        isMade ? addMade(write, change, rehearsal) : addReplaced(write, change, rehearsal);
     }
     json writes = json::array();
     for (const auto& [device, write] : all) {
-        writes.push_back(
-            {{"folder", write.folder}, {"bytes", write.need.bytes}, {"files", write.need.files}});
+        writes.push_back({{"folder", write.folder},
+                          {"bytes", write.need.bytes + write.beside.bytes},
+                          {"files", write.need.files + write.beside.files}});
     }
     return writes;
 }

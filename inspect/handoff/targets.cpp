@@ -100,50 +100,23 @@ class Examiner {
                      kPlatformEntryPoints);
     }
 
-    // A name alone the launcher library looks for along PATH.
-    static std::string alongPath(const std::string& name) {
-        const char* const path = getenv("PATH");
-        std::istringstream folders(path == nullptr ? "" : path);
-        for (std::string folder; std::getline(folders, folder, ':');) {
-            folder.append("/").append(name);
-            if (!startFault(folder)) {
-                return folder;
-            }
-        }
-        return name;
-    }
-
-    // Its name tells the launcher library what it is.
-    static bool isJvmLibrary(const std::string& path) {
-        const std::string name = std::filesystem::path(path).filename();
-        return name.ends_with(".dylib") || name.ends_with(".jnilib") ||
-               name.find(".so") != std::string::npos;
-    }
-
     void examineJvm() {
-        Argument jvm = jvmOf(examination_, plan_);
-        if (jvm.text.empty()) {
-            return;  // the launcher library looks for one itself
+        const Jvm jvm = jvmOf(examination_, plan_);
+        if (jvm.kind == JvmKind::kNone) {
+            return;
         }
-        const bool isJava = examination_.inputs.traits.isDirectJavaShape();
-        if (!isJava && jvm.text.find(L'/') == std::wstring::npos) {
-            jvm.text = toWide(alongPath(toNarrow(jvm.text)));
-        }
-        const std::string path = toNarrow(jvm.text);
+        const std::string path = toNarrow(jvm.path.text);
         Examined& examined = begin("JVM", path);
-        if (!exists(jvm.text)) {
-            addFault(examined, "RI601", jvm.origin, absenceText(jvm.text, errno));
-        } else if (isFolder(path) && !isJava) {  // in which the launcher library looks for one
-            if (!existsA(path + "/java") && !existsA(path + "/libjvm.so")) {
-                addFault(examined, "RI802", jvm.origin,
-                         inQuotes(jvm.text) + " is a folder without JVM");
-            }
-        } else if (path.ends_with(".ee") || path.ends_with(".dll")) {
-            return;  // a description, whose contents the launcher library reads
-        } else if (isJvmLibrary(path) && !isJava) {
-            judgeLibrary(examined, jvm, kJvmEntryPoints);
-        } else {
-            judgeProgram(examined, jvm);
+        if (!exists(jvm.path.text)) {
+            addFault(examined, "RI601", jvm.path.origin, absenceText(jvm.path.text, errno));
+        } else if (jvm.kind == JvmKind::kLibrary) {
+            judgeLibrary(examined, jvm.path, kJvmEntryPoints);
+        } else if (jvm.kind == JvmKind::kProgram) {
+            judgeProgram(examined, jvm.path);
+        } else if (jvm.kind == JvmKind::kFolder && !existsA(path + "/java") &&
+                   !existsA(path + "/libjvm.so")) {
+            addFault(examined, "RI802", jvm.path.origin,
+                     inQuotes(jvm.path.text) + " is a folder without JVM");
         }
     }
 

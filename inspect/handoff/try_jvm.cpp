@@ -37,10 +37,6 @@ constexpr std::chrono::seconds kLimit{30};
 constexpr std::size_t kLongestOutput = 65536;
 constexpr int kLevelsToHome = 4;  // from JDK/jre/lib/server/libjvm.so
 
-bool isLibrary(const files::path& path) {
-    return path.filename().string().find(".so") != std::string::npos;
-}
-
 // The program of the home that a library lies in; empty without one. A link there that leads out of the home
 // is another JVM's.
 std::string programBeside(const files::path& library) {
@@ -57,26 +53,30 @@ std::string programBeside(const files::path& library) {
     return {};
 }
 
-// What makes the JVM in a trial.
+// What makes the JVM in a trial; empty without a program.
 struct Maker {
-    std::string program;  // empty without one
+    files::path program = {};
     bool isForLibrary = false;
 };
 
-Maker makerOf(const std::string& jvm, bool isJava) {
-    if (isJava) {
-        return {jvm};
+Maker makerBeside(const std::string& library) {
+    const auto resolved = resolvedPath(library);
+    return {resolved ? programBeside(*resolved) : std::string(), true};
+}
+
+Maker makerOf(const Jvm& jvm) {
+    const std::string path = toNarrow(jvm.path.text);
+    switch (jvm.kind) {
+        case JvmKind::kProgram:
+            return startFault(path) ? Maker{} : Maker{path};
+        case JvmKind::kLibrary:
+            return makerBeside(path);
+        case JvmKind::kFolder:
+            return startFault(path + "/java") ? makerBeside(path + "/libjvm.so")
+                                              : Maker{path + "/java"};
+        default:
+            return {};
     }
-    if (isFolder(jvm)) {  // in which the launcher library looks for either
-        const std::string program = jvm + "/java";
-        return startFault(program)
-                   ? Maker{programBeside(resolvedPath(jvm + "/libjvm.so").value_or(jvm)), true}
-                   : Maker{program};
-    }
-    const files::path path = resolvedPath(jvm).value_or(jvm);
-    return isLibrary(path)   ? Maker{programBeside(path), true}
-           : startFault(jvm) ? Maker{}
-                             : Maker{jvm};
 }
 
 // What of the command line is the JVM's.
@@ -121,7 +121,7 @@ void changeEnvironment(const EnvironmentChanges& changes) {
 }
 
 struct Trial {
-    std::optional<int> status;  // none of what the limit has ended
+    std::optional<int> status;  // as waitpid(2) gives it; none of what the limit has ended
     std::string said;
 };
 
@@ -147,20 +147,23 @@ std::string outputUntil(Clock::time_point end, int input) {
     return said;
 }
 
-// A program may go on when it has closed its output. What it has started ends with it.
+// A program may go on when it has closed its output. What it has started ends with it, so it is awaited only when
+// that is done: until then its number is nobody else's.
 std::optional<int> statusUntil(Clock::time_point end, pid_t child) {
     constexpr std::chrono::milliseconds kPause{10};
-    int status = 0;
-    pid_t ended = 0;
-    while ((ended = waitpid(child, &status, WNOHANG)) == 0 && Clock::now() < end) {
+    const auto hasEnded = [child] {
+        siginfo_t info{};
+        return waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+               info.si_pid != 0;
+    };
+    while (!hasEnded() && Clock::now() < end) {
         std::this_thread::sleep_for(kPause);
     }
-    if (ended == 0) {
-        (void)kill(-child, SIGKILL);
-        (void)waitpid(child, &status, 0);
-        return std::nullopt;
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    const bool isInTime = hasEnded();
+    (void)kill(-child, SIGKILL);
+    int status = 0;
+    (void)waitpid(child, &status, 0);
+    return isInTime ? std::optional<int>(status) : std::nullopt;
 }
 
 // Throws std::runtime_error when nothing can be started.
@@ -179,12 +182,18 @@ Trial run(const std::vector<std::string>& words, const EnvironmentChanges& chang
     if (child < 0) {
         throw std::runtime_error(strerror(errno));
     }
+    (void)setpgid(child, child);  // also done by the child: whichever comes first
     answer.writeEnd.reset();
     const Clock::time_point end = Clock::now() + kLimit;
     Trial trial;
     trial.said = outputUntil(end, answer.readEnd.get());
     trial.status = statusUntil(end, child);
     return trial;
+}
+
+std::string endText(int status) {
+    return WIFSIGNALED(status) ? "is ended by signal " + std::to_string(WTERMSIG(status))
+                               : "ends with status " + std::to_string(WEXITSTATUS(status));
 }
 
 std::string firstLines(const std::string& text, std::size_t count) {
@@ -202,24 +211,26 @@ std::string firstLines(const std::string& text, std::size_t count) {
 Examined tryJvm(const Examination& examination) {
     Examined examined{.what = "tried JVM", .path = "nothing"};
     const std::optional<Plan> plan = planOf(examination);
-    const Argument jvm = plan ? jvmOf(examination, *plan) : Argument();
-    if (jvm.text.empty()) {
+    const Jvm jvm = plan ? jvmOf(examination, *plan) : Jvm();
+    if (jvm.kind == JvmKind::kNone) {
         return examined;
     }
     const auto addFault = [&](const char* code, const std::string& message) {
         examined.faults.push_back(
-            faultAt(examination, code, jvm.origin, inQuotes(jvm.text) + " " + message));
+            faultAt(examination, code, jvm.path.origin, inQuotes(jvm.path.text) + " " + message));
     };
-    const bool isJava = examination.inputs.traits.isDirectJavaShape();
-    const Maker maker = makerOf(toNarrow(jvm.text), isJava);
+    const Maker maker = makerOf(jvm);
     if (maker.program.empty()) {
-        addFault("RI815", "has no program \"java\" of its own");
+        addFault("RI815", jvm.kind == JvmKind::kDescription
+                              ? "is a description that the launcher library reads"
+                              : "has no program \"java\" of its own");
         return examined;
     }
-    std::vector<std::string> words{maker.program};
+    std::vector<std::string> words{files::absolute(maker.program)};
     if (maker.isForLibrary) {  // as the launcher library makes it
         words.emplace_back("-XX:+IgnoreUnrecognizedVMOptions");
     }
+    const bool isJava = examination.inputs.traits.isDirectJavaShape();
     for (const std::string& option : jvmOptions(*plan, isJava)) {
         words.push_back(option);
     }
@@ -230,7 +241,7 @@ Examined tryJvm(const Examination& examination) {
         if (!trial.status) {
             addFault("RI810", "has not answered within 30 seconds");
         } else if (*trial.status != 0) {
-            addFault("RI810", "ends with status " + std::to_string(*trial.status) +
+            addFault("RI810", endText(*trial.status) +
                                   (trial.said.empty() ? "" : ": " + firstLines(trial.said, 3)));
         }
     } catch (const std::runtime_error& problem) {

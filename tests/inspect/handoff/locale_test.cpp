@@ -35,6 +35,23 @@ TEST_F(LocaleTest, ThatCannotExpressTheWorkspaceIsFound) {
     EXPECT_NE(told("explain", "wörk").find("cannot start the platform: RI814"), std::string::npos);
 }
 
+TEST_F(LocaleTest, ThatIsNotInstalledIsWhatProgramsBeginWith) {
+    locale_ = "C.UTF-8";
+    append(kProperties, "env.set.LC_ALL=xx_YY.UTF-8\n");
+    EXPECT_NE(told("check", "wörk")
+                  .find("the JVM gets LC_ALL=xx_YY.UTF-8, which is not installed, whose characters "
+                        "ANSI_X3.4-1968 cannot express"),
+              std::string::npos)
+        << told("check", "wörk");
+}
+
+TEST_F(LocaleTest, HasToExpressPathsAlone) {
+    append(kProperties, "vmarg.title=-Dtitle=Käse/Brot\nvmarg.page=-Dpage=http://host/Käse\n");
+    EXPECT_FALSE(tells("check", "work")) << told("check", "work");
+    append(kProperties, "vmarg.file=-Dfile=file:/Käse\n");
+    EXPECT_TRUE(tells("check", "work")) << told("check", "work");
+}
+
 TEST_F(LocaleTest, IsThatOfTheJvmAndNotItsOwn) {
     EXPECT_NE(
         told("doctor", "work").find("✓ locale                  characters are ANSI_X3.4-1968"),

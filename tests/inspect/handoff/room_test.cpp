@@ -84,6 +84,14 @@ TEST_F(SmallRoom, ForTooFewBytesIsFoundAndEndsTheLaunch) {
     expectLack(" bytes of user ");
 }
 
+// A file system gives out blocks: a dozen small files take more than their bytes.
+TEST_F(SmallRoom, ForTooFewBlocksIsFoundAndEndsTheLaunch) {
+    if (const std::string obstacle = mountHome("size=20k,nr_inodes=1000"); !obstacle.empty()) {
+        GTEST_SKIP() << obstacle;
+    }
+    expectLack("/home has room for 20480 bytes of user ");
+}
+
 TEST_F(SmallRoom, ThatIsEnoughIsNotComplainedOf) {
     if (const std::string obstacle = mountHome("size=8m,nr_inodes=1000"); !obstacle.empty()) {
         GTEST_SKIP() << obstacle;

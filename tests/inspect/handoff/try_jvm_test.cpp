@@ -1,8 +1,12 @@
 // The JVM of a launch, tried: a script in its place tells what it was given.
+#include "base/unique_fd.h"
 #include "tests/inspect/paths.h"
 #include "tests/inspect/status_fixture.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
 
 namespace rcp::inspect::test {
 namespace {
@@ -20,8 +24,10 @@ class TriedJvm : public StatusTest {
     [[nodiscard]] std::string check(int status, const Words& arguments = {}) const {
         Words words{seen(INSPECT_PROGRAM), "check", "--install", installation(), "--try-jvm", "--"};
         words.insert(words.end(), arguments.begin(), arguments.end());
-        Words variables = environment();
-        variables.insert(variables.end(), variables_.begin(), variables_.end());
+        Words variables = variables_;  // in front: the first of a name counts
+        for (const std::string& variable : environment()) {
+            variables.push_back(variable);
+        }
         Program program(words, variables);
         std::string text = program.rest();
         EXPECT_EQ(program.wait(), status) << text;
@@ -60,6 +66,38 @@ TEST_F(TriedJvm, OfALibraryIsNotTheProgramOfAnotherHome) {
     std::filesystem::remove(folder_.path() / kJava);
     std::filesystem::create_symlink(folder_.path() / "elsewhere/java", folder_.path() / kJava);
     expectFinding("has no program \"java\" of its own", check(1));
+}
+
+TEST_F(TriedJvm, IsFoundAlongThePath) {
+    writeJava("java/velmojava", "exit 7");
+    variables_ = {"PATH=/usr/bin:/bin:" + folder_.narrow("java")};
+    expectFinding(
+        "RI810 jvm-refuses: \"" + folder_.narrow("java/velmojava") + "\" ends with status 7",
+        check(2, {"-vm", "velmojava"}));
+}
+
+TEST_F(TriedJvm, OfWhichOnlyADescriptionIsThereIsNotTried) {
+    folder_.write("default.ee", "-Dee.executable=java\n");
+    expectFinding("is a description that the launcher library reads",
+                  check(1, {"-vm", folder_.narrow("default.ee")}));
+}
+
+TEST_F(TriedJvm, ThatASignalEndsIsToldAsThat) {
+    writeJava(kJava, "kill -SEGV $$");
+    expectFinding("is ended by signal 11", check(2));
+}
+
+TEST_F(TriedJvm, TakesWithItWhatItHasStarted) {
+    const std::string pipe = folder_.narrow("alive");
+    ASSERT_EQ(mkfifo(pipe.c_str(), S_IRWXU), 0);
+    // The one that stays holds the pipe open, and not the output.
+    writeJava(kJava, "exec 3>\"" + pipe + "\"; sleep 1000 >/dev/null 2>&1 & exit 7");
+    const UniqueFd alive(open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    expectFinding(" ends with status 7", check(2));
+    pollfd awaited{alive.get(), POLLIN, 0};
+    constexpr int kPatience = 60'000;  // milliseconds
+    EXPECT_EQ(poll(&awaited, 1, kPatience), 1);
+    EXPECT_NE(awaited.revents & POLLHUP, 0);
 }
 
 TEST_F(TriedJvm, MayCloseItsOutputBeforeItEnds) {
