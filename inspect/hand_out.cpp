@@ -20,16 +20,13 @@ namespace {
 
 using Json = Redactor::Json;
 
-// How much is changed at once: what has been flushed when lines are whole, or everything at the end.
-enum class Pace { kLines, kWhole };
+using Change = std::function<std::string(const std::string&)>;
 
-// Changes what is written to a stream. At the end the last line may be unfinished.
+// Changes what is written to a stream whenever its lines are whole. At the end the last may be unfinished.
 class Filter : public std::stringbuf {
   public:
-    using Change = std::function<std::string(const std::string&)>;
-
-    Filter(std::ostream& stream, Pace pace, Change change)
-        : stream_(stream), pace_(pace), change_(std::move(change)), former_(stream.rdbuf(this)) {}
+    Filter(std::ostream& stream, Change change)
+        : stream_(stream), change_(std::move(change)), former_(stream.rdbuf(this)) {}
     ~Filter() override {
         isEnding_ = true;
         stream_.flush();
@@ -43,8 +40,7 @@ class Filter : public std::stringbuf {
   protected:
     int sync() override {
         const std::string text = str();
-        const bool isReady = isEnding_ || (pace_ == Pace::kLines && text.ends_with('\n'));
-        if (text.empty() || !isReady) {
+        if (text.empty() || !(isEnding_ || text.ends_with('\n'))) {
             return 0;
         }
         str({});
@@ -55,10 +51,27 @@ class Filter : public std::stringbuf {
 
   private:
     std::ostream& stream_;
-    Pace pace_;
     Change change_;
     std::streambuf* former_;
     bool isEnding_ = false;
+};
+
+// Holds what is written to a stream.
+class Hold {
+  public:
+    explicit Hold(std::ostream& stream) : stream_(stream), former_(stream.rdbuf(&held_)) {}
+    ~Hold() { stream_.rdbuf(former_); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    Hold(Hold&&) = delete;
+    Hold& operator=(Hold&&) = delete;
+
+    [[nodiscard]] std::string text() const { return held_.str(); }
+
+  private:
+    std::stringbuf held_;
+    std::ostream& stream_;
+    std::streambuf* former_;
 };
 
 // SARIF has a place of its own for what others do not know.
@@ -110,30 +123,58 @@ int writeAsPage(CarryOut command, Options options) {
     return told.status;
 }
 
-int writeRedacted(CarryOut command, const Options& options) {
-    Redactor redactor = redactorFor(options);
-    // A line may hold, with no name beside it, what a later one gives away.
-    const auto changeText = [&](const std::string& text) {
+std::string shown(const Json& document, int indent) {
+    return document.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+// Line by line, as they come.
+int watchRedacted(CarryOut command, const Options& options, Redactor& redactor) {
+    const Change changeText = [&](const std::string& text) {
         redactor.learn(text);
         return redactor.redact(text);
     };
-    const Pace pace = options.isWatching ? Pace::kLines : Pace::kWhole;
-    const Filter errors(std::cerr, pace, changeText);
-    int status = kSuccess;
-    if (options.format != Format::kText) {
-        const int indent = options.isWatching ? -1 : 2;
-        const Filter output(std::cout, pace, [&](const std::string& text) {
-            Json document = Json::parse(text);
-            redact(document, redactor);
-            return document.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
-        });
-        return command(options);
-    }
+    const Change changeDocument = [&](const std::string& text) {
+        Json document = Json::parse(text);
+        redact(document, redactor);
+        return shown(document, -1);
+    };
+    const Filter errors(std::cerr, changeText);
+    const Filter output(std::cout, options.format == Format::kText ? changeText : changeDocument);
+    return command(options);
+}
+
+// A line may hold, with no name beside it, what a later one or an error gives away.
+int writeRedactedAtOnce(CarryOut command, const Options& options, Redactor& redactor) {
+    Told told;
+    std::string errors;
     {
-        const Filter output(std::cout, pace, changeText);
-        status = command(options);
+        const Hold held(std::cerr);
+        told = toldBy(command, options);
+        errors = held.text();
     }
-    if (const std::string list = redactor.redactionsText(); !list.empty()) {
+    if (options.format == Format::kText || told.output.empty()) {
+        redactor.learn(told.output);
+        redactor.learn(errors);
+        std::cerr << redactor.redact(errors);
+        std::cout << redactor.redact(told.output);
+    } else {
+        Json document = Json::parse(told.output);
+        redactor.learnDocument(document);
+        redactor.learn(errors);
+        std::cerr << redactor.redact(errors);  // or the list would be without what was in it
+        redactor.redactDocument(document);
+        addList(document, redactor.redactions());
+        std::cout << shown(document, 2);
+    }
+    return told.status;
+}
+
+int writeRedacted(CarryOut command, const Options& options) {
+    Redactor redactor = redactorFor(options);
+    const int status = options.isWatching ? watchRedacted(command, options, redactor)
+                                          : writeRedactedAtOnce(command, options, redactor);
+    const std::string list = redactor.redactionsText();
+    if (options.format == Format::kText && !list.empty()) {
         std::cout << "\nRedacted:\n" << list;
     }
     return status;
@@ -142,11 +183,9 @@ int writeRedacted(CarryOut command, const Options& options) {
 }  // namespace
 
 Told toldBy(CarryOut command, const Options& options) {
-    std::ostringstream output;
-    std::streambuf* const former = std::cout.rdbuf(output.rdbuf());
+    const Hold output(std::cout);
     const int status = command(options);
-    std::cout.rdbuf(former);
-    return {status, std::move(output).str()};
+    return {status, output.text()};
 }
 
 int handOut(CarryOut command, const Options& options) {

@@ -20,7 +20,6 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -175,12 +174,13 @@ int launchOn(Stage& stage, int argc, char** argv) {
 
 // --- Around it --------------------------------------------------------------------------------------
 
-// Somebody who waits for more than a second in front of a terminal wants to know for what.
+// Somebody who waits for more than a second in front of a terminal wants to know for what, and at once: what is redacted
+// is held until it is whole.
 void tellIfSlow(int descriptor) {
     constexpr int kSecond = 1000;  // poll(2) counts milliseconds
     pollfd awaited{descriptor, POLLIN, 0};
     if (isatty(STDERR_FILENO) != 0 && poll(&awaited, 1, kSecond) == 0) {
-        std::cerr << "rcpinspect: rehearsing the launch ...\n";
+        (void)writeFully(STDERR_FILENO, "rcpinspect: rehearsing the launch ...\n");
     }
 }
 

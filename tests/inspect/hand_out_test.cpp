@@ -43,6 +43,17 @@ int tellUnfinished(const Options& /*options*/) {
     return kSuccess;
 }
 
+// One whose errors give away what it tells.
+int tellInErrors(const Options& options) {
+    if (options.format == Format::kText) {
+        std::cout << "found kordelan77\n";
+    } else {
+        std::cout << R"({"command": "diff", "text": "found kordelan77"})";
+    }
+    std::cerr << "rcpinspect: token=kordelan77\n";
+    return kSuccess;
+}
+
 class HandOut : public rcp::test::LauncherTest {
   protected:
     HandOut() { CaptureStderr(); }
@@ -76,7 +87,7 @@ TEST_F(HandOut, RedactsADocumentAndListsWhatWasRedacted) {
     const auto told = nlohmann::json::parse(text(true, Format::kJson));
     EXPECT_THAT(std::string(told["value"]), testing::StartsWith("<redacted:"));
     EXPECT_EQ(told["redacted"][0]["name"], "db.password");
-    EXPECT_EQ(told["redacted"][0]["count"], 1);
+    EXPECT_EQ(told["redacted"][0]["count"], 2) << "one of them is in the errors";
 }
 
 TEST_F(HandOut, RedactsErrorsToo) {
@@ -98,6 +109,23 @@ TEST_F(HandOut, RedactsAnUnfinishedLineAndWhatItGivesAway) {
     EXPECT_TRUE(std::regex_match(output, lines)) << output;
     EXPECT_TRUE(std::regex_match(errors, lines)) << errors;
     EXPECT_THAT(output, HasSubstr("\nRedacted:\n"));
+}
+
+TEST_F(HandOut, KnowsAndListsWhatItsErrorsGiveAway) {
+    options_.isRedacted = true;
+    for (const Format format : {Format::kText, Format::kJson}) {
+        options_.format = format;
+        CaptureStdout();
+        EXPECT_EQ(handOut(tellInErrors, options_), kSuccess);
+        const std::string output = GetCapturedStdout();
+        EXPECT_TRUE(std::regex_search(output, std::regex("found <redacted:[0-9a-f]{6}>")))
+            << output;
+        const bool isListed =
+            format == Format::kText
+                ? std::regex_search(output, std::regex("\ntoken [0-9a-f]{6}, 2 times\n"))
+                : nlohmann::json::parse(output)["redacted"][0]["count"] == 2;
+        EXPECT_TRUE(isListed) << output;
+    }
 }
 
 TEST_F(HandOut, MakesThePageOfTheDocumentAndSaysHowItWasMade) {

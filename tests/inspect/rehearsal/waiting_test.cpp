@@ -5,6 +5,7 @@
 #include <stdlib.h>
 
 #include <set>
+#include <utility>
 
 namespace rcp::inspect::test {
 namespace {
@@ -84,6 +85,42 @@ TEST_F(SlowRehearsal, TellsWhoeverWaitsAtATerminalForWhat) {
     EXPECT_TRUE(program.rest().starts_with("What a launch would do\n"));
     EXPECT_EQ(program.wait(), 0);
     close(held);
+    close(terminal);
+}
+
+// Redaction holds the answer until it is whole, and rehearses the launch once more to learn of it.
+TEST_F(SlowRehearsal, TellsItInFrontOfARedactedAnswer) {
+    folder_.write("bin/ps", "#!/bin/sh\ncd '" + folder_.narrow() +
+                                "'\n: >asked.$PPID\n"
+                                "while [ ! -e answered.$PPID ]; do sleep 0.05; done\n");
+    const auto answerThoseWhoAsked = [&] {
+        for (const auto& entry : files::directory_iterator(folder_.path())) {
+            if (const std::string name = entry.path().filename(); name.starts_with("asked.")) {
+                folder_.write("answered" + name.substr(name.find('.')), "");
+            }
+        }
+    };
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    int held = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    Words words = {"/bin/sh", "-c", R"(tty=$1; shift; exec "$@" >"$tty" 2>&1)", "sh",
+                   ptsname(terminal)};
+    const Words explain = explainWords({}, {"--redact"});
+    words.insert(words.end(), explain.begin(), explain.end());
+    Words variables = slowEnvironment();
+    variables.emplace_back("NO_COLOR=1");
+    Program program(words, variables);
+    const std::string progress = "rcpinspect: rehearsing the launch ...\r\n";
+    std::string told;
+    for (char next = 0; read(terminal, &next, 1) == 1;) {
+        told += next;
+        if (told.ends_with(progress)) {
+            answerThoseWhoAsked();
+            close(std::exchange(held, -1));  // from now on the program alone has it
+        }
+    }
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(told.starts_with(progress + progress + "What a launch would do\r\n")) << told;
     close(terminal);
 }
 
