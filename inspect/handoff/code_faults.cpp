@@ -3,6 +3,7 @@
 #include "base/system_calls.h"
 #include "inspect/handoff/own_code.h"
 #include "inspect/quiet_read.h"
+#include "platform/files.h"
 
 #include <errno.h>
 #include <string.h>
@@ -123,9 +124,11 @@ std::optional<std::string> loadFault(const std::string& path,
 
 std::vector<std::string> missingLibraries(const std::string& path, const std::string& variable) {
     std::vector<std::string> missing;
-    const std::optional<OwnCode> code = readOwnCode(readQuietly(path, kLongestCode));
+    // Unlike a library's, a program's own folder is that of the file which links lead to.
+    const std::string program = resolvedPath(path).value_or(path);
+    const std::optional<OwnCode> code = readOwnCode(readQuietly(program, kLongestCode));
     for (const std::string& name : code ? code->libraries : std::vector<std::string>()) {
-        if (findLibrary(name, *code, path, variable).empty()) {
+        if (findLibrary(name, *code, program, variable).empty()) {
             missing.push_back(name);
         }
     }

@@ -20,7 +20,7 @@ std::optional<std::string> loadFault(const std::string& path,
                                      std::span<const char* const> entryPoints,
                                      const std::string& variable);
 
-/// The libraries that a program or library needs and that are nowhere.
+/// The libraries that a program needs and that are nowhere.
 std::vector<std::string> missingLibraries(const std::string& path, const std::string& variable);
 
 }  // namespace rcp::inspect

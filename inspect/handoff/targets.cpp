@@ -26,6 +26,15 @@ constexpr const char* kMainClasses[] = {"org/eclipse/equinox/launcher/Main.class
 constexpr const char* kJvmEntryPoints[] = {"JNI_CreateJavaVM"};
 constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS"};
 
+// Where a JVM's library looks for the classes of Java that it cannot start without: below HOME of
+// HOME/lib/server/libjvm.so, until Java 8 of HOME/lib/amd64/server/libjvm.so. The first is the usual one; the last
+// are those of a JVM that lies as it was compiled.
+std::vector<std::string> placesOfClasses(const std::filesystem::path& library) {
+    const auto home = library.parent_path().parent_path().parent_path();
+    return {home / "lib/modules", home / "lib/rt.jar", home.parent_path() / "lib/rt.jar",
+            home / "modules/java.base/java/lang/Object.class"};
+}
+
 class Examiner {
   public:
     Examiner(const Examination& examination, const Plan& plan)
@@ -87,6 +96,30 @@ class Examiner {
         }
     }
 
+    void judgeJvmLibrary(Examined& examined, const Argument& jvm) const {
+        judgeLibrary(examined, jvm, kJvmEntryPoints);
+        const std::string path = toNarrow(jvm.text);
+        const std::filesystem::path library = resolvedPath(path).value_or(path);
+        const std::vector<std::string> places = placesOfClasses(library);
+        const auto isNothing = [](const auto& place) { return readQuietly(place, 1).empty(); };
+        if (examined.faults.empty() && library.filename().string().starts_with("libjvm.") &&
+            std::all_of(places.begin(), places.end(), isNothing)) {
+            addFault(examined, "RI601", jvm.origin,
+                     inQuotes(jvm.text) + " is without its JRE: there is no " +
+                         inQuotes(places.front()));
+        }
+    }
+
+    void judgeJvmFolder(Examined& examined, const Argument& folder) const {
+        const Argument library(folder.text + L"/libjvm.so", folder.origin);
+        if (exists(library.text)) {
+            judgeJvmLibrary(examined, library);
+        } else {
+            addFault(examined, "RI802", folder.origin,
+                     inQuotes(folder.text) + " is a folder without JVM");
+        }
+    }
+
     void examineProgram() {
         const Argument& program = plan_.line.arguments().front();
         if (!examination_.inputs.traits.isDirectJavaShape()) {
@@ -110,13 +143,11 @@ class Examiner {
         if (!exists(jvm.path.text)) {
             addFault(examined, "RI601", jvm.path.origin, absenceText(jvm.path.text, errno));
         } else if (jvm.kind == JvmKind::kLibrary) {
-            judgeLibrary(examined, jvm.path, kJvmEntryPoints);
+            judgeJvmLibrary(examined, jvm.path);
         } else if (jvm.kind == JvmKind::kProgram) {
             judgeProgram(examined, jvm.path);
-        } else if (jvm.kind == JvmKind::kFolder && !existsA(path + "/java") &&
-                   !existsA(path + "/libjvm.so")) {
-            addFault(examined, "RI802", jvm.path.origin,
-                     inQuotes(jvm.path.text) + " is a folder without JVM");
+        } else if (jvm.kind == JvmKind::kFolder && !existsA(path + "/java")) {
+            judgeJvmFolder(examined, jvm.path);
         }
     }
 

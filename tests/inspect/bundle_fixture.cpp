@@ -56,6 +56,7 @@ AppBundle::AppBundle() {
         write(kBase + "/config/user/" + name, "");
     }
     write(kBase + "/config/user/config.ini", "osgi.bundles=org.eclipse.osgi\n");
+    write(kContents + "/jre/Contents/Home/lib/modules", "classes");
     write(kInfo,
           list(text("CFBundleExecutable", "rcplauncher") +
                text("CFBundleIdentifier", "com.example.velmo") +

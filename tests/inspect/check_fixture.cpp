@@ -32,8 +32,9 @@ Maker::Maker() {
     folder_.write(kInheritedConfiguration, "osgi.bundles=org.eclipse.osgi\n");
     folder_.write(base + "/config/user/platform.xml", "");
     folder_.write(kMaster, "product=mine\n");
-    place("jre/lib/libjvm.so", "standin_jvm.so");
-    setExecutable("jre/lib/libjvm.so", false);
+    place(kJvmLibrary, "standin_jvm.so");
+    setExecutable(kJvmLibrary, false);
+    folder_.write(kClasses, "classes");
     folder_.write(kJvmProperties, "jvm.feature.id=feature\n");
     folder_.write(kLauncherProperties,
                   "rcp.install.id=test\n"
@@ -43,7 +44,7 @@ Maker::Maker() {
                       "rcp.data=${rcp.home}/workspace\n"
                       "invoke.eclipse.dylib=0\n"
                       "jvm.location=${rcp.home}/jre\n"
-                      "jvm.libpath=/lib/libjvm.so\n"
+                      "jvm.libpath=/lib/server/libjvm.so\n"
                       "plugincustomization=" +
                       folder_.narrow("rcp/plugins.ini") + "\n");
 }

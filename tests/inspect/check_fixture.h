@@ -12,7 +12,9 @@
 namespace rcp::inspect {
 
 inline constexpr char kLauncherProperties[] = "rcp/rcplauncher.properties";
-inline constexpr char kJvmProperties[] = "jre/jvm.properties";
+inline constexpr char kJvmLibrary[] = "jre/lib/server/libjvm.so";
+inline constexpr char kClasses[] = "jre/lib/modules";
+inline constexpr char kJvmProperties[] = "jre/lib/jvm.properties";
 inline constexpr char kDefaultJvmProperties[] = "rcp/deploy/jvm.properties";
 inline constexpr char kBaseFolder[] = "rcp/eclipse/plugins/com.ovr.rcp.base";
 // What the platform's configuration has for those that name nothing themselves.

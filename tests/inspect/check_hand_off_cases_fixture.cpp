@@ -8,7 +8,6 @@ namespace {
 const std::string kBase = kBaseFolder;
 const std::string kProgram = kBase + "/macosx/x86/eclipse";
 const std::string kLibrary = kBase + "/macosx/x86/eclipse_1615.so";
-const std::string kJvm = "jre/lib/libjvm.so";
 const std::string kJar = kBase + "/launcher.jar";
 const std::string kFramework = kBase + "/plugins/org.eclipse.osgi_1.0.jar";
 constexpr char kConfigIni[] = "rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini";
@@ -32,7 +31,7 @@ Change configHas(const std::string& text) {
 
 Change isService() {
     return [](const Maker& maker) {
-        maker.place("jre/lib/libjvm.so", "standin_platform");
+        maker.place(kJvmLibrary, "standin_platform");
         maker.append(kLauncherProperties, "install.configuration=service\n");
         maker.append("rcp/eclipse/plugins/com.ovr.rcp.base/config/config.ini", "");
         maker.append(kLauncherProperties, "cp=" + maker.folder().narrow(kJar) + "\n");
@@ -67,10 +66,11 @@ std::vector<Case> codeCases() {
          becomes(kProgram, "#!/bin/sh\n"), kLauncherProperties, inAll(2)},
         {"RI801", "ProgramThatWasCut", isCut(kProgram), nothingChanges, kLauncherProperties,
          inAll(2)},
-        {"RI801", "JvmOfAServiceThatIsText", both(isService(), becomes(kJvm, "no program")),
+        {"RI801", "JvmOfAServiceThatIsText", both(isService(), becomes(kJvmLibrary, "no program")),
          isService(), kLauncherProperties, inAll(5)},
-        {"RI801", "JvmOfAServiceThatIsAFolder", both(isService(), isFolderWith(kJvm, "java")),
-         isService(), kLauncherProperties, inAll(5)},
+        {"RI801", "JvmOfAServiceThatIsAFolder",
+         both(isService(), isFolderWith(kJvmLibrary, "java")), isService(), kLauncherProperties,
+         inAll(5)},
         {"RI802", "EmptyLauncherLibrary", becomes(kLibrary, ""), nothingChanges,
          kLauncherProperties, inAll(2)},
         {"RI802", "LauncherLibraryThatWasCut", isCut(kLibrary), nothingChanges, kLauncherProperties,
@@ -79,11 +79,11 @@ std::vector<Case> codeCases() {
          nothingChanges, kLauncherProperties, inAll(2)},
         {"RI802", "LauncherLibraryWithoutEntryPoint", isStandIn(kLibrary, "standin_without_run.so"),
          nothingChanges, kLauncherProperties, inAll(2)},
-        {"RI802", "JvmThatIsText", becomes(kJvm, "no library"), nothingChanges, kLauncherProperties,
-         inAll(5)},
-        {"RI802", "JvmThatIsAnotherLibrary", isStandIn(kJvm, "standin_eclipse.so"), nothingChanges,
+        {"RI802", "JvmThatIsText", becomes(kJvmLibrary, "no library"), nothingChanges,
          kLauncherProperties, inAll(5)},
-        {"RI802", "JvmThatIsAProgramByAnotherName", isStandIn(kJvm, "standin_platform"),
+        {"RI802", "JvmThatIsAnotherLibrary", isStandIn(kJvmLibrary, "standin_eclipse.so"),
+         nothingChanges, kLauncherProperties, inAll(5)},
+        {"RI802", "JvmThatIsAProgramByAnotherName", isStandIn(kJvmLibrary, "standin_platform"),
          nothingChanges, kLauncherProperties, inAll(5)},
     };
 }

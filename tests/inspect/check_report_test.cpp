@@ -79,8 +79,9 @@ TEST(CheckText, GroupsFindingsByFileAndEndsWithTheirNumbers) {
                         "at \"colour\"\n"),
               std::string::npos)
         << text;
-    EXPECT_NE(text.find("jre/jvm.properties\n  2: error RI404 no-option: \"word\" is no option\n"),
-              std::string::npos)
+    EXPECT_NE(
+        text.find("jre/lib/jvm.properties\n  2: error RI404 no-option: \"word\" is no option\n"),
+        std::string::npos)
         << text;
     EXPECT_TRUE(text.ends_with(": 1 error, 1 warning\n")) << text;
     EXPECT_EQ(text.find('\033'), std::string::npos);
@@ -274,11 +275,12 @@ TEST(Check, ChangesNothing) {
 
 TEST(Check, TakesTheJvmFromTheLaunchersArguments) {
     const Maker maker;
-    maker.place("other/lib/libjvm.so", "standin_jvm.so");
-    has("other/jvm.properties", "colour=red\n")(maker);
+    maker.place("other/lib/server/libjvm.so", "standin_jvm.so");
+    has("other/lib/modules", "classes")(maker);
+    has("other/lib/jvm.properties", "colour=red\n")(maker);
     Options options = maker.options();
     EXPECT_EQ(checkOf(options).status, 0);
-    options.arguments = {"-vm", maker.folder().narrow("other/lib/libjvm.so")};
+    options.arguments = {"-vm", maker.folder().narrow("other/lib/server/libjvm.so")};
     EXPECT_EQ(checkOf(options).status, 1);
 }
 
@@ -294,7 +296,7 @@ TEST(Check, NamesTheNumberOfAnArgumentThatNamesNoJvm) {
     }
     // The installation's own stands behind all arguments and in a line.
     options.arguments = {"-clean"};
-    lacks("jre/lib/libjvm.so")(maker);
+    lacks(kJvmLibrary)(maker);
     for (const Finding& finding : findEverything(examine(options)).sorted()) {
         EXPECT_EQ(finding.message.find("(argument"), std::string::npos) << finding.message;
         EXPECT_EQ(finding.line, 5U) << finding.message;
