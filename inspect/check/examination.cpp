@@ -15,6 +15,8 @@
 #include "platform/install_location.h"
 #include "platform/text.h"
 
+#include <errno.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -73,6 +75,24 @@ void readUserFile(LaunchInputs& inputs, const std::wstring& master) {
     }
 }
 
+// The installation's own file is the last that counts, and a launch takes the first that can be opened.
+void findPassedOver(const JvmPropertyLocation& location, const std::wstring& ofInstallation,
+                    Examination& examination) {
+    std::vector<std::wstring> files;
+    for (const std::wstring& root : jvmPropertyRoots(location.jvm)) {
+        files.push_back(root + paths::kJvmProperties);
+    }
+    files.push_back(ofInstallation);
+    for (const std::wstring& path : files) {
+        if (exists(path)) {
+            return;
+        }
+        if (errno != ENOENT && errno != ENOTDIR) {
+            examination.passedOver.emplace_back(path, errno);
+        }
+    }
+}
+
 void readJvmProperties(Examination& examination) {
     LaunchInputs& inputs = examination.inputs;
     JvmPropertyLocation location;
@@ -84,6 +104,7 @@ void readJvmProperties(Examination& examination) {
     }
     const std::wstring ofInstallation =
         inputs.installDir + paths::kJvmFolder + paths::kJvmProperties;
+    findPassedOver(location, ofInstallation, examination);
     // The installation's own file counts for other JVMs even when this one has a file of its own.
     for (const std::wstring& path : {location.file, ofInstallation}) {
         const bool isRead = path == location.file;

@@ -33,12 +33,13 @@ struct PropertyFile {
 struct Examination {
     std::string installation;
     std::string launcher;
-    std::vector<PropertyFile> files;  // those that can be read
-    Arguments arguments;              // the launcher's, before the extension
-    LaunchInputs inputs;              // placeholders not yet replaced
-    PropertyList userEntries;         // the user's list with its JVM arguments
-    std::wstring base;                // empty when it is not known
-    std::vector<std::wstring> unreadable;
+    std::vector<PropertyFile> files;                       // those that can be read
+    Arguments arguments;                                   // the launcher's, before the extension
+    LaunchInputs inputs;                                   // placeholders not yet replaced
+    PropertyList userEntries;                              // the user's list with its JVM arguments
+    std::wstring base;                                     // empty when it is not known
+    std::vector<std::wstring> unreadable;                  // where a launch ends
+    std::vector<std::pair<std::wstring, int>> passedOver;  // with what open(2) fails with
 
     [[nodiscard]] const PropertyFile* file(KeyFile kind) const;
     /// A path as findings show it.

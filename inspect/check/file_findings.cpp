@@ -179,6 +179,9 @@ void findInFiles(const Examination& examination, Findings& findings) {
     for (const std::wstring& path : examination.unreadable) {
         findings.add("RI601", examination.nameOf(path), 0, "the file cannot be read");
     }
+    for (const auto& [path, error] : examination.passedOver) {
+        findings.add("RI610", examination.nameOf(path), 0, absenceText(path, error));
+    }
     if (examination.file(kLauncherFile) == nullptr) {
         return;
     }

@@ -171,6 +171,9 @@ constexpr FindingRule kRules[] = {
     {"RI609", "no-room", kError,
      "A launch writes more than there is room for, on the disk or within the user's quota.",
      "Make room there, or name another workspace with -data."},
+    {"RI610", "passed-over", kWarning,
+     "The file cannot be opened. Launches pass over it as if it were not there.",
+     "Let everybody read it: chmod a+r."},
     // Application bundles
     {"RI701", "bundle-incomplete", kError,
      "The application bundle lacks something without which it does not start.",

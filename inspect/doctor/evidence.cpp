@@ -68,6 +68,9 @@ Subject subjectOf(const Finding& finding, const Evidence& evidence) {
     if (code == "RI609") {
         return Subject::kSpace;
     }
+    if (code == "RI610") {
+        return Subject::kJvmProperties;
+    }
     if (code == "RI603" || code == "RI606") {
         return Subject::kBase;
     }

@@ -71,9 +71,27 @@ void settleLibraryPath(PropertyList& properties) {
     }
 }
 
-std::optional<JvmPropertyRoot> rootWithProperties(std::wstring root) {
-    UniqueFd properties = jvmPropExists(root);
-    return properties ? std::optional(JvmPropertyRoot{std::move(root), std::move(properties)})
+// "/eclipse/plugins/NAME/" around the JVM.
+std::optional<std::wstring> pluginAround(const std::wstring& jvm) {
+    const std::size_t folder = jvm.find(kPluginFolder);
+    const std::size_t end =
+        folder == std::wstring::npos ? folder : jvm.find(L'/', folder + kPluginFolder.size());
+    return end == std::wstring::npos ? std::nullopt : std::optional(jvm.substr(0, end + 1));
+}
+
+// "/jre/" of "/jre/bin/java".
+std::optional<std::wstring> secondFolderAbove(const std::wstring& jvm) {
+    const std::size_t last = jvm.rfind(L'/');
+    if (last == std::wstring::npos || last == 0) {
+        return std::nullopt;
+    }
+    const std::size_t second = jvm.rfind(L'/', last - 1);
+    return second == std::wstring::npos ? std::nullopt : std::optional(jvm.substr(0, second + 1));
+}
+
+std::optional<JvmPropertyRoot> rootWithProperties(std::optional<std::wstring> root) {
+    UniqueFd properties = root ? jvmPropExists(*root) : UniqueFd();
+    return properties ? std::optional(JvmPropertyRoot{*std::move(root), std::move(properties)})
                       : std::nullopt;
 }
 
@@ -137,22 +155,19 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
 }
 
 std::optional<JvmPropertyRoot> getStandardJvmPropertyRoot(const std::wstring& jvm) {
-    const std::size_t folder = jvm.find(kPluginFolder);
-    if (folder == std::wstring::npos) {
-        return std::nullopt;
-    }
-    const std::size_t end = jvm.find(L'/', folder + kPluginFolder.size());
-    return end == std::wstring::npos ? std::nullopt : rootWithProperties(jvm.substr(0, end + 1));
+    return rootWithProperties(pluginAround(jvm));
 }
 
 std::optional<JvmPropertyRoot> getInstallJvmPropertyRoot(const std::wstring& jvm) {
-    const std::size_t last = jvm.rfind(L'/');
-    if (last == std::wstring::npos || last == 0) {
-        return std::nullopt;
+    return rootWithProperties(secondFolderAbove(jvm));
+}
+
+std::vector<std::wstring> jvmPropertyRoots(const std::wstring& jvm) {
+    std::vector<std::wstring> roots;
+    for (const std::optional<std::wstring>& root : {pluginAround(jvm), secondFolderAbove(jvm)}) {
+        roots.insert(roots.end(), root ? 1 : 0, root.value_or(std::wstring()));
     }
-    const std::size_t second = jvm.rfind(L'/', last - 1);
-    return second == std::wstring::npos ? std::nullopt
-                                        : rootWithProperties(jvm.substr(0, second + 1));
+    return roots;
 }
 
 UniqueFd jvmPropExists(const std::wstring& root) {

@@ -49,6 +49,8 @@ JvmPropertyLocation getJvmPropertyLocation(PropertyList& properties, const Argum
 std::optional<JvmPropertyRoot> getStandardJvmPropertyRoot(const std::wstring& jvm);
 /// The root two levels above the JVM executable, when it holds a jvm.properties.
 std::optional<JvmPropertyRoot> getInstallJvmPropertyRoot(const std::wstring& jvm);
+/// The folders that both look in, in this order.
+std::vector<std::wstring> jvmPropertyRoots(const std::wstring& jvm);
 /// The jvm.properties of a root, opened; empty without one.
 UniqueFd jvmPropExists(const std::wstring& root);
 

@@ -187,6 +187,13 @@ std::vector<Case> fileCases() {
          both(has(settings, "a=1\n"), has("workspace/.config/config.ini", "a=2\n")),
          both(has(settings, "a=1\n"), isLong("workspace/.config/config.ini")), settings.c_str(),
          inAll(1)},
+        {"RI610", "JvmPropertiesThatLeadToThemselves", isLinkToItself(kJvmProperties),
+         lacks(kJvmProperties), kJvmProperties, inAll(0)},
+        {"RI610", "JvmPropertiesOfTheInstallationThatLeadToThemselves",
+         both(lacks(kJvmProperties),
+              both(has(kDefaultJvmProperties, ""), isLinkToItself(kDefaultJvmProperties))),
+         both(has(kDefaultJvmProperties, ""), isLinkToItself(kDefaultJvmProperties)),
+         kDefaultJvmProperties, inAll(0)},
     };
 }
 
