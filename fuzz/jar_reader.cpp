@@ -1,8 +1,9 @@
-// The names in jars: in files that are none or were cut or changed, and in whole ones, whatever stands in front of
+// The names in jars and what their manifests say: in files that are none or were cut or changed, and in whole ones, whatever stands in front of
 // them and behind.
 //
 // Input: the file. And of a whole one: what stands in front of it, its comment, and its names.
 #include "fuzz/fuzz.h"
+#include "inspect/handoff/inflate.h"
 #include "inspect/handoff/jar.h"
 #include "inspect/report/zip_archive.h"
 #include "platform/text.h"
@@ -34,6 +35,13 @@ void checkBounds(std::string_view bytes) {
     require(bytes.find(kEnd) != std::string_view::npos, "what has no end is no jar");
 }
 
+void checkInflated(std::string_view bytes) {
+    constexpr std::size_t kMost = 5000;
+    const auto text = inspect::inflated(bytes, kMost);
+    require(!text || text->size() <= kMost, "no more is inflated than is asked for");
+    (void)inspect::mainClassOf(toNarrow(fuzz::fileWith(bytes)));
+}
+
 // The end's last two bytes are the comment's size.
 std::string withComment(std::string archive, const std::string& comment) {
     archive[archive.size() - 2] = static_cast<char>(comment.size() & 255U);
@@ -58,6 +66,7 @@ void checkWhole(const std::string& front, const std::string& comment,
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     checkBounds({reinterpret_cast<const char*>(data), size});
+    checkInflated({reinterpret_cast<const char*>(data), size});
     fuzz::Fields fields(data, size);
     const std::string front = fields.bytes();
     const std::string comment = fields.bytes();

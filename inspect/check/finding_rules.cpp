@@ -263,6 +263,11 @@ constexpr FindingRule kRules[] = {
      "Start with a locale of UTF-8, such as LC_ALL=C.UTF-8."},
     {"RI815", "jvm-not-tried", kWarning, "The JVM was to be tried (--try-jvm), and could not be.",
      "Mend what keeps it from being tried."},
+    {"RI816", "other-main-class", kWarning,
+     "The startup jar's manifest names another class than the platform's launcher. That one is "
+     "started, and "
+     "what it does is not known here.",
+     "Let the manifest name org.eclipse.equinox.launcher.Main, unless it is meant."},
 };
 
 }  // namespace

@@ -62,7 +62,6 @@ Fault faultAt(const Examination& examination, const char* code, const Origin& or
 }
 
 JarRead readJar(const std::string& path) {
-    constexpr char kManifest[] = "META-INF/MANIFEST.MF";
     if (!isAllowedAt(path, R_OK)) {
         return {.fault = std::string("cannot be read: ") + strerror(errno)};
     }
@@ -137,13 +136,17 @@ const Fault* obstacleIn(const std::vector<Examined>& handOff) {
     constexpr std::string_view kNeeded[] = {"program",      "launcher library", "JVM",
                                             "tried JVM",    "startup jar",      "class path",
                                             "install area", "framework",        "room"};
+    // Of what is needed, but may do all the same.
+    const auto isDoubt = [](const Fault& fault) {
+        return fault.code == std::string_view("RI815") || fault.code == std::string_view("RI816");
+    };
     // What keeps all bundles from starting, not one of them.
     constexpr std::string_view kFatal[] = {"RI811", "RI812", "RI814"};
     for (const Examined& examined : handOff) {
         const bool isNeeded =
             std::find(std::begin(kNeeded), std::end(kNeeded), examined.what) != std::end(kNeeded);
         for (const Fault& fault : examined.faults) {
-            if ((isNeeded && fault.code != std::string_view("RI815")) ||
+            if ((isNeeded && !isDoubt(fault)) ||
                 std::find(std::begin(kFatal), std::end(kFatal), fault.code) != std::end(kFatal)) {
                 return &fault;
             }

@@ -3,11 +3,15 @@
 #include "base/system_calls.h"
 #include "base/unique_fd.h"
 #include "inspect/bundle/bytes.h"
+#include "inspect/handoff/inflate.h"
 
 #include <fcntl.h>
+#include <strings.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <map>
+#include <sstream>
 
 namespace rcp::inspect {
 namespace {
@@ -22,6 +26,10 @@ constexpr std::uint64_t kLargeEndSize = 56;
 constexpr std::uint32_t kLocalEntry = 0x04034b50;
 constexpr std::uint32_t kEntry = 0x02014b50;
 constexpr std::uint64_t kEntrySize = 46;
+constexpr std::uint64_t kLocalEntrySize = 30;
+constexpr std::uint64_t kStored = 0;
+constexpr std::uint64_t kDeflated = 8;
+constexpr std::size_t kLongestFile = std::size_t{1} << 20U;
 constexpr std::uint64_t kInLargeEnd = 0xFFFFFFFF;
 constexpr std::uint64_t kCountedElsewhere = 0xFFFF;
 constexpr std::uint64_t kLongestTail = 65535 + kEndSize + kEndPlaceSize;
@@ -107,33 +115,99 @@ std::optional<Directory> readDirectory(const File& file) {
                                                            : std::nullopt;
 }
 
+struct Entry {
+    std::uint64_t place = 0;
+    std::uint64_t method = kStored;
+    std::uint64_t size = 0;  // as it is stored
+};
+
 // Whether there is an entry where the directory says so.
 bool isEntryAt(std::uint64_t place, const Directory& directory, const File& file) {
     const std::string start = file.part(directory.shift + place, 4);
     return place == kInLargeEnd || Bytes(start, ByteOrder::kLittle).word(0) == kLocalEntry;
 }
 
-}  // namespace
-
-std::optional<std::set<std::string>> jarEntries(const std::string& path) {
-    const File file(path);
+std::optional<std::map<std::string, Entry>> readEntries(const File& file) {
     const std::optional<Directory> directory = readDirectory(file);
     if (!directory) {
         return std::nullopt;
     }
     Bytes bytes(directory->bytes, ByteOrder::kLittle);
     std::uint64_t count = 0;
-    std::set<std::string> names;
+    std::map<std::string, Entry> entries;
     for (std::uint64_t at = 0; at < directory->bytes.size() && !bytes.isDamaged(); ++count) {
-        if (bytes.word(at) != kEntry || !isEntryAt(bytes.word(at + 42), *directory, file)) {
+        const std::uint64_t place = bytes.word(at + 42);
+        if (bytes.word(at) != kEntry || !isEntryAt(place, *directory, file)) {
             return std::nullopt;
         }
         const std::uint64_t name = bytes.number(at + 28, 2);
-        names.emplace(bytes.part(at + kEntrySize, name));
+        entries.emplace(
+            bytes.part(at + kEntrySize, name),
+            Entry{directory->shift + place, bytes.number(at + 10, 2), bytes.word(at + 20)});
         at += kEntrySize + name + bytes.number(at + 30, 2) + bytes.number(at + 32, 2);
     }
     const bool isCounted = directory->count == kCountedElsewhere || directory->count == count;
-    return bytes.isDamaged() || !isCounted ? std::nullopt : std::optional(names);
+    return bytes.isDamaged() || !isCounted ? std::nullopt : std::optional(std::move(entries));
+}
+
+// The attributes of a manifest are in any case, its lines are of 72 bytes and go on behind a blank.
+std::string attributeOf(const std::string& manifest, std::string_view name) {
+    std::string whole;
+    std::istringstream lines(manifest);
+    for (std::string line; std::getline(lines, line) && line != "\r" && !line.empty();) {
+        line.erase(std::min(line.find('\r'), line.size()));
+        const bool goesOn = line.starts_with(' ') && !whole.empty();
+        whole += goesOn ? line.substr(1) : "\n" + line;
+    }
+    std::istringstream attributes(whole);
+    for (std::string line; std::getline(attributes, line);) {
+        if (strncasecmp(line.c_str(), name.data(), name.size()) == 0 &&
+            line.compare(name.size(), 2, ": ") == 0) {
+            return line.substr(name.size() + 2);
+        }
+    }
+    return {};
+}
+
+std::optional<std::string> contentOf(const Entry& entry, const File& file) {
+    const std::string head = file.part(entry.place, kLocalEntrySize);
+    Bytes bytes(head, ByteOrder::kLittle);
+    const std::uint64_t begin =
+        entry.place + kLocalEntrySize + bytes.number(26, 2) + bytes.number(28, 2);
+    std::string content = entry.size > kLongestFile ? "" : file.part(begin, entry.size);
+    if (bytes.isDamaged() || content.size() != entry.size) {
+        return std::nullopt;
+    }
+    return entry.method == kStored     ? std::optional(std::move(content))
+           : entry.method == kDeflated ? inflated(content, kLongestFile)
+                                       : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::set<std::string>> jarEntries(const std::string& path) {
+    const auto entries = readEntries(File(path));
+    if (!entries) {
+        return std::nullopt;
+    }
+    std::set<std::string> names;
+    for (const auto& entry : *entries) {
+        names.insert(names.end(), entry.first);
+    }
+    return names;
+}
+
+std::optional<std::string> jarFile(const std::string& path, const std::string& name) {
+    const File file(path);
+    const auto entries = readEntries(file);
+    const auto entry =
+        entries ? entries->find(name) : std::map<std::string, Entry>::const_iterator();
+    return entries && entry != entries->end() ? contentOf(entry->second, file) : std::nullopt;
+}
+
+std::string mainClassOf(const std::string& path) {
+    const std::string name = attributeOf(jarFile(path, kManifest).value_or(""), "Main-Class");
+    return name.substr(0, name.find_last_not_of(' ') + 1);
 }
 
 }  // namespace rcp::inspect

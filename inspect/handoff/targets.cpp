@@ -159,7 +159,7 @@ class Examiner {
             return std::nullopt;
         }
         JarRead read = readJar(path);
-        if (read.fault) {
+        if (read.fault && read.entries.empty()) {  // classes need no manifest
             addFault(examined, "RI803", jar.origin, inQuotes(path) + " " + *read.fault);
             return std::nullopt;
         }
@@ -170,10 +170,22 @@ class Examiner {
         const Argument jar = valueBehind(options::kStartup, plan_);
         Examined& examined = begin("startup jar", toNarrow(jar.text));
         const auto entries = judgeJar(examined, jar);
+        if (!entries) {
+            return;
+        }
         const auto isThere = [&](const char* name) { return entries->contains(name); };
-        if (entries && std::none_of(std::begin(kMainClasses), std::end(kMainClasses), isThere)) {
+        if (std::none_of(std::begin(kMainClasses), std::end(kMainClasses), isThere)) {
             addFault(examined, "RI804", jar.origin,
                      inQuotes(jar.text) + " has no " + inQuotes(kMainClasses[0]));
+            return;
+        }
+        // One that is not there the launcher library passes over.
+        std::string file = mainClassOf(examined.path) + ".class";
+        std::replace(file.begin(), file.end() - 6, '.', '/');
+        if (entries->contains(file) && std::find(std::begin(kMainClasses), std::end(kMainClasses),
+                                                 file) == std::end(kMainClasses)) {
+            addFault(examined, "RI816", jar.origin,
+                     inQuotes(jar.text) + " starts " + inQuotes(file));
         }
     }
 

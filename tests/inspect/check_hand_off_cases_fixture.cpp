@@ -1,4 +1,5 @@
 #include "check_fixture.h"
+#include "inspect/report/zip_archive.h"
 
 #include <filesystem>
 
@@ -27,6 +28,21 @@ Change isCut(const std::string& file) {
 
 Change configHas(const std::string& text) {
     return has(kConfigIni, text);
+}
+
+// A jar with the platform's launcher and a class "a.Main".
+Change isJarWith(const std::string& manifest, const std::string& file = kJar) {
+    return [=](const Maker& maker) {
+        ZipArchive archive(0);
+        for (const char* name : {"org/eclipse/equinox/launcher/Main.class",
+                                 "org/eclipse/core/launcher/Main.class", "a/Main.class"}) {
+            archive.add(name, "");
+        }
+        if (!manifest.empty()) {
+            archive.add("META-INF/MANIFEST.MF", manifest);
+        }
+        maker.folder().write(file, archive.bytes());
+    };
 }
 
 Change isService() {
@@ -97,13 +113,19 @@ std::vector<Case> jarCases() {
         {"RI803", "StartupJarThatWasCut", isCut(kJar), nothingChanges, kLauncherProperties,
          inAll(2)},
         {"RI803", "JarWithoutManifest",
-         // The record with which a zip file without entries ends.
-         becomes(kJar, std::string("PK\x05\x06").append(18, '\0')), nothingChanges,
-         kLauncherProperties, inAll(2)},
+         both(configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"),
+              isJarWith("", kFramework)),
+         configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"), kConfigIni, inAll(1)},
         {"RI803", "EmptyFramework",
          both(configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"),
               becomes(kFramework, "")),
          configHas("osgi.framework=file:plugins/org.eclipse.osgi_1.0.jar\n"), kConfigIni, inAll(1)},
+        {"RI803", "StartupJarWithoutAnything",
+         // The record with which a zip file without entries ends.
+         becomes(kJar, std::string("PK\x05\x06").append(18, '\0')), isJarWith(""),
+         kLauncherProperties, inAll(2)},
+        {"RI816", "StartupJarThatStartsAnotherClass", isJarWith("Main-Class: a.Main\n"),
+         isJarWith("Main-Class: b.Main\n"), kLauncherProperties, inAll(2)},
         {"RI804", "ClassPathWithoutTheMainClass",
          both(isService(), differs(kLauncherProperties, "/launcher.jar", "/config")), isService(),
          kLauncherProperties, 2},

@@ -1,6 +1,7 @@
 #include "inspect/handoff/jar.h"
 
 #include "inspect/quiet_read.h"
+#include "inspect/report/zip_archive.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
 #include "tests/unit/paths.h"
@@ -65,11 +66,26 @@ TEST_F(Jar, WhoseEntriesAreNotWhereItsDirectorySaysIsNone) {
     EXPECT_FALSE(entriesOf(other));
 }
 
+TEST_F(Jar, TellsTheClassThatItsManifestNames) {
+    const auto named = [&](const std::string& manifest) {
+        ZipArchive archive(0);
+        archive.add(kManifest, manifest);
+        folder_.write("b.jar", archive.bytes());
+        return mainClassOf(folder_.narrow("b.jar"));
+    };
+    EXPECT_EQ(named("Manifest-Version: 1.0\r\nmain-class: a.b.Main\r\n"), "a.b.Main");
+    EXPECT_EQ(named("Main-Class: a.\n b.Ma\n in \nOther: c\n"), "a.b.Main");
+    EXPECT_EQ(named("Main-Class-Not: a\n\nMain-Class: b\n"), "");
+    EXPECT_EQ(named(""), "");
+    EXPECT_EQ(mainClassOf(folder_.narrow("nothing")), "");
+}
+
 TEST_F(Jar, WithAnyByteChangedIsReadToAnEnd) {
     for (std::size_t at = 0; at < bytes_.size(); ++at) {
         std::string other = bytes_;
         other[at] = '\xff';
         (void)entriesOf(other);
+        (void)mainClassOf(folder_.narrow("a.jar"));
     }
 }
 
