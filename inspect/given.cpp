@@ -77,6 +77,8 @@ std::string Settlement::settleSubject() {
     if (std::string problem = become(given_.user); !problem.empty()) {
         return problem;
     }
+    options_.environmentFile = given_.user.environmentFile;
+    options_.variableLines = given_.user.lines;
     endOf(setCharacterLocale);
     if (given_.isStaged && !stage(given_.root)) {
         return "no folder " + given_.root;

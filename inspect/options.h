@@ -1,6 +1,8 @@
 // What the user asked rcpinspect for.
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -12,20 +14,22 @@ struct Options {
     std::string launcher;      // the rcplauncher to look at, absolute
     std::string installation;  // the directory it belongs to: where "rcp/rcplauncher" lies
     Format format = Format::kText;
-    std::string page;                    // the file that Format::kHtml writes
-    bool isRedacted = false;             // secrets and who the user is are taken out of it
-    bool isColored = false;              // a terminal that may be coloured reads the text
-    bool isAll = false;                  // lists in full, however long they are
-    bool isTryingJvm = false;            // check, doctor: the JVM is started
-    bool isStrict = false;               // check: warnings count as errors
-    bool isWatching = false;             // status: goes on until interrupted
-    bool isSinceLast = false;            // diff: against the recorded last launch
-    std::vector<std::string> roots;      // check: several installations
-    std::string other;                   // diff: the older installation
-    bool isFiles = false;                // config: the files as they stand
-    std::string output;                  // report: the archive; empty for a name with the date
-    bool isWithHost = false;             // report: names this machine
-    std::string subject;                 // why: what is asked about
+    std::string page;                // the file that Format::kHtml writes
+    bool isRedacted = false;         // secrets and who the user is are taken out of it
+    bool isColored = false;          // a terminal that may be coloured reads the text
+    bool isAll = false;              // lists in full, however long they are
+    bool isTryingJvm = false;        // check, doctor: the JVM is started
+    bool isStrict = false;           // check: warnings count as errors
+    bool isWatching = false;         // status: goes on until interrupted
+    bool isSinceLast = false;        // diff: against the recorded last launch
+    std::vector<std::string> roots;  // check: several installations
+    std::string other;               // diff: the older installation
+    bool isFiles = false;            // config: the files as they stand
+    std::string output;              // report: the archive; empty for a name with the date
+    bool isWithHost = false;         // report: names this machine
+    std::string subject;             // why: what is asked about
+    std::string environmentFile;     // what it holds are the variables of this process
+    std::map<std::string, std::size_t> variableLines = {};  // where in it
     std::vector<std::string> arguments;  // the launcher's, program name not included
 };
 

@@ -20,7 +20,12 @@ extern char** environ;  // environ(7)
 namespace rcp::inspect {
 namespace {
 
-using Variables = std::vector<std::pair<std::string, std::string>>;
+struct Variable {
+    std::string name;
+    std::string value;
+    std::size_t line = 0;
+};
+using Variables = std::vector<Variable>;
 
 bool isName(const std::string& name) {
     return !name.empty() && std::isdigit(static_cast<unsigned char>(name.front())) == 0 &&
@@ -30,17 +35,17 @@ bool isName(const std::string& name) {
 }
 
 // A line without a name goes on with the value in front of it. False when there is none.
-bool addLine(const std::string& line, Variables& variables) {
+bool addLine(const std::string& line, std::size_t number, Variables& variables) {
     const std::size_t equals = line.find('=');
     if (equals != std::string::npos && isName(line.substr(0, equals))) {
-        variables.emplace_back(line.substr(0, equals), line.substr(equals + 1));
+        variables.push_back({line.substr(0, equals), line.substr(equals + 1), number});
         return true;
     }
     if (variables.empty()) {
         return line.empty() || line.starts_with('#');
     }
     if (!line.empty() && !line.starts_with('#')) {
-        variables.back().second += "\n" + line;
+        variables.back().value += "\n" + line;
     }
     return true;
 }
@@ -54,7 +59,8 @@ void clearEnvironment() {
     }
 }
 
-std::string takeFile(const std::string& path) {
+std::string takeFile(OtherUser& user) {
+    const std::string& path = user.environmentFile;
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));  // a pipe, too
     errno = file ? 0 : errno;
     const std::string text = file ? readToEnd(file.get()) : std::string();
@@ -66,7 +72,7 @@ std::string takeFile(const std::string& path) {
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {
         ++number;
-        if (!addLine(line, variables)) {  // which may hold a secret
+        if (!addLine(line, number, variables)) {  // which may hold a secret
             return std::string(path)
                 .append(":")
                 .append(std::to_string(number))
@@ -74,8 +80,9 @@ std::string takeFile(const std::string& path) {
         }
     }
     clearEnvironment();
-    for (const auto& [name, value] : variables) {
-        setenv(name.c_str(), value.c_str(), 1);
+    for (const Variable& variable : variables) {
+        setenv(variable.name.c_str(), variable.value.c_str(), 1);
+        user.lines[variable.name] = variable.line;
     }
     return {};
 }
@@ -90,12 +97,12 @@ bool isLocale(const std::string& name) {
 
 }  // namespace
 
-std::string become(const OtherUser& user) {
+std::string become(OtherUser& user) {
     if (!user.locale.empty() && !isLocale(user.locale)) {
         return "no locale " + user.locale + " on this machine";
     }
     if (!user.environmentFile.empty()) {
-        if (std::string problem = takeFile(user.environmentFile); !problem.empty()) {
+        if (std::string problem = takeFile(user); !problem.empty()) {
             return problem;
         }
     }

@@ -169,6 +169,10 @@ Examination examine(const Options& options) {
     const NamedLauncher named(options.launcher);
     Examination examination;
     examination.launcher = options.launcher;
+    const Origin file = wholeFile(toWide(options.environmentFile));
+    for (const auto& [name, line] : options.variableLines) {
+        examination.variables[name] = {file.file, line};
+    }
     LaunchInputs& inputs = examination.inputs;
     inputs.arguments.emplace_back(toWide(options.launcher));
     for (const std::string& argument : options.arguments) {

@@ -6,6 +6,7 @@
 #include "launcher/inputs/launch_inputs.h"
 #include "launcher/vocabulary/property_keys.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,12 +34,13 @@ struct PropertyFile {
 struct Examination {
     std::string installation;
     std::string launcher;
-    std::vector<PropertyFile> files;                       // those that can be read
-    Arguments arguments;                                   // the launcher's, before the extension
-    LaunchInputs inputs;                                   // placeholders not yet replaced
-    PropertyList userEntries;                              // the user's list with its JVM arguments
-    std::wstring base;                                     // empty when it is not known
-    std::vector<std::wstring> unreadable;                  // where a launch ends
+    std::vector<PropertyFile> files;               // those that can be read
+    Arguments arguments;                           // the launcher's, before the extension
+    LaunchInputs inputs;                           // placeholders not yet replaced
+    PropertyList userEntries;                      // the user's list with its JVM arguments
+    std::wstring base;                             // empty when it is not known
+    std::map<std::string, Origin> variables = {};  // of the environment, where a file told them
+    std::vector<std::wstring> unreadable;          // where a launch ends
     std::vector<std::pair<std::wstring, int>> passedOver;  // with what open(2) fails with
 
     [[nodiscard]] const PropertyFile* file(KeyFile kind) const;

@@ -28,13 +28,16 @@ std::span<const FindingRule> findingRules();
 /// "error" or "warning".
 const char* levelName(Level level);
 
+/// In place of a file, of what a variable says.
+inline constexpr char kEnvironmentPlace[] = "the environment";
+
 /// For messages: the text in double quotes.
 std::string inQuotes(std::wstring_view text);
 std::string inQuotes(std::string_view text);
 
 struct Finding {
     const FindingRule* rule;
-    std::string file;  // relative to the installation when it lies in it
+    std::string file;  // relative to the installation when it lies in it; or kEnvironmentPlace
     std::size_t line;  // 0: the file as a whole
     std::string message;
 };

@@ -41,6 +41,9 @@ Json sarifRule(const FindingRule& rule) {
 }
 
 Json sarifLocation(const Finding& finding) {
+    if (finding.file == kEnvironmentPlace) {
+        return {{"logicalLocations", Json::array({{{"name", finding.file}}})}};
+    }
     Json artifact;
     if (finding.file.starts_with('/')) {
         artifact["uri"] = "file://" + uriOf(finding.file);

@@ -16,6 +16,9 @@ namespace rcp::inspect {
 /// What the launcher calls of its library.
 inline constexpr const char* kPlatformEntryPoints[] = {"setInitialArgs", "run"};
 
+/// What the program java takes options from; the library that it starts, and others load, does not.
+inline constexpr char kJavasVariable[] = "JDK_JAVA_OPTIONS";
+
 /// A finding-to-be; `code` is one of the table's.
 struct Fault {
     const char* code;

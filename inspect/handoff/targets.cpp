@@ -24,7 +24,7 @@ namespace {
 constexpr const char* kMainClasses[] = {"org/eclipse/equinox/launcher/Main.class",
                                         "org/eclipse/core/launcher/Main.class"};
 constexpr const char* kJvmEntryPoints[] = {"JNI_CreateJavaVM"};
-constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS"};
+constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "_JAVA_OPTIONS"};
 
 // Where a JVM's library looks for the classes of Java that it cannot start without: below HOME of
 // HOME/lib/server/libjvm.so, until Java 8 of HOME/lib/amd64/server/libjvm.so. The first is the usual one; the last
@@ -230,12 +230,31 @@ class Examiner {
             }
         }
         for (const char* name : kJvmVariables) {
-            const char* value = getenv(name);
-            if (value != nullptr && variableAfter(name, plan_.environment) == value) {
-                Examined& examined = begin("variable", name);
-                addFault(examined, "RI809", {}, std::string(name) + " is " + inQuotes(value));
-            }
+            examineVariable(name);
         }
+        if (startsJava()) {
+            examineVariable(kJavasVariable);
+        }
+    }
+
+    // What the launcher library finds itself may be a program.
+    [[nodiscard]] bool startsJava() const {
+        const Jvm jvm = jvmOf(examination_, plan_);
+        return jvm.kind == JvmKind::kFolder ? existsA(toNarrow(jvm.path.text) + "/java")
+                                            : jvm.kind != JvmKind::kLibrary;
+    }
+
+    void examineVariable(const std::string& name) {
+        const char* value = getenv(name.c_str());
+        if (value == nullptr || variableAfter(name, plan_.environment) != value) {
+            return;
+        }
+        const std::string message = name + " is " + inQuotes(value);
+        const auto place = examination_.variables.find(name);
+        begin("variable", name)
+            .faults.push_back(place == examination_.variables.end()
+                                  ? Fault{"RI809", kEnvironmentPlace, 0, message}
+                                  : faultAt(examination_, "RI809", place->second, message));
     }
 
     const Examination& examination_;

@@ -36,7 +36,11 @@ std::size_t expectedLine(const Case& one, std::size_t ownLines) {
 
 class CheckFinding : public ::testing::TestWithParam<Case> {
   protected:
-    void TearDown() override { unsetenv("JAVA_TOOL_OPTIONS"); }  // which one of the cases sets
+    // Which cases set.
+    void TearDown() override {
+        unsetenv("JAVA_TOOL_OPTIONS");
+        unsetenv("JDK_JAVA_OPTIONS");
+    }
 };
 
 TEST(CheckFindings, NoneInAnInstallationWithoutMistakes) {

@@ -256,7 +256,10 @@ std::vector<Case> handOffCases() {
                    launcherHas("env.set.LD_LIBRARY_PATH=/::/usr\n")});
     all.push_back({"RI809", "VariableThatTheJvmReads",
                    [](const Maker&) { setenv("JAVA_TOOL_OPTIONS", "-Da=b", 1); },
-                   launcherHas("env.unset.JAVA_TOOL_OPTIONS=\n"), kLauncherProperties, inAll(0)});
+                   launcherHas("env.unset.JAVA_TOOL_OPTIONS=\n"), kEnvironmentPlace, inAll(0)});
+    const Change isJavasOwn = [](const Maker&) { setenv("JDK_JAVA_OPTIONS", "-Da=b", 1); };
+    all.push_back({"RI809", "VariableThatTheProgramOfAJvmReads", both(isService(), isJavasOwn),
+                   isJavasOwn, kEnvironmentPlace, inAll(0)});
     return all;
 }
 

@@ -273,6 +273,21 @@ TEST(Check, ChangesNothing) {
     EXPECT_EQ(snapshot(maker.folder().path()), before);
 }
 
+TEST(Check, TellsWhereAVariableStands) {
+    const Maker maker;
+    Options options = maker.options();
+    setenv("_JAVA_OPTIONS", "-Da=b", 1);
+    options.format = Format::kSarif;
+    const Json place = Json::parse(checkOf(options).output)["runs"][0]["results"][0]["locations"];
+    EXPECT_EQ(place[0]["logicalLocations"][0]["name"], "the environment");
+    options.environmentFile = "/of/ann";
+    options.variableLines["_JAVA_OPTIONS"] = 3;
+    const std::vector<Finding> findings = findEverything(examine(options)).sorted();
+    unsetenv("_JAVA_OPTIONS");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].file + ":" + std::to_string(findings[0].line), "/of/ann:3");
+}
+
 TEST(Check, TakesTheJvmFromTheLaunchersArguments) {
     const Maker maker;
     maker.place("other/lib/server/libjvm.so", "standin_jvm.so");

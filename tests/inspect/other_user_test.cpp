@@ -50,6 +50,13 @@ TEST_F(OtherUserTest, HasTheVariablesOfHisFileAndNoOther) {
               "home/workspace/eve");
 }
 
+TEST_F(OtherUserTest, IsToldWhereAVariableOfHisStands) {
+    folder_.write("bob.env", "USER=bob\nHOME=" + folder_.narrow("home") +
+                                 "\nPATH=one\ntwo\nJAVA_TOOL_OPTIONS=-Da=b\n");
+    EXPECT_THAT(told({"check", "--env-file", folder_.narrow("bob.env")}, 1),
+                HasSubstr(folder_.narrow("bob.env") + "\n  5: warning RI809"));
+}
+
 TEST_F(OtherUserTest, HisVariablesMayComeThroughAPipe) {
     Program program(
         {"/bin/sh", "-c",

@@ -119,7 +119,8 @@ TEST(RehearsedEndOfEveryCase, IsToldByOneFindingAlone) {
         }
         EXPECT_EQ(findings.sorted().size(), before) << one.code << one.name;
     }
-    unsetenv("JAVA_TOOL_OPTIONS");  // which one of them sets
+    unsetenv("JAVA_TOOL_OPTIONS");  // which some of them set
+    unsetenv("JDK_JAVA_OPTIONS");
 }
 
 }  // namespace
