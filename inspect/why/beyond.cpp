@@ -8,6 +8,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace rcp::inspect {
@@ -31,11 +32,69 @@ void addFaultSteps(json& chain, const Examined& examined, const std::string& abo
     }
 }
 
+// What the platform does about a setting that is set nowhere.
+struct Usual {
+    const char* key;
+    const char* then;
+    const char* examined = "";  // whose path it comes to
+};
+constexpr Usual kUsual[] = {
+    {"eclipse.application", "it starts what -application names, else the product's application"},
+    {"eclipse.ignoreApp", "it starts an application"},
+    {"eclipse.product", "its product is what -product names, if that is given"},
+    {"org.eclipse.equinox.simpleconfigurator.configUrl",
+     "the list of bundles is org.eclipse.equinox.simpleconfigurator/bundles.info of the "
+     "configuration, else of the "
+     "one that it inherits from"},
+    {"osgi.bundles", "it starts no bundle, and so no application"},
+    {"osgi.bundles.defaultStartLevel", "bundles without a start level have 4"},
+    {"osgi.configuration.area", "it is what -configuration names"},
+    {"osgi.configuration.cascaded", "the configuration inherits from the shared one"},
+    {"osgi.framework",
+     "it takes from the folder plugins of its install area what has a version behind "
+     "org.eclipse.osgi_",
+     "framework"},
+    {"osgi.frameworkClassPath", "the framework's classes are in its jar"},
+    {"osgi.install.area",
+     "it is the folder of the jar that is started, or what holds that one's folder plugins",
+     "install area"},
+    {"osgi.instance.area", "it is what -data names"},
+    {"osgi.sharedConfiguration.area", "it is the folder configuration of the install area"},
+    {"osgi.startLevel", "the framework goes to start level 6"},
+};
+
+// Nothing of a key that is not known to be the platform's.
+void addUnset(json& chains, const PlatformSettings& settings, const std::vector<Examined>& handOff,
+              const std::string& key) {
+    const auto usual = std::find_if(std::begin(kUsual), std::end(kUsual),
+                                    [&](const auto& one) { return key == one.key; });
+    if (usual == std::end(kUsual)) {
+        return;
+    }
+    json chain = chainOf(key + " is not set");
+    for (const SettingsFile& file : settings.files()) {
+        addStep(chain, "not in", placeText(file.at(0)));
+    }
+    addStep(chain, "read by", "the platform, as a property of its own");
+    addStep(chain, "so", usual->then);
+    for (const Examined& examined : handOff) {
+        if (examined.what == usual->examined) {
+            addStep(chain, "here", examined.path.empty() ? "there is none" : examined.path);
+        }
+    }
+    chains.push_back(chain);
+}
+
 // A system property or an entry of the platform's configuration; and what lost against it.
-void addSetting(json& chains, const PlatformSettings& settings, const std::string& key) {
+void addSetting(json& chains, const PlatformSettings& settings,
+                const std::vector<Examined>& handOff, const std::string& key) {
     const PlatformSettings::Value value = settings.valueOf(key);
-    if (value.text.empty() || findPropertyKey(toWide(key)) != nullptr) {
+    if (findPropertyKey(toWide(key)) != nullptr) {
         return;  // a key of the launcher's is told as that
+    }
+    if (value.text.empty()) {
+        addUnset(chains, settings, handOff, key);
+        return;
     }
     json chain = chainOf(key + "=" + value.text);
     addStep(chain, "at", placeText(value.origin));
@@ -51,6 +110,16 @@ void addSetting(json& chains, const PlatformSettings& settings, const std::strin
     chains.push_back(chain);
 }
 
+// The variable that the program java reads, of a launch that loads its library.
+void addUnreadVariable(json& chains, const std::string& name) {
+    const char* value = getenv(name.c_str());
+    if (name == kJavasVariable && value != nullptr) {
+        json chain = chainOf(name + "=" + value);
+        addStep(chain, "not read", "the program java reads it, and the launch loads a library");
+        chains.push_back(chain);
+    }
+}
+
 void addJvmVariable(json& chains, const std::vector<Examined>& handOff, const std::string& name) {
     const char* value = getenv(name.c_str());
     for (const Examined& examined : handOff) {
@@ -60,8 +129,10 @@ void addJvmVariable(json& chains, const std::vector<Examined>& handOff, const st
             addStep(chain, "read by", "the JVM");
             addFaultSteps(chain, examined, name);
             chains.push_back(chain);
+            return;
         }
     }
+    addUnreadVariable(chains, name);
 }
 
 // Settings put paths together, with a slash too many and dots.
@@ -112,7 +183,7 @@ json beyondChains(const Options& options) {
     const PlatformSettings settings(examination, *plan);
     const std::vector<Examined> handOff = examineHandOff(examination);
     if (!options.subject.starts_with('/')) {
-        addSetting(chains, settings, options.subject);
+        addSetting(chains, settings, handOff, options.subject);
         addJvmVariable(chains, handOff, options.subject);
         return chains;
     }

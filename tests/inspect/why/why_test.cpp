@@ -95,6 +95,21 @@ TEST_F(WhyTest, ASettingOfThePlatformIsToldWithItsPlaceAndWithWhatLost) {
                                        read + "  not       a@start,b (" + master + ":3)\n");
 }
 
+TEST_F(WhyTest, ASettingOfThePlatformThatNothingSetsIsToldWithWhatFollows) {
+    const std::string folder = "client/rcp/eclipse/plugins/";
+    const std::string master = folder + "com.ovr.rcp.base/config/user/config.ini";
+    const std::string start = " is not set\n  not in    " + master +
+                              "\n  read by   the platform, as a property of its own\n  so        ";
+    EXPECT_EQ(why("osgi.startLevel"),
+              "osgi.startLevel" + start + "the framework goes to start level 6\n");
+    folder_.write(master, "osgi.bundles=a\nosgi.framework=\n");
+    folder_.write(folder + "org.eclipse.osgi_3.jar", "");
+    const std::string told = why("osgi.framework");
+    EXPECT_TRUE(told.starts_with("osgi.framework" + start)) << told;
+    EXPECT_TRUE(told.ends_with("\n  here      " + folder + "org.eclipse.osgi_3.jar\n")) << told;
+    (void)why("osgi.of.nobody", 1);
+}
+
 TEST_F(WhyTest, AJarThatThePlatformReadsIsToldWithWhereItIsNamedAndWhatIsTheMatter) {
     const std::string plugins = "client/rcp/eclipse/plugins/";
     const std::string master = plugins + "com.ovr.rcp.base/config/user/config.ini";
@@ -131,6 +146,13 @@ TEST_F(WhyTest, AVariableThatTheJvmReadsIsToldWhileItIsSet) {
     EXPECT_EQ(why("JAVA_TOOL_OPTIONS"),
               "JAVA_TOOL_OPTIONS=-Dx=1\n  from      the environment of the launch\n  read by   "
               "the JVM\n  RI809     JAVA_TOOL_OPTIONS is \"-Dx=1\"\n");
+}
+
+TEST_F(WhyTest, AVariableOfTheProgramJavaIsNotReadByALibrary) {
+    variables_.emplace_back("JDK_JAVA_OPTIONS=-Dx=1");
+    EXPECT_EQ(why("JDK_JAVA_OPTIONS"),
+              "JDK_JAVA_OPTIONS=-Dx=1\n  not read  the program java reads it, and the launch loads "
+              "a library\n");
 }
 
 TEST_F(WhyTest, WhatNothingHasToDoWithIsStatusOne) {
