@@ -59,6 +59,28 @@ PlainText plainText(std::string_view escaped) {
     return plain;
 }
 
+SecretPart partOfEntry(std::string_view entry, std::string_view value, SecretPart part) {
+    std::vector<std::size_t> places;
+    std::size_t next = std::min(entry.find_first_of("=: \t"), entry.size());
+    for (std::size_t at = next; at < entry.size() && places.size() < value.size();) {
+        const std::string_view rest = entry.substr(at);
+        const std::size_t size = rest.starts_with("\\u")    ? std::min(kCode, rest.size())
+                                 : rest.starts_with("\\\\") ? 2
+                                                            : 1;
+        const std::string said =
+            size > 1 ? readForm(rest.substr(0, size)) : std::string(rest.substr(0, 1));
+        const bool isDropped = said == "\\" && size == 1;
+        if (!isDropped && value.substr(places.size()).starts_with(said)) {
+            places.insert(places.end(), said.size(), at);
+            next = at + size;
+        }
+        at += size;
+    }
+    part.begin = part.begin < places.size() ? places[part.begin] : next;
+    part.end = part.end < places.size() ? places[part.end] : entry.size();
+    return part;
+}
+
 std::string writtenForm(std::string_view value) {
     const std::wstring wide = toWide(std::string(value));
     std::string written = toNarrow(convWcharTo8859_1_Value(wide));

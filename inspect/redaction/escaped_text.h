@@ -1,6 +1,8 @@
 // Texts as they stand in property files beside what they mean: the launcher's own writer and reader tell it.
 #pragma once
 
+#include "inspect/redaction/text_rules.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -9,12 +11,16 @@
 namespace rcp::inspect {
 
 /// What a text says when its escapes and the ends of lines that go on are taken away, to look for names and
-/// separators. Escapes of what has a meaning of its own there, as blanks, quotes and line feeds, stay.
+/// separators. Numbers of characters that have a meaning of their own there ("\u0022") stay; a lone backslash goes, and
+/// what is behind it ("\"") may look like a value's end that it is not. Of entries partOfEntry() knows better.
 struct PlainText {
     std::string text;
     std::vector<std::size_t> places;  // of its characters in the escaped text, and the end
 };
 PlainText plainText(std::string_view escaped);
+
+/// Where in an entry, as it stands in a property file, that part of its value is; when in doubt more than it.
+SecretPart partOfEntry(std::string_view entry, std::string_view value, SecretPart part);
 
 /// A value as the launcher writes it into a property file; the same when it cannot be written.
 std::string writtenForm(std::string_view value);

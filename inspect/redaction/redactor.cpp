@@ -3,6 +3,9 @@
 #include "inspect/redaction/bare_secrets.h"
 #include "inspect/redaction/escaped_text.h"
 #include "inspect/redaction/ordinary_words.h"
+#include "inspect/redaction/text_parts.h"
+#include "launcher/properties/property_file.h"
+#include "platform/text.h"
 
 #include <string.h>
 
@@ -42,6 +45,42 @@ void Redactor::learn(std::string_view name, std::string_view value) {
     if (names_.isSecret(name)) {
         const SecretPart part = narrowed(value, {0, value.size(), std::string(name)});
         learnValue(part.name, value.substr(part.begin, part.end - part.begin));
+    }
+}
+
+void Redactor::learnFile(std::string_view text) {
+    learn(text);
+    for (std::size_t at = 0; at < text.size(); at = endOfEntry(text, at) + 1) {
+        const std::string_view entry = text.substr(at, endOfEntry(text, at) - at);
+        learnEntry(entry.substr(std::min(entry.find_first_not_of(" \t#!"), entry.size())));
+    }
+}
+
+// Commented out or not.
+void Redactor::learnEntry(std::string_view entry) {
+    const PropertyList read = parseProperties(entry, {});
+    if (read.entries().empty()) {
+        return;
+    }
+    const std::string key = toNarrow(read.entries().front().key);
+    const std::string value = toNarrow(read.entries().front().value);
+    const std::string option = value.substr(0, value.starts_with('-') ? value.find('=') : 0);
+    std::vector<SecretPart> parts;
+    if (names_.isSecret(key)) {
+        addPart(parts, value, {0, value.size(), key});
+    } else if (option.size() < value.size() && names_.isSecret(option)) {
+        addPart(parts, value, {option.size() + 1, value.size(), option});
+    } else {
+        parts = secretsIn(value, names_);
+    }
+    for (const SecretPart& part : parts) {
+        const SecretPart written = partOfEntry(entry, value, part);
+        const std::string_view secret = entry.substr(written.begin, written.end - written.begin);
+        plain_.try_emplace(std::string(secret), value.substr(part.begin, part.end - part.begin));
+        learnValue(part.name, secret);
+        if (!isDistinctive(secret)) {
+            learnWithin(entry, written);
+        }
     }
 }
 

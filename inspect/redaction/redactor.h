@@ -35,6 +35,8 @@ class Redactor {
     }
     /// From a file's text, an argument, a log.
     void learn(std::string_view text);
+    /// From a property file: what its reader makes of an entry may be secret where the entry's text does not look so.
+    void learnFile(std::string_view text);
     /// The value of a key, option or variable, which counts when the name looks secret.
     void learn(std::string_view name, std::string_view value);
     void learnDocument(const Json& document);
@@ -54,6 +56,7 @@ class Redactor {
 
     void learnValue(const std::string& name, std::string_view value);
     void learnWithin(std::string_view text, const SecretPart& part);
+    void learnEntry(std::string_view entry);
     [[nodiscard]] const Known* knownAt(std::string_view text, std::size_t at) const;
     std::string mark(const std::string& name, std::string_view value);
     std::string withoutKnown(std::string_view text);

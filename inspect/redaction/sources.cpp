@@ -33,7 +33,7 @@ void learnInstallation(const Options& options, Redactor& redactor) {
     const Examination examination = examine(options);
     addNames(examination, redactor);
     for (const PropertyFile& file : examination.files) {
-        redactor.learn(file.bytes);
+        redactor.learnFile(file.bytes);
         for (const Property& entry : file.entries.entries()) {
             redactor.learn(toNarrow(entry.key), toNarrow(entry.value));
         }
@@ -41,7 +41,7 @@ void learnInstallation(const Options& options, Redactor& redactor) {
     try {
         const nlohmann::json explanation = explainLaunch(options);
         for (const nlohmann::json& file : explanation["files"]) {
-            redactor.learn(readQuietly(file["path"]));
+            redactor.learnFile(readQuietly(file["path"]));
         }
         redactor.learnDocument(Redactor::Json(explanation));
         // What is told of a log may be a line without the name that is beside the value in another.

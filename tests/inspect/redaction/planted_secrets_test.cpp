@@ -77,8 +77,8 @@ class PlantedSecrets : public ExplainTest {
     void plantInUsersArea() {
         folder_.write(area(".config/rcpinstall.properties"),
                       "vmarg.q=-Dq.password\\=" + next() + "\nvmarg.r=-Dr.password\\u003d" +
-                          next() + "\nuser.cookie=" + next() +
-                          "\nvmarg.user=-Duser.credential=" + next() + "\n");
+                          next() + "\nvmarg.t=-Dt.password\\=ab\\\"" + next() + "\nuser.cookie=" +
+                          next() + "\nvmarg.user=-Duser.credential=" + next() + "\n");
         folder_.write(area(".config/args.properties"),
                       "argc=7\narg0=/opt/x\narg1=-password\narg2=" + next() +
                           "\narg3=-Dc.passwd\\=plain\\:" + next() + "\narg4=-Dd.token\\=\\u00e4" +
