@@ -58,6 +58,11 @@ std::size_t beginOfKeyInLine(std::string_view text, std::size_t at) {
     return begin;
 }
 
+bool hasLetter(std::string_view text) {
+    return std::any_of(text.begin(), text.end(),
+                       [](unsigned char character) { return std::isalpha(character) != 0; });
+}
+
 bool isNumber(std::string_view text) {
     return text.find_first_not_of("0123456789") == kNone;
 }
@@ -73,11 +78,13 @@ std::size_t sizeOfInfoBehindSlashes(std::string_view front, bool isBeforeHost) {
     const std::size_t colon = first.find(':');
     const std::size_t blank = info.find_first_of(kBlanks);
     const bool hasPassword = colon != kNone && !isNumber(first.substr(colon + 1));
-    if (blank != kNone) {  // "http://host:80 of joe" is a sentence
-        return hasPassword && isBeforeHost && colon + 1 < blank && blank < first.size() &&
-                       !isNumber(info.substr(colon + 1, blank - colon - 1))
-                   ? info.size()
-                   : 0;
+    if (blank != kNone) {
+        const bool isInPassword = hasPassword && colon + 1 < blank && blank < first.size();
+        // "http://host:80 of joe" is a sentence
+        const bool isSentence = isInPassword &&
+                                isNumber(info.substr(colon + 1, blank - colon - 1)) &&
+                                hasLetter(info.substr(blank));
+        return isBeforeHost && isInPassword && !isSentence ? info.size() : 0;
     }
     const bool hasScheme = slashes > 0 && front[slashes - 1] == ':';
     const bool isWhole = first.size() == info.size() && (hasScheme || colon != kNone);

@@ -86,22 +86,39 @@ void replaceWord(std::string& text, const std::string& word, const std::string& 
     }
 }
 
-// The homes of others, whose names are told apart by their digests.
-void replaceHomes(std::string& text, const Salt& salt, const Count& count) {
-    for (const std::string_view homes : kHomes) {
-        for (std::size_t at = text.find(homes); at != std::string::npos;
-             at = text.find(homes, at + 1)) {
-            const std::size_t begin = at + homes.size();
+// Names of users are in small letters, so what is in capitals is a domain's: "/home/ACME/joe".
+bool isDomain(std::string_view name) {
+    const auto isSmall = [](unsigned char character) { return std::islower(character) != 0; };
+    const auto isCapital = [](unsigned char character) { return std::isupper(character) != 0; };
+    return std::none_of(name.begin(), name.end(), isSmall) &&
+           std::any_of(name.begin(), name.end(), isCapital);
+}
+
+// The homes of others in such a folder, whose names are told apart by their digests.
+void replaceHomes(std::string& text, std::string_view homes, const Salt& salt, const Count& count) {
+    for (std::size_t at = text.find(homes); at != std::string::npos;
+         at = text.find(homes, at + 1)) {
+        bool isInDomain = at == 0 || !isWordCharacter(text[at - 1]);
+        for (std::size_t begin = at + homes.size(); isInDomain && begin < text.size();) {
             const std::size_t end =
                 std::min(text.find_first_of("/:;,\"'<>() \t\n", begin), text.size());
-            if (end > begin && (at == 0 || !isWordCharacter(text[at - 1]))) {
-                const std::string user =
-                    "<user:" + saltedDigest(salt, text.substr(begin, end - begin));
-                count("home folder of another user");
-                text.replace(begin, end - begin, user + ">");
+            const std::string name = text.substr(begin, end - begin);
+            if (name.empty()) {
+                break;
             }
+            const std::string user = "<user:" + saltedDigest(salt, name) + ">";
+            count("home folder of another user");
+            text.replace(begin, name.size(), user);
+            begin += user.size() + 1;
+            isInDomain = isDomain(name) && text[begin - 1] == '/';
         }
     }
+}
+
+// Where his home is those of others are: "/home/acme/".
+bool isBelowHomes(std::string_view folder) {
+    return std::any_of(std::begin(kHomes), std::end(kHomes),
+                       [&](std::string_view homes) { return folder.starts_with(homes); });
 }
 
 }  // namespace
@@ -143,7 +160,15 @@ std::string withoutIdentity(std::string text, const Identity& identity, const Sa
     for (const std::string& host : identity.hosts) {
         replaceWord(text, host, "<host>", "host name", count, LetterCase::kIsFree);
     }
-    replaceHomes(text, salt, count);
+    for (const std::string& home : identity.homes) {
+        const std::string folder = home.substr(0, home.rfind('/') + 1);
+        if (isBelowHomes(folder)) {
+            replaceHomes(text, folder, salt, count);
+        }
+    }
+    for (const std::string_view homes : kHomes) {
+        replaceHomes(text, homes, salt, count);
+    }
     return text;
 }
 

@@ -8,6 +8,49 @@
 #include <utility>
 
 namespace rcp::inspect {
+namespace {
+
+// Of the platform and of the JVM; the launcher has a table of its own.
+constexpr std::string_view kOthersOptions[] = {"-arch",
+                                               "-clean",
+                                               "-consoleLog",
+                                               "-dev",
+                                               "-endSplash",
+                                               "-eclipse",
+                                               "-feature",
+                                               "-framework",
+                                               "-install",
+                                               "-initialize",
+                                               "-launcher",
+                                               "-library",
+                                               "-name",
+                                               "-nl",
+                                               "-noLazyRegistryCacheLoading",
+                                               "-noregistrycache",
+                                               "-os",
+                                               "-showsplash",
+                                               "-user",
+                                               "-ws",
+                                               "-server",
+                                               "-client",
+                                               "-ea",
+                                               "-da",
+                                               "-esa",
+                                               "-dsa",
+                                               "-enableassertions",
+                                               "-disableassertions",
+                                               "-verbose",
+                                               "-showversion",
+                                               "-jar",
+                                               "-classpath",
+                                               "-splash",
+                                               "-help",
+                                               "-agentlib",
+                                               "-agentpath",
+                                               "-javaagent"};
+
+}  // namespace
+
 bool isNameCharacter(char character) {
     return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_' ||
            character == '.' || character == '-';
@@ -74,8 +117,9 @@ bool isOption(std::string_view argument) {
     constexpr std::string_view kSigns = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz._-";
     const std::string_view name = argument.substr(0, argument.find_first_of("=:"));
     return name.starts_with("-D") || name.starts_with("-X") ||
-           (name.starts_with('-') && name.find_first_not_of(kSigns) == kNone) ||
-           findOptionRow(toWide(std::string(name))) != nullptr;
+           (name.starts_with("--") && name.find_first_not_of(kSigns) == kNone) ||
+           (name.starts_with('-') && SecretNames().isSecret(name)) ||
+           isOneOf(kOthersOptions, name) || findOptionRow(toWide(std::string(name))) != nullptr;
 }
 
 SecretPart narrowed(std::string_view text, SecretPart part) {

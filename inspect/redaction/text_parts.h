@@ -34,7 +34,8 @@ std::size_t endOfQuoted(std::string_view text, std::size_t at);
 Name nameBefore(std::string_view text, std::size_t end);
 /// Whether a line, an entry or a comment begins behind that part of it; "FILE:12:" and an element's number may be it.
 bool isFirstBehind(std::string_view front);
-/// Whether an argument is an option and not, though it begins with "-", a value: "-clean", "-Xmx1g", "--a=b".
+/// Whether an argument is an option and not, though it begins with "-", a value: "-clean", "-Xmx1g", "--a=b". With one
+/// dash it is one that the launcher, the platform or the JVM know, or the name of a secret.
 bool isOption(std::string_view argument);
 /// Of an argument under a key "vmarg.NAME" what is behind its own name, of a placeholder its default.
 SecretPart narrowed(std::string_view text, SecretPart part);

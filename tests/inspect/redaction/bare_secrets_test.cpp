@@ -21,12 +21,14 @@ TEST(BareSecrets, TakesUserInfoOfOtherShapes) {
     EXPECT_EQ(redacted("jdbc:oracle:thin:@//db:1521/x"), "jdbc:oracle:thin:@//db:1521/x");
     EXPECT_EQ(redacted("proxy=//joe:hunter2@host"), "proxy=//*@host");
     EXPECT_EQ(redacted("http://joe:my long pw@host/x"), "http://*@host/x");
+    EXPECT_EQ(redacted("http://joe:12 34@host/x"), "http://*@host/x");
     EXPECT_EQ(redacted("-Dproxy=joe:pw9@host:80"), "-Dproxy=*@host:80");
     for (const char* line :
          {"see http://host:80 and ask joe@example.org", "reference:file:plugins/a.jar@4:start",
           "mailto:joe@example.org", "at java.base@17.0.1/java.lang.Thread.run(Thread.java:840)",
           "a.jar@1:start, b.jar@2:start", "// ask joe@example.org", "git@host:joe/x.git",
-          "java.lang.Object@1a2b", "http://host: ask joe@example.org"}) {
+          "java.lang.Object@1a2b", "http://host: ask joe@example.org",
+          "http://host:80 joe@example.org", "http://host:80/x 12@example.org"}) {
         EXPECT_EQ(redacted(line), line);
     }
 }

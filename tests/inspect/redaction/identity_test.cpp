@@ -31,6 +31,24 @@ TEST(Identity, KnowsHomesInOtherPlaces) {
     }
 }
 
+TEST(Identity, KnowsHomesBelowTheirDomain) {
+    const std::string joe = "<user:" + saltedDigest(kSalt, "joe") + ">";
+    const std::string domain = "<user:" + saltedDigest(kSalt, "ACME-1") + ">";
+    EXPECT_EQ(redacted("/home/ACME-1/joe/x"), "/home/" + domain + "/" + joe + "/x");
+    EXPECT_EQ(redacted("/home/ACME-1"), "/home/" + domain);
+    const std::string ann = "<user:" + saltedDigest(kSalt, "Ann") + ">";
+    EXPECT_EQ(redacted("/home/Ann/Documents"), "/home/" + ann + "/Documents");
+}
+
+TEST(Identity, KnowsHomesBesideItsOwn) {
+    Redactor one(kSalt, {{"/home/acme/ann"}, {"ann"}, {}});
+    const std::string joe = "<user:" + saltedDigest(kSalt, "joe") + ">";
+    EXPECT_EQ(one.redact("/home/acme/joe/x, /home/acme/ann/y"),
+              "/home/<user:" + saltedDigest(kSalt, "acme") + ">/" + joe + "/x, /home/<user>/y");
+    Redactor other(kSalt, {{"/opt/work/ann"}, {"ann"}, {}});
+    EXPECT_EQ(other.redact("/opt/work/lib"), "/opt/work/lib");
+}
+
 TEST(Identity, HasTheHomeAsItIsAndAsItIsReached) {
     const std::string folder = ::testing::TempDir() + "rcp-home-XXXXXX";
     std::vector<char> name(folder.begin(), folder.end());

@@ -50,8 +50,16 @@ TEST(NamedValues, TakesAValueThatBeginsAsAnOptionDoes) {
     EXPECT_EQ(redacted("-password -x1y2"), "-password *");
     EXPECT_EQ(redacted("\"/opt/x, -password, -x1y2, -clean, \""),
               "\"/opt/x, -password, *, -clean, \"");
-    for (const char* line : {"-token -Xmx128m", "-token -Da1=b", "-token --add-modules=ALL",
-                             "-token -pb4l", "-token -rcp_old_pid"}) {
+    EXPECT_EQ(redacted("-password -hunter"), "-password *");
+    EXPECT_EQ(redacted("\"/opt/x, -password, -hunter_two, -clean, \""),
+              "\"/opt/x, -password, *, -clean, \"");
+    EXPECT_EQ(redacted("-token -password -hunter"), "-token -password *");
+    EXPECT_EQ(redactedDocument(R"({"arguments":["-password","-hunter","-clean"]})"),
+              R"({"arguments":["-password","*","-clean"]})");
+    for (const char* line :
+         {"-token -Xmx128m", "-token -Da1=b", "-token --add-modules=ALL", "-token -pb4l",
+          "-token -rcp_old_pid", "-token -consoleLog", "-token -server", "-token -noExit",
+          "-token -javaagent:/a.jar", "-token -clean -password", "-token --clean"}) {
         EXPECT_EQ(redacted(line), line);
     }
 }
