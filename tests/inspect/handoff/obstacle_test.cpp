@@ -19,9 +19,8 @@ class Obstacle : public StatusTest {
     [[nodiscard]] std::string told(Words words) const {
         words.insert(words.begin(), seen(INSPECT_PROGRAM));
         Program program(words, environment());
-        std::string text = program.rest();
-        (void)program.wait();
-        return text;
+        const std::string text = program.rest();
+        return text + "status " + std::to_string(program.wait()) + "\n";
     }
     void expectObstacle(const std::string& code) const {
         EXPECT_EQ(status()["nextLaunch"]["obstacle"], code);
@@ -42,8 +41,10 @@ class Obstacle : public StatusTest {
 
 TEST_F(Obstacle, IsNoneOfASoundInstallation) {
     EXPECT_EQ(status()["nextLaunch"]["obstacle"], nullptr);
-    EXPECT_EQ(told({"status", "--install", installation()}).find("cannot start"),
-              std::string::npos);
+    const std::string text = told({"status", "--install", installation()});
+    EXPECT_NE(text.find("\n              starts the platform\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("cannot start"), std::string::npos) << text;
+    EXPECT_TRUE(text.ends_with("\nstatus 0\n")) << text;
 }
 
 TEST_F(Obstacle, IsALauncherLibraryThatCannotBeLoaded) {
