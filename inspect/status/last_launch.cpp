@@ -139,10 +139,11 @@ std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const Options
     addLogs(logFolder, false, logs);
     addLogs(kTemporaryFolder, true, logs);
     std::sort(logs.begin(), logs.end(), isLater);
+    std::optional<LastLaunch> unclear;
     for (const LogFile& file : logs) {
         const std::string text = readQuietly(file.path, kLongestLog);
         const Owner owner = file.isTemporary ? ownerOf(text, options) : Owner::kThis;
-        if (owner == Owner::kOther) {
+        if (owner == Owner::kOther || (owner == Owner::kUnknown && unclear)) {
             continue;
         }
         LastLaunch launch = readLaunch(text);
@@ -150,9 +151,13 @@ std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const Options
         launch.time = file.time;
         launch.isTemporary = file.isTemporary;
         launch.isOwn = owner == Owner::kThis;
-        return launch;
+        if (launch.isOwn) {
+            launch.unclear = unclear ? unclear->log : std::string();
+            return launch;
+        }
+        unclear = std::move(launch);
     }
-    return std::nullopt;
+    return unclear;
 }
 
 std::optional<time_t> ageOf(const LastLaunch& launch, std::optional<time_t> now) {

@@ -24,7 +24,8 @@ struct LastLaunch {
     timespec time{};           // of the log's last record
     bool isTemporary = false;  // the log of /tmp, which all installations of the user share
     bool isOwn = true;         // false: it does not tell whose, so it may be another installation's
-    std::string role;          // "main", "daemon", or empty when the log does not tell
+    std::string unclear;  // a later log that does not tell whose launch it was; empty without one
+    std::string role;     // "main", "daemon", or empty when the log does not tell
     Outcome outcome = Outcome::kUnfinished;
     std::string record;  // kFailed: what ended it
 };
@@ -33,7 +34,8 @@ struct LastLaunch {
 LastLaunch readLaunch(std::string_view log);
 
 /// The launch that wrote last: into the workspace's log folder, or into the temporary log because it
-/// ended before there was one. Those of other installations than that of `options` do not count.
+/// ended before there was one. Those of other installations than that of `options` do not count, one of which nobody knows
+/// whose it was only where there is no other.
 std::optional<LastLaunch> lastLaunch(const std::string& logFolder, const Options& options);
 
 /// The seconds from the last record to `now`; none without a `now`, or when it is earlier: clocks are put

@@ -132,6 +132,7 @@ Json lastJson(const WorkspaceState& state) {
             {"log", last->log},
             {"isShared", last->isTemporary},
             {"isOwn", last->isOwn ? Json(true) : Json()},
+            {"unclear", orNull(last->unclear)},
             {"role", orNull(last->role)},
             {"outcome", nameOf(last->outcome)},
             {"record", recordJson(last->record)}};

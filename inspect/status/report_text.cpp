@@ -213,6 +213,11 @@ void addLast(Page& page, const WorkspaceState& state) {
         page.more("it does not tell whose launch this was: it may be another installation's",
                   Tone::kOdd);
     }
+    if (!last->unclear.empty()) {
+        page.more(
+            "later " + last->unclear + " was written, which does not tell whose launch that was",
+            Tone::kOdd);
+    }
     if (hasFailed) {
         addRecord(page, last->record);
     }

@@ -93,6 +93,21 @@ TEST_F(StatusOfTheLastLaunch, OfAnUnknownInstallationItIsToldAsSuch) {
     std::filesystem::remove("/tmp/rcplauncher.log");
 }
 
+TEST_F(StatusOfTheLastLaunch, OfAnUnknownInstallationItDoesNotHideItsOwn) {
+    if (!rcp::test::hasPrivateTmp()) {
+        GTEST_SKIP() << "this system gives the test no /tmp of its own";
+    }
+    ASSERT_EQ(launch(), 0);
+    std::ofstream("/tmp/rcplauncher.log") << "ZYPRA0182E: Unable to set locale.\n";
+    const Json last = status()["lastLaunch"];
+    EXPECT_EQ(last["outcome"], "handed-off");
+    EXPECT_EQ(last["isOwn"], true);
+    EXPECT_EQ(last["unclear"], "/tmp/rcplauncher.log");
+    EXPECT_NE(text().find("/tmp/rcplauncher.log was written, which does not tell whose launch"),
+              std::string::npos);
+    std::filesystem::remove("/tmp/rcplauncher.log");
+}
+
 TEST_F(StatusOfTheLastLaunch, ItsAgeIsTold) {
     ASSERT_EQ(launch(), 0);
     EXPECT_TRUE(status()["lastLaunch"]["age"].is_number());
