@@ -60,6 +60,8 @@ std::size_t characterLength(char first) {
 // The bytes of the line at the beginning of `text`, cut in front of the first character that does not fit
 // into `limit`. One character is always taken, or a limit below its length would stop the reader.
 std::size_t lineLength(std::string_view text, std::size_t limit) {
+    // A long line is not searched for every piece of it.
+    text = text.substr(0, limit + kLongestCharacter);
     const std::size_t end = std::min(text.find('\n'), text.size());
     std::size_t length = limit < kLongestCharacter ? 0 : limit - kLongestCharacter + 1;
     length = std::min(length, end);  // all of these fit, whatever they are

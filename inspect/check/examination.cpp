@@ -57,7 +57,8 @@ std::string userCopy(const std::wstring& master) {
     std::string text;
     std::size_t written = 0;
     for (const UserLine& line : userLines(readText(master).value_or(FileText()).bytes)) {
-        text.append(line.number - 1 - written, '\n');
+        // Several pieces of one that is too long have its number.
+        text.append(line.number - std::min(written + 1, line.number), '\n');
         text += toNarrow(line.text) + '\n';
         written = line.number;
     }
