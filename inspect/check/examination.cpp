@@ -45,7 +45,9 @@ bool addFile(Examination& examination, KeyFile kind, const std::wstring& path) {
         return false;
     }
     file.name = examination.nameOf(path);
-    file.bytes = readQuietly(toNarrow(path));
+    file.bytes = readQuietly(toNarrow(path), kLongestSettings + 1);
+    file.isCut = file.bytes.size() > kLongestSettings;
+    file.bytes.resize(std::min(file.bytes.size(), kLongestSettings));
     file.lines = splitLines(file.bytes);
     examination.files.push_back(std::move(file));
     return true;

@@ -29,6 +29,7 @@ struct PropertyFile {
     std::vector<RawLine> lines;
     PropertyList entries;  // as they stand in the file
     bool isRead = true;    // by a launch with this JVM
+    bool isCut = false;    // it goes on behind these bytes
 };
 
 struct Examination {

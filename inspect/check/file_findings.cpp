@@ -179,6 +179,12 @@ void findInFiles(const Examination& examination, Findings& findings) {
     for (const std::wstring& path : examination.unreadable) {
         findings.add("RI601", examination.nameOf(path), 0, "the file cannot be read");
     }
+    for (const PropertyFile& file : examination.files) {
+        if (file.isCut) {
+            findings.add("RI813", file.name, 0,
+                         inQuotes(file.name) + " is not looked at to its end");
+        }
+    }
     for (const auto& [path, error] : examination.passedOver) {
         findings.add("RI610", examination.nameOf(path), 0, absenceText(path, error));
     }

@@ -155,13 +155,15 @@ std::string filesText(const json& explanation) {
     std::string text;
     for (const json& file : explanation["files"]) {
         const std::string path = file["path"];
-        std::istringstream lines(readQuietly(path));
+        const std::string content = readQuietly(path, kLongestSettings + 1);
+        std::istringstream lines(content.substr(0, kLongestSettings));
         std::size_t number = 0;
         for (std::string line; std::getline(lines, line);) {
             text += path + ":";
             text += std::to_string(++number) + ":";
             text += line + "\n";
         }
+        text += content.size() > kLongestSettings ? path + " goes on\n" : "";
     }
     return text;
 }

@@ -41,7 +41,7 @@ void learnInstallation(const Options& options, Redactor& redactor) {
     try {
         const nlohmann::json explanation = explainLaunch(options);
         for (const nlohmann::json& file : explanation["files"]) {
-            redactor.learnFile(readQuietly(file["path"]));
+            redactor.learnFile(readQuietly(file["path"], kLongestSettings));
         }
         redactor.learnDocument(Redactor::Json(explanation));
         // What is told of a log may be a line without the name that is beside the value in another.

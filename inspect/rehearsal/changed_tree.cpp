@@ -23,7 +23,7 @@ bool linkStatus(const std::string& place, struct stat& status) {
 }
 
 std::string contentOf(const std::string& place) {
-    return readPlace(place);
+    return readPlace(place, kLongestSettings);
 }
 
 std::string targetOf(const std::string& link) {

@@ -124,7 +124,9 @@ std::string Rehearsal::copyUp(const Found& file) {
         return {};
     }
     const UniqueFd opened(::open(copy.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-    if (!opened || !writeFully(opened.get(), readPlace(file.place)) ||
+    // What lies behind is a hole in the copy, which takes no room.
+    if (!opened || !writeFully(opened.get(), readPlace(file.place, kLongestSettings)) ||
+        ftruncate(opened.get(), status.st_size) != 0 ||
         fchmod(opened.get(), status.st_mode & 07777U) != 0) {
         return {};
     }
