@@ -92,6 +92,20 @@ bool hasMark(const Json& text) {
     return text.is_string() && text.get_ref<const std::string&>().find(kMark) != kNone;
 }
 
+// Calls visit(item, option) with every item of a list and the option of which it is the value, which may be empty.
+template <typename Visit>
+void walkList(Json& list, const Visit& visit) {
+    std::string option;
+    for (Json& item : list) {
+        const std::vector<Json*> texts = textsOf(item);
+        const std::string before = std::exchange(option, std::string());
+        option = texts.empty() ? std::string() : texts.front()->template get<std::string>();
+        const bool isValue = before.starts_with('-') &&
+                             before.find_first_of("=: ") == std::string::npos && !isOption(option);
+        visit(item, isValue ? before : std::string());
+    }
+}
+
 // Calls visit(place, text) with every string. Of an argument that was made of placeholders walkMade() has taken what is
 // secret; it is not the value of one.
 template <typename Visit>
@@ -103,19 +117,12 @@ void walk(Json& node, const std::string& member, const Visit& visit) {
         visit(StringPlace{.member = member, .isList = true}, text);
         node = split(text);
     } else if (node.is_array()) {
-        std::string option;
-        for (Json& item : node) {
-            const std::vector<Json*> texts = textsOf(item);
-            const std::string before = std::exchange(option, std::string());
-            option = texts.empty() ? std::string() : texts.front()->template get<std::string>();
-            if (before.starts_with('-') && before.find_first_of("=: ") == std::string::npos &&
-                !isOption(option)) {
-                for (Json* text : texts) {
-                    visit(StringPlace{"option", before}, text->template get_ref<std::string&>());
-                }
+        walkList(node, [&](Json& item, const std::string& option) {
+            for (Json* text : option.empty() ? std::vector<Json*>() : textsOf(item)) {
+                visit(StringPlace{"option", option}, text->template get_ref<std::string&>());
             }
             walk(item, member, visit);
-        }
+        });
     } else if (node.is_object()) {
         const std::string name = nameIn(node);
         for (auto& [key, value] : node.items()) {
@@ -129,31 +136,37 @@ void walk(Json& node, const std::string& member, const Visit& visit) {
     }
 }
 
-// Calls visit(pattern, text) with every text that was made by replacing placeholders.
+// Calls visit(pattern, name, text) with every text that was made by replacing placeholders.
 template <typename Visit>
-void walkMade(Json& node, const Visit& visit) {
-    const auto visitMember = [&](Json& object, const char* member, const Json& pattern) {
-        if (pattern.is_string() && object.contains(member) && object[member].is_string()) {
-            visit(pattern.template get<std::string>(),
+void walkMade(Json& node, const std::string& option, const Visit& visit) {
+    const auto stringIn = [](const Json& object, const char* member) {
+        const bool isThere = object.is_object() && object.contains(member);
+        return isThere && object[member].is_string() ? object[member].template get<std::string>()
+                                                     : std::string();
+    };
+    const auto visitMember = [&](Json& object, const char* member, const std::string& pattern,
+                                 const std::string& name) {
+        if (object.is_object() && object.contains(member) && object[member].is_string()) {
+            visit(pattern, option.empty() ? name : option,
                   object[member].template get_ref<std::string&>());
         }
     };
-    const auto memberOf = [](const Json& object, const char* member) {
-        return object.is_object() ? object.value(member, Json()) : Json();
-    };
-    if (node.is_object()) {
-        visitMember(node, "effective", memberOf(node, "value"));
-        const Json pattern = memberOf(memberOf(node, "source"), "value");
-        visitMember(node, "text", pattern);
+    if (node.is_array()) {
+        walkList(node,
+                 [&](Json& item, const std::string& before) { walkMade(item, before, visit); });
+    } else if (node.is_object()) {
+        visitMember(node, "effective", stringIn(node, "value"), nameIn(node));
+        const Json source = node.value("source", Json());
+        const std::string pattern = stringIn(source, "value");
+        const std::string key = stringIn(source, "key");
+        visitMember(node, "text", pattern, key);
         if (node.contains("placeholders")) {
             for (Json& placeholder : node["placeholders"]) {
-                visitMember(placeholder, "after", pattern);
+                visitMember(placeholder, "after", pattern, key);
             }
         }
-    }
-    if (node.is_structured()) {
         for (Json& child : node) {
-            walkMade(child, visit);
+            walkMade(child, {}, visit);
         }
     }
 }
@@ -183,11 +196,40 @@ SecretPart Redactor::partMadeOf(const std::string& pattern, const std::string& t
     return {};
 }
 
+// "-Ddb.password=..." under a secret key is an argument, of which the name may stay.
+SecretPart Redactor::partUnder(const std::string& name, const std::string& value) const {
+    const bool isUser = isUserOption(name) && hasPassword(value);
+    SecretPart part = isUser ? SecretPart{0, value.size(), "user-info of an option"}
+                             : narrowed(value, {0, value.size(), name});
+    const std::string_view secret =
+        std::string_view(value).substr(part.begin, part.end - part.begin);
+    const bool isSecret = isUser || names_.isSecret(name);
+    return isSecret && !isHarmless(part.name, secret) ? part : SecretPart{};
+}
+
+// What is made of placeholders may be a part of a secret that is known by a name: then that is taken, and not a half.
+SecretPart Redactor::partMade(const std::string& pattern, const std::string& name,
+                              const std::string& text) const {
+    SecretPart made = partMadeOf(pattern, text);
+    std::vector<SecretPart> around;
+    if (made.begin < made.end) {
+        around = secretsIn(text, names_);
+        around.push_back(partUnder(name, text));
+    }
+    for (const SecretPart& one : around) {
+        if (one.begin < made.end && made.begin < one.end) {
+            made = {std::min(one.begin, made.begin), std::max(one.end, made.end), one.name};
+        }
+    }
+    return made;
+}
+
 void Redactor::learnDocument(const Json& document) {
     Json copy = document;
-    walkMade(copy, [this](const std::string& pattern, std::string& text) {
-        if (const SecretPart part = partMadeOf(pattern, text); part.begin < part.end) {
+    walkMade(copy, {}, [this](const auto& pattern, const auto& name, std::string& text) {
+        if (const SecretPart part = partMade(pattern, name, text); part.begin < part.end) {
             learnWithin(text, part);
+            learnValue(part.name, text.substr(part.begin, part.end - part.begin));
             text = withPart(text, part, std::string(kMark) + ">");
         }
     });
@@ -204,28 +246,14 @@ void Redactor::learnDocument(const Json& document) {
     });
 }
 
-// "-Ddb.password=..." under a secret key is an argument, of which the name may stay.
-void Redactor::redactValue(const std::string& name, std::string& value) {
-    const SecretPart part = narrowed(value, {0, value.size(), name});
-    const std::string secret = value.substr(part.begin, part.end - part.begin);
-    const bool isSecret = !name.empty() && names_.isSecret(name) && !isHarmless(name, secret);
-    if (isUserOption(name) && hasPassword(value)) {
-        value = mark("user-info of an option", value);
-    } else if (isSecret) {
-        value = withPart(value, part, mark(name, secret));
-    } else {
-        value = redact(value);
-    }
-}
-
 void Redactor::redactDocument(Json& document) {
     const auto markPart = [this](std::string& text, const SecretPart& part) {
         const std::string_view secret =
             std::string_view(text).substr(part.begin, part.end - part.begin);
         text = withPart(text, part, mark(part.name, secret));
     };
-    walkMade(document, [&](const std::string& pattern, std::string& text) {
-        if (const SecretPart part = partMadeOf(pattern, text); part.begin < part.end) {
+    walkMade(document, {}, [&](const auto& pattern, const auto& name, std::string& text) {
+        if (const SecretPart part = partMade(pattern, name, text); part.begin < part.end) {
             markPart(text, part);
         }
     });
@@ -233,8 +261,10 @@ void Redactor::redactDocument(Json& document) {
         const std::size_t equals = endOfNameOfLines(place, text);
         if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
             markPart(text, {equals + 1, text.size(), text.substr(0, equals)});
+        } else if (const SecretPart part = partUnder(place.name, text); part.begin < part.end) {
+            markPart(text, part);
         } else if (!isOneOf(kFixed, place.member)) {
-            redactValue(place.name, text);
+            text = redact(text);
         }
     });
 }

@@ -61,8 +61,10 @@ class Redactor {
     std::string mark(const std::string& name, std::string_view value);
     std::string withoutKnown(std::string_view text);
     std::string withoutIdentity(std::string text);
-    void redactValue(const std::string& name, std::string& value);
+    [[nodiscard]] SecretPart partUnder(const std::string& name, const std::string& value) const;
     [[nodiscard]] SecretPart partMadeOf(const std::string& pattern, const std::string& text) const;
+    [[nodiscard]] SecretPart partMade(const std::string& pattern, const std::string& name,
+                                      const std::string& text) const;
 
     SecretNames names_;
     Salt salt_;

@@ -16,6 +16,7 @@ namespace files = std::filesystem;
 
 constexpr std::size_t kMost = 3;
 constexpr std::size_t kLongest = std::size_t{1} << 20U;
+constexpr std::size_t kInFront = 3;  // the end of a line that is continued: "\\\r\n"
 
 using Paths = std::vector<files::path>;
 
@@ -39,14 +40,21 @@ Paths newestIn(const files::path& folder, const std::function<bool(const std::st
     return paths;
 }
 
-// From a line's beginning on: the rest of one may be that of a secret.
+bool isContinued(std::string_view line) {
+    return line.ends_with('\\') || line.ends_with("\\\r");
+}
+
+// From the beginning of a line on that continues no other: the rest may be that of a secret.
 std::string endOf(const files::path& log) {
-    std::string text = readEndQuietly(log, kLongest + 1);
-    if (text.size() > kLongest) {
-        const std::size_t end = text.find('\n');
-        text.erase(0, end == std::string::npos ? end : end + 1);
+    const std::string text = readEndQuietly(log, kLongest + kInFront);
+    if (text.size() <= kLongest) {
+        return text;
     }
-    return text;
+    std::size_t end = text.find('\n', text.size() - kLongest - 1);
+    while (end != std::string::npos && isContinued(std::string_view(text).substr(0, end))) {
+        end = text.find('\n', end + 1);
+    }
+    return end == std::string::npos ? std::string() : text.substr(end + 1);
 }
 
 bool isLaunchersLog(const std::string& name) {

@@ -52,5 +52,20 @@ TEST(LastLogs, BeginWithALine) {
     EXPECT_TRUE(textOf(folder).empty());
 }
 
+// The name of what a later line of it holds is in its first.
+TEST(LastLogs, BeginWithNoRestOfAnEntry) {
+    const rcp::test::TestFolder folder;
+    for (const std::string end : {"\n", "\r\n"}) {
+        const std::string before = "x" + end;
+        const std::string entry = "password=one\\" + end + "two\\" + end + "three" + end;
+        for (std::size_t cut = 1; cut < before.size() + entry.size(); ++cut) {
+            const std::size_t left = before.size() + entry.size() - cut;
+            const std::string rest = std::string((std::size_t{1} << 20U) - left - 1, 'x') + "\n";
+            folder.write(".metadata/.log", before + entry + rest);
+            EXPECT_TRUE(textOf(folder) == (cut <= before.size() ? entry + rest : rest)) << cut;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace rcp::inspect
