@@ -1,5 +1,5 @@
-// The names in jars and what their manifests say: in files that are none or were cut or changed, and in whole ones, whatever stands in front of
-// them and behind.
+// The names in jars and what their manifests say: in files that are none or were cut or changed, and in whole ones,
+// whatever stands in front of them and behind.
 //
 // Input: the file. And of a whole one: what stands in front of it, its comment, and its names.
 #include "fuzz/fuzz.h"

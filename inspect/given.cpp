@@ -7,6 +7,7 @@
 #include "launcher/process_entry.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <utility>
 
@@ -74,11 +75,15 @@ std::string Settlement::settleSubject() {
     if (given_.isPathEmpty) {
         return "an empty path names no launcher";
     }
-    if (std::string problem = become(given_.user); !problem.empty()) {
-        return problem;
+    if (!given_.user.environmentFile.empty()) {
+        given_.user.environmentFile = std::filesystem::absolute(given_.user.environmentFile);
+    }
+    Became user = become(given_.user);
+    if (!user.problem.empty()) {
+        return user.problem;
     }
     options_.environmentFile = given_.user.environmentFile;
-    options_.variableLines = given_.user.lines;
+    options_.variableLines = std::move(user.lines);
     endOf(setCharacterLocale);
     if (given_.isStaged && !stage(given_.root)) {
         return "no folder " + given_.root;

@@ -59,13 +59,12 @@ void clearEnvironment() {
     }
 }
 
-std::string takeFile(OtherUser& user) {
-    const std::string& path = user.environmentFile;
+Became takeFile(const std::string& path) {
     const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));  // a pipe, too
     errno = file ? 0 : errno;
     const std::string text = file ? readToEnd(file.get()) : std::string();
     if (errno != 0) {
-        return "no variables can be read from " + path + ": " + strerror(errno);
+        return {.problem = "no variables can be read from " + path + ": " + strerror(errno)};
     }
     Variables variables;
     std::istringstream lines(text);
@@ -73,18 +72,16 @@ std::string takeFile(OtherUser& user) {
     for (std::string line; std::getline(lines, line);) {
         ++number;
         if (!addLine(line, number, variables)) {  // which may hold a secret
-            return std::string(path)
-                .append(":")
-                .append(std::to_string(number))
-                .append(": this is not NAME=VALUE");
+            return {.problem = path + ":" + std::to_string(number) + ": this is not NAME=VALUE"};
         }
     }
     clearEnvironment();
+    Became became;
     for (const Variable& variable : variables) {
         setenv(variable.name.c_str(), variable.value.c_str(), 1);
-        user.lines[variable.name] = variable.line;
+        became.lines[variable.name] = variable.line;
     }
-    return {};
+    return became;
 }
 
 bool isLocale(const std::string& name) {
@@ -97,14 +94,13 @@ bool isLocale(const std::string& name) {
 
 }  // namespace
 
-std::string become(OtherUser& user) {
+Became become(const OtherUser& user) {
     if (!user.locale.empty() && !isLocale(user.locale)) {
-        return "no locale " + user.locale + " on this machine";
+        return {.problem = "no locale " + user.locale + " on this machine"};
     }
-    if (!user.environmentFile.empty()) {
-        if (std::string problem = takeFile(user); !problem.empty()) {
-            return problem;
-        }
+    Became became = user.environmentFile.empty() ? Became() : takeFile(user.environmentFile);
+    if (!became.problem.empty()) {
+        return became;
     }
     const std::pair<const char*, const std::string&> settings[] = {
         {"HOME", user.home}, {"USER", user.name}, {"LOGNAME", user.name}, {"LC_ALL", user.locale}};
@@ -113,7 +109,7 @@ std::string become(OtherUser& user) {
             setenv(name, value.c_str(), 1);
         }
     }
-    return {};
+    return became;
 }
 
 }  // namespace rcp::inspect

@@ -10,13 +10,17 @@ namespace rcp::inspect {
 /// What is empty stays as it is for the user of this process. Permissions are his in any case.
 struct OtherUser {
     std::string environmentFile;  // as env(1) prints: the only variables there are
-    std::map<std::string, std::size_t> lines = {};  // of the variables in it, once they are his
     std::string home;
     std::string name;
     std::string locale;
 };
 
-/// From here on the environment of this process is that of the user. What is wrong when it cannot be; else empty.
-std::string become(OtherUser& user);
+struct Became {
+    std::map<std::string, std::size_t> lines = {};  // of the variables in the environment file
+    std::string problem = {};                       // why he could not be become; else empty
+};
+
+/// From here on the environment of this process is that of the user.
+Became become(const OtherUser& user);
 
 }  // namespace rcp::inspect

@@ -173,7 +173,7 @@ constexpr FindingRule kRules[] = {
      "Make room there, or name another workspace with -data."},
     {"RI610", "passed-over", kWarning,
      "The file cannot be opened. Launches pass over it as if it were not there.",
-     "Let everybody read it: chmod a+r."},
+     "Let it be a file that everybody can read."},
     // Application bundles
     {"RI701", "bundle-incomplete", kError,
      "The application bundle lacks something without which it does not start.",
@@ -265,9 +265,13 @@ constexpr FindingRule kRules[] = {
      "Mend what keeps it from being tried."},
     {"RI816", "other-main-class", kWarning,
      "The startup jar's manifest names another class than the platform's launcher. That one is "
-     "started, and "
-     "what it does is not known here.",
+     "started, and what it does is not known here.",
      "Let the manifest name org.eclipse.equinox.launcher.Main, unless it is meant."},
+    {"RI817", "first-thread-refused", kWarning,
+     "The JVM is started as a program, which outside macOS refuses -XstartOnFirstThread. Its "
+     "library passes over that option.",
+     "Name the JVM's library (lib/server/libjvm.so) instead, or see with --try-jvm that it "
+     "starts."},
 };
 
 }  // namespace

@@ -24,9 +24,8 @@
 namespace rcp::inspect {
 namespace {
 
-std::string alongPath(const std::string& name) {
-    const char* const path = getenv("PATH");
-    std::istringstream folders(path == nullptr ? "" : path);
+std::string alongPath(const std::string& name, const EnvironmentChanges& changes) {
+    std::istringstream folders(variableAfter("PATH", changes));
     for (std::string folder; std::getline(folders, folder, ':');) {
         folder.append("/").append(name);
         if (!startFault(folder)) {
@@ -100,10 +99,24 @@ Jvm jvmOf(const Examination& examination, const Plan& plan) {
         return {};
     }
     if (jvm.text.find(L'/') == std::wstring::npos) {
-        jvm.text = toWide(alongPath(toNarrow(jvm.text)));
+        jvm.text = toWide(alongPath(toNarrow(jvm.text), plan.environment));
     }
     const JvmKind kind = kindOfJvm(toNarrow(jvm.text));
     return {std::move(jvm), kind};
+}
+
+Arguments jvmOptionsOf(const Examination& examination, const Plan& plan) {
+    const Arguments& all = plan.line.arguments();
+    const bool isJava = examination.inputs.traits.isDirectJavaShape();
+    const auto front = isJava ? all.begin() : std::find(all.begin(), all.end(), options::kVmargs);
+    const auto end = isJava ? std::find(all.begin(), all.end(), options::kMainClass) : all.end();
+    return front == end ? Arguments() : Arguments(front + 1, end);
+}
+
+bool startsJava(const Examination& examination, const Plan& plan) {
+    const Jvm jvm = jvmOf(examination, plan);
+    return jvm.kind == JvmKind::kFolder ? existsA(toNarrow(jvm.path.text) + "/java")
+                                        : jvm.kind != JvmKind::kLibrary;
 }
 
 std::optional<Plan> planOf(const Examination& examination) {
@@ -137,8 +150,9 @@ const Fault* obstacleIn(const std::vector<Examined>& handOff) {
                                             "tried JVM",    "startup jar",      "class path",
                                             "install area", "framework",        "room"};
     // Of what is needed, but may do all the same.
-    const auto isDoubt = [](const Fault& fault) {
-        return fault.code == std::string_view("RI815") || fault.code == std::string_view("RI816");
+    constexpr std::string_view kDoubts[] = {"RI815", "RI816", "RI817"};
+    const auto isDoubt = [&](const Fault& fault) {
+        return std::find(std::begin(kDoubts), std::end(kDoubts), fault.code) != std::end(kDoubts);
     };
     // What keeps all bundles from starting, not one of them.
     constexpr std::string_view kFatal[] = {"RI811", "RI812", "RI814"};

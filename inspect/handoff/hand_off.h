@@ -82,6 +82,10 @@ struct Jvm {
 };
 /// What stands behind "-vm", a name alone as it is found along PATH, or the program that is started.
 Jvm jvmOf(const Examination& examination, const Plan& plan);
+/// What the JVM takes for its own: what stands behind "-vmargs", or between the program java and the main class.
+Arguments jvmOptionsOf(const Examination& examination, const Plan& plan);
+/// Whether that is the program java, or may be: the launcher library can find one itself.
+bool startsJava(const Examination& examination, const Plan& plan);
 /// What a variable holds for whoever is handed to; empty when it is not set.
 std::string variableAfter(const std::string& name, const EnvironmentChanges& changes);
 

@@ -112,11 +112,14 @@ class Inflation {
     void addStored() {
         at_ = (at_ + 7) / 8 * 8;
         const unsigned size = take(16);
-        isDamaged_ = isDamaged_ || take(16) != (size ^ 0xFFFFU) || size > bytes_.size() - at_ / 8;
-        if (!isDamaged_) {
-            add(bytes_.substr(at_ / 8, size));
-            at_ += std::size_t{size} * 8;
+        const unsigned inverted = take(16);
+        isDamaged_ = isDamaged_ || inverted != (size ^ 0xFFFFU);
+        if (isDamaged_ || size > bytes_.size() - at_ / 8) {
+            isDamaged_ = true;
+            return;
         }
+        add(bytes_.substr(at_ / 8, size));
+        at_ += std::size_t{size} * 8;
     }
 
     void addWithFixedCodes() {

@@ -50,17 +50,19 @@ bool isExpressible(const std::string& text, const std::string& characters, local
     return mbsrtowcs(nullptr, &rest, 0, &state) != static_cast<std::size_t>(-1);
 }
 
-// "/opt/x", "-Dx=/opt/x", "file:/opt/x": not every text with a slash names a file.
+bool isAddress(std::string_view text) {
+    const std::size_t host = text.find("://");
+    return host != std::string_view::npos && !text.substr(0, host).ends_with("file");
+}
+
+// "/opt/x", "@user.home/x", "-javaagent:lib/x.jar"; of a property only where the whole is one: "-Dx=/opt/x" and
+// "-Dx=file:/opt/x", not "-Dtitle=this/that".
 bool hasPath(std::string_view argument) {
-    for (std::size_t at = argument.find('/'); at != std::string_view::npos;
-         at = argument.find('/', at + 1)) {
-        const std::string_view front = argument.substr(0, at);
-        const bool isAddress = argument.substr(at).starts_with("//") && !front.ends_with("file:");
-        if ((front.empty() || front.ends_with('=') || front.ends_with(':')) && !isAddress) {
-            return true;
-        }
+    if (argument.find('/') == std::string_view::npos || isAddress(argument)) {
+        return false;
     }
-    return false;
+    const std::string_view value = argument.substr(std::min(argument.find('='), argument.size()));
+    return !argument.starts_with("-D") || value.starts_with("=/") || value.starts_with("=file:");
 }
 
 }  // namespace

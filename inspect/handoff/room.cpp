@@ -121,7 +121,11 @@ json describeWrites(const Rehearsal& rehearsal) {
         struct stat status {};
         const std::string folder = folderAbove(change.path, status);
         Write& write = all.try_emplace(status.st_dev, writeBelow(folder, status)).first->second;
-        isMade ? addMade(write, change, rehearsal) : addReplaced(write, change, rehearsal);
+        if (isMade) {
+            addMade(write, change, rehearsal);
+        } else {
+            addReplaced(write, change, rehearsal);
+        }
     }
     json writes = json::array();
     for (const auto& [device, write] : all) {

@@ -104,9 +104,10 @@ class Examiner {
         const auto isNothing = [](const auto& place) { return readQuietly(place, 1).empty(); };
         if (examined.faults.empty() && library.filename().string().starts_with("libjvm.") &&
             std::all_of(places.begin(), places.end(), isNothing)) {
+            const std::wstring classes = toWide(places.front());
+            (void)exists(classes);
             addFault(examined, "RI601", jvm.origin,
-                     inQuotes(jvm.text) + " is without its JRE: there is no " +
-                         inQuotes(places.front()));
+                     inQuotes(jvm.text) + " is without its JRE: " + absenceText(classes, errno));
         }
     }
 
@@ -133,6 +134,20 @@ class Examiner {
                      kPlatformEntryPoints);
     }
 
+    // Where there is no first thread to start on, a JVM knows no such option.
+    void judgeFirstThread(Examined& examined, const Argument& jvm) const {
+        const Arguments all = jvmOptionsOf(examination_, plan_);
+        const auto has = [&](std::wstring_view option) {
+            return std::any_of(all.begin(), all.end(),
+                               [&](const Argument& one) { return one.text == option; });
+        };
+        if (!isBundle_ && examined.faults.empty() && has(options::kStartOnFirstThread) &&
+            !has(L"-XX:+IgnoreUnrecognizedVMOptions")) {
+            addFault(examined, "RI817", jvm.origin,
+                     inQuotes(jvm.text) + " gets " + inQuotes(options::kStartOnFirstThread));
+        }
+    }
+
     void examineJvm() {
         const Jvm jvm = jvmOf(examination_, plan_);
         if (jvm.kind == JvmKind::kNone) {
@@ -146,7 +161,10 @@ class Examiner {
             judgeJvmLibrary(examined, jvm.path);
         } else if (jvm.kind == JvmKind::kProgram) {
             judgeProgram(examined, jvm.path);
-        } else if (jvm.kind == JvmKind::kFolder && !existsA(path + "/java")) {
+            judgeFirstThread(examined, jvm.path);
+        } else if (jvm.kind == JvmKind::kFolder && existsA(path + "/java")) {
+            judgeFirstThread(examined, jvm.path);
+        } else if (jvm.kind == JvmKind::kFolder) {
             judgeJvmFolder(examined, jvm.path);
         }
     }
@@ -232,16 +250,9 @@ class Examiner {
         for (const char* name : kJvmVariables) {
             examineVariable(name);
         }
-        if (startsJava()) {
+        if (startsJava(examination_, plan_)) {
             examineVariable(kJavasVariable);
         }
-    }
-
-    // What the launcher library finds itself may be a program.
-    [[nodiscard]] bool startsJava() const {
-        const Jvm jvm = jvmOf(examination_, plan_);
-        return jvm.kind == JvmKind::kFolder ? existsA(toNarrow(jvm.path.text) + "/java")
-                                            : jvm.kind != JvmKind::kLibrary;
     }
 
     void examineVariable(const std::string& name) {

@@ -79,21 +79,6 @@ Maker makerOf(const Jvm& jvm) {
     }
 }
 
-// What of the command line is the JVM's.
-std::vector<std::string> jvmOptions(const Plan& plan, bool isJava) {
-    const Arguments& all = plan.line.arguments();
-    const auto isMainClass = [](const Argument& one) { return one == options::kMainClass; };
-    const auto begin = isJava ? all.begin() : std::find(all.begin(), all.end(), options::kVmargs);
-    const auto end = isJava ? std::find_if(all.begin(), all.end(), isMainClass) : all.end();
-    std::vector<std::string> jvms;
-    for (auto one = begin; one != end; ++one) {
-        if (one != begin) {  // "-vmargs", or the JVM itself
-            jvms.push_back(toNarrow(one->text));
-        }
-    }
-    return jvms;
-}
-
 void changeEnvironment(const EnvironmentChanges& changes) {
     for (const EnvironmentChange& change : changes) {
         if (change.kind == EnvironmentChange::kSet) {
@@ -230,13 +215,16 @@ Examined tryJvm(const Examination& examination) {
     if (maker.isForLibrary) {  // as the launcher library makes it
         words.emplace_back("-XX:+IgnoreUnrecognizedVMOptions");
     }
-    const bool isJava = examination.inputs.traits.isDirectJavaShape();
-    for (const std::string& option : jvmOptions(*plan, isJava)) {
-        words.push_back(option);
+    for (const Argument& option : jvmOptionsOf(examination, *plan)) {
+        words.push_back(toNarrow(option.text));
     }
     words.emplace_back("-version");
+    EnvironmentChanges changes = plan->environment;
+    if (maker.isForLibrary) {  // which the program would read
+        changes.push_back({EnvironmentChange::kUnset, toWide(kJavasVariable), {}, {}});
+    }
     try {
-        const Trial trial = run(words, plan->environment);
+        const Trial trial = run(words, changes);
         examined.path = firstLines(trial.said, 1);
         if (!trial.status) {
             addFault("RI810", "has not answered within 30 seconds");

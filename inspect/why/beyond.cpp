@@ -44,8 +44,7 @@ constexpr Usual kUsual[] = {
     {"eclipse.product", "its product is what -product names, if that is given"},
     {"org.eclipse.equinox.simpleconfigurator.configUrl",
      "the list of bundles is org.eclipse.equinox.simpleconfigurator/bundles.info of the "
-     "configuration, else of the "
-     "one that it inherits from"},
+     "configuration, else of the one that it inherits from"},
     {"osgi.bundles", "it starts no bundle, and so no application"},
     {"osgi.bundles.defaultStartLevel", "bundles without a start level have 4"},
     {"osgi.configuration.area", "it is what -configuration names"},
@@ -71,9 +70,12 @@ void addUnset(json& chains, const PlatformSettings& settings, const std::vector<
     if (usual == std::end(kUsual)) {
         return;
     }
-    json chain = chainOf(key + " is not set");
+    const auto isIn = [&](const SettingsFile& file) { return file.entries.contains(key); };
+    const bool isEmpty = std::any_of(settings.files().begin(), settings.files().end(), isIn);
+    json chain = chainOf(key + (isEmpty ? " is empty" : " is not set"));
     for (const SettingsFile& file : settings.files()) {
-        addStep(chain, "not in", placeText(file.at(0)));
+        const std::size_t line = isIn(file) ? file.entries.at(key).line : 0;
+        addStep(chain, isIn(file) ? "at" : "not in", placeText(file.at(line)));
     }
     addStep(chain, "read by", "the platform, as a property of its own");
     addStep(chain, "so", usual->then);
@@ -112,8 +114,7 @@ void addSetting(json& chains, const PlatformSettings& settings,
 
 // The variable that the program java reads, of a launch that loads its library.
 void addUnreadVariable(json& chains, const std::string& name) {
-    const char* value = getenv(name.c_str());
-    if (name == kJavasVariable && value != nullptr) {
+    if (const char* value = getenv(name.c_str()); value != nullptr) {
         json chain = chainOf(name + "=" + value);
         addStep(chain, "not read", "the program java reads it, and the launch loads a library");
         chains.push_back(chain);
@@ -126,13 +127,11 @@ void addJvmVariable(json& chains, const std::vector<Examined>& handOff, const st
         if (examined.what == "variable" && examined.path == name && value != nullptr) {
             json chain = chainOf(name + "=" + value);
             addStep(chain, "from", "the environment of the launch");
-            addStep(chain, "read by", "the JVM");
+            addStep(chain, "read by", name == kJavasVariable ? "the program java" : "the JVM");
             addFaultSteps(chain, examined, name);
             chains.push_back(chain);
-            return;
         }
     }
-    addUnreadVariable(chains, name);
 }
 
 // Settings put paths together, with a slash too many and dots.
@@ -185,6 +184,9 @@ json beyondChains(const Options& options) {
     if (!options.subject.starts_with('/')) {
         addSetting(chains, settings, handOff, options.subject);
         addJvmVariable(chains, handOff, options.subject);
+        if (options.subject == kJavasVariable && !startsJava(examination, *plan)) {
+            addUnreadVariable(chains, options.subject);
+        }
         return chains;
     }
     for (const Examined& examined : handOff) {

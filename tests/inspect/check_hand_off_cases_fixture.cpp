@@ -62,6 +62,15 @@ Change isFolderWith(const std::string& folder, const std::string& file) {
     };
 }
 
+// The launch names the program of its JVM, not its library.
+Change isProgram() {
+    return [](const Maker& maker) {
+        maker.place("jre/bin/java", "standin_platform");
+        maker.replace(kLauncherProperties, "jvm.libpath=/lib/server/libjvm.so",
+                      "jvm.libpath=/bin/java");
+    };
+}
+
 Change isCalled(const std::string& file, const std::string& name) {
     return [=](const Maker& maker) {
         std::filesystem::rename(maker.folder().path() / file, maker.folder().path() / name);
@@ -101,6 +110,12 @@ std::vector<Case> codeCases() {
          nothingChanges, kLauncherProperties, inAll(5)},
         {"RI802", "JvmThatIsAProgramByAnotherName", isStandIn(kJvmLibrary, "standin_platform"),
          nothingChanges, kLauncherProperties, inAll(5)},
+        {"RI817", "JvmThatIsAProgram", isProgram(),
+         both(isProgram(), launcherHas("vmarg.a=-XX:+IgnoreUnrecognizedVMOptions\n")),
+         kLauncherProperties, inAll(5)},
+        {"RI817", "JvmOfAServiceThatGetsIt",
+         both(isService(), launcherHas("vmarg.a=-XstartOnFirstThread\n")), isService(),
+         kLauncherProperties, inAll(5)},
     };
 }
 

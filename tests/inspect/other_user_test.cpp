@@ -55,6 +55,12 @@ TEST_F(OtherUserTest, IsToldWhereAVariableOfHisStands) {
                                  "\nPATH=one\ntwo\nJAVA_TOOL_OPTIONS=-Da=b\n");
     EXPECT_THAT(told({"check", "--env-file", folder_.narrow("bob.env")}, 1),
                 HasSubstr(folder_.narrow("bob.env") + "\n  5: warning RI809"));
+    // A name alone would be that of a file of the installation.
+    Program program({"/bin/sh", "-c", R"(cd "$2" && "$0" check --install "$1" --env-file bob.env)",
+                     seen(INSPECT_PROGRAM), installation(), folder_.narrow()},
+                    launchEnvironment());
+    EXPECT_THAT(program.rest(), HasSubstr(folder_.narrow("bob.env") + "\n  5: warning RI809"));
+    EXPECT_EQ(program.wait(), 1);
 }
 
 TEST_F(OtherUserTest, HisVariablesMayComeThroughAPipe) {

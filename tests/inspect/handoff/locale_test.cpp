@@ -59,8 +59,11 @@ TEST_F(LocaleTest, ThatIsNotInstalledIsWhatProgramsBeginWith) {
 TEST_F(LocaleTest, HasToExpressPathsAlone) {
     append(kProperties, "vmarg.title=-Dtitle=Käse/Brot\nvmarg.page=-Dpage=http://host/Käse\n");
     expectSound("work");
-    append(kProperties, "vmarg.file=-Dfile=file:/Käse\n");
-    EXPECT_TRUE(tells("check", "work")) << told("check", "work");
+    const std::string before = folder_.read(kProperties);
+    for (const char* path : {"-Dfile=file:/Käse", "-Dfile=/Käse", "-javaagent:lib/Käse.jar"}) {
+        folder_.write(kProperties, before + "vmarg.file=" + path + "\n");
+        EXPECT_TRUE(tells("check", "work")) << told("check", "work");
+    }
 }
 
 TEST_F(LocaleTest, IsThatOfTheJvmAndNotItsOwn) {

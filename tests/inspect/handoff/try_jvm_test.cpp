@@ -82,6 +82,14 @@ TEST_F(TriedJvm, OfWhichOnlyADescriptionIsThereIsNotTried) {
                   check(1, {"-vm", folder_.narrow("default.ee")}));
 }
 
+TEST_F(TriedJvm, OfALibraryReadsNoVariableOfTheProgram) {
+    writeJava(kJava, "[ -z \"$JDK_JAVA_OPTIONS\" ] || exit 7");
+    writeJava("java/java", "[ -z \"$JDK_JAVA_OPTIONS\" ] || exit 7");
+    variables_ = {"JDK_JAVA_OPTIONS=-Xnothing"};
+    EXPECT_EQ(check(0).find("RI810"), std::string::npos);
+    expectFinding(" ends with status 7", check(2, {"-vm", folder_.narrow("java/java")}));
+}
+
 TEST_F(TriedJvm, ThatASignalEndsIsToldAsThat) {
     writeJava(kJava, "kill -SEGV $$");
     expectFinding("is ended by signal 11", check(2));
