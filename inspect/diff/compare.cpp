@@ -144,16 +144,21 @@ json differingTrees(const Tree& first, const Tree& second) {
         if (file.kind == kBecameLink || file.kind == kBecameFile) {
             described["became"] = file.kind == kBecameLink ? "link" : "file";
         }
+        if (file.kind == kUnreadable) {
+            described["isReadable"] = false;
+        }
         result.push_back(described);
     }
     return result;
 }
 
+// A recorded launch has started the platform.
 bool differsInOutcome(const Side& first, const Side& second) {
     const json ours = first.about.value("outcome", json());
     const json theirs = second.about.value("outcome", json());
-    return !ours.is_null() && ours != theirs &&
-           withoutHome(ours.dump(), homeOf(first)) != withoutHome(theirs.dump(), homeOf(second));
+    return ours.is_null() ? theirs.contains("obstacle")
+                          : ours != theirs && withoutHome(ours.dump(), homeOf(first)) !=
+                                                  withoutHome(theirs.dump(), homeOf(second));
 }
 
 }  // namespace

@@ -98,9 +98,11 @@ std::string propertyText(const json& property) {
 }
 
 std::string fileText(const json& file) {
-    return file["path"].get<std::string>() +
-           (file.contains("became") ? "    (is a " + file["became"].get<std::string>() + " now)"
-                                    : "");
+    const std::string path = file["path"];
+    return file.contains("became")
+               ? path + "    (is a " + file["became"].get<std::string>() + " now)"
+           : file.contains("isReadable") ? path + "    (cannot be read)"
+                                         : path;
 }
 
 std::string findingText(const json& finding) {

@@ -11,6 +11,8 @@
 #include <cctype>
 #include <filesystem>
 #include <map>
+#include <optional>
+#include <set>
 
 namespace rcp::inspect {
 namespace {
@@ -24,7 +26,18 @@ struct Entry {
     bool isLink = false;
     std::uintmax_t size = 0;
 };
-using Entries = std::map<std::string, Entry>;
+using Names = std::set<std::string>;  // below an installation
+
+struct Inventory {
+    std::map<std::string, Entry> files;
+    Names closed;  // folders that cannot be read; the installation's own is "."
+
+    [[nodiscard]] bool isUnknown(const std::string& path) const {
+        return std::any_of(closed.begin(), closed.end(), [&](const std::string& folder) {
+            return folder == "." || path.starts_with(folder + "/");
+        });
+    }
+};
 
 // Whether a name that ends there goes on, so that it is another.
 bool goesOn(const std::string& text, std::size_t at) {
@@ -32,12 +45,28 @@ bool goesOn(const std::string& text, std::size_t at) {
                                 std::string_view("-_.").find(text[at]) != std::string_view::npos);
 }
 
-bool isLeftOut(const Tree& tree, const std::string& path) {
-    return std::find(tree.without.begin(), tree.without.end(), path) != tree.without.end();
+// One of the two may have ended before it knew its own.
+Names namesIn(const Tree& first, const Tree& second, std::vector<std::string> Tree::*paths) {
+    Names names;
+    for (const Tree* tree : {&first, &second}) {
+        for (const std::string& path : tree->*paths) {
+            if (path.starts_with(tree->path + "/")) {
+                names.insert(path.substr(tree->path.size() + 1));
+            }
+        }
+    }
+    return names;
 }
 
-Entries entriesOf(const Tree& tree) {
-    Entries entries;
+bool isAllowed(const Tree& tree, const std::string& path, int access) {
+    return faccessat(AT_FDCWD, (tree.place + "/" + path).c_str(), access, AT_EACCESS) == 0;
+}
+
+Inventory inventoryOf(const Tree& tree, const Names& without) {
+    Inventory inventory;
+    if (!isAllowed(tree, ".", R_OK)) {
+        inventory.closed.insert(".");
+    }
     std::error_code refused;
     files::recursive_directory_iterator at(
         tree.place, files::directory_options::skip_permission_denied, refused);
@@ -46,13 +75,16 @@ Entries entriesOf(const Tree& tree) {
         const std::string name = at->path().string().substr(tree.place.size() + 1);
         std::error_code gone;
         const bool isLink = at->is_symlink(gone);
-        if (isLeftOut(tree, tree.path + "/" + name)) {
+        if (without.contains(name)) {
             at.disable_recursion_pending();
         } else if (isLink || at->is_regular_file(gone)) {
-            entries[name] = {isLink, isLink ? 0 : at->file_size(gone)};
+            inventory.files[name] = {isLink, isLink ? 0 : at->file_size(gone)};
+        } else if (at->is_directory(gone) && !isAllowed(tree, name, R_OK | X_OK)) {
+            inventory.closed.insert(name);
+            at.disable_recursion_pending();
         }
     }
-    return entries;
+    return inventory;
 }
 
 bool isSameTarget(const std::string& first, const std::string& second, const Tree& left,
@@ -89,19 +121,24 @@ bool isSameText(const std::string& first, const std::string& second, const Tree&
     return withoutHome(readPlace(first), left.path) == withoutHome(readPlace(second), right.path);
 }
 
-// Of two links or two files.
-bool isSame(const std::string& path, const Entry& ours, const Entry& theirs, const Tree& left,
-            const Tree& right) {
+// Of what both have; none when it is the same.
+std::optional<FileDifference::Kind> differenceOf(const std::string& path, const Entry& ours,
+                                                 const Entry& theirs, const Tree& left,
+                                                 const Tree& right) {
+    using enum FileDifference::Kind;
     const std::string first = left.place + "/" + path;
     const std::string second = right.place + "/" + path;
-    if (ours.isLink) {
-        return isSameTarget(first, second, left, right);
+    if (ours.isLink != theirs.isLink) {
+        return ours.isLink ? kBecameFile : kBecameLink;
     }
-    if (ours.size == theirs.size && isSameContent(first, second)) {
-        return true;
+    if (!ours.isLink && !(isAllowed(left, path, R_OK) && isAllowed(right, path, R_OK))) {
+        return kUnreadable;
     }
-    return std::max(ours.size, theirs.size) <= kLongestText &&
-           isSameText(first, second, left, right);
+    const bool isSame = ours.isLink ? isSameTarget(first, second, left, right)
+                                    : (ours.size == theirs.size && isSameContent(first, second)) ||
+                                          (std::max(ours.size, theirs.size) <= kLongestText &&
+                                           isSameText(first, second, left, right));
+    return isSame ? std::nullopt : std::optional(kChanged);
 }
 
 }  // namespace
@@ -123,22 +160,31 @@ std::string withoutHome(std::string text, const std::string& home) {
 std::vector<FileDifference> differingFiles(const Tree& first, const Tree& second) {
     using enum FileDifference::Kind;
     std::vector<FileDifference> differences;
-    const Entries ours = entriesOf(first);
-    const Entries theirs = entriesOf(second);
-    for (const auto& [path, entry] : ours) {
-        const auto other = theirs.find(path);
-        if (other == theirs.end()) {
+    const Names without = namesIn(first, second, &Tree::without);
+    const Names settings = namesIn(first, second, &Tree::settings);
+    const Inventory ours = inventoryOf(first, without);
+    const Inventory theirs = inventoryOf(second, without);
+    for (const auto& [path, entry] : ours.files) {
+        const auto other = theirs.files.find(path);
+        if (other != theirs.files.end()) {
+            if (const auto kind = differenceOf(path, entry, other->second, first, second);
+                kind &&
+                (*kind == kBecameLink || *kind == kBecameFile || !settings.contains(path))) {
+                differences.push_back({*kind, path});
+            }
+        } else if (!theirs.isUnknown(path)) {
             differences.push_back({kRemoved, path});
-        } else if (entry.isLink != other->second.isLink) {
-            differences.push_back({entry.isLink ? kBecameFile : kBecameLink, path});
-        } else if (!isSame(path, entry, other->second, first, second)) {
-            differences.push_back({kChanged, path});
         }
     }
-    for (const auto& [path, entry] : theirs) {
-        if (!ours.contains(path)) {
+    for (const auto& [path, entry] : theirs.files) {
+        if (!ours.files.contains(path) && !ours.isUnknown(path)) {
             differences.push_back({kAdded, path});
         }
+    }
+    Names closed = ours.closed;
+    closed.insert(theirs.closed.begin(), theirs.closed.end());
+    for (const std::string& folder : closed) {
+        differences.push_back({kUnreadable, folder});
     }
     std::sort(differences.begin(), differences.end(),
               [](const auto& left, const auto& right) { return left.path < right.path; });

@@ -98,13 +98,16 @@ json findingsOf(const Examination& examination) {
     return json::parse(findings.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
-// What a launch writes, and the settings, which are compared entry by entry, are none of its files.
+// What a launch writes is none of its files, and the settings are compared entry by entry.
 Tree treeOf(const Options& options, const json& explanation) {
-    Tree tree{options.installation,
-              {explanation["facts"].value("workspace", std::string())},
-              placeOf(options.installation)};
+    const json& facts = explanation["facts"];
+    Tree tree{.path = options.installation,
+              .without = {facts.value("workspace", std::string()),
+                          facts.value("configuration", std::string())},
+              .settings = {},
+              .place = placeOf(options.installation)};
     for (const json& file : explanation["files"]) {
-        tree.without.push_back(file["path"]);
+        tree.settings.push_back(file["path"]);
     }
     return tree;
 }

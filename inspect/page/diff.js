@@ -7,7 +7,8 @@ const kParts = [
     ['environment', 'Environment', 'variables', (one) => [one.name, one.value ?? 'not set']],
     ['properties', 'Properties', 'properties', (one) => [one.name, one.value]],
     ['copies', 'The user’s copies of master files', 'copies', (one) => [one.copy, one.message]],
-    ['files', 'Files', 'files', (one) => one.became ? [one.path, `is a ${one.became} now`] : [one.path]],
+    ['files', 'Files', 'files', (one) => one.became ? [one.path, `is a ${one.became} now`]
+        : one.isReadable === false ? [one.path, 'cannot be read'] : [one.path]],
     ['findings', 'Findings of the check', 'findings', (one) => [one.code + ' ' + one.file + (one.line ? ':' + one.line : ''), one.message]],
 ];
 

@@ -237,6 +237,30 @@ TEST_F(DiffTest, AFileThatBecameALinkIsToldAsThatAndTheOtherWay) {
     EXPECT_EQ(files[1], Json({{"change", "changed"}, {"path", "second"}, {"became", "link"}}));
 }
 
+// Whichever of them a launch comes to read.
+TEST_F(DiffTest, OfSettingsItIsToldWhetherTheyAreThere) {
+    folder_.write("client/jre/lib/jvm.properties", "# nothing\n");
+    const std::string old = copy();
+    const std::string settings = folder_.read(kProperties);
+    replaceIn(kProperties, "rcp.install.id", "x");
+    folder_.write("client/jre/lib/jvm.properties", "# nothing else\n");
+    EXPECT_EQ(differing({"--with", old}).find("\nFiles\n"), std::string::npos);
+    folder_.write(kProperties, settings);
+    EXPECT_EQ(same({"--with", old}), "no difference\n");
+    std::filesystem::remove(folder_.path() / "old/jre/lib/jvm.properties");
+    EXPECT_EQ(part(differing({"--with", old}) + "\n", "Files"), "+ jre/lib/jvm.properties\n");
+}
+
+TEST_F(DiffTest, TheUsersAreaIsNoFileOfAnInstallation) {
+    replaceIn(kProperties, "install.configuration=user", "install.configuration=service");
+    const std::string old = copy();
+    folder_.write("client/eclipse/.config/config.ini", "x");
+    folder_.write("client/eclipse/.workspace/x", "x");
+    std::string output;
+    (void)run({"--with", old, "--format", "json"}, output);
+    EXPECT_EQ(Json::parse(output)["files"], Json::array()) << output;
+}
+
 TEST_F(DiffTest, ALaunchWhosePlatformCannotStartIsToldFirst) {
     const std::string old = copy();
     replaceIn(kProperties, "jvm.libpath=/lib/server/libjvm.so", "jvm.libpath=/lib/libnone.so");
@@ -255,6 +279,15 @@ TEST_F(DiffTest, ALaunchThatWouldFailIsNotTakenForOneWithoutElements) {
     const Json result = Json::parse(differing({"--with", old, "--format", "json"}));
     EXPECT_TRUE(result["second"]["outcome"]["record"].get<std::string>().starts_with("ZYPRA0016E"));
     EXPECT_FALSE(result["first"]["outcome"].contains("record"));
+}
+
+TEST_F(DiffTest, ThatThePlatformCannotStartAnyMoreDiffersFromTheLastLaunch) {
+    ASSERT_EQ(launch(), 0);
+    EXPECT_EQ(same({"--since-last"}), "no difference\n");
+    folder_.write("client/jre/lib/server/libjvm.so", "");
+    EXPECT_NE(differing({"--since-last"})
+                  .find("it started the platform; the next cannot start the platform: RI802"),
+              std::string::npos);
 }
 
 TEST_F(DiffTest, WithoutAnythingToCompareWithItIsWrongUse) {

@@ -1,7 +1,5 @@
 #include "inspect/diff/recorded_launch.h"
 
-#include "inspect/diff/inventory.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -40,14 +38,6 @@ TEST(RecordedLaunch, AnArgumentWithTheSeparatorIsOneWhereThePlatformGotItAsOne) 
                 ElementsAre("-a", "x, y, z", "-b"));
     EXPECT_THAT(*recordedArguments(log, {"-a", "x", "y, z"}), ElementsAre("-a", "x", "y, z", "-b"));
     EXPECT_THAT(*recordedArguments(log, {}), ElementsAre("-a", "x", "y", "z", "-b"));
-}
-
-TEST(Inventory, OnlyTheInstallationsOwnFolderIsTakenOutOfATextAndNoneThatItsNameBegins) {
-    EXPECT_EQ(withoutHome("a /opt/v/x:/opt/v", "/opt/v"), "a ${rcp.home}/x:${rcp.home}");
-    EXPECT_EQ(withoutHome("/opt/v-2/x /opt/vv /opt/v.old", "/opt/v"),
-              "/opt/v-2/x /opt/vv /opt/v.old");
-    EXPECT_EQ(withoutHome("/opt/vv:/opt/v/x", "/opt/v"), "/opt/vv:${rcp.home}/x");
-    EXPECT_EQ(withoutHome("/opt/v", ""), "/opt/v");
 }
 
 }  // namespace
