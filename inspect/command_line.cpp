@@ -204,7 +204,7 @@ int run(int argc, char** argv) {
     given.isStaged = sub.count("--root") > 0;
     const Settled settled = settle(given, *command, options);
     if (!settled.problem.empty()) {
-        return wrongUse(settled.problem);
+        return wrongUse(options.isRedacted ? redactedProblem(settled.problem) : settled.problem);
     }
     const int status = command->carryOut == report ? report(settled.options)
                                                    : handOut(command->carryOut, settled.options);

@@ -188,6 +188,10 @@ Told toldBy(CarryOut command, const Options& options) {
     return {status, output.text()};
 }
 
+std::string redactedProblem(const std::string& problem) {
+    return Redactor(freshSalt(), identityOfThisProcess()).redact(problem);
+}
+
 int handOut(CarryOut command, const Options& options) {
     if (options.format == Format::kHtml) {
         return writeAsPage(command, options);

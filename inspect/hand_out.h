@@ -20,4 +20,7 @@ struct Told {
 /// What a command writes to standard output.
 Told toldBy(CarryOut command, const Options& options);
 
+/// What is wrong with a command line, redacted without knowing any installation.
+std::string redactedProblem(const std::string& problem);
+
 }  // namespace rcp::inspect

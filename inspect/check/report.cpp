@@ -17,20 +17,6 @@ bool isUnreserved(unsigned char byte) {
            std::string_view("-._~/").find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
-std::string uriOf(const std::string& path) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string uri;
-    for (const char character : path) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (isUnreserved(byte)) {
-            uri += character;
-        } else {
-            uri += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
-        }
-    }
-    return uri;
-}
-
 Json sarifRule(const FindingRule& rule) {
     return {{"id", rule.code},
             {"name", rule.name},
@@ -70,6 +56,20 @@ Json sarifResult(const Finding& finding) {
 }
 
 }  // namespace
+
+std::string uriOf(const std::string& path) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string uri;
+    for (const char character : path) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (isUnreserved(byte)) {
+            uri += character;
+        } else {
+            uri += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+    }
+    return uri;
+}
 
 Json jsonReport(const Examination& examination, const Findings& findings) {
     Json list = Json::array();

@@ -16,6 +16,8 @@ std::string textReport(const Examination& examination, const Findings& findings,
 nlohmann::ordered_json jsonReport(const Examination& examination, const Findings& findings);
 /// SARIF 2.1.0: every rule of the table with its help, every finding with its place.
 nlohmann::ordered_json sarifReport(const Examination& examination, const Findings& findings);
+/// A path as it stands in an address.
+std::string uriOf(const std::string& path);
 /// The text of a report; what is not UTF-8 in a path or value is replaced.
 std::string dump(const nlohmann::ordered_json& report);
 

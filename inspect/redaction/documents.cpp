@@ -50,8 +50,9 @@ std::vector<Json*> textsOf(Json& thing) {
 }
 
 // Lines that belong together, as those of a log, are looked at together.
-bool areLines(const Json& list) {
-    return list.size() > 1 && std::all_of(list.begin(), list.end(), [](const Json& item) {
+bool areLines(const std::string& member, const Json& list) {
+    return member != "arguments" && list.size() > 1 &&
+           std::all_of(list.begin(), list.end(), [](const Json& item) {
                return item.is_string() &&
                       item.get_ref<const std::string&>().find('\n') == std::string::npos;
            });
@@ -82,12 +83,6 @@ struct StringPlace {
     bool isList = false;    // it is several strings of a list, each in its line
 };
 
-// In an argument of several lines the name in front is that of all of them.
-std::size_t endOfNameOfLines(const StringPlace& place, const std::string& argument) {
-    const bool isArgument = !place.isList && argument.starts_with('-');
-    return isArgument && argument.find('\n') != kNone ? argument.find('=') : kNone;
-}
-
 bool hasMark(const Json& text) {
     return text.is_string() && text.get_ref<const std::string&>().find(kMark) != kNone;
 }
@@ -112,7 +107,7 @@ template <typename Visit>
 void walk(Json& node, const std::string& member, const Visit& visit) {
     if (node.is_string()) {
         visit(StringPlace{member}, node.template get_ref<std::string&>());
-    } else if (node.is_array() && areLines(node)) {
+    } else if (node.is_array() && areLines(member, node)) {
         std::string text = joined(node);
         visit(StringPlace{.member = member, .isList = true}, text);
         node = split(text);
@@ -196,8 +191,16 @@ SecretPart Redactor::partMadeOf(const std::string& pattern, const std::string& t
     return {};
 }
 
-// "-Ddb.password=..." under a secret key is an argument, of which the name may stay.
+// The name in front of an argument is that of all behind it, quotes and lines included. Of "-Ddb.size=..." under a
+// secret key that name may stay.
 SecretPart Redactor::partUnder(const std::string& name, const std::string& value) const {
+    const std::size_t equals = value.find_first_of("= \t\n");
+    if (value.starts_with('-') && isAt(value, equals, "=") &&
+        names_.isSecret(value.substr(0, equals))) {
+        std::vector<SecretPart> parts;
+        addPart(parts, value, {equals + 1, value.size(), value.substr(0, equals)});
+        return parts.empty() ? SecretPart{} : parts.front();
+    }
     const bool isUser = isUserOption(name) && hasPassword(value);
     SecretPart part = isUser ? SecretPart{0, value.size(), "user-info of an option"}
                              : narrowed(value, {0, value.size(), name});
@@ -235,14 +238,15 @@ void Redactor::learnDocument(const Json& document) {
     });
     walk(copy, {}, [this](const StringPlace& place, std::string& text) {
         const auto& [member, name, isList] = place;
-        const std::size_t equals = endOfNameOfLines(place, text);
-        if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
-            learnValue(text.substr(0, equals), std::string_view(text).substr(equals + 1));
-            learnWithin(text, {equals + 1, text.size(), text.substr(0, equals)});
-        } else if (!isOneOf(kSentences, member) && !isOneOf(kFixed, member)) {
-            learn(name, text);
-            learn(text);
+        if (isOneOf(kSentences, member) || isOneOf(kFixed, member)) {
+            return;
         }
+        if (const SecretPart part = isList ? SecretPart{} : partUnder(name, text);
+            part.begin < part.end) {
+            learnValue(part.name, std::string_view(text).substr(part.begin, part.end - part.begin));
+            learnWithin(text, part);
+        }
+        learn(text);
     });
 }
 
@@ -258,12 +262,11 @@ void Redactor::redactDocument(Json& document) {
         }
     });
     walk(document, {}, [&](const StringPlace& place, std::string& text) {
-        const std::size_t equals = endOfNameOfLines(place, text);
-        if (equals != kNone && names_.isSecret(text.substr(0, equals))) {
-            markPart(text, {equals + 1, text.size(), text.substr(0, equals)});
-        } else if (const SecretPart part = partUnder(place.name, text); part.begin < part.end) {
+        const SecretPart part = place.isList ? SecretPart{} : partUnder(place.name, text);
+        if (part.begin < part.end) {
             markPart(text, part);
-        } else if (!isOneOf(kFixed, place.member)) {
+        }
+        if (!isOneOf(kFixed, place.member)) {  // a name may hold the user's
             text = redact(text);
         }
     });

@@ -1,6 +1,8 @@
 #include "inspect/redaction/identity.h"
 
+#include "inspect/check/report.h"
 #include "inspect/making.h"
+#include "inspect/redaction/escaped_text.h"
 #include "inspect/redaction/ordinary_words.h"
 #include "platform/files.h"
 
@@ -86,6 +88,17 @@ void replaceWord(std::string& text, const std::string& word, const std::string& 
     }
 }
 
+// With other characters than ASCII's it stands otherwise in property files, and in addresses.
+void replaceInEveryForm(std::string& text, const std::string& word, const std::string& by,
+                        const char* what, const Count& count) {
+    replaceWord(text, word, by, what, count);
+    for (const std::string& form : {writtenForm(word), uriOf(word)}) {
+        if (form != word) {  // whose digits are in either case
+            replaceWord(text, form, by, what, count, LetterCase::kIsFree);
+        }
+    }
+}
+
 // Names of users are in small letters, so what is in capitals is a domain's: "/home/ACME/joe".
 bool isDomain(std::string_view name) {
     const auto isSmall = [](unsigned char character) { return std::islower(character) != 0; };
@@ -152,10 +165,10 @@ Identity identityOfThisProcess() {
 std::string withoutIdentity(std::string text, const Identity& identity, const Salt& salt,
                             const Count& count) {
     for (const std::string& home : identity.homes) {
-        replaceWord(text, home, std::string(kHomes[0]) + kUser, "home folder", count);
+        replaceInEveryForm(text, home, std::string(kHomes[0]) + kUser, "home folder", count);
     }
     for (const std::string& user : identity.users) {
-        replaceWord(text, user, kUser, "user name", count);
+        replaceInEveryForm(text, user, kUser, "user name", count);
     }
     for (const std::string& host : identity.hosts) {
         replaceWord(text, host, "<host>", "host name", count, LetterCase::kIsFree);

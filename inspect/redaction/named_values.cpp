@@ -19,7 +19,7 @@ std::size_t endOfValue(std::string_view text, const Name& name, std::size_t at, 
         return endOfQuoted(text, at);
     }
     if (text[name.end] == ':' && isField(name.in(text))) {
-        return endOfLine(text, at);
+        return firstOf(text, at, endOfLine(text, at), {kOriginBehind});
     }
     if (name.begin > 0 && isAt(text, name.begin - 1, "?&")) {  // of a URL
         return std::min(text.find_first_of("&;# \t\n\"'<>)", at), text.size());
@@ -194,7 +194,9 @@ void NamedValues::findElement(std::size_t at) {
     const std::string_view front = text_.substr(from, at - from);
     const std::string_view tag = front.substr(front.rfind('<') + 1);
     const std::string_view name = tag.substr(0, tag.find_first_of(kBlanks));
-    if (tag.size() < front.size() && names_.isSecret(name)) {
+    const bool isBeginning =
+        tag.size() < front.size() && !tag.starts_with('/') && !tag.ends_with('/');
+    if (isBeginning && names_.isSecret(name)) {
         add(at + 1, std::min(text_.find('<', at), text_.size()), name);
     }
 }

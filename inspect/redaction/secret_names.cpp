@@ -121,16 +121,21 @@ void SecretNames::addSourceOf(std::string_view name, std::string_view value) {
     if (value.starts_with("-D") && equals != std::string_view::npos) {
         addSourceOf(value.substr(2, equals - 2), value.substr(equals + 1));
     }
-    const std::size_t dot = value.find('.');
-    if (!value.starts_with("${") || dot == std::string_view::npos ||
-        value.find('}') != value.size() - 1 || !isSecret(name)) {
+    if (!isSecret(name)) {
         return;
     }
-    const std::string_view source = value.substr(2, value.find_first_of(",}") - 2);
-    const std::string own(value.substr(dot + 1, value.find_first_of(",}") - dot - 1));
-    if (!isOneOf(kLaunchersVariables, own) && findPropertyKey(toWide(own)) == nullptr &&
-        (source.starts_with("env.") || source.starts_with("prop."))) {
-        sources_.insert(sources_.end(), {std::string(source), own});
+    for (std::size_t at = value.find("${"); at != std::string_view::npos;
+         at = value.find("${", at + 1)) {
+        const std::size_t end = std::min(value.find('}', at), value.size());
+        const std::string_view source =
+            value.substr(at + 2, std::min(value.find(',', at), end) - at - 2);
+        const std::string own(source.substr(source.find('.') + 1));
+        const bool isFolder = value.substr(end).starts_with("}/");
+        if (!isFolder && !isOneOf(kLaunchersVariables, own) &&
+            findPropertyKey(toWide(own)) == nullptr &&
+            (source.starts_with("env.") || source.starts_with("prop."))) {
+            sources_.insert(sources_.end(), {std::string(source), own});
+        }
     }
 }
 

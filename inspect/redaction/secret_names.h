@@ -22,8 +22,8 @@ class SecretNames {
     /// With further names, separated by commas; one of several words is met where they follow each other.
     void add(std::string_view list);
 
-    /// With what `value` is taken from, when it is the value of a secret name: the variable or property of a lone
-    /// placeholder. What a launch sets or reads itself stays.
+    /// With what `value` is made of, when it is the value of a secret name: the variables and properties of its
+    /// placeholders. What a launch sets or reads itself stays, and what is the folder of a path.
     void addSourceOf(std::string_view name, std::string_view value);
 
     /// Whether it looks secret: by whole words, for a keyboard is no key. When in doubt it does.

@@ -77,7 +77,7 @@ void learnFrom(const Options& options, Redactor& redactor) {
         redactor.learn(name, value);
         redactor.learn(value);
     }
-    redactor.learnDocument(Redactor::Json(options.arguments));
+    redactor.learnDocument({{"arguments", options.arguments}});
 }
 
 }  // namespace rcp::inspect

@@ -28,8 +28,9 @@ std::vector<SecretPart> merged(std::vector<SecretPart> parts) {
 
 // Whether nothing is left of it but marks, and what the texts of rcpinspect say between two of them.
 bool isRedacted(std::string_view value) {
-    constexpr std::string_view kBetween[] = {"", " becomes ", "(not set) becomes ",
-                                             " becomes (not set)"};
+    constexpr std::string_view kBetween[] = {
+        "",     " becomes ",     "(not set) becomes ", " becomes (not set)",
+        " -> ", "(not set) -> ", " -> (not set)"};
     std::string rest;
     std::size_t begin = 0;
     for (std::size_t at = value.find(kMark); at != kNone; at = value.find(kMark, begin)) {

@@ -48,6 +48,16 @@ TEST_F(InspectInItsInstallation, AnEmptyPathIsNotTheCurrentDirectory) {
     EXPECT_EQ(statusOf("check --launcher ''"), 64);
 }
 
+TEST_F(InspectInItsInstallation, WrongUseIsRedactedToo) {
+    test::Program program({"/bin/sh", "-c", R"(exec "$0" check --redact --install "$1" 2>&1)",
+                           rcp::test::seen(INSPECT_PROGRAM), folder_.narrow("home/token=abc7")},
+                          environment());
+    const std::string output = program.rest();
+    EXPECT_EQ(program.wait(), 64);
+    EXPECT_EQ(output.find("rcpinspect: no launcher at /home/<user>/token=<redacted:"), 0U)
+        << output;
+}
+
 TEST_F(InspectInItsInstallation, OutputThatCannotBeWrittenIsAFailure) {
     for (const char* command : {"explain", "check --format sarif", "status", "diff --with ."}) {
         EXPECT_EQ(statusOf(command), 0) << command;

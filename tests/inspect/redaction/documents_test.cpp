@@ -24,6 +24,19 @@ TEST(RedactedDocument, TakesArgumentsWhole) {
               R"({"text":"-token"},{"text":"*"},{"text":"-u"},{"text":"*"}]})");
 }
 
+TEST(RedactedDocument, TakesWhatStandsBehindAQuoteOrABlankInAnArgument) {
+    EXPECT_EQ(redactedDocument(R"({"arguments":["-Dpassword=\"ab12\"cd34","-Dx"],"elements":[
+                  {"text":"-Dx.ann.token='ab12' cd34"},{"text":"-Dtoken[0]=ab12    (cd34"},
+                  {"text":"-Dtoken=${env.NO}"}],"value":"--token ab12 --size=3"})"),
+              R"({"arguments":["-Dpassword=\"*","-Dx"],"elements":[)"
+              R"({"text":"-Dx.<user>.token='*"},{"text":"-Dtoken[0]=*"},)"
+              R"({"text":"-Dtoken=${env.NO}"}],"value":"--token * --size=3"})");
+    Redactor one = redactor();
+    one.learnDocument({{"arguments", {"-Dpassword='ab12' cd34", "-u", "joe:pw9"}}});
+    EXPECT_EQ(starred(one.redact("main arguments=joe:pw9, -Dpassword='ab12' cd34")),
+              "main arguments=*, -Dpassword='*");
+}
+
 // A value that is too short, or too ordinary, to be looked for is known by where it was put.
 TEST(RedactedDocument, KnowsWhatASecretPlaceholderBecame) {
     constexpr const char* kDocument = R"({"elements":[

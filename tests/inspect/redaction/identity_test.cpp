@@ -19,6 +19,20 @@ TEST(Identity, KnowsNoUserHomeOrHost) {
     EXPECT_EQ(redacted("file:///home/ann"), "file:///home/<user>");
 }
 
+// As the launcher and the platform write them into property files, and SARIF into its addresses.
+TEST(Identity, KnowsNamesInEscapedForms) {
+    const std::string jorg = "j\u00f6rg";
+    Redactor one(kSalt, {{"/opt/people/" + jorg + " x"}, {jorg}, {}});
+    for (const char* home :
+         {"/opt/people/j\u00f6rg x", "/opt/people/j\\u00f6rg x", "/opt/people/j\\u00F6rg x",
+          "/opt/people/j%C3%B6rg%20x", "/opt/people/j%c3%b6rg%20x"}) {
+        EXPECT_EQ(one.redact("file:" + std::string(home) + "/a"), "file:/home/<user>/a");
+    }
+    for (const char* user : {"j\u00f6rg", "j\\u00f6rg", "j\\u00F6rg", "j%C3%B6rg"}) {
+        EXPECT_EQ(one.redact("/srv/" + std::string(user) + "/a"), "/srv/<user>/a");
+    }
+}
+
 TEST(Identity, KnowsAHostInAnyLetterCase) {
     EXPECT_EQ(redacted("on DESK7.example.org, Desk7 and desk77"),
               "on <host>.example.org, <host> and desk77");

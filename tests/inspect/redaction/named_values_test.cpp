@@ -118,6 +118,18 @@ TEST(NamedValues, TakesValuesOfPlaceholders) {
     EXPECT_EQ(redacted("Modified -Dx=${env.DB_PW} => -Dx=a1!"), "Modified -Dx=${env.DB_PW} => *");
 }
 
+TEST(NamedValues, LeavesWhatStandsBehindAnElement) {
+    for (const char* line : {"</password>    (a:1)\nnext", "<password/> next"}) {
+        EXPECT_EQ(redacted(line), line);
+    }
+    EXPECT_EQ(redacted("<password>abc</password> next"), "<password>*</password> next");
+}
+
+TEST(NamedValues, LeavesTheOriginBehindAField) {
+    EXPECT_EQ(redacted("4  -Dx=Cookie: a=b; c=d    (a:1 vmarg.x)"),
+              "4  -Dx=Cookie: *    (a:1 vmarg.x)");
+}
+
 TEST(NamedValues, LeavesItsOwnSentencesAboutASecretName) {
     for (const char* line : {"-Da.password is a key", "a.password is a key", "API_TOKEN is not set",
                              "API_TOKEN is removed", "-token is not set\n"}) {
@@ -134,6 +146,8 @@ TEST(NamedValues, LeavesAChangeOfAVariableReadable) {
     EXPECT_EQ(one.redact("$TOKEN=(not set) becomes hunter2    (a:1)"),
               "$TOKEN=(not set) becomes " + digest + "    (a:1)");
     EXPECT_EQ(redacted("$TOKEN=(not set) becomes ab    (a:1)"), "$TOKEN=*    (a:1)");
+    EXPECT_EQ(one.redact("TOKEN: (not set) -> hunter2\nTOKEN: hunter2 -> (not set)"),
+              "TOKEN: (not set) -> " + digest + "\nTOKEN: " + digest + " -> (not set)");
 }
 
 }  // namespace

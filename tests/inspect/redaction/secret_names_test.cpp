@@ -101,7 +101,10 @@ TEST(SecretNames, AreThoseThatASecretIsMadeOf) {
     SecretNames names;
     names.addSourceOf("db.password", "${env.DB_START}");
     names.addSourceOf("vmarg.x", "-Dx.token=${prop.x.start,none}");
-    for (const char* name : {"DB_START", "env.DB_START", "x.start", "prop.x.start"}) {
+    names.addSourceOf("a.password", "pre-${env.FIRST,a}${prop.second}");
+    names.addSourceOf("vmarg.y", "-Dy.token=${env.THIRD}:${env.HOME}");
+    for (const char* name :
+         {"DB_START", "env.DB_START", "x.start", "prop.x.start", "FIRST", "prop.second", "THIRD"}) {
         EXPECT_TRUE(names.isSecret(name)) << name;
     }
     names.addSourceOf("db.password", "${env.HOME}");
