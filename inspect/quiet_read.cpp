@@ -67,6 +67,11 @@ bool isFolder(const std::string& path) {
     return calls::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool isRegularFile(const std::string& path) {
+    struct stat status {};
+    return calls::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 bool isThere(const std::string& path) {
     struct stat status {};
     return calls::stat(path.c_str(), &status) == 0;

@@ -29,6 +29,8 @@ std::string readEndQuietly(const std::string& path, std::size_t limit);
 
 /// Whether a directory is there.
 bool isFolder(const std::string& path);
+/// Whether a regular file is there.
+bool isRegularFile(const std::string& path);
 /// Whether anything is there.
 bool isThere(const std::string& path);
 /// access(2) for the user whose rights count.

@@ -8,8 +8,10 @@
 #include "launcher/properties/property_file.h"
 #include "launcher/properties/vm_argument_map.h"
 #include "launcher/stages.h"
+#include "launcher/user_area/install_id.h"
 #include "launcher/user_area/user_files.h"
 #include "launcher/user_area/workspace.h"
+#include "launcher/vocabulary/keys.h"
 #include "launcher/vocabulary/paths.h"
 #include "platform/files.h"
 #include "platform/install_location.h"
@@ -76,6 +78,17 @@ void readUserFile(LaunchInputs& inputs, const std::wstring& master) {
             inputs.userProperties.append({entry.key, entry.value, {}});
         }
     }
+}
+
+// What becomes of the user's area unless a platform runs in it.
+UserArea areaOf(const LaunchInputs& inputs) {
+    const std::wstring* id = findProperty(keys::kInstallId, inputs.properties);
+    const std::string own =
+        readQuietly(toNarrow(userFileOf(inputs.configuration)), kLongestSettings);
+    if (id != nullptr && isOldRcpInstallId(*id, parseProperties(own, {}))) {
+        return UserArea::kReused;
+    }
+    return isResetConfig(inputs.arguments) ? UserArea::kReset : UserArea::kKept;
 }
 
 // The installation's own file is the last that counts, and a launch takes the first that can be opened.
@@ -202,6 +215,7 @@ Examination examine(const Options& options) {
         inputs.workspace = L"/workspace";  // some path, for the placeholders that name it
         inputs.configuration = getConfigurationLocation(inputs);
     }
+    inputs.area = areaOf(inputs);
     if (!examination.base.empty()) {
         const std::wstring master =
             getCoreFileLocation(inputs.traits.eConfig, examination.base, paths::kUserProperties);

@@ -52,6 +52,8 @@ struct Examination {
     [[nodiscard]] std::string launcherFile() const;
     /// The line of a key in the launcher's list, with its file; the launcher's file without one.
     [[nodiscard]] Origin originOf(Key key) const;
+    /// Whether the launch begins a new configuration, so that nothing counts that the user's has now.
+    [[nodiscard]] bool isAreaRenewed() const { return inputs.area >= UserArea::kReset; }
 };
 
 Examination examine(const Options& options);

@@ -23,7 +23,7 @@ std::optional<PropertyList> entriesOf(const std::wstring& path) {
 // The first entry of a key counts on either side.
 void compare(const std::wstring& copy, const std::wstring& master, const PropertyList& masters,
              std::vector<StaleEntry>& stale) {
-    const auto users = entriesOf(copy);
+    const auto users = isRegularFile(toNarrow(copy)) ? entriesOf(copy) : std::nullopt;
     if (!users) {
         return;
     }
@@ -52,7 +52,7 @@ PropertyList copiedEntries(const Examination& examination) {
 }
 
 bool isEmpty(const std::wstring& file) {
-    return exists(file) && readQuietly(toNarrow(file), 1).empty();
+    return isRegularFile(toNarrow(file)) && readQuietly(toNarrow(file), 1).empty();
 }
 
 // The first key of what the launcher appends to the user's file that is not in it.
@@ -84,7 +84,7 @@ std::string StaleEntry::message() const {
 std::vector<StaleEntry> staleEntries(const Examination& examination) {
     std::vector<StaleEntry> stale;
     const LaunchInputs& inputs = examination.inputs;
-    if (examination.base.empty()) {
+    if (examination.base.empty() || examination.isAreaRenewed()) {
         return stale;
     }
     const auto masterOf = [&](const wchar_t* name) {
@@ -104,6 +104,15 @@ std::vector<StaleEntry> staleEntries(const Examination& examination) {
 std::vector<IncompleteCopy> incompleteCopies(const Examination& examination) {
     const std::wstring& configuration = examination.inputs.configuration;
     std::vector<IncompleteCopy> incomplete;
+    const std::wstring updates = osPath(configuration + L"/org.eclipse.update/platform.xml");
+    constexpr char kEnd[] = "</config>";
+    if (examination.inputs.area != UserArea::kReset && exists(updates) &&
+        readEndQuietly(toNarrow(updates), kLongestSettings).find(kEnd) == std::string::npos) {
+        incomplete.push_back({updates, std::string("it has no \"") + kEnd + "\""});
+    }
+    if (examination.isAreaRenewed()) {
+        return incomplete;
+    }
     const std::wstring settings = osPath(configuration + L"/config.ini");
     const std::wstring master =
         getCoreFileLocation(examination.inputs.traits.eConfig, examination.base, L"config.ini");
@@ -114,12 +123,6 @@ std::vector<IncompleteCopy> incompleteCopies(const Examination& examination) {
     if (const std::wstring key = missingOfBlock(own, examination.inputs.properties); !key.empty()) {
         incomplete.push_back(
             {own, inQuotes(key) + " is missing, which a launch writes at its end"});
-    }
-    const std::wstring updates = osPath(configuration + L"/org.eclipse.update/platform.xml");
-    constexpr char kEnd[] = "</config>";
-    if (exists(updates) &&
-        readEndQuietly(toNarrow(updates), kLongestSettings).find(kEnd) == std::string::npos) {
-        incomplete.push_back({updates, std::string("it has no \"") + kEnd + "\""});
     }
     const std::wstring arguments = osPath(configuration + L"/args.properties");
     if (const auto entries = entriesOf(arguments);

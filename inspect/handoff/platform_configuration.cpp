@@ -4,6 +4,7 @@
 #include "inspect/handoff/platform_settings.h"
 #include "inspect/handoff/platform_values.h"
 #include "inspect/quiet_read.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -22,6 +23,8 @@ constexpr char kConfigurator[] = "org.eclipse.equinox.simpleconfigurator";
 constexpr char kStarter[] = "org/eclipse/core/runtime/adaptor/EclipseStarter.class";
 // Up to which the framework starts bundles unless told otherwise.
 constexpr int kUsualStartLevel = 6;
+// At which it starts a bundle of which no other is told.
+constexpr int kUsualBundleLevel = 4;
 
 class Configuration {
   public:
@@ -30,9 +33,8 @@ class Configuration {
 
     std::vector<Examined> examine() {
         if (settings_.files().empty()) {
-            return {};  // told with the installation's files
-        }
-        if (areFilesSound()) {
+            judgeCopy();  // of a master is told with the installation's files
+        } else if (areFilesSound()) {
             examineLevels();
             if (examineInstallArea()) {
                 examineFramework();
@@ -50,6 +52,16 @@ class Configuration {
     using Value = PlatformSettings::Value;
 
     [[nodiscard]] Value valueOf(const std::string& key) const { return settings_.valueOf(key); }
+
+    // What stands in the copy's place a launch leaves alone.
+    void judgeCopy() {
+        const std::wstring& copy = settings_.usersCopy();
+        if (exists(copy) && !examination_.isAreaRenewed()) {
+            all_.push_back({.what = "configuration", .path = toNarrow(copy)});
+            addFault("RI812", {std::make_shared<const std::wstring>(copy), 0},
+                     inQuotes(copy) + " is no file");
+        }
+    }
 
     // Of a file that the platform refuses nothing else is told.
     bool areFilesSound() {
@@ -97,16 +109,22 @@ class Configuration {
             }
         }
         lastLevel_ = startLevel(valueOf("osgi.startLevel").text).value_or(kUsualStartLevel);
+        usualLevel_ =
+            startLevel(valueOf("osgi.bundles.defaultStartLevel").text).value_or(kUsualBundleLevel);
     }
 
     void examineFramework() {
         const Value given = valueOf("osgi.framework");
-        std::string name = given.text;
-        const bool isExact = take("file:", name) || !name.empty();
-        framework_ = isExact ? joined(installArea_, withoutScheme("file:" + name))
-                             : folders_.findFramework(installArea_ + "/plugins/" + kFrameworkName);
+        framework_ = !given.text.empty()
+                         ? joined(installArea_, withoutScheme(given.text))
+                         : folders_.findFramework(installArea_ + "/plugins/" + kFrameworkName);
         all_.push_back({.what = "framework", .path = framework_});
-        if (framework_.empty()) {
+        if (!isUnknown(given.text) && !given.text.starts_with("file:") &&
+            files::path(given.text).is_relative()) {
+            addFault("RI805", given.origin,
+                     "osgi.framework: \"" + given.text +
+                         "\" lacks \"file:\" and is looked for where the launcher is started");
+        } else if (framework_.empty()) {
             addFault("RI805", given.origin,
                      std::string(kFrameworkName) + " is not in \"" + installArea_ + "/plugins\"");
         } else if (!isUnknown(given.text + "x")) {
@@ -149,9 +167,14 @@ class Configuration {
         }
     }
 
-    // "NAME@4:start"
+    // "NAME@4:start"; without a number it is started at the usual level.
     void judgeLevels(const std::string& bundle, const std::string& levels, const Origin& origin) {
-        for (const std::string& part : splitAt(':', levels)) {
+        std::vector<std::string> parts = splitAt(':', levels);
+        if (std::all_of(parts.begin(), parts.end(),
+                        [](const auto& part) { return part == "start"; })) {
+            parts.push_back(std::to_string(usualLevel_));
+        }
+        for (const std::string& part : parts) {
             const std::optional<int> level = startLevel(part);
             const bool isBeyond = level.value_or(0) > lastLevel_;
             if (isBeyond || (!level && !part.empty() && part != "start")) {
@@ -213,8 +236,9 @@ class Configuration {
             url.empty() ? std::string(kConfigurator) + "/bundles.info" : withoutScheme(url);
         const std::string own = toNarrow(examination_.inputs.configuration) + "/" + name;
         return files::path(name).is_absolute() ? name
-               : isThere(own)                  ? own
-                                               : settings_.inheritedConfiguration() + "/" + name;
+               : isThere(own) && !examination_.isAreaRenewed()
+                   ? own
+                   : settings_.inheritedConfiguration() + "/" + name;
     }
 
     void examineList() {
@@ -252,6 +276,7 @@ class Configuration {
     std::string installArea_;
     std::string framework_;
     int lastLevel_ = kUsualStartLevel;
+    int usualLevel_ = kUsualBundleLevel;
     bool hasConfigurator_ = false;
     Folders folders_;
     std::map<std::string, std::optional<std::string>> jarFaults_;

@@ -1,5 +1,6 @@
 #include "inspect/handoff/platform_settings.h"
 
+#include "inspect/handoff/hand_off.h"
 #include "inspect/handoff/platform_values.h"
 #include "inspect/quiet_read.h"
 #include "inspect/rehearsal/staged_tree.h"
@@ -14,6 +15,13 @@
 #include <filesystem>
 
 namespace rcp::inspect {
+namespace {
+
+constexpr char kInstallAreaKey[] = "osgi.install.area";
+// The main class's own, which wins over the property.
+constexpr OptionName kInstallOption{L"-install"};
+
+}  // namespace
 
 PlatformSettings::PlatformSettings(const Examination& examination, const Plan& plan)
     : examination_(examination),
@@ -21,7 +29,7 @@ PlatformSettings::PlatformSettings(const Examination& examination, const Plan& p
       usersCopy_(osPath(examination.inputs.configuration + L"/config.ini")),
       master_(
           getCoreFileLocation(examination.inputs.traits.eConfig, examination.base, L"config.ini")) {
-    read(exists(usersCopy_) ? usersCopy_ : master_);
+    read(exists(usersCopy_) && !examination.isAreaRenewed() ? usersCopy_ : master_);
     const std::string inherited = inheritedConfiguration();
     if (!files_.empty() && !isUnknown(inherited) &&
         valueOf("osgi.configuration.cascaded").text != "false") {
@@ -50,6 +58,14 @@ void PlatformSettings::read(const std::wstring& path) {
                       .isCut = text.size() > kLongestSettings});
 }
 
+// Asked for before the configuration is read, unless that is the only one.
+bool PlatformSettings::isHeardOfFiles(const std::string& key) const {
+    constexpr char kCascaded[] = "osgi.configuration.cascaded";
+    return key != kInstallAreaKey ||
+           (!files_.empty() && files_.front().entries.contains(kCascaded) &&
+            trimmed(files_.front().entries.at(kCascaded).value) == "false");
+}
+
 // A system property wins over the files; the JVM takes the last of its name.
 PlatformSettings::Value PlatformSettings::valueOf(const std::string& key) const {
     const std::wstring option = toWide("-D" + key + "=");
@@ -61,7 +77,8 @@ PlatformSettings::Value PlatformSettings::valueOf(const std::string& key) const 
         return {toNarrow(given->text.substr(option.size())), given->origin};
     }
     for (const SettingsFile& file : files_) {
-        if (const auto entry = file.entries.find(key); entry != file.entries.end()) {
+        const auto entry = file.entries.find(key);
+        if (entry != file.entries.end() && isHeardOfFiles(key)) {
             return {trimmed(entry->second.value), file.at(entry->second.line)};
         }
     }
@@ -70,19 +87,19 @@ PlatformSettings::Value PlatformSettings::valueOf(const std::string& key) const 
 
 // The main class takes the folder of its own jar, or what holds that one's folder "plugins".
 PlatformSettings::Value PlatformSettings::installArea() const {
-    Value given = valueOf("osgi.install.area");
+    const Argument asked = valueBehind(kInstallOption, plan_);
+    Value given =
+        asked.text.empty() ? valueOf(kInstallAreaKey) : Value{toNarrow(asked.text), asked.origin};
     if (!given.text.empty()) {
         given.text = withoutScheme(given.text);
         return given;
     }
-    const Arguments& all = plan_.line.arguments();
     const bool isJava = examination_.inputs.traits.isDirectJavaShape();
-    const auto option =
-        std::find(all.begin(), all.end(), isJava ? options::kClassPath : options::kStartup);
-    if (option == all.end() || option + 1 == all.end()) {
+    const std::string jars =
+        toNarrow(valueBehind(isJava ? options::kClassPath : options::kStartup, plan_).text);
+    if (jars.empty()) {
         return given;
     }
-    const std::string jars = toNarrow((option + 1)->text);
     const std::filesystem::path folder =
         std::filesystem::path(jars.substr(0, jars.find(':'))).parent_path();
     given.text = folder.filename() == "plugins" ? folder.parent_path() : folder;

@@ -47,6 +47,7 @@ class PlatformSettings {
 
   private:
     void read(const std::wstring& path);
+    [[nodiscard]] bool isHeardOfFiles(const std::string& key) const;
 
     const Examination& examination_;
     const Plan& plan_;

@@ -2,6 +2,7 @@
 
 #include "inspect/handoff/hand_off.h"
 #include "inspect/handoff/platform_settings.h"
+#include "inspect/handoff/platform_values.h"
 #include "inspect/why/chains.h"
 #include "launcher/vocabulary/property_keys.h"
 #include "platform/text.h"
@@ -71,11 +72,16 @@ void addUnset(json& chains, const PlatformSettings& settings, const std::vector<
         return;
     }
     const auto isIn = [&](const SettingsFile& file) { return file.entries.contains(key); };
-    const bool isEmpty = std::any_of(settings.files().begin(), settings.files().end(), isIn);
+    const auto isEmptyIn = [&](const SettingsFile& file) {
+        return isIn(file) && trimmed(file.entries.at(key).value).empty();
+    };
+    const bool isEmpty = std::any_of(settings.files().begin(), settings.files().end(), isEmptyIn);
     json chain = chainOf(key + (isEmpty ? " is empty" : " is not set"));
     for (const SettingsFile& file : settings.files()) {
         const std::size_t line = isIn(file) ? file.entries.at(key).line : 0;
-        addStep(chain, isIn(file) ? "at" : "not in", placeText(file.at(line)));
+        const bool isLate = isIn(file) && !isEmptyIn(file);
+        addStep(chain, isIn(file) ? isLate ? "too late" : "at" : "not in",
+                placeText(file.at(line)));
     }
     addStep(chain, "read by", "the platform, as a property of its own");
     addStep(chain, "so", usual->then);
