@@ -97,6 +97,11 @@ void NamedValues::findValue(std::size_t at) {
             return;
         }
     }
+    if (const std::string_view key = keyBeside(name); !key.empty() && names_.isSecret(key)) {
+        const std::size_t quote = std::min(text_.find_first_not_of(kBlanks, at + 1), text_.size());
+        add(quote, endOfValue(text_, name, quote, false), key);
+        return;
+    }
     const bool isColon = text_[at] == ':';
     if (word.empty() && !isColon) {
         findPlaceholder(at);
@@ -124,6 +129,21 @@ void NamedValues::findValue(std::size_t at) {
         ++begin;
     }
     add(begin, endOfValue(text_, name, begin, isFirst), word);
+}
+
+// <property name="NAME" value="VALUE"/>, {"key": "NAME", "value": "VALUE"}
+std::string_view NamedValues::keyBeside(const Name& value) const {
+    const std::string_view front = text_.substr(line_, std::max(value.begin, line_) - line_);
+    const std::size_t quote = front.find_last_not_of(" \t,\"'");
+    if (value.in(text_) != "value" || quote == kNone) {
+        return {};
+    }
+    const Name key = nameBefore(front, quote + 1);
+    const std::size_t separator = front.substr(0, key.begin).find_last_not_of(" \t\"'");
+    const std::string_view what = separator != kNone && isAt(front, separator, "=:")
+                                      ? nameBefore(front, separator).in(front)
+                                      : "";
+    return what == "name" || what == "key" ? key.in(front) : std::string_view();
 }
 
 // '"NAME" is "VALUE" in the user's copy, "VALUE" in its master', as the findings say it.
@@ -187,13 +207,19 @@ void NamedValues::addQuoted(std::size_t at, std::string_view key) {
     }
 }
 
-// <NAME ATTRIBUTE="...">VALUE</NAME>
+// <NAME ATTRIBUTE="...">VALUE</NAME>, <entry key="NAME">VALUE</entry>
 void NamedValues::findElement(std::size_t at) {
     constexpr std::size_t kLongest = 1024;
     const std::size_t from = at - std::min(at, kLongest);
     const std::string_view front = text_.substr(from, at - from);
     const std::string_view tag = front.substr(front.rfind('<') + 1);
-    const std::string_view name = tag.substr(0, tag.find_first_of(kBlanks));
+    std::string_view name = tag.substr(0, tag.find_first_of(kBlanks));
+    for (const std::string_view attribute : {" key=\"", " name=\""}) {
+        if (const std::size_t found = tag.find(attribute); found != kNone) {
+            const std::string_view value = tag.substr(found + attribute.size());
+            name = names_.isSecret(name) ? name : value.substr(0, value.find('"'));
+        }
+    }
     const bool isBeginning =
         tag.size() < front.size() && !tag.starts_with('/') && !tag.ends_with('/');
     if (isBeginning && names_.isSecret(name)) {

@@ -25,6 +25,7 @@ class NamedValues {
   private:
     [[nodiscard]] bool isFirstInLine(std::size_t at) const;
     [[nodiscard]] std::string_view keyOfRecord(const Name& name) const;
+    [[nodiscard]] std::string_view keyBeside(const Name& value) const;
     void add(std::size_t begin, std::size_t end, std::string_view name);
     void addQuoted(std::size_t at, std::string_view key);
     void findValue(std::size_t at);

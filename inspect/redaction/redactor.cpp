@@ -122,13 +122,8 @@ void Redactor::learnWithin(std::string_view text, const SecretPart& part) {
     if (part.begin >= part.end || !isDistinctive(text)) {
         return;
     }
-    const auto [at, isNew] = known_.try_emplace(std::string(text), part);
-    if (isNew) {
-        auto& same = index_[firstBytes(text)];
-        same.insert(std::find_if(same.begin(), same.end(),
-                                 [&](const Known* one) { return one->first.size() < text.size(); }),
-                    &*at);
-    }
+    known_.try_emplace(std::string(text), part);
+    lengths_[firstBytes(text)].insert(text.size());
 }
 
 // --- Redacting --------------------------------------------------------------------------------------
@@ -141,23 +136,24 @@ std::string Redactor::mark(const std::string& name, std::string_view value) {
 }
 
 const Redactor::Known* Redactor::knownAt(std::string_view text, std::size_t at) const {
-    const auto same = index_.find(firstBytes(text.substr(at)));
-    if (same == index_.end()) {
+    const auto lengths = lengths_.find(firstBytes(text.substr(at)));
+    if (lengths == lengths_.end()) {
         return nullptr;
     }
-    const auto found =
-        std::find_if(same->second.begin(), same->second.end(), [&](const Known* one) {
-            const std::string& known = one->first;
-            return text.substr(at).starts_with(known) &&
-                   (known.size() >= kOwnWord || isWord(text, at, at + known.size()));
-        });
-    return found == same->second.end() ? nullptr : *found;
+    for (const std::size_t length : lengths->second) {
+        const auto known =
+            at + length <= text.size() ? known_.find(text.substr(at, length)) : known_.end();
+        if (known != known_.end() && (length >= kOwnWord || isWord(text, at, at + length))) {
+            return &*known;
+        }
+    }
+    return nullptr;
 }
 
 std::string Redactor::withoutKnown(std::string_view text) {
     std::string result;
     std::size_t copied = 0;
-    for (std::size_t at = 0; !index_.empty() && at + kShortest <= text.size(); ++at) {
+    for (std::size_t at = 0; !known_.empty() && at + kShortest <= text.size(); ++at) {
         if (const Known* known = knownAt(text, at)) {
             const auto& [value, part] = *known;
             result.append(text.substr(copied, at + part.begin - copied));

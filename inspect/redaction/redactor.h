@@ -13,8 +13,10 @@
 #include "inspect/redaction/text_rules.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -70,8 +72,8 @@ class Redactor {
     Salt salt_;
     Identity identity_;
     std::map<std::string, SecretPart, std::less<>> known_;
-    // The same by their first bytes, the longest first.
-    std::unordered_map<std::uint32_t, std::vector<const Known*>> index_;
+    // How long those are that begin with the same bytes, the longest first.
+    std::unordered_map<std::uint32_t, std::set<std::size_t, std::greater<>>> lengths_;
     std::map<std::string, std::string, std::less<>> plain_;              // what written forms mean
     std::map<std::pair<std::string, std::string>, std::size_t> counts_;  // by name and digest
 };

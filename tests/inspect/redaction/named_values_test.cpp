@@ -125,6 +125,20 @@ TEST(NamedValues, LeavesWhatStandsBehindAnElement) {
     EXPECT_EQ(redacted("<password>abc</password> next"), "<password>*</password> next");
 }
 
+TEST(NamedValues, TakesAValueBesideItsName) {
+    EXPECT_EQ(redacted(R"(<property name="db.password" value="ab c"/><a name="size" value="3"/>)"),
+              R"(<property name="db.password" value="*"/><a name="size" value="3"/>)");
+    EXPECT_EQ(redacted(R"({"name":"db.token","value":"abc"}, {"name":"size","value":"abd"})"),
+              R"({"name":"db.token","value":"*"}, {"name":"size","value":"abd"})");
+    EXPECT_EQ(redacted(R"(<a name="db.password">ab c</a><a name="size">3</a>)"),
+              R"(<a name="db.password">*</a><a name="size">3</a>)");
+    EXPECT_EQ(redacted(R"(<entry key="db.password">ab c</entry><entry key="size">3</entry>)"),
+              R"(<entry key="*">*</entry><entry key="*">3</entry>)")
+        << "a key is a secret itself";
+    EXPECT_EQ(redacted("my name: token, value: 3\nname=token\nvalue=3"),
+              "my name: token, value: *\nname=token\nvalue=3");
+}
+
 TEST(NamedValues, LeavesTheOriginBehindAField) {
     EXPECT_EQ(redacted("4  -Dx=Cookie: a=b; c=d    (a:1 vmarg.x)"),
               "4  -Dx=Cookie: *    (a:1 vmarg.x)");

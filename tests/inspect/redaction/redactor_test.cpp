@@ -57,6 +57,21 @@ TEST(Redactor, KnowsAValueAgainUnderAnyName) {
     EXPECT_NE(text.find("hunter2s stays"), std::string::npos) << text;
 }
 
+// Nor must all those be looked at that begin as a value does.
+TEST(Redactor, TellsManyValuesApartThatBeginAlike) {
+    constexpr int kMany = 200'000;
+    const auto value = [](int number) { return "secretvalue" + std::to_string(number); };
+    Redactor one = redactor();
+    std::string text;
+    for (int i = 0; i < kMany; ++i) {
+        one.learn("password", value(i));
+        text += value(i) + "\n";
+    }
+    EXPECT_EQ(one.redact(text).find("secretvalue"), std::string::npos);
+    EXPECT_EQ(one.redact(value(4711) + "x"),
+              "<redacted:" + saltedDigest(kSalt, value(4711)) + ">x");
+}
+
 TEST(Redactor, LeavesNothingOfAValueOfWhichAPartIsKnown) {
     Redactor one = redactor();
     one.learn("db.password=hunter2hunter2");
