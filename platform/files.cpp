@@ -59,13 +59,6 @@ std::optional<std::size_t> regularSize(int descriptor) {
     return std::nullopt;
 }
 
-// A regular file alone; without one, with errno set, none.
-UniqueFd openRegular(const std::wstring& path, int flags) {
-    UniqueFd file(
-        calls::open(toNarrow(path).c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
-    return file && !regularSize(file.get()) ? UniqueFd() : std::move(file);
-}
-
 // Non-blocking, so that a pipe without a writer answers at once.
 UniqueFd openToRead(const std::string& path) {
     return UniqueFd(calls::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
@@ -172,6 +165,12 @@ std::string lexicalPath(const std::string& path) {
         at = slash;
     }
     return result.empty() ? "/" : result;
+}
+
+UniqueFd openRegular(const std::wstring& path, int flags) {
+    UniqueFd file(
+        calls::open(toNarrow(path).c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666));
+    return file && !regularSize(file.get()) ? UniqueFd() : std::move(file);
 }
 
 Stream open_file(const std::wstring& path, const std::wstring& mode) {

@@ -53,9 +53,12 @@ std::string withoutTrailingSlashes(std::string path);
 /// whatever that is on disk; any other path as it is.
 std::string lexicalPath(const std::string& path);
 
-/// Opens a stream as fopen(3) with `mode`; null, with errno set, on failure. The descriptor is
-/// close-on-exec. Files are read and written only where a file is meant: a directory or a pipe in
-/// its place is a failure, never a wait.
+/// Opens a file as open(2) with `flags`, close-on-exec; none, with errno set, on failure. Files are
+/// read and written only where a file is meant: a directory or a pipe in its place is a failure,
+/// never a wait.
+UniqueFd openRegular(const std::wstring& path, int flags);
+
+/// The same as a stream, with fopen(3)'s `mode`; null, with errno set, on failure.
 Stream open_file(const std::wstring& path, const std::wstring& mode);
 
 /// What is in a file, to its end or to where it cannot be read further.

@@ -15,12 +15,12 @@
 
 #include <errno.h>
 #include <fcntl.h>
-#include <stdio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -39,19 +39,19 @@ void traceWithTime(Message<Text> message) {
 
 // For programs of the platform's side that look for its process.
 void populateMainPidFile(const std::wstring& path, unsigned long processId) {
-    Stream stream = open_file(path, L"r+");
-    if (!stream) {
-        stream = open_file(path, L"w+");
+    UniqueFd file = openRegular(path, O_RDWR);
+    if (!file) {
+        file = openRegular(path, O_RDWR | O_CREAT | O_TRUNC);
     }
-    if (!stream) {
+    if (!file) {
         trace(messages.mainFileNotOpened);
         return;
     }
     // What an earlier launch left is written over and then cut off: a file that was emptied first
     // would be sent to the disk as soon as it is closed, while the platform starts.
-    const int written = fprintf(stream.get(), "%lu    ", processId);
-    if (written < 0 || fflush(stream.get()) != 0 ||
-        calls::ftruncate(fileno(stream.get()), written) != 0) {
+    const std::string text = std::to_string(processId) + "    ";
+    if (!writeFully(file.get(), text) ||
+        calls::ftruncate(file.get(), static_cast<off_t>(text.size())) != 0) {
         trace(messages.mainFileNotWritten);
     }
 }
