@@ -46,7 +46,7 @@ bool isContinued(std::string_view line) {
 
 // From the beginning of a line on that continues no other: the rest may be that of a secret.
 std::string endOf(const files::path& log) {
-    const std::string text = readEndQuietly(log, kLongest + kInFront);
+    std::string text = readEndQuietly(log, kLongest + kInFront);
     if (text.size() <= kLongest) {
         return text;
     }
