@@ -6,6 +6,7 @@
 #include "inspect/quiet_read.h"
 #include "inspect/rehearsal/temporary_folder.h"
 #include "launcher/vocabulary/options.h"
+#include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -79,12 +80,27 @@ Maker makerOf(const Jvm& jvm) {
     }
 }
 
-void changeEnvironment(const EnvironmentChanges& changes) {
+// Where blanks separate, a library with one is preloaded through a link, as by a launch, but to one of the trial's.
+void preload(const std::string& library, const std::string& folder) {
+    const bool isLinked = library.find(' ') != std::string::npos;
+    const std::string path = isLinked ? folder + "/preloaded" : library;
+    if (!isLinked || (existsA(library) && symlink(library.c_str(), path.c_str()) == 0)) {
+        setenv(toNarrow(std::wstring(variables::kPreload)).c_str(), path.c_str(), 1);
+    }
+}
+
+void changeEnvironment(const EnvironmentChanges& changes, const std::string& folder) {
     for (const EnvironmentChange& change : changes) {
-        if (change.kind == EnvironmentChange::kSet) {
-            setenv(toNarrow(change.name).c_str(), toNarrow(change.value).c_str(), 1);
-        } else if (change.kind == EnvironmentChange::kUnset) {
-            unsetenv(toNarrow(change.name).c_str());
+        switch (change.kind) {
+            case EnvironmentChange::kSet:
+                setenv(toNarrow(change.name).c_str(), toNarrow(change.value).c_str(), 1);
+                break;
+            case EnvironmentChange::kUnset:
+                unsetenv(toNarrow(change.name).c_str());
+                break;
+            case EnvironmentChange::kPreload:
+                preload(toNarrow(change.value), folder);
+                break;
         }
     }
 }
@@ -161,7 +177,7 @@ Trial run(const std::vector<std::string>& words, const EnvironmentChanges& chang
     }
     const pid_t child = fork();
     if (child == 0) {
-        changeEnvironment(changes);
+        changeEnvironment(changes, own.path());
         startJvm(words, folder, answer.writeEnd.get());
     }
     if (child < 0) {

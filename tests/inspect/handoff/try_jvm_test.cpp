@@ -2,6 +2,7 @@
 #include "base/unique_fd.h"
 #include "tests/inspect/paths.h"
 #include "tests/inspect/status_fixture.h"
+#include "tests/unit/paths.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -88,6 +89,19 @@ TEST_F(TriedJvm, OfALibraryReadsNoVariableOfTheProgram) {
     variables_ = {"JDK_JAVA_OPTIONS=-Xnothing"};
     EXPECT_EQ(check(0).find("RI810"), std::string::npos);
     expectFinding(" ends with status 7", check(2, {"-vm", folder_.narrow("java/java")}));
+}
+
+TEST_F(TriedJvm, IsPreloadedWithWhatALaunchPreloads) {
+    writeJava(kJava, "case $LD_PRELOAD in */preloaded) exit 8 ;; */a.so) exit 7 ;; esac");
+    std::filesystem::create_directories(folder_.path() / "a b");
+    for (const char* file : {"a.so", "a b/a.so"}) {
+        std::filesystem::copy(seen(STANDIN_LIBRARY), folder_.path() / file);
+    }
+    const std::string before = folder_.read(kProperties);
+    append(kProperties, "library.preload=" + folder_.narrow("a.so") + "\n");
+    expectFinding(" ends with status 7", check(2));
+    folder_.write(kProperties, before + "library.preload=" + folder_.narrow("a b/a.so") + "\n");
+    expectFinding(" ends with status 8", check(2));
 }
 
 TEST_F(TriedJvm, ThatASignalEndsIsToldAsThat) {
