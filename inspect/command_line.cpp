@@ -99,9 +99,13 @@ CommandWords commandWords(const CLI::App& app) {
     for (const CLI::App* sub : app.get_subcommands()) {
         known.hasCommand = true;
         for (const CLI::Option* option : sub->get_options()) {
-            known.options.push_back(option->get_name());
+            std::vector<std::string> names{option->get_name()};
+            for (const std::string& name : option->get_snames()) {
+                names.push_back("-" + name);
+            }
+            known.options.insert(known.options.end(), names.begin(), names.end());
             if (option->get_expected_max() > 0) {
-                known.valued.push_back(option->get_name());
+                known.valued.insert(known.valued.end(), names.begin(), names.end());
             }
         }
     }

@@ -47,7 +47,7 @@ std::string wrongWord(const std::vector<std::string>& words, const CommandWords&
             return "'" + name + "' is no option of " + words.front() +
                    suggestion(name, known.options);
         }
-        if (name.starts_with('-') && name.size() > 1 && !name.starts_with("--") && name != "-h") {
+        if (name.starts_with('-') && name.size() > 1 && !isOne(known.options, name)) {
             return "'" + words[i] +
                    "' looks like an argument of the launcher; those stand behind \"--\"";
         }

@@ -41,7 +41,11 @@ void learnInstallation(const Options& options, Redactor& redactor) {
     try {
         const nlohmann::json explanation = explainLaunch(options);
         for (const nlohmann::json& file : explanation["files"]) {
-            redactor.learnFile(readQuietly(file["path"], kLongestSettings));
+            const std::string bytes = readQuietly(file["path"], kLongestSettings);
+            if (std::none_of(examination.files.begin(), examination.files.end(),
+                             [&](const PropertyFile& known) { return known.bytes == bytes; })) {
+                redactor.learnFile(bytes);
+            }
         }
         redactor.learnDocument(Redactor::Json(explanation));
         // What is told of a log may be a line without the name that is beside the value in another.

@@ -48,6 +48,14 @@ TEST_F(InspectInItsInstallation, AnEmptyPathIsNotTheCurrentDirectory) {
     EXPECT_EQ(statusOf("check --launcher ''"), 64);
 }
 
+TEST_F(InspectInItsInstallation, AShortOptionIsNotBlamedForAnother) {
+    test::Program program({"/bin/sh", "-c", R"(exec "$0" report -o x --show-secrets --redact 2>&1)",
+                           rcp::test::seen(INSPECT_PROGRAM)},
+                          environment());
+    EXPECT_EQ(program.rest(), "rcpinspect: --redact excludes --show-secrets\n");
+    EXPECT_EQ(program.wait(), 64);
+}
+
 TEST_F(InspectInItsInstallation, WrongUseIsRedactedToo) {
     test::Program program({"/bin/sh", "-c", R"(exec "$0" check --redact --install "$1" 2>&1)",
                            rcp::test::seen(INSPECT_PROGRAM), folder_.narrow("home/token=abc7")},

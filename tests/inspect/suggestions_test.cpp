@@ -7,8 +7,8 @@ namespace {
 
 const CommandWords kNone{.commands = {"explain", "check"}};
 const CommandWords kCheck{.commands = {"explain", "check"},
-                          .options = {"--install", "--strict", "--format"},
-                          .valued = {"--install", "--format"},
+                          .options = {"--install", "--strict", "--format", "-h", "-o"},
+                          .valued = {"--install", "--format", "-o"},
                           .hasCommand = true};
 
 TEST(Suggestions, NameTheWordThatIsNear) {
@@ -35,6 +35,7 @@ TEST(Suggestions, ArgumentsOfTheLauncherAreRecognised) {
     EXPECT_EQ(wrongWord({"check", "--install", "a", "b"}, kCheck),
               "'b' is one argument too many; the launcher's stand behind \"--\"");
     EXPECT_EQ(wrongWord({"check", "--install", "a", "--format", "html", "b"}, kCheck), "");
+    EXPECT_EQ(wrongWord({"check", "-o", "x"}, kCheck), "") << "an option of the command's own";
 }
 
 }  // namespace
