@@ -1,8 +1,10 @@
 // The files that a launch needs, and whether a later launch finds the running platform.
 #include "diagnostics/format.h"
+#include "inspect/bundle/bundle.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/copies/user_copies.h"
+#include "inspect/handoff/code_faults.h"
 #include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
 #include "launcher/command_line/config_extensions.h"
@@ -89,7 +91,10 @@ void findInClassPath(const Examination& examination, Findings& findings) {
     const Argument& path = elements.back();
     for (std::size_t at = 0; at < path.text.size();) {
         const std::size_t end = std::min(path.text.find(L':', at), path.text.size());
-        needFile(examination, path.text.substr(at, end - at), path.origin, findings);
+        const std::wstring part = path.text.substr(at, end - at);
+        if (part != L"*" && !part.ends_with(L"/*")) {  // which are all jars of a folder
+            needFile(examination, part, path.origin, findings);
+        }
         at = end + 1;
     }
 }
@@ -159,8 +164,11 @@ void findNamedFiles(const Examination& examination, Findings& findings) {
 
 void findLauncher(const Examination& examination, Findings& findings) {
     const std::string file = examination.nameOf(toWide(examination.launcher));
+    const bool isBundle = !contentsAround(examination.launcher).empty();  // has findings of its own
     if (!isExecutable(examination.launcher)) {
         findings.add("RI602", file, 0, "the launcher is not executable");
+    } else if (const auto fault = startFault(examination.launcher); fault && !isBundle) {
+        findings.add("RI801", file, 0, "the launcher: " + fault->reason);
     }
     if (const auto& marker = examination.inputs.debugFile) {
         findings.add("RI605", examination.nameOf(*marker), 0, "every launch waits for its removal");

@@ -221,7 +221,7 @@ constexpr FindingRule kRules[] = {
      "Put the file into Contents/Resources and a link to it into Contents/MacOS."},
     // The hand-off
     {"RI801", "not-startable", kError,
-     "A program that the launch hands off to cannot be started here.",
+     "The launcher or a program that it hands off to cannot be started here.",
      "Install the program that is made for this machine, with the libraries that it needs."},
     {"RI802", "not-loadable", kError,
      "A library that the platform is started with cannot be loaded.",

@@ -8,6 +8,8 @@
 #include "launcher/properties/placeholders.h"
 #include "launcher/vocabulary/options.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace rcp::inspect {
@@ -88,12 +90,22 @@ void findRepetitions(const Examination& examination, const Arguments& arguments,
     }
 }
 
+// Options of the program java, unlike its library's, that have their value behind them.
+constexpr std::wstring_view kValuedOptions[] = {
+    L"--add-exports",   L"--add-modules",        L"--add-opens", L"--add-reads",
+    L"--limit-modules", L"--module-path",        L"-p",          L"--patch-module",
+    L"--class-path",    L"--upgrade-module-path"};
+
 void findTexts(const Examination& examination, const Arguments& arguments, Findings& findings) {
+    const bool isJava = examination.inputs.traits.isDirectJavaShape();
+    bool isValue = false;
     for (const Argument& argument : arguments) {
-        if (argument.origin.file && !argument.text.starts_with(L'-')) {
+        if (argument.origin.file && !argument.text.starts_with(L'-') && !isValue) {
             add(examination, "RI404", argument, inQuotes(argument.text) + " is no option",
                 findings);
         }
+        isValue = isJava && std::find(std::begin(kValuedOptions), std::end(kValuedOptions),
+                                      argument.text) != std::end(kValuedOptions);
     }
 }
 

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace rcp::inspect {
 namespace {
@@ -120,6 +121,15 @@ std::optional<std::string> loadFault(const std::string& path,
         }
     }
     return std::nullopt;
+}
+
+bool needsLibrary(const std::string& program, std::string_view start) {
+    const std::optional<OwnCode> code = readOwnCode(readQuietly(program, kLongestCode));
+    return code &&
+           std::any_of(
+               code->libraries.begin(), code->libraries.end(), [&](const std::string& name) {
+                   return std::filesystem::path(name).filename().string().starts_with(start);
+               });
 }
 
 std::vector<std::string> missingLibraries(const std::string& path, const std::string& variable) {

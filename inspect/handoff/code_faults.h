@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace rcp::inspect {
@@ -19,6 +20,9 @@ std::optional<StartFault> startFault(const std::string& path);
 std::optional<std::string> loadFault(const std::string& path,
                                      std::span<const char* const> entryPoints,
                                      const std::string& variable);
+
+/// Whether a program needs a library whose name begins so.
+bool needsLibrary(const std::string& program, std::string_view start);
 
 /// The libraries that a program needs and that are nowhere.
 std::vector<std::string> missingLibraries(const std::string& path, const std::string& variable);

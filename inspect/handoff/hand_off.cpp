@@ -158,6 +158,7 @@ const Fault* obstacleIn(const std::vector<Examined>& handOff) {
     constexpr std::string_view kFatal[] = {"RI811", "RI812", "RI814"};
     for (const Examined& examined : handOff) {
         const bool isNeeded =
+            !examined.isEnough &&
             std::find(std::begin(kNeeded), std::end(kNeeded), examined.what) != std::end(kNeeded);
         for (const Fault& fault : examined.faults) {
             if ((isNeeded && !isDoubt(fault)) ||

@@ -31,6 +31,7 @@ struct Examined {
     std::string what;  // "JVM"
     std::string path;  // or how many there are
     std::vector<Fault> faults = {};
+    bool isEnough = false;  // what has faults are parts of it that nothing needs
 
     struct Named {
         std::string path;

@@ -20,6 +20,9 @@ struct OwnCode {
     std::optional<std::vector<std::string_view>> symbols = {};
 };
 
+/// ".so"
+extern const char* const kLibraryEnding;
+
 /// By its first bytes.
 bool looksLikeOwnCode(std::string_view start);
 

@@ -67,6 +67,8 @@ std::string findInCache(const std::string& name) {
 
 }  // namespace
 
+const char* const kLibraryEnding = ".so";
+
 bool looksLikeOwnCode(std::string_view start) {
     return looksLikeElf(start);
 }

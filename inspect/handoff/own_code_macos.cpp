@@ -7,6 +7,8 @@
 
 namespace rcp::inspect {
 
+const char* const kLibraryEnding = ".dylib";
+
 bool looksLikeOwnCode(std::string_view start) {
     return looksLikeMachO(start);
 }

@@ -4,6 +4,7 @@
 #include "inspect/handoff/code_faults.h"
 #include "inspect/handoff/hand_off.h"
 #include "inspect/handoff/jar.h"
+#include "inspect/handoff/jre.h"
 #include "inspect/quiet_read.h"
 #include "launcher/vocabulary/options.h"
 #include "launcher/vocabulary/variables.h"
@@ -25,15 +26,6 @@ constexpr const char* kMainClasses[] = {"org/eclipse/equinox/launcher/Main.class
                                         "org/eclipse/core/launcher/Main.class"};
 constexpr const char* kJvmEntryPoints[] = {"JNI_CreateJavaVM"};
 constexpr const char* kJvmVariables[] = {"JAVA_TOOL_OPTIONS", "_JAVA_OPTIONS"};
-
-// Where a JVM's library looks for the classes of Java that it cannot start without: below HOME of
-// HOME/lib/server/libjvm.so, until Java 8 of HOME/lib/amd64/server/libjvm.so. The first is the usual one; the last
-// are those of a JVM that lies as it was compiled.
-std::vector<std::string> placesOfClasses(const std::filesystem::path& library) {
-    const auto home = library.parent_path().parent_path().parent_path();
-    return {home / "lib/modules", home / "lib/rt.jar", home.parent_path() / "lib/rt.jar",
-            home / "modules/java.base/java/lang/Object.class"};
-}
 
 class Examiner {
   public:
@@ -100,14 +92,29 @@ class Examiner {
         judgeLibrary(examined, jvm, kJvmEntryPoints);
         const std::string path = toNarrow(jvm.text);
         const std::filesystem::path library = resolvedPath(path).value_or(path);
-        const std::vector<std::string> places = placesOfClasses(library);
-        const auto isNothing = [](const auto& place) { return readQuietly(place, 1).empty(); };
-        if (examined.faults.empty() && library.filename().string().starts_with("libjvm.") &&
-            std::all_of(places.begin(), places.end(), isNothing)) {
-            const std::wstring classes = toWide(places.front());
-            (void)exists(classes);
+        if (library.filename().string().starts_with("libjvm.")) {
+            judgeJre(examined, jvm, library.parent_path().parent_path().parent_path());
+        }
+    }
+
+    // The program java is a few lines around a library of its JRE.
+    void judgeJvmProgram(Examined& examined, const Argument& jvm) const {
+        judgeProgram(examined, jvm);
+        const std::string path = toNarrow(jvm.text);
+        const std::filesystem::path program = resolvedPath(path).value_or(path);
+        if (needsLibrary(program, "libjli.")) {
+            judgeJre(examined, jvm, program.parent_path().parent_path());
+        }
+    }
+
+    void judgeJre(Examined& examined, const Argument& jvm,
+                  const std::filesystem::path& home) const {
+        const auto missing = examined.faults.empty() ? missingOfJre(home) : std::nullopt;
+        if (missing) {
+            const std::wstring file = toWide(*missing);
+            (void)exists(file);
             addFault(examined, "RI601", jvm.origin,
-                     inQuotes(jvm.text) + " is without its JRE: " + absenceText(classes, errno));
+                     inQuotes(jvm.text) + " is without its JRE: " + absenceText(file, errno));
         }
     }
 
@@ -160,7 +167,7 @@ class Examiner {
         } else if (jvm.kind == JvmKind::kLibrary) {
             judgeJvmLibrary(examined, jvm.path);
         } else if (jvm.kind == JvmKind::kProgram) {
-            judgeProgram(examined, jvm.path);
+            judgeJvmProgram(examined, jvm.path);
             judgeFirstThread(examined, jvm.path);
         } else if (jvm.kind == JvmKind::kFolder && existsA(path + "/java")) {
             judgeFirstThread(examined, jvm.path);
@@ -210,19 +217,24 @@ class Examiner {
     void examineClassPath() {
         const Argument classPath = valueBehind(options::kClassPath, plan_);
         Examined& examined = begin("class path", toNarrow(classPath.text));
-        bool isFound = false;
+        bool isPerhapsThere = false;
         std::istringstream parts(toNarrow(classPath.text));
         for (std::string part; std::getline(parts, part, ':');) {
-            if (part.ends_with('*')) {
-                isFound = true;  // all that lies there
+            if (part.ends_with('*')) {  // all jars of a folder
+                const std::string folder = part.substr(0, part.size() - 1);
+                for (const std::string& name : entryNames(folder.empty() ? "." : folder)) {
+                    examined.isEnough |= name.ends_with(".jar") &&
+                                         readJar(folder + name).entries.contains(kMainClasses[1]);
+                }
             } else if (isFolder(part)) {
-                isFound = isFound || existsA(part + "/" + kMainClasses[1]);
+                examined.isEnough |= existsA(part + "/" + kMainClasses[1]);
             } else {
                 const auto entries = judgeJar(examined, {toWide(part), classPath.origin});
-                isFound = isFound || !entries || entries->contains(kMainClasses[1]);
+                examined.isEnough |= entries && entries->contains(kMainClasses[1]);
+                isPerhapsThere |= !entries;
             }
         }
-        if (!isFound) {
+        if (!examined.isEnough && !isPerhapsThere) {
             addFault(examined, "RI804", classPath.origin,
                      "nothing on the class path has " + inQuotes(kMainClasses[1]));
         }

@@ -21,8 +21,7 @@ constexpr char kPlatform[] = "rcp/eclipse/plugins/com.ovr.rcp.base/macosx/x86/ec
 Maker::Maker() {
     debug = false;
     const std::string base = kBaseFolder;
-    folder_.write("rcp/rcplauncher", "");
-    setExecutable("rcp/rcplauncher", true);
+    place("rcp/rcplauncher", "standin_platform");
     folder_.write("rcp/plugins.ini", "");
     place(kPlatform, "standin_platform");
     place(base + "/macosx/x86/eclipse_1615.so", "standin_eclipse.so");
@@ -126,6 +125,17 @@ Change isLinkToItself(const std::string& file) {
 
 Change isNotExecutable(const std::string& file) {
     return [=](const Maker& maker) { maker.setExecutable(file, false); };
+}
+
+Change configHas(const std::string& text) {
+    return has(kConfigIni, text);
+}
+
+Change isFolderWith(const std::string& folder, const std::string& file) {
+    return [=](const Maker& maker) {
+        maker.remove(folder);
+        maker.folder().write(folder + "/" + file, "");
+    };
 }
 
 Change isStandIn(const std::string& file, const std::string& standIn) {

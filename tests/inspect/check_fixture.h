@@ -20,6 +20,9 @@ inline constexpr char kBaseFolder[] = "rcp/eclipse/plugins/com.ovr.rcp.base";
 // What the platform's configuration has for those that name nothing themselves.
 inline constexpr char kInheritedConfiguration[] =
     "rcp/eclipse/plugins/com.ovr.rcp.base/configuration/config.ini";
+inline constexpr char kConfigIni[] = "rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini";
+inline const std::string kFrameworkJar =
+    std::string(kBaseFolder) + "/plugins/org.eclipse.osgi_1.0.jar";
 inline constexpr char kMaster[] =
     "rcp/eclipse/plugins/com.ovr.rcp.base/config/user/rcpinstall.properties";
 
@@ -54,6 +57,10 @@ Change lacks(const std::string& file);
 Change differs(const std::string& file, const std::string& from, const std::string& to);
 Change isLinkToItself(const std::string& file);
 Change isNotExecutable(const std::string& file);
+/// Lines for the master of the platform's configuration.
+Change configHas(const std::string& text);
+/// A folder in place of a file, with that file in it.
+Change isFolderWith(const std::string& folder, const std::string& file);
 Change isStandIn(const std::string& file, const std::string& standIn);
 Change both(const Change& first, const Change& second);
 void nothingChanges(const Maker& maker);
@@ -81,6 +88,7 @@ std::vector<Case> placeholderCases();
 std::vector<Case> jvmCases();
 std::vector<Case> extensionCases();
 std::vector<Case> fileCases();
-std::vector<Case> handOffCases();
+std::vector<Case> handOffCases();  // with those of the platform's configuration
+std::vector<Case> configurationCases();
 
 }  // namespace rcp::inspect

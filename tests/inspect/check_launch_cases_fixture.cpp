@@ -31,6 +31,11 @@ std::vector<Case> jvmCases() {
          launcherHas("vmarg.a=-Drcp.homes=/b\n")},
         {"RI404", "JvmArgumentThatIsNoOption", launcherHas("vmarg.a=Xmx1g\n"),
          launcherHas("vmarg.a=-Xmx1g\nvmarg.b=\n")},
+        {"RI404", "ValueOfAnOptionOfTheProgramJava",
+         launcherHas("vmarg.a=--add-opens\nvmarg.b=java.base/java.lang=ALL-UNNAMED\n"),
+         launcherHas("vmarg.a=--add-opens\nvmarg.b=java.base/java.lang=ALL-UNNAMED\n"
+                     "install.configuration=service\n"),
+         kLauncherProperties, 2},
         {"RI405", "JvmArgumentThatAnEarlierFileHolds",
          both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.a=-Da=c\n")),
          both(launcherHas("vmarg.a=-Da=b\n"), jvmHas("vmarg.b=-Db=c\n")), kJvmProperties},
@@ -91,6 +96,9 @@ std::vector<Case> fileCases() {
         });
     };
     const Change hasCopy = has("workspace/.config/config.ini", "a=1\n");
+    const Change isService =
+        both(launcherHas("install.configuration=service\n"),
+             both(has(kBase + "/config.ini", ""), has(kBase + "/rcpinstall.properties", "")));
     return {
         {"RI601", "NoPropertyFile", lacks(kLauncherProperties), nothingChanges, kLauncherProperties,
          inAll(0)},
@@ -123,6 +131,9 @@ std::vector<Case> fileCases() {
         {"RI601", "NoClassPathOfAService",
          launcherHas("cp=/nothing.jar\ninstall.configuration=service\n"),
          launcherHas("cp=/nothing.jar\ninstall.configuration=user\n")},
+        {"RI601", "NoClassPathOfAServiceThatIsNoFolderOfJars",
+         both(isService, launcherHas("cp=/nothing/a*\n")),
+         both(isService, launcherHas("cp=/nothing/*\n")), kLauncherProperties, 2},
         {"RI602", "ProgramThatIsNotExecutable", isNotExecutable(program), nothingChanges,
          kLauncherProperties, inAll(2)},
         {"RI602", "LauncherThatIsNotExecutable", isNotExecutable("rcp/rcplauncher"), nothingChanges,
