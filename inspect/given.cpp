@@ -75,8 +75,10 @@ std::string Settlement::settleSubject() {
     if (given_.isPathEmpty) {
         return "an empty path names no launcher";
     }
-    if (!given_.user.environmentFile.empty()) {
-        given_.user.environmentFile = std::filesystem::absolute(given_.user.environmentFile);
+    for (std::string* path : {&given_.user.environmentFile, &given_.user.home}) {
+        if (!path->empty()) {
+            *path = std::filesystem::absolute(*path);
+        }
     }
     Became user = become(given_.user);
     if (!user.problem.empty()) {

@@ -28,10 +28,12 @@ struct Variable {
 using Variables = std::vector<Variable>;
 
 bool isName(const std::string& name) {
-    return !name.empty() && std::isdigit(static_cast<unsigned char>(name.front())) == 0 &&
-           std::all_of(name.begin(), name.end(), [](unsigned char character) {
-               return std::isalnum(character) != 0 || character == '_';
-           });
+    const bool isOfFunction = name.starts_with("BASH_FUNC_") && name.ends_with("%%");
+    return isOfFunction ||
+           (!name.empty() && std::isdigit(static_cast<unsigned char>(name.front())) == 0 &&
+            std::all_of(name.begin(), name.end(), [](unsigned char character) {
+                return std::isalnum(character) != 0 || character == '_';
+            }));
 }
 
 // A line without a name goes on with the value in front of it. False when there is none.

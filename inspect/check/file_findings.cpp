@@ -117,8 +117,10 @@ void findMasters(const Examination& examination, Findings& findings) {
     const Origin origin = examination.originOf(keys::kBaseLocation);
     const InstallConfiguration configuration = examination.inputs.traits.eConfig;
     for (const wchar_t* name : {paths::kConfigIni, paths::kUserProperties}) {
-        needFile(examination, getCoreFileLocation(configuration, examination.base, name), origin,
-                 findings);
+        const std::wstring own = getOwnCoreFileLocation(configuration, examination.base, name);
+        const bool isBarred = !exists(own) && errno != ENOENT && errno != ENOTDIR;
+        const std::wstring used = getCoreFileLocation(configuration, examination.base, name);
+        needFile(examination, isBarred && !exists(used) ? own : used, origin, findings);
     }
     const std::wstring* managed = findProperty(keys::kUpdatePolicyManaged, properties);
     const bool isManaged = managed == nullptr || *managed != L"false";
@@ -185,7 +187,8 @@ std::string absenceText(const std::wstring& path, int error) {
 
 void findInFiles(const Examination& examination, Findings& findings) {
     for (const std::wstring& path : examination.unreadable) {
-        findings.add("RI601", examination.nameOf(path), 0, "the file cannot be read");
+        findings.add("RI601", examination.nameOf(path), 0,
+                     exists(path) ? "the file cannot be read" : absenceText(path, errno));
     }
     for (const PropertyFile& file : examination.files) {
         if (file.isCut) {

@@ -60,15 +60,25 @@ Answer answerSettings(const Evidence& evidence) {
     const PropertyFile* file = evidence.examination.file(kLauncherFile);
     return {"settings",
             file == nullptr
-                ? "there are none"
+                ? "none can be read"
                 : file->name + ", " + std::to_string(file->entries.entries().size()) + " entries",
             evidence.problemsOf(Subject::kSettings)};
 }
 
+// What is not known is not right.
+Answer knownOrOdd(Answer answer, bool isKnown) {
+    if (!isKnown && answer.problems.empty()) {
+        answer.problems.push_back({Mark::kOdd, "the launch ends before it is known", "", ""});
+    }
+    return answer;
+}
+
 Answer answerBase(const Evidence& evidence) {
     const std::wstring& base = evidence.examination.base;
-    return {"base location", base.empty() ? "not known" : evidence.examination.nameOf(base),
-            evidence.problemsOf(Subject::kBase)};
+    return knownOrOdd(
+        {"base location", base.empty() ? "not known" : evidence.examination.nameOf(base),
+         evidence.problemsOf(Subject::kBase)},
+        !base.empty());
 }
 
 Answer answerLibrary(const Evidence& evidence) {
@@ -79,10 +89,11 @@ Answer answerLibrary(const Evidence& evidence) {
 
 Answer answerBundles(const Evidence& evidence) {
     const std::string framework = evidence.pathOf("framework");
-    return {
-        "bundles",
-        framework.empty() ? "not known" : evidence.pathOf("bundles") + " start with " + framework,
-        evidence.problemsOf(Subject::kBundles)};
+    return knownOrOdd(
+        {"bundles",
+         framework.empty() ? "not known" : evidence.pathOf("bundles") + " start with " + framework,
+         evidence.problemsOf(Subject::kBundles)},
+        !framework.empty());
 }
 
 Answer answerJvmProperties(const Evidence& evidence) {

@@ -4,6 +4,7 @@
 #include "inspect/explain/rehearse_launch.h"
 #include "inspect/handoff/describe_hand_off.h"
 #include "inspect/handoff/try_jvm.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <iterator>
@@ -62,6 +63,12 @@ Subject subjectOfHandOff(const Finding& finding, const Evidence& evidence) {
 Subject subjectOf(const Finding& finding, const Evidence& evidence) {
     const Examination& examination = evidence.examination;
     const std::string_view code = finding.rule->code;
+    if (finding.file == examination.nameOf(toWide(examination.launcher))) {
+        return Subject::kInstallation;
+    }
+    if (finding.file == examination.launcherFile() && examination.file(kLauncherFile) == nullptr) {
+        return Subject::kSettings;
+    }
     if (code == "RI607" || code == "RI608") {
         return Subject::kArea;
     }

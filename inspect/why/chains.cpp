@@ -3,6 +3,7 @@
 #include "inspect/check/jvm_options.h"
 #include "inspect/check/near_keys.h"
 #include "inspect/explain/elements_text.h"
+#include "launcher/vocabulary/configuration_words.h"
 #include "launcher/vocabulary/property_keys.h"
 #include "platform/text.h"
 
@@ -107,12 +108,16 @@ std::string namesOfFiles(unsigned files) {
     return text;
 }
 
+std::string placeOfEntry(const json& file, const json& entry) {
+    return file["path"].get<std::string>() + ":" + entry["line"].dump();
+}
+
 void addEntries(json& chains, const json& explanation, const std::string& subject) {
     for (const json& file : explanation["files"]) {
         for (const json& entry : file["entries"]) {
             if (entry["key"] == subject) {
                 json chain = chainOf(subject + "=" + entry["value"].get<std::string>());
-                addStep(chain, "at", file["path"].get<std::string>() + ":" + entry["line"].dump());
+                addStep(chain, "at", placeOfEntry(file, entry));
                 if (entry["effective"] != entry["value"]) {
                     addStep(chain, "becomes", entry["effective"]);
                 }
@@ -149,6 +154,24 @@ void addKnownKey(json& chains, const std::string& subject) {
 
 // --- A variable ---
 
+json chainOfVariable(const std::string& name) {
+    const char* now = getenv(name.c_str());
+    return chainOf(name + (now == nullptr ? " is not set" : std::string("=") + now));
+}
+
+// What the launcher itself reads it for.
+void addOwnUse(json& chains, const std::string& name) {
+    for (const VariableWords& known : variableWords()) {
+        if (*known.isRead != '\0' && toNarrow(std::wstring(known.name)) == name) {
+            json chain = chainOfVariable(name);
+            std::string usage = known.isRead;
+            std::erase(usage, '`');  // which are a document's
+            addStep(chain, "read as", usage);
+            chains.push_back(chain);
+        }
+    }
+}
+
 void addVariable(json& chains, const json& explanation, const std::string& subject) {
     for (const json& variable : explanation["environment"]) {
         if (variable["name"] == subject) {
@@ -164,20 +187,26 @@ void addVariable(json& chains, const json& explanation, const std::string& subje
             chains.push_back(chain);
         }
     }
+    const bool isChanged = !chains.empty();
+    addOwnUse(chains, subject);
     for (const json& file : explanation["files"]) {
         for (const json& entry : file["entries"]) {
             const std::string value = entry["value"];
             const std::size_t at = value.find("${env." + subject);
             const std::size_t end = at + subject.size() + 6;
+            if (entry["key"] == "env.unset." + subject && !isChanged) {
+                json chain = chainOfVariable(subject);
+                addStep(chain, "removed by", entry["key"]);
+                addStep(chain, "at", placeOfEntry(file, entry));
+                chains.push_back(chain);
+            }
             if (at == std::string::npos || end >= value.size() ||
                 (value[end] != '}' && value[end] != ',')) {
                 continue;
             }
-            const char* now = getenv(subject.c_str());
-            json chain =
-                chainOf(subject + (now == nullptr ? " is not set" : std::string("=") + now));
+            json chain = chainOfVariable(subject);
             addStep(chain, "read by", entry["key"].get<std::string>() + "=" + value);
-            addStep(chain, "at", file["path"].get<std::string>() + ":" + entry["line"].dump());
+            addStep(chain, "at", placeOfEntry(file, entry));
             chains.push_back(chain);
         }
     }

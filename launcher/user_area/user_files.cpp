@@ -106,12 +106,16 @@ class UserFileFilter {
 
 }  // namespace
 
-std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
-                                 const std::wstring& name) {
+std::wstring getOwnCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
+                                    const std::wstring& name) {
     std::wstring candidate = base + paths::kMasters;
     candidate += coreFileFolder(configuration);
-    candidate += L"/" + name;
-    convertToOsSeparator(candidate);
+    return osPath(candidate + L"/" + name);
+}
+
+std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
+                                 const std::wstring& name) {
+    const std::wstring candidate = getOwnCoreFileLocation(configuration, base, name);
     return exists(candidate) ? candidate : osPath(base + L"/" + name);
 }
 

@@ -13,6 +13,9 @@
 
 namespace rcp {
 
+/// Where the installation's master copy of a file is looked for first.
+std::wstring getOwnCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,
+                                    const std::wstring& name);
 /// The installation's master copy of a file: base/config/<folder of the install configuration>/name
 /// when it exists, else base/name. A configuration without folder gives two slashes in a row.
 std::wstring getCoreFileLocation(InstallConfiguration configuration, const std::wstring& base,

@@ -50,6 +50,22 @@ TEST_F(OtherUserTest, HasTheVariablesOfHisFileAndNoOther) {
               "home/workspace/eve");
 }
 
+TEST_F(OtherUserTest, AFunctionOfHisShellIsAVariableOfItsOwn) {
+    folder_.write("bob.env",
+                  "HOME=" + folder_.narrow("home") +
+                      "\nUSER=bob\nBASH_FUNC_module%%=() {  local a=1;\n b=2\n}\nLANG=C.UTF-8\n");
+    EXPECT_EQ(workspace({"--env-file", folder_.narrow("bob.env")}), "home/workspace/bob");
+}
+
+TEST_F(OtherUserTest, HisHomeFolderMayBeNamedFromHere) {
+    Program program(
+        {"/bin/sh", "-c", R"(cd "$2" && "$0" explain --format json --install "$1" --home home)",
+         seen(INSPECT_PROGRAM), installation(), folder_.narrow()},
+        launchEnvironment());
+    EXPECT_EQ(portable(Json::parse(program.rest())["facts"]["workspace"]), "home/workspace/ann");
+    EXPECT_EQ(program.wait(), 0);
+}
+
 TEST_F(OtherUserTest, IsToldWhereAVariableOfHisStands) {
     folder_.write("bob.env", "USER=bob\nHOME=" + folder_.narrow("home") +
                                  "\nPATH=one\ntwo\nJAVA_TOOL_OPTIONS=-Da=b\n");

@@ -108,6 +108,24 @@ TEST_F(DoctorTest, AFileThatIsThereAndCannotBeReadIsNotCalledMissing) {
     EXPECT_NE(cause().find("\" cannot be read: "), std::string::npos) << cause();
 }
 
+TEST_F(DoctorTest, AMasterThatCannotBeReadIsToldAndNotWhereElseItCouldBe) {
+    const std::string name = "client/rcp/eclipse/plugins/com.ovr.rcp.base/config/user/config.ini";
+    std::filesystem::remove(folder_.path() / name);
+    std::filesystem::create_symlink("config.ini", folder_.path() / name);
+    const std::string cause = answer("base location", 2)["problems"][0]["cause"];
+    EXPECT_NE(cause.find("config/user/config.ini\" cannot be read: "), std::string::npos) << cause;
+}
+
+TEST_F(DoctorTest, WithoutSettingsNothingThatTheyTellIsGood) {
+    std::filesystem::remove(folder_.path() / kProperties);
+    const Json settings = answer("settings", 2);
+    EXPECT_EQ(settings["mark"], "bad");
+    const std::string cause = settings["problems"][0]["cause"];
+    EXPECT_TRUE(cause.ends_with("rcplauncher.properties\" is missing")) << cause;
+    EXPECT_EQ(answer("base location", 2)["mark"], "odd");
+    EXPECT_EQ(answer("bundles", 2)["mark"], "odd");
+}
+
 TEST_F(DoctorTest, VariablesThatChangeTheJvmBehindTheLauncherAreOdd) {
     variables_ = {"JAVA_TOOL_OPTIONS=-Xmx1m"};
     const Json problem = onlyProblem("environment", 1);

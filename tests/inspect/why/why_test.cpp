@@ -76,6 +76,22 @@ TEST_F(WhyTest, AVariableIsToldWithWhatReadsAndWhatSetsIt) {
                                      " env.set.SAMPLE_SET\n  before    not set\n");
 }
 
+TEST_F(WhyTest, AVariableThatTheLauncherReadsIsToldWithWhatFor) {
+    variables_.emplace_back("LC_ALL=C.UTF-8");
+    EXPECT_EQ(why("LC_ALL"),
+              "LC_ALL=C.UTF-8\n  read as   the character set; UTF-8 instead of \"C\"\n");
+    EXPECT_TRUE(
+        why("HOME").starts_with("HOME=home\n  read as   the user's home directory\n\nHOME=home\n"))
+        << why("HOME");
+}
+
+TEST_F(WhyTest, AVariableThatWouldBeRemovedIsToldWithTheEntry) {
+    EXPECT_EQ(why("SAMPLE_REMOVED"),
+              "SAMPLE_REMOVED is not set\n  removed by env.unset.SAMPLE_REMOVED\n  "
+              "at        client/rcp/" +
+                  placeOf("env.unset.SAMPLE_REMOVED=") + "\n");
+}
+
 TEST_F(WhyTest, APathIsToldWithWhatTheLaunchDoesToIt) {
     EXPECT_EQ(why(folder_.narrow("home/workspace/ann/.rcp.lock")),
               "home/workspace/ann/.rcp.lock\n  changed   file made by the launch\n");
