@@ -8,6 +8,7 @@
 #include "inspect/rehearsal/rehearsed_calls.h"
 #include "inspect/suggestions.h"
 #include "launcher/process_entry.h"
+#include "platform/signals.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -169,6 +170,7 @@ void addOptions(CLI::App& app, Given& given, Options& options) {
 }  // namespace
 
 int run(int argc, char** argv) {
+    ignoreFileSizeSignal();
     const InstalledCalls quiet(quietCalls());
     endOf(setCharacterLocale);
     std::vector<std::string> own;

@@ -8,6 +8,7 @@
 #include "launcher/vocabulary/options.h"
 #include "launcher/vocabulary/variables.h"
 #include "platform/files.h"
+#include "platform/signals.h"
 #include "platform/text.h"
 
 #include <errno.h>
@@ -116,6 +117,7 @@ void changeEnvironment(const EnvironmentChanges& changes, const std::string& fol
     if (chdir(folder.c_str()) == 0 && dup2(input, STDIN_FILENO) >= 0 &&
         dup2(output, STDOUT_FILENO) >= 0 && dup2(output, STDERR_FILENO) >= 0) {
         (void)setpgid(0, 0);  // to be ended with all that it starts
+        restoreFileSizeSignal();
         execv(pointers.front(), pointers.data());
     }
     _exit(127);

@@ -33,8 +33,9 @@ TEST(InspectCommandLine, AFolderIsNoLauncher) {
 class InspectInItsInstallation : public test::StatusTest {
   protected:
     // Of a shell in the installation.
-    [[nodiscard]] int statusOf(const std::string& command) const {
-        const std::string line = "cd '" + installation() + "' && exec '" +
+    [[nodiscard]] int statusOf(const std::string& command,
+                               const std::string& before = "true") const {
+        const std::string line = "cd '" + installation() + "' && " + before + " && exec '" +
                                  rcp::test::seen(INSPECT_PROGRAM) + "' " + command;
         test::Program program({"/bin/sh", "-c", line}, environment());
         (void)program.rest();
@@ -46,6 +47,14 @@ TEST_F(InspectInItsInstallation, AnEmptyPathIsNotTheCurrentDirectory) {
     EXPECT_EQ(statusOf("check"), 0);
     EXPECT_EQ(statusOf("check --install ''"), 64);
     EXPECT_EQ(statusOf("check --launcher ''"), 64);
+}
+
+TEST_F(InspectInItsInstallation, AFileThatMayNotGrowIsAFailureAndLeavesNothing) {
+    const std::string folder = folder_.narrow("mine");
+    std::filesystem::create_directory(folder);
+    EXPECT_EQ(statusOf("report -o " + folder + "/x.zip", "ulimit -f 8"), 73);
+    EXPECT_EQ(statusOf("check --format html " + folder + "/x.html", "ulimit -f 8"), 73);
+    EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
 TEST_F(InspectInItsInstallation, AShortOptionIsNotBlamedForAnother) {
