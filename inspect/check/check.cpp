@@ -18,7 +18,7 @@ namespace {
 constexpr int kWarnings = 1;
 constexpr int kErrors = 2;
 
-// That it cannot be rehearsed is nothing of the installation's.
+// Where it cannot be rehearsed nothing is known of what only that tells.
 void rehearseToo(const Options& options, const Examination& examination, Findings& findings) {
     try {
         findInRehearsal(options, examination, findings);
@@ -26,6 +26,7 @@ void rehearseToo(const Options& options, const Examination& examination, Finding
         // In one piece, for others write there at the same time when there are many.
         std::cerr << "rcpinspect: the launch of " + options.installation +
                          " was not rehearsed: " + problem.what() + "\n";
+        findings.add("RI506", examination.launcherFile(), 0, problem.what());
     }
 }
 

@@ -143,6 +143,10 @@ constexpr FindingRule kRules[] = {
      "Rehearsed as this user and in this environment, a launch with these arguments ends with this "
      "record.",
      "rcpinspect explain tells how far it comes, and docs/messages.md what the record means."},
+    {"RI506", "not-rehearsed", kWarning,
+     "A launch could not be rehearsed, so that of how it ends and of what it writes nothing is "
+     "known.",
+     "Mend what keeps it from being rehearsed, such as the folder in TMPDIR."},
     // Files
     {"RI601", "missing-file", kError, "A file that a launch needs is missing or cannot be read.",
      "Add the file, or correct the path."},

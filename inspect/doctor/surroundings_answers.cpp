@@ -58,7 +58,8 @@ std::string inMegabytes(std::uintmax_t bytes) {
     return std::to_string(bytes / kMegabyte) + " MB";
 }
 
-// What a launch writes are some small files; the log is the longest of them.
+// What a launch writes are some small files; the log is the longest of them. Where there is less room than a
+// launch takes, check's finding tells.
 constexpr std::uintmax_t kLeastBytes = std::uintmax_t{1} << 20U;
 constexpr std::uintmax_t kLeastFiles = 32;
 
@@ -67,12 +68,12 @@ void judgeSpace(const struct statvfs& space, const std::string& folder, Answer& 
     answer.text += ", " + inMegabytes(bytes) + " free";
     if (bytes < kLeastBytes) {
         answer.problems.push_back(
-            {Mark::kBad,
+            {Mark::kOdd,
              "the file system of " + folder + " has " + std::to_string(bytes) + " bytes left", "",
              "Make room there, or name another workspace with -data."});
     }
     if (space.f_files > 0 && space.f_favail < kLeastFiles) {
-        answer.problems.push_back({Mark::kBad,
+        answer.problems.push_back({Mark::kOdd,
                                    "the file system of " + folder + " has room for " +
                                        std::to_string(space.f_favail) + " more files",
                                    "",
@@ -114,10 +115,6 @@ Answer answerSpace(const Evidence& evidence) {
             {Mark::kBad, folder + " is no folder", "", "Name another workspace with -data."});
         return answer;
     }
-    struct statvfs space {};
-    if (statvfs(placeOf(folder).c_str(), &space) == 0) {
-        judgeSpace(space, folder, answer);
-    }
     for (Problem& lack : evidence.problemsOf(Subject::kSpace)) {
         answer.problems.push_back(std::move(lack));
     }
@@ -125,6 +122,10 @@ Answer answerSpace(const Evidence& evidence) {
         answer.problems.push_back({Mark::kBad, folder + " may not be written", "",
                                    "Let the user write there, or name another workspace with "
                                    "-data."});
+    }
+    struct statvfs space {};
+    if (statvfs(placeOf(folder).c_str(), &space) == 0) {
+        judgeSpace(space, folder, answer);
     }
     return answer;
 }

@@ -83,6 +83,7 @@ TEST_F(CheckManyTest, WhatWasNotRehearsedIsNamed) {
     for (const char* name : {"client", "odd"}) {
         EXPECT_THAT(text, HasSubstr("rcpinspect: the launch of " + folder_.narrow(name) +
                                     " was not rehearsed: "));
+        EXPECT_THAT(text, HasSubstr("! " + std::string(name) + ": "));
     }
 }
 

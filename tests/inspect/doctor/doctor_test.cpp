@@ -147,6 +147,10 @@ TEST_F(DoctorTest, AWorkspaceThatCannotBeMadeIsBad) {
     // Nobody makes a folder there, whatever permissions say.
     const Json space = answer("space and permissions", 2, {"-data", "/proc/ws"});
     EXPECT_EQ(space["mark"], "bad") << space.dump(1);
+    EXPECT_EQ(space["problems"][0]["mark"], "bad") << space.dump(1);
+    const Json& last = space["problems"].back();  // a launch may do with the little that there is
+    EXPECT_TRUE(last["cause"].get<std::string>().ends_with(" bytes left")) << space.dump(1);
+    EXPECT_EQ(last["mark"], "odd") << space.dump(1);
     EXPECT_EQ(answer("user's area", 2, {"-data", "/proc/ws"})["text"], "/proc/ws, new");
     EXPECT_EQ(launch({"-data", "/proc/ws"}), 255);
 }
