@@ -4,6 +4,7 @@
 #include "base/transfer.h"
 #include "inspect/check/check.h"
 #include "inspect/check/report.h"
+#include "inspect/child.h"
 #include "inspect/commands.h"
 #include "inspect/hand_out.h"
 #include "inspect/locate.h"
@@ -60,7 +61,7 @@ Worker start(const std::string& root, const Options& options) {
     Pipe pipe;
     const pid_t process = pipe.readEnd ? fork() : -1;
     if (process == 0) {
-        work(root, options, pipe.writeEnd.get());
+        beChild([&] { work(root, options, pipe.writeEnd.get()); });
     }
     const int error = errno;
     return {root, std::move(pipe.readEnd), process, error};

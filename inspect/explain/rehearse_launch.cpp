@@ -5,6 +5,7 @@
 #include "base/transfer.h"
 #include "diagnostics/log_file.h"
 #include "diagnostics/svc_debug.h"
+#include "inspect/child.h"
 #include "inspect/explain/account.h"
 #include "inspect/handoff/describe_hand_off.h"
 #include "inspect/handoff/room.h"
@@ -194,7 +195,7 @@ std::string runRehearsal(const Options& options, Share share, int& status) {
     const pid_t child = fork();
     if (child == 0) {
         answer.readEnd.reset();
-        rehearse(options, share, folder.path(), answer.writeEnd.get());
+        beChild([&] { rehearse(options, share, folder.path(), answer.writeEnd.get()); });
     }
     answer.writeEnd.reset();
     if (child > 0) {

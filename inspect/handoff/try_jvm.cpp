@@ -2,6 +2,7 @@
 
 #include "base/pipe.h"
 #include "inspect/check/groups.h"
+#include "inspect/child.h"
 #include "inspect/handoff/code_faults.h"
 #include "inspect/quiet_read.h"
 #include "inspect/rehearsal/temporary_folder.h"
@@ -179,8 +180,10 @@ Trial run(const std::vector<std::string>& words, const EnvironmentChanges& chang
     }
     const pid_t child = fork();
     if (child == 0) {
-        changeEnvironment(changes, own.path());
-        startJvm(words, folder, answer.writeEnd.get());
+        beChild([&] {
+            changeEnvironment(changes, own.path());
+            startJvm(words, folder, answer.writeEnd.get());
+        });
     }
     if (child < 0) {
         throw std::runtime_error(strerror(errno));

@@ -49,6 +49,10 @@ TEST_F(InspectInItsInstallation, AnEmptyPathIsNotTheCurrentDirectory) {
     EXPECT_EQ(statusOf("check --launcher ''"), 64);
 }
 
+TEST_F(InspectInItsInstallation, WhatNobodyExpectsIsAFailure) {
+    EXPECT_EQ(statusOf("check --env-file x", "mkdir gone && cd gone && rmdir ../gone"), 70);
+}
+
 TEST_F(InspectInItsInstallation, AFileThatMayNotGrowIsAFailureAndLeavesNothing) {
     const std::string folder = folder_.narrow("mine");
     std::filesystem::create_directory(folder);
