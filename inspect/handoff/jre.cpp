@@ -23,10 +23,9 @@ std::vector<std::string> placesOfClasses(const std::filesystem::path& home) {
 std::vector<std::vector<std::string>> filesOfJre(const std::filesystem::path& home) {
     const std::string lib = home / "lib/lib";
     const std::string jvm = std::string("/libjvm") + kLibraryEnding;
-    std::vector<std::vector<std::string>> all = {
-        {home.string() + "/lib/server" + jvm, home.string() + "/lib/client" + jvm,
-         home.string() + "/lib/minimal" + jvm},
-        {home / "conf/security/java.security"}};
+    std::vector<std::vector<std::string>> all = {{home.string() + "/lib/server" + jvm,
+                                                  home.string() + "/lib/client" + jvm,
+                                                  home.string() + "/lib/minimal" + jvm}};
     for (const char* name : {"java", "jimage", "zip", "net", "nio"}) {
         all.push_back({lib + name + kLibraryEnding});
     }
@@ -47,13 +46,19 @@ std::optional<std::string> missingOfJre(const std::filesystem::path& home) {
     if (std::all_of(classes.begin(), classes.end(), isNothing)) {
         return classes.front();
     }
-    for (const std::vector<std::string>& places :
-         isImage(classes.front()) ? filesOfJre(home) : std::vector<std::vector<std::string>>()) {
+    if (!isImage(classes.front())) {
+        return std::nullopt;
+    }
+    for (const std::vector<std::string>& places : filesOfJre(home)) {
         if (std::all_of(places.begin(), places.end(), isNothing)) {
             return places.front();
         }
     }
-    return std::nullopt;
+    // It may be a link into /etc, which a staged tree need not have.
+    const std::filesystem::path settings = home / "conf/security/java.security";
+    return entryNames(settings.parent_path()).contains(settings.filename())
+               ? std::nullopt
+               : std::optional<std::string>(settings);
 }
 
 }  // namespace rcp::inspect
