@@ -220,8 +220,8 @@ void NamedValues::findElement(std::size_t at) {
             name = names_.isSecret(name) ? name : value.substr(0, value.find('"'));
         }
     }
-    const bool isBeginning =
-        tag.size() < front.size() && !tag.starts_with('/') && !tag.ends_with('/');
+    const bool isBeginning = tag.size() < front.size() && !tag.starts_with('/') &&
+                             !tag.ends_with('/') && tag.find('>') == kNone;
     if (isBeginning && names_.isSecret(name)) {
         add(at + 1, std::min(text_.find('<', at), text_.size()), name);
     }

@@ -119,7 +119,9 @@ TEST(NamedValues, TakesValuesOfPlaceholders) {
 }
 
 TEST(NamedValues, LeavesWhatStandsBehindAnElement) {
-    for (const char* line : {"</password>    (a:1)\nnext", "<password/> next"}) {
+    for (const char* line : {"</password>    (a:1)\nnext", "<password/> next",
+                             "<a name=\"password\"/> to -> there -> here",
+                             "<password></password> -> there", "</password> -> there -> here"}) {
         EXPECT_EQ(redacted(line), line);
     }
     EXPECT_EQ(redacted("<password>abc</password> next"), "<password>*</password> next");
