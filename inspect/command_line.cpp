@@ -53,8 +53,9 @@ std::vector<std::string> splitLauncherArguments(int argc, char** argv,
                                   : std::vector<std::string>(separator + 1, all.end());
 }
 
-int wrongUse(const std::string& text) {
-    std::cerr << "rcpinspect: " << text << '\n';
+int wrongUse(const std::string& text, const std::vector<std::string>& words) {
+    const bool isRedacted = std::find(words.begin(), words.end(), "--redact") != words.end();
+    std::cerr << "rcpinspect: " << (isRedacted ? redactedProblem(text) : text) << '\n';
     return kWrongUse;
 }
 
@@ -199,7 +200,7 @@ int run(int argc, char** argv) {
         return app.exit(success);
     } catch (const CLI::ParseError& error) {
         const std::string wrong = wrongWord(words, commandWords(app));
-        return wrongUse(wrong.empty() ? error.what() : wrong);
+        return wrongUse(wrong.empty() ? error.what() : wrong, words);
     }
     const std::string chosen = app.get_subcommands().front()->get_name();
     const auto command = std::find_if(kCommands.begin(), kCommands.end(),
@@ -210,7 +211,7 @@ int run(int argc, char** argv) {
     given.isStaged = sub.count("--root") > 0;
     const Settled settled = settle(given, *command, options);
     if (!settled.problem.empty()) {
-        return wrongUse(options.isRedacted ? redactedProblem(settled.problem) : settled.problem);
+        return wrongUse(settled.problem, words);
     }
     const int status = command->carryOut == report ? report(settled.options)
                                                    : handOut(command->carryOut, settled.options);

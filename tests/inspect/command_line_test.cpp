@@ -70,13 +70,18 @@ TEST_F(InspectInItsInstallation, AShortOptionIsNotBlamedForAnother) {
 }
 
 TEST_F(InspectInItsInstallation, WrongUseIsRedactedToo) {
-    test::Program program({"/bin/sh", "-c", R"(exec "$0" check --redact --install "$1" 2>&1)",
-                           rcp::test::seen(INSPECT_PROGRAM), folder_.narrow("home/token=abc7")},
-                          environment());
-    const std::string output = program.rest();
-    EXPECT_EQ(program.wait(), 64);
-    EXPECT_EQ(output.find("rcpinspect: no launcher at /home/<user>/token=<redacted:"), 0U)
-        << output;
+    for (const auto& [option, said] :
+         {std::pair("--install", "no launcher at "), std::pair("--redact", "'")}) {
+        test::Program program(
+            {"/bin/sh", "-c", R"(exec "$0" explain --redact "$1" "$2" 2>&1)",
+             rcp::test::seen(INSPECT_PROGRAM), option, folder_.narrow("home/token=abc7")},
+            environment());
+        const std::string output = program.rest();
+        EXPECT_EQ(program.wait(), 64);
+        EXPECT_EQ(output.find(std::string("rcpinspect: ") + said + "/home/<user>/token=<redacted:"),
+                  0U)
+            << output;
+    }
 }
 
 TEST_F(InspectInItsInstallation, OutputThatCannotBeWrittenIsAFailure) {
