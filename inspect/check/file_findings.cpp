@@ -60,8 +60,10 @@ void findInBase(const Examination& examination, Findings& findings) {
     if (record) {
         const std::wstring name = getEclipseExeName(properties);
         const bool isProgram = record->starts_with("ZYPRA0007E");
+        const Origin named = examination.originOf(keys::kEclipseName);
+        const Origin& place = isProgram && named.file ? named : origin;
         const bool isThere = isProgram && exists(examination.base + L"/macosx/x86/" + name);
-        findings.add(isThere ? "RI602" : "RI601", examination.nameOf(origin), origin.line, *record);
+        findings.add(isThere ? "RI602" : "RI601", examination.nameOf(place), place.line, *record);
     }
     for (const Argument& jar : elementsOf([&](CommandLine& startup) {
              addStartupToCommandLine(startup, properties, examination.inputs.arguments);

@@ -177,6 +177,10 @@ int config(const Options& options) {
     }
     try {
         const json explanation = explainLaunch(options);
+        if (explanation["files"].empty() && options.format == Format::kText) {
+            std::cout << "# no file can be read: " + explanation["outcome"].value("record", "") +
+                             "\n";
+        }
         if (options.isFiles) {
             std::cout << filesText(explanation);
         } else if (options.format == Format::kJson) {

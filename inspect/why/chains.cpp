@@ -140,6 +140,9 @@ void addKnownKey(json& chains, const std::string& subject) {
         chains.push_back(chain);
         return;
     }
+    if (subject.starts_with('-') && !chains.empty()) {
+        return;  // it is an option of this launch
+    }
     std::set<std::wstring> meant;
     for (const KeyFile file : {kLauncherFile, kJvmFile, kUserFile}) {
         meant.insert(nearestKey(key, file));

@@ -92,7 +92,10 @@ Plan getUserCmdString(const LaunchInputs& inputs, LaunchKind kind) {
 void addBaseEclipseToCommandLine(CommandLine& line, const PropertyList& properties) {
     const Argument program = platformProgram(properties);
     if (!isExecutable(program.text)) {
-        fatal(because(errno).from(program.origin), messages.platformNotExecutable, program.text);
+        const int error = errno;
+        const Property* name = properties.find(keys::kEclipseName);
+        fatal(because(error).from(name == nullptr ? program.origin : name->origin),
+              messages.platformNotExecutable, program.text);
     }
     line.setProgram(program, whys::kPlatformProgram);
     const Argument library =

@@ -106,6 +106,8 @@ std::vector<Case> fileCases() {
          both(lacks(kJvmProperties), has(std::string(kJvmProperties) + "/file", "")),
          lacks(kJvmProperties), kJvmProperties, inAll(0)},
         {"RI601", "NoProgram", lacks(program), nothingChanges, kLauncherProperties, inAll(2)},
+        {"RI601", "NoProgramOfThatName", launcherHas("eclipse.name=other\n"),
+         launcherHas("eclipse.name=eclipse\n")},
         {"RI601", "NoLauncherLibrary", lacks(program + "_1615.so"), nothingChanges,
          kLauncherProperties, inAll(2)},
         {"RI601", "NoStartupJar", lacks(kBase + "/launcher.jar"), nothingChanges,

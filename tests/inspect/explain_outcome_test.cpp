@@ -97,6 +97,7 @@ TEST_F(ExplainOutcome, OfAnEndNamesTheEntryThatHasBroughtItAbout) {
     const std::string settings = folder_.read(kProperties);
     const std::pair<std::string, const char*> ends[] = {
         {"vmarg.x=${prop.NOT_SET_HERE}\n", "rcplauncher.properties vmarg.x"},
+        {"eclipse.name=other\n", "rcplauncher.properties eclipse.name"},
         {"config.sample.5=vmarg.x\n", "rcplauncher.properties config.sample.5"}};
     for (const auto& [entry, source] : ends) {
         append(kProperties, entry);

@@ -30,6 +30,14 @@ TEST_F(ConfigTest, TellsEveryEntryThatCountsWithItsPlace) {
         << text;
 }
 
+TEST_F(ConfigTest, TellsThatNothingCanBeRead) {
+    std::filesystem::remove(folder_.path() / kProperties);
+    for (const Words& options : {Words{}, Words{"--files"}}) {
+        const std::string text = config(options);
+        EXPECT_TRUE(text.starts_with("# no file can be read: ZYPRA0096E: ")) << text;
+    }
+}
+
 TEST_F(ConfigTest, TellsWhatIsNotSetAndTheVariables) {
     const std::string text = config();
     EXPECT_NE(text.find("\neclipse.name=eclipse    (the default)\n"), std::string::npos) << text;

@@ -39,6 +39,7 @@ TEST_F(WhyTest, OfTwoJvmOptionsTheOneIsNamedThatTheJvmTakes) {
 TEST_F(WhyTest, AnOptionWithAValueIsToldWithItAndWithWhatLost) {
     const std::string text = why("-application", 0, {"-application", "other"});
     EXPECT_NE(text.find("-application other\n  from      argument 2\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("nothing reads"), std::string::npos) << text;
     EXPECT_NE(text.find("\n  not       sample.report (" + placeOf("application=") +
                         " application): the command line wins\n"),
               std::string::npos)
