@@ -3,9 +3,9 @@
 //
 // Input: the file. And of a whole one: what stands in front of it, its comment, and its names.
 #include "fuzz/fuzz.h"
-#include "inspect/handoff/inflate.h"
-#include "inspect/handoff/jar.h"
-#include "inspect/report/zip_archive.h"
+#include "inspect/archive/inflate.h"
+#include "inspect/archive/jar.h"
+#include "inspect/archive/zip_archive.h"
 #include "platform/text.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "inspect/handoff/hand_off.h"
 
+#include "inspect/archive/jar.h"
 #include "inspect/check/groups.h"
 #include "inspect/check/launcher_end.h"
 #include "inspect/handoff/code_faults.h"
-#include "inspect/handoff/jar.h"
 #include "inspect/quiet_read.h"
 #include "launcher/command_line/assembly.h"
 #include "launcher/process_entry.h"

@@ -1,6 +1,6 @@
 // The platform's own configuration, config.ini: the framework, the bundles and the areas that it names.
+#include "inspect/archive/jar.h"
 #include "inspect/handoff/hand_off.h"
-#include "inspect/handoff/jar.h"
 #include "inspect/handoff/platform_settings.h"
 #include "inspect/handoff/platform_values.h"
 #include "inspect/quiet_read.h"

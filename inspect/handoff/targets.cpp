@@ -1,9 +1,9 @@
 // The programs, libraries and jars that a launch names itself, and the variables that it leaves behind.
+#include "inspect/archive/jar.h"
 #include "inspect/bundle/bundle.h"
 #include "inspect/check/groups.h"
 #include "inspect/handoff/code_faults.h"
 #include "inspect/handoff/hand_off.h"
-#include "inspect/handoff/jar.h"
 #include "inspect/handoff/jre.h"
 #include "inspect/quiet_read.h"
 #include "launcher/vocabulary/options.h"

@@ -40,17 +40,6 @@ bool isOwnSentence(std::string_view behind) {
 
 }  // namespace
 
-bool isUserOption(std::string_view option) {
-    constexpr std::string_view kOptions[] = {"-u", "-U", "--user", "--proxy-user"};
-    return isOneOf(kOptions, option);
-}
-
-bool hasPassword(std::string_view user) {
-    const std::size_t colon = user.find(':');
-    return colon != kNone && colon > 0 && colon + 1 < user.size() &&
-           user.find_first_not_of("0123456789:") != kNone;
-}
-
 void NamedValues::findAt(std::size_t at) {
     switch (text_[at]) {
         case '=':

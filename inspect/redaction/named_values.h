@@ -9,11 +9,6 @@
 
 namespace rcp::inspect {
 
-/// Whether such an option takes "USER:PASSWORD", as that of curl does.
-bool isUserOption(std::string_view option);
-/// Whether it is that; a user's and a group's numbers are none.
-bool hasPassword(std::string_view user);
-
 class NamedValues {
   public:
     NamedValues(std::string_view text, const SecretNames& names, std::vector<SecretPart>& parts)

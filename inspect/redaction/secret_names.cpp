@@ -155,4 +155,15 @@ bool SecretNames::isPlainlySecret(std::string_view name) {
     return hasSecretWord(wordsOf(name), isPlainWord);
 }
 
+bool isUserOption(std::string_view option) {
+    constexpr std::string_view kOptions[] = {"-u", "-U", "--user", "--proxy-user"};
+    return isOneOf(kOptions, option);
+}
+
+bool hasPassword(std::string_view user) {
+    const std::size_t colon = user.find(':');
+    return colon != kNone && colon > 0 && colon + 1 < user.size() &&
+           user.find_first_not_of("0123456789:") != kNone;
+}
+
 }  // namespace rcp::inspect

@@ -16,6 +16,11 @@ inline constexpr std::wstring_view kSecretNamesKey = L"rcpinspect.redact";
 /// The words of a name in small letters: "db.apiKey", "DB_API_KEY" and "-Ddb-api-key" have the same.
 std::vector<std::string> wordsOf(std::string_view name);
 
+/// Whether such an option takes "USER:PASSWORD", as that of curl does.
+bool isUserOption(std::string_view option);
+/// Whether it is that; a user's and a group's numbers are none.
+bool hasPassword(std::string_view user);
+
 class SecretNames {
   public:
     SecretNames() = default;

@@ -1,4 +1,5 @@
 // All that somebody who helps wants to see, in one file that can be mailed.
+#include "inspect/archive/zip_archive.h"
 #include "inspect/commands.h"
 #include "inspect/hand_out.h"
 #include "inspect/quiet_read.h"
@@ -7,7 +8,6 @@
 #include "inspect/rehearsal/staged_tree.h"
 #include "inspect/report/last_logs.h"
 #include "inspect/report/surroundings.h"
-#include "inspect/report/zip_archive.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "platform/whole_file.h"

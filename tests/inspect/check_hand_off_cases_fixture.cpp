@@ -1,5 +1,5 @@
 #include "check_fixture.h"
-#include "inspect/report/zip_archive.h"
+#include "inspect/archive/zip_archive.h"
 
 #include <filesystem>
 

@@ -1,4 +1,4 @@
-#include "inspect/report/zip_archive.h"
+#include "inspect/archive/zip_archive.h"
 
 #include "tests/inspect/status_fixture.h"
 #include "tests/unit/launch_pieces.h"

@@ -1,4 +1,4 @@
-#include "inspect/handoff/inflate.h"
+#include "inspect/archive/inflate.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "inspect/handoff/jar.h"
+#include "inspect/archive/jar.h"
 
+#include "inspect/archive/zip_archive.h"
 #include "inspect/quiet_read.h"
-#include "inspect/report/zip_archive.h"
 #include "tests/support/sandbox.h"
 #include "tests/unit/fixture.h"
 #include "tests/unit/paths.h"

@@ -1,13 +1,12 @@
-#include "inspect/report/zip_archive.h"
+#include "inspect/archive/zip_archive.h"
+
+#include "inspect/archive/zip_format.h"
 
 #include <array>
 
 namespace rcp::inspect {
 namespace {
 
-constexpr std::uint32_t kLocalHeader = 0x04034b50;
-constexpr std::uint32_t kDirectoryHeader = 0x02014b50;
-constexpr std::uint32_t kEnd = 0x06054b50;
 constexpr std::uint16_t kVersion = 20;    // 2.0, which has folders
 constexpr std::uint16_t kUnix = 3 << 8;   // whose permissions the directory has
 constexpr std::uint16_t kUtf8 = 1 << 11;  // names are
@@ -71,7 +70,7 @@ void ZipArchive::add(const std::string& name, std::string_view content) {
     put16(common, sizeOf(name));
     put16(common, 0);  // no further fields
 
-    put32(directory_, kDirectoryHeader);
+    put32(directory_, kEntry);
     put16(directory_, kUnix | kVersion);
     directory_ += common;
     put16(directory_, 0);  // no comment
@@ -81,7 +80,7 @@ void ZipArchive::add(const std::string& name, std::string_view content) {
     put32(directory_, sizeOf(files_));
     directory_ += name;
 
-    put32(files_, kLocalHeader);
+    put32(files_, kLocalEntry);
     files_ += common;
     files_ += name;
     files_ += content;

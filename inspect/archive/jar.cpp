@@ -1,9 +1,10 @@
-#include "inspect/handoff/jar.h"
+#include "inspect/archive/jar.h"
 
 #include "base/system_calls.h"
 #include "base/unique_fd.h"
+#include "inspect/archive/inflate.h"
+#include "inspect/archive/zip_format.h"
 #include "inspect/bundle/bytes.h"
-#include "inspect/handoff/inflate.h"
 
 #include <fcntl.h>
 #include <strings.h>
@@ -16,15 +17,12 @@
 namespace rcp::inspect {
 namespace {
 
-// The records of a zip file: what they begin with and how long they are without names and comments.
-constexpr std::uint32_t kEnd = 0x06054b50;
-constexpr std::uint64_t kEndSize = 22;
 constexpr std::uint32_t kEndPlace = 0x07064b50;  // of the end in files beyond 32 bits
-constexpr std::uint64_t kEndPlaceSize = 20;
 constexpr std::uint32_t kLargeEnd = 0x06064b50;
+// How long the records are without names and comments.
+constexpr std::uint64_t kEndSize = 22;
+constexpr std::uint64_t kEndPlaceSize = 20;
 constexpr std::uint64_t kLargeEndSize = 56;
-constexpr std::uint32_t kLocalEntry = 0x04034b50;
-constexpr std::uint32_t kEntry = 0x02014b50;
 constexpr std::uint64_t kEntrySize = 46;
 constexpr std::uint64_t kLocalEntrySize = 30;
 constexpr std::uint64_t kStored = 0;
