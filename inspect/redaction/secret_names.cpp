@@ -162,8 +162,8 @@ bool isUserOption(std::string_view option) {
 
 bool hasPassword(std::string_view user) {
     const std::size_t colon = user.find(':');
-    return colon != kNone && colon > 0 && colon + 1 < user.size() &&
-           user.find_first_not_of("0123456789:") != kNone;
+    return colon != std::string_view::npos && colon > 0 && colon + 1 < user.size() &&
+           user.find_first_not_of("0123456789:") != std::string_view::npos;
 }
 
 }  // namespace rcp::inspect
