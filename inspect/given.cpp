@@ -117,6 +117,7 @@ std::string Settlement::settleInstallation() {
         return "no launcher at " +
                (given_.launcher.empty() ? given_.installation : given_.launcher) +
                (given_.root.empty() ? "" : " of the tree in " + given_.root) +
+               whyNoLauncher(given_.launcher, given_.installation) +
                "; give --install DIR, where DIR holds rcp/rcplauncher or is an application "
                "bundle, or --launcher FILE";
     }
@@ -128,7 +129,7 @@ std::string Settlement::settleInstallation() {
         const Unstaged own;
         options_.other = launcherPath({}, given_.other, Launcher::kIsThere);
         if (options_.other.empty()) {
-            return "no launcher at " + given_.other;
+            return "no launcher at " + given_.other + whyNoLauncher({}, given_.other);
         }
     }
     return {};

@@ -8,6 +8,9 @@
 #include "platform/install_location.h"
 #include "platform/text.h"
 
+#include <errno.h>
+#include <string.h>
+
 #include <filesystem>
 
 namespace rcp::inspect {
@@ -19,11 +22,16 @@ std::string launcherIn(const std::string& installation) {
     return bundled.empty() ? installation + "/rcp/rcplauncher" : bundled;
 }
 
+// The launcher that is named, or that of an installation.
+std::string namedPath(const std::string& launcher, const std::string& installation) {
+    return launcher.empty() ? launcherIn(installation) : launcher;
+}
+
 }  // namespace
 
 std::string launcherPath(const std::string& launcher, const std::string& installation,
                          Launcher presence) {
-    const std::string path = launcher.empty() ? launcherIn(installation) : launcher;
+    const std::string path = namedPath(launcher, installation);
     std::error_code failed;
     std::string absolute = pathOfPlace(std::filesystem::absolute(path, failed).lexically_normal());
     const std::string contents = contentsAround(absolute);
@@ -34,6 +42,12 @@ std::string launcherPath(const std::string& launcher, const std::string& install
     const bool isLauncher =
         !failed && isStaged(absolute) && existsA(absolute) && !isFolder(absolute);
     return isLauncher ? absolute : std::string();
+}
+
+std::string whyNoLauncher(const std::string& launcher, const std::string& installation) {
+    const bool isThere = existsA(namedPath(launcher, installation));
+    const bool isNothing = isThere || errno == ENOENT || errno == ENOTDIR;
+    return isNothing ? std::string() : std::string(": ") + strerror(errno);
 }
 
 std::string installationOf(const std::string& launcher) {

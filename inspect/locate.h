@@ -12,6 +12,8 @@ enum class Launcher { kIsThere, kMayBeMissing };
 /// none.
 std::string launcherPath(const std::string& launcher, const std::string& installation,
                          Launcher presence);
+/// ": Permission denied" and the like, where one may be there all the same; empty where there is none.
+std::string whyNoLauncher(const std::string& launcher, const std::string& installation);
 
 /// The installation directory that a launcher at this path finds; empty for no path.
 std::string installationOf(const std::string& launcher);

@@ -169,8 +169,7 @@ constexpr FindingRule kRules[] = {
      "once, so the user keeps the former entry.",
      "Start once with -resetconfig, or change the user's copy."},
     {"RI608", "incomplete-copy", kWarning,
-     "A file of the user's is not whole: what made it was interrupted, and no launch makes it "
-     "again.",
+     "A file of the user's is not whole: what made it was interrupted.",
      "Start once with -resetconfig, or remove the file."},
     {"RI609", "no-room", kError,
      "A launch writes more than there is room for, on the disk or within the user's quota.",

@@ -84,6 +84,20 @@ TEST_F(InspectInItsInstallation, WrongUseIsRedactedToo) {
     }
 }
 
+TEST_F(InspectInItsInstallation, WhyALauncherCannotBeReachedIsTold) {
+    const std::string loop = folder_.narrow("home/loop");
+    std::filesystem::create_symlink(loop, loop);
+    for (const char* option : {"--install", "--launcher"}) {
+        test::Program program({"/bin/sh", "-c", R"(exec "$0" explain "$1" "$2" 2>&1)",
+                               rcp::test::seen(INSPECT_PROGRAM), option, loop},
+                              environment());
+        EXPECT_EQ(program.rest().find("rcpinspect: no launcher at " + loop +
+                                      ": Too many levels of symbolic links; give --install DIR"),
+                  0U);
+        EXPECT_EQ(program.wait(), 64);
+    }
+}
+
 TEST_F(InspectInItsInstallation, OutputThatCannotBeWrittenIsAFailure) {
     for (const char* command : {"explain", "check --format sarif", "status", "diff --with ."}) {
         EXPECT_EQ(statusOf(command), 0) << command;
